@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tessarine {
+
+class FileStore;
+class MainQueue;
+class SerialQueue;
+class WorkQueues;
+
+/// The program's one log: a text file of lines, each a time stamp, a blank and the message.
+/// `log` may be called from any thread; the lines are written by one serial queue in the order
+/// given, and the caller never waits for the disk. Nothing is created before the first line, and
+/// a line that can't be written is dropped.
+class Diagnostics {
+public:
+    enum class Run {
+        resident, ///< keeps the text of the run before in "log.txt" and begins anew
+        oneShot,  ///< adds to the log that is there
+    };
+
+    /// From here the log begins anew even within one run, so that it never fills a disk.
+    static constexpr std::size_t rotationBytes = 4 * 1024 * 1024;
+
+    /// `supportDir` gives the folder of "tessarine.log"; it is called off the main thread.
+    Diagnostics(MainQueue& queue,
+                WorkQueues& work,
+                FileStore& files,
+                std::function<std::string()> supportDir,
+                Run run);
+
+    /// Any thread. One line in plain words, with a topic in lower case before it where it has one.
+    void log(std::string_view message);
+
+private:
+    struct Log;
+    MainQueue& queue_;
+    SerialQueue& logQueue_;
+    std::shared_ptr<Log> log_;
+};
+
+} // namespace tessarine

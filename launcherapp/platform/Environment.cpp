@@ -1,0 +1,88 @@
+#include "launcherapp/platform/Environment.h"
+
+#include <initializer_list>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+using Variable = std::function<std::optional<std::string>(std::string_view)>;
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const auto end = std::min(text.find(separator), text.size());
+        if (end > 0)
+            parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+/// Without slashes at the end, so that joining gives one.
+std::string tidied(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
+std::string folder(const Variable& variable, std::string_view name, const std::string& otherwise) {
+    auto value = variable(name).value_or("");
+    return value.starts_with('/') ? tidied(std::move(value)) : otherwise;
+}
+
+std::vector<std::string>
+folders(const Variable& variable, std::string_view name, std::string_view otherwise) {
+    const auto value = variable(name).value_or("");
+    std::vector<std::string> result;
+    for (auto& each : split(value.empty() ? otherwise : value, ':')) {
+        if (each.starts_with('/'))
+            result.push_back(tidied(std::move(each)));
+    }
+    return result;
+}
+
+/// The first that is set and not empty.
+std::string locale(const Variable& variable, std::initializer_list<std::string_view> names) {
+    for (const auto name : names) {
+        if (auto value = variable(name); value && !value->empty())
+            return *value;
+    }
+    return "C";
+}
+
+bool isSet(const Variable& variable, std::string_view name) {
+    return !variable(name).value_or("").empty();
+}
+
+} // namespace
+
+Environment readEnvironment(const Variable& variable, std::string_view accountHome) {
+    Environment environment;
+    const auto account = accountHome.starts_with('/') ? std::string(accountHome) : "/";
+    environment.home = folder(variable, "HOME", tidied(account));
+    const auto below = environment.home == "/" ? "" : environment.home;
+    environment.dataHome = folder(variable, "XDG_DATA_HOME", below + "/.local/share");
+    environment.configHome = folder(variable, "XDG_CONFIG_HOME", below + "/.config");
+    environment.dataDirs = folders(variable, "XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+    environment.configDirs = folders(variable, "XDG_CONFIG_DIRS", "/etc/xdg");
+    if (auto runtime = folder(variable, "XDG_RUNTIME_DIR", ""); !runtime.empty())
+        environment.runtimeDir = std::move(runtime);
+    environment.desktops = split(variable("XDG_CURRENT_DESKTOP").value_or(""), ':');
+    environment.languagePriority = variable("LANGUAGE").value_or("");
+    environment.messagesLocale = locale(variable, {"LC_ALL", "LC_MESSAGES", "LANG"});
+    environment.collationLocale = locale(variable, {"LC_ALL", "LC_COLLATE", "LANG"});
+    environment.terminal = variable("TERMINAL").value_or("");
+    environment.hasX11 = isSet(variable, "DISPLAY");
+    environment.hasWayland = isSet(variable, "WAYLAND_DISPLAY");
+    return environment;
+}
+
+std::string expandingTilde(const Environment& environment, std::string_view path) {
+    if (path == "~" || path.starts_with("~/"))
+        return environment.home + std::string(path.substr(1));
+    return std::string(path);
+}
+
+} // namespace tessarine

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarine {
+
+/// What the process was told by its environment, read once at start. A value.
+struct Environment {
+    std::string home;                      ///< absolute; "/" when there is none
+    std::string dataHome;                  ///< XDG_DATA_HOME
+    std::string configHome;                ///< XDG_CONFIG_HOME
+    std::vector<std::string> dataDirs;     ///< XDG_DATA_DIRS, best first
+    std::vector<std::string> configDirs;   ///< XDG_CONFIG_DIRS, best first
+    std::optional<std::string> runtimeDir; ///< XDG_RUNTIME_DIR; nothing outside a login session
+    std::vector<std::string> desktops;     ///< XDG_CURRENT_DESKTOP, in order
+    std::string languagePriority;          ///< LANGUAGE; may be empty
+    std::string messagesLocale;            ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set
+    std::string collationLocale;           ///< of LC_ALL, LC_COLLATE, LANG; "C" when none is set
+    std::string terminal;                  ///< TERMINAL; may be empty
+    bool hasX11 = false;                   ///< DISPLAY is set
+    bool hasWayland = false;               ///< WAYLAND_DISPLAY is set
+
+    bool operator==(const Environment&) const = default;
+};
+
+/// Reads the variables with the defaults of the XDG Base Directory Specification 0.8; values that
+/// aren't absolute paths are ignored, as it asks. `variable` gives nothing for one that is unset,
+/// `accountHome` is the home folder of the user's account for when HOME is unset.
+Environment
+readEnvironment(const std::function<std::optional<std::string>(std::string_view name)>& variable,
+                std::string_view accountHome);
+
+/// A path that may begin "~" or "~/", with the home folder in its place; else `path` itself.
+std::string expandingTilde(const Environment& environment, std::string_view path);
+
+} // namespace tessarine

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "launcherapp/platform/Ability.h"
+#include "launcherapp/platform/Subscription.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarine {
+
+/// One window that the desktop manages, with what it says about its application.
+struct AppWindow {
+    std::uint64_t id = 0;
+    std::string applicationID;  ///< a desktop-file id the window names itself by; may be empty
+    std::string className;      ///< second half of WM_CLASS; may be empty
+    std::string instanceName;   ///< first half of WM_CLASS; may be empty
+    std::int64_t processID = 0; ///< 0 when the window doesn't tell
+    std::string executable;     ///< path of that process's program; empty when unknown
+    bool ordinary = true;       ///< a window that task bars show, not a panel or desktop
+    bool hidden = false;        ///< minimised
+
+    bool operator==(const AppWindow&) const = default;
+};
+
+/// The windows of running applications, and which is in front. Main thread only; a call waits at
+/// most a few milliseconds for the display.
+class WindowList {
+public:
+    virtual ~WindowList() = default;
+
+    /// Whether this desktop tells its windows; when not, the lists below are empty.
+    virtual Ability ability() const = 0;
+
+    /// Oldest first.
+    virtual std::vector<AppWindow> windows() const = 0;
+
+    /// The window that has the user's attention; nothing when none has.
+    virtual std::optional<AppWindow> active() const = 0;
+
+    /// Calls `changed` after another window has become active.
+    virtual Subscription onActiveChanged(std::function<void()> changed) = 0;
+
+    /// Brings a window back from the task bar. Nothing happens when it is gone.
+    virtual void unhide(std::uint64_t window) = 0;
+
+    /// Brings a window to the front and gives it the keyboard. Nothing happens when it is gone.
+    virtual void activate(std::uint64_t window) = 0;
+};
+
+} // namespace tessarine
