@@ -18,6 +18,9 @@ std::string fold(std::string_view text);
 /// Folds diacritics and width, and keeps case.
 std::string foldKeepingCase(std::string_view text);
 
+/// Folds case alone: `foldCase(foldKeepingCase(text))` is `fold(text)`.
+std::string foldCase(std::string_view text);
+
 /// Lower case by the full Unicode mapping with no locale.
 std::string lowercase(std::string_view text);
 

@@ -41,6 +41,7 @@ private:
     ProcessLauncher& processes_;
     ApplicationBus& bus_;
     std::string terminalVariable_;
+    bool hasX11_;
     std::uint64_t launches_ = 0;
 };
 

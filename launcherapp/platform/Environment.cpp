@@ -69,6 +69,8 @@ Environment readEnvironment(const Variable& variable, std::string_view accountHo
     environment.configDirs = folders(variable, "XDG_CONFIG_DIRS", "/etc/xdg");
     if (auto runtime = folder(variable, "XDG_RUNTIME_DIR", ""); !runtime.empty())
         environment.runtimeDir = std::move(runtime);
+    environment.programDirs = folders(variable, "PATH", "/usr/local/bin:/usr/bin:/bin");
+    environment.temporaryDir = folder(variable, "TMPDIR", "/tmp");
     environment.desktops = split(variable("XDG_CURRENT_DESKTOP").value_or(""), ':');
     environment.languagePriority = variable("LANGUAGE").value_or("");
     environment.messagesLocale = locale(variable, {"LC_ALL", "LC_MESSAGES", "LANG"});

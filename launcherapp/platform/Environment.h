@@ -16,6 +16,8 @@ struct Environment {
     std::vector<std::string> dataDirs;     ///< XDG_DATA_DIRS, best first
     std::vector<std::string> configDirs;   ///< XDG_CONFIG_DIRS, best first
     std::optional<std::string> runtimeDir; ///< XDG_RUNTIME_DIR; nothing outside a login session
+    std::vector<std::string> programDirs;  ///< PATH, in order
+    std::string temporaryDir = "/tmp";     ///< TMPDIR
     std::vector<std::string> desktops;     ///< XDG_CURRENT_DESKTOP, in order
     std::string languagePriority;          ///< LANGUAGE; may be empty
     std::string messagesLocale;            ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set

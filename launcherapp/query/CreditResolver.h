@@ -7,6 +7,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace tessarine {
 
@@ -21,8 +22,8 @@ struct ResolvedCredit {
 };
 
 /// Looks credits up among the installed applications, once per distinct credit and process: one
-/// that was missing stays missing until a restart. Asked when a row is drawn, never for a row that
-/// can't be seen. Main thread only.
+/// that was missing stays missing until a restart, unless it was asked for before the catalog's
+/// first scan. Asked when a row is drawn, never for a row that can't be seen. Main thread only.
 class CreditResolver {
 public:
     static constexpr int iconPoints = 16;
@@ -44,6 +45,7 @@ private:
     const FileStore& files_;
     Environment environment_;
     std::unordered_map<RowCreditSpec, ResolvedCredit> resolved_;
+    std::unordered_set<RowCreditSpec> resolvedBeforeScan_;
 };
 
 } // namespace tessarine

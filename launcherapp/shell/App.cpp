@@ -1,0 +1,127 @@
+#include "launcherapp/shell/App.h"
+
+#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/catalog/RecentApps.h"
+#include "launcherapp/catalog/RunningApps.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/linux/DBusApplicationBus.h"
+#include "launcherapp/platform/linux/FileResidentCopies.h"
+#include "launcherapp/platform/linux/InotifyDirectoryWatcher.h"
+#include "launcherapp/platform/linux/NoWindowList.h"
+#include "launcherapp/platform/linux/PosixFileStore.h"
+#include "launcherapp/platform/linux/QtMainQueue.h"
+#include "launcherapp/platform/linux/QtProcessLauncher.h"
+#include "launcherapp/platform/linux/ThemeIcons.h"
+#include "launcherapp/platform/linux/ThreadPoolWorkQueues.h"
+#include "launcherapp/platform/linux/X11WindowList.h"
+#include "launcherapp/query/CreditResolver.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/Modes.h"
+#include "launcherapp/shell/ProductInfo.h"
+#include "launcherapp/shell/SingleInstance.h"
+#include "launcherapp/shell/SupportDirectory.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+void printLine(std::string_view line) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+std::unique_ptr<WindowList> windowList(const Environment& environment) {
+    if (environment.hasX11)
+        return std::make_unique<X11WindowList>();
+    return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland are "
+                                          "not read yet");
+}
+
+} // namespace
+
+struct App::Services {
+    Services(CommandLine arguments, Environment startEnvironment)
+        : commandLine(std::move(arguments)), environment(std::move(startEnvironment)),
+          endsByItself(Modes::endsByItself(commandLine)) {}
+
+    const CommandLine commandLine;
+    const Environment environment;
+    const bool endsByItself; ///< a mode was asked for: this is no resident copy
+
+    // The doors to the world.
+    QtMainQueue queue;
+    ThreadPoolWorkQueues work{queue};
+    PosixFileStore files;
+    InotifyDirectoryWatcher watcher{queue};
+    QtProcessLauncher processes{environment};
+    DBusApplicationBus bus{queue};
+    ThemeIcons icons{environment};
+    std::unique_ptr<WindowList> windows = windowList(environment);
+    FileResidentCopies copies{environment};
+
+    // The services, in start-up order.
+    Diagnostics diagnostics{queue,
+                            work,
+                            files,
+                            [folder = supportDirectory(environment)] { return folder; },
+                            endsByItself ? Diagnostics::Run::oneShot : Diagnostics::Run::resident};
+    RunningApps running{*windows};
+    AppLauncher launcher{queue, processes, bus, environment};
+    AppCatalog catalog{{.queue = queue,
+                        .work = work,
+                        .files = files,
+                        .watcher = watcher,
+                        .icons = icons,
+                        .launcher = launcher,
+                        .running = running,
+                        .diagnostics = diagnostics},
+                       environment,
+                       commandLine.has("--demo") ? AppCatalog::Content::demonstration
+                                                 : AppCatalog::Content::installed,
+                       {}};
+    SearchModel model{catalog};
+    CreditResolver credits{catalog, icons, files, environment};
+    RecentApps recent{running, catalog};
+
+    ModeContext modes{.commandLine = commandLine,
+                      .environment = environment,
+                      .queue = queue,
+                      .files = files,
+                      .catalog = catalog,
+                      .model = model,
+                      .credits = credits,
+                      .print = printLine,
+                      .finish = [](int status) { QCoreApplication::exit(status); }};
+};
+
+App::App(CommandLine commandLine, Environment environment)
+    : services_(std::make_unique<Services>(std::move(commandLine), std::move(environment))) {}
+
+App::~App() = default;
+
+int App::run() {
+    Services& services = *services_;
+    // A one-shot mode has no identity of its own: it leaves the resident copy alone.
+    const auto identity =
+        services.endsByItself ? std::nullopt : std::optional(ProductInfo::bundleID);
+    SingleInstance::enforce(services.copies, services.queue, services.diagnostics, identity);
+    if (identity)
+        services.copies.announce();
+    services.catalog.start();
+    Modes::schedule(services.modes);
+    if (identity)
+        std::fputs("Tessarine is running. It has no panel and no hotkey yet: see the README for "
+                   "what works today. Control-C ends it.\n",
+                   stderr);
+    return QCoreApplication::exec();
+}
+
+} // namespace tessarine

@@ -1,3 +1,34 @@
-int main() {
-    return 0;
+#include "LauncherCore/text/Folding.h"
+#include "launcherapp/platform/linux/ProcessEnvironment.h"
+#include "launcherapp/platform/linux/QtApplication.h"
+#include "launcherapp/shell/App.h"
+#include "launcherapp/shell/Modes.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+
+using namespace tessarine;
+
+int main(int argc, char** argv) {
+    std::vector<std::string> words;
+    for (int i = 1; i < argc; ++i)
+        words.push_back(Folding::repairedUtf8(argv[i]));
+    CommandLine commandLine(std::move(words));
+
+    if (const auto refusal = Modes::refusal(commandLine)) {
+        std::fputs(refusal->c_str(), stderr);
+        return 2;
+    }
+    if (const auto ending = Modes::endEarly(commandLine)) {
+        for (const auto& line : ending->lines)
+            std::puts(line.c_str());
+        return ending->status;
+    }
+    auto environment = processEnvironment();
+    const auto application =
+        makeQtApplication(argc,
+                          argv,
+                          Modes::endsByItself(commandLine) ? QtSurface::none : QtSurface::windows,
+                          environment);
+    return App(std::move(commandLine), std::move(environment)).run();
 }

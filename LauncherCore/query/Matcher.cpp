@@ -1,0 +1,300 @@
+#include "LauncherCore/query/Matcher.h"
+
+#include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/Graphemes.h"
+#include "LauncherCore/text/Scalars.h"
+
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <memory_resource>
+#include <numeric>
+
+namespace tessarine {
+
+namespace {
+
+using Index = std::int64_t;
+/// In scratch memory, so that a miss allocates nothing.
+using Indexes = std::pmr::vector<Index>;
+
+constexpr Index bestTail = 500; ///< no tail is above it, so bands never overlap
+
+Index tail(Index penalty) {
+    return std::max<Index>(0, bestTail - penalty);
+}
+
+/// What a character is to the rule of word starts, by its first scalar.
+struct Letterform {
+    bool alphanumeric = false;
+    bool upper = false;
+    bool lower = false;
+};
+
+constexpr Letterform letterformAscii(char c) {
+    const bool upper = c >= 'A' && c <= 'Z';
+    const bool lower = c >= 'a' && c <= 'z';
+    const bool digit = c >= '0' && c <= '9';
+    return {.alphanumeric = upper || lower || digit, .upper = upper, .lower = lower};
+}
+
+Letterform letterform(std::string_view character) {
+    const char first = character.front();
+    if (static_cast<unsigned char>(first) < 0x80)
+        return letterformAscii(first);
+    const auto scalar = static_cast<UChar32>(Scalars::at(character, 0).value);
+    return {.alphanumeric = (U_GET_GC_MASK(scalar) & (U_GC_L_MASK | U_GC_N_MASK)) != 0,
+            .upper = u_isUUppercase(scalar) != 0,
+            .lower = u_isULowercase(scalar) != 0};
+}
+
+bool startsWord(Letterform previous, Letterform current) {
+    const bool afterGap = !previous.alphanumeric && current.alphanumeric;
+    return afterGap || (previous.lower && current.upper);
+}
+
+/// A text of which every byte is a character.
+class AsciiText {
+public:
+    explicit AsciiText(std::string_view bytes) : bytes_(bytes) {}
+
+    Index length() const { return static_cast<Index>(bytes_.size()); }
+
+    char at(Index index) const { return bytes_[static_cast<std::size_t>(index)]; }
+
+    bool isBlank(Index index) const { return at(index) == ' '; }
+
+private:
+    std::string_view bytes_;
+};
+
+/// A text with its characters' boundaries.
+class ClusteredText {
+public:
+    explicit ClusteredText(std::string text)
+        : text_(std::move(text)), boundaries_(Graphemes::boundaries(text_)) {}
+
+    Index length() const { return static_cast<Index>(boundaries_.size()) - 1; }
+
+    std::string_view at(Index index) const {
+        const auto i = static_cast<std::size_t>(index);
+        return std::string_view(text_).substr(boundaries_[i], boundaries_[i + 1] - boundaries_[i]);
+    }
+
+    bool isBlank(Index index) const { return at(index) == " "; }
+
+    const std::string& text() const { return text_; }
+
+private:
+    std::string text_;
+    std::vector<std::uint32_t> boundaries_;
+};
+
+/// Characters `from` up to `from + length` of a text.
+struct Piece {
+    Index from = 0;
+    Index length = 0;
+};
+
+/// Which characters of the candidate a match took, kept small until the match is certain.
+std::vector<Index> range(Index from, Index length) {
+    std::vector<Index> positions(static_cast<std::size_t>(length));
+    std::iota(positions.begin(), positions.end(), from);
+    return positions;
+}
+
+/// The rule itself, over a normalised query and candidate and the word starts of the candidate's
+/// cased form. The two forms can differ in length, so a start may lie beyond the candidate.
+template <typename Text> class Rule {
+public:
+    Rule(const Text& query, const Text& candidate, const Indexes& starts)
+        : query_(query), candidate_(candidate), starts_(starts) {}
+
+    std::optional<MatchResult> match(std::pmr::memory_resource* scratch) const {
+        const Index typed = query_.length();
+        const Index spare = candidate_.length() - typed;
+        if (standsAt({0, typed}, 0)) {
+            return MatchResult{.score = spare == 0 ? Matcher::exact : Matcher::prefix + tail(spare),
+                               .positions = range(0, typed)};
+        }
+        if (auto result = matchInitials(scratch))
+            return result;
+        if (auto result = matchWordPrefix())
+            return result;
+        return matchWords(scratch);
+    }
+
+private:
+    /// Whether a piece of the query stands in the candidate from `at`.
+    bool standsAt(Piece piece, Index at) const {
+        if (at + piece.length > candidate_.length())
+            return false;
+        for (Index i = 0; i < piece.length; ++i) {
+            if (query_.at(piece.from + i) != candidate_.at(at + i))
+                return false;
+        }
+        return true;
+    }
+
+    Index startCount() const { return static_cast<Index>(starts_.size()); }
+
+    std::optional<MatchResult> matchInitials(std::pmr::memory_resource* scratch) const {
+        const Index typed = query_.length();
+        if (typed < 2 || startCount() < typed)
+            return std::nullopt;
+        Indexes taken(scratch);
+        taken.reserve(static_cast<std::size_t>(typed));
+        auto start = starts_.begin();
+        for (Index i = 0; i < typed; ++i) {
+            while (start != starts_.end() &&
+                   !(*start < candidate_.length() && candidate_.at(*start) == query_.at(i)))
+                ++start;
+            if (start == starts_.end())
+                return std::nullopt;
+            taken.push_back(*start++);
+        }
+        const Index penalty = 10 * taken.front() + 20 * (startCount() - typed);
+        return MatchResult{.score = Matcher::initials + tail(penalty),
+                           .positions = {taken.begin(), taken.end()}};
+    }
+
+    std::optional<MatchResult> matchWordPrefix() const {
+        const Index typed = query_.length();
+        for (const Index start : starts_) {
+            if (start == 0 || !standsAt({0, typed}, start))
+                continue;
+            const Index penalty = 5 * start + (candidate_.length() - typed);
+            return MatchResult{.score = Matcher::wordPrefix + tail(penalty),
+                               .positions = range(start, typed)};
+        }
+        return std::nullopt;
+    }
+
+    std::pmr::vector<Piece> pieces(std::pmr::memory_resource* scratch) const {
+        std::pmr::vector<Piece> result(scratch);
+        const Index typed = query_.length();
+        for (Index i = 0; i < typed; ++i) {
+            if (query_.isBlank(i))
+                continue;
+            const Index from = i;
+            while (i < typed && !query_.isBlank(i))
+                ++i;
+            result.push_back({from, i - from});
+        }
+        return result;
+    }
+
+    std::optional<MatchResult> matchWords(std::pmr::memory_resource* scratch) const {
+        const auto words = pieces(scratch);
+        if (words.size() < 2)
+            return std::nullopt;
+        Indexes taken(scratch);
+        auto start = starts_.begin();
+        for (const auto& word : words) {
+            while (start != starts_.end() && !standsAt(word, *start))
+                ++start;
+            if (start == starts_.end())
+                return std::nullopt;
+            for (Index i = 0; i < word.length; ++i)
+                taken.push_back(*start + i);
+            ++start;
+        }
+        // A word may reach over the start of the next one, as "ab b" does in "aB".
+        std::ranges::sort(taken);
+        taken.erase(std::ranges::unique(taken).begin(), taken.end());
+        const Index penalty =
+            5 * taken.front() + 20 * (startCount() - static_cast<Index>(words.size()));
+        return MatchResult{.score = Matcher::initials + tail(penalty),
+                           .positions = {taken.begin(), taken.end()}};
+    }
+
+    const Text& query_;
+    const Text& candidate_;
+    const Indexes& starts_;
+};
+
+/// Without control characters, in lower case; the word starts of the cased form on the way.
+std::pmr::string
+normalizedAscii(std::string_view text, std::pmr::memory_resource* scratch, Indexes* starts) {
+    std::pmr::string result(scratch);
+    result.reserve(text.size());
+    Letterform previous;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+            continue;
+        const auto current = letterformAscii(c);
+        if (starts && startsWord(previous, current))
+            starts->push_back(static_cast<Index>(result.size()));
+        previous = current;
+        result += current.upper ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return result;
+}
+
+std::optional<MatchResult> scoreAscii(std::string_view query, std::string_view candidate) {
+    // Room for a candidate and query of a few hundred characters; longer ones go to the heap.
+    std::array<std::byte, 4096> room;
+    std::pmr::monotonic_buffer_resource scratch(room.data(), room.size());
+    const auto q = normalizedAscii(query, &scratch, nullptr);
+    if (q.empty())
+        return MatchResult{};
+    Indexes starts(&scratch);
+    starts.reserve(32);
+    const auto c = normalizedAscii(candidate, &scratch, &starts);
+    if (c.empty())
+        return std::nullopt;
+    const AsciiText queryText(q);
+    const AsciiText candidateText(c);
+    return Rule(queryText, candidateText, starts).match(&scratch);
+}
+
+std::optional<MatchResult> scoreUnicode(std::string_view query, std::string_view candidate) {
+    const ClusteredText q(Matcher::normalize(query));
+    if (q.length() == 0)
+        return MatchResult{};
+    const ClusteredText cased(
+        Folding::foldKeepingCase(Folding::withoutControlAndFormat(candidate)));
+    const ClusteredText c(Folding::lowercase(Folding::foldCase(cased.text())));
+    if (c.length() == 0)
+        return std::nullopt;
+    std::array<std::byte, 4096> room;
+    std::pmr::monotonic_buffer_resource scratch(room.data(), room.size());
+    Indexes starts(&scratch);
+    Letterform previous;
+    for (Index i = 0; i < cased.length(); ++i) {
+        const auto current = letterform(cased.at(i));
+        if (startsWord(previous, current))
+            starts.push_back(i);
+        previous = current;
+    }
+    return Rule(q, c, starts).match(&scratch);
+}
+
+} // namespace
+
+std::string Matcher::normalize(std::string_view text) {
+    return Folding::lowercase(Folding::fold(Folding::withoutControlAndFormat(text)));
+}
+
+std::vector<std::int64_t> Matcher::wordStarts(const std::vector<std::string_view>& characters) {
+    std::vector<std::int64_t> starts;
+    // Before the first character stands neither a letter nor a number.
+    Letterform previous;
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        const auto current = letterform(characters[i]);
+        if (startsWord(previous, current))
+            starts.push_back(static_cast<std::int64_t>(i));
+        previous = current;
+    }
+    return starts;
+}
+
+std::optional<MatchResult> Matcher::score(std::string_view query, std::string_view candidate) {
+    if (Folding::isAscii(query) && Folding::isAscii(candidate))
+        return scoreAscii(query, candidate);
+    return scoreUnicode(query, candidate);
+}
+
+} // namespace tessarine

@@ -1,0 +1,72 @@
+#include "LauncherCore/text/Urls.h"
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::string_view fileScheme = "file://";
+constexpr std::string_view localHost = "localhost";
+
+bool isUnreserved(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '.' || c == '_' || c == '~';
+}
+
+/// The value of a hexadecimal digit; -1 for any other character.
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+} // namespace
+
+std::string Urls::fileUrl(std::string_view path) {
+    static constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string url(fileScheme);
+    for (const char c : path) {
+        if (isUnreserved(c) || c == '/') {
+            url += c;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(c);
+        url += '%';
+        url += digits[byte >> 4];
+        url += digits[byte & 0xf];
+    }
+    return url;
+}
+
+std::optional<std::string> Urls::filePath(std::string_view url) {
+    if (!url.starts_with(fileScheme))
+        return std::nullopt;
+    url.remove_prefix(fileScheme.size());
+    if (url.starts_with(localHost))
+        url.remove_prefix(localHost.size());
+    if (!url.starts_with('/'))
+        return std::nullopt;
+    std::string path;
+    for (std::size_t i = 0; i < url.size(); ++i) {
+        if (url[i] != '%' || i + 2 >= url.size()) {
+            path += url[i];
+            continue;
+        }
+        const int high = hexDigit(url[i + 1]);
+        const int low = hexDigit(url[i + 2]);
+        if (high < 0 || low < 0) {
+            path += url[i];
+            continue;
+        }
+        path += static_cast<char>(high * 16 + low);
+        i += 2;
+    }
+    if (path.find('\0') != std::string::npos)
+        return std::nullopt;
+    return path;
+}
+
+} // namespace tessarine

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Percent-encoding of URLs (RFC 3986). Pure; any thread.
+namespace tessarine::Urls {
+
+/// "file://" and the absolute path, with everything but unreserved characters and "/" encoded.
+std::string fileUrl(std::string_view path);
+
+/// The path that a file URL of this machine names; nothing for any other URL, for one of another
+/// host, and for a path with a NUL in it.
+std::optional<std::string> filePath(std::string_view url);
+
+} // namespace tessarine::Urls

@@ -1,0 +1,162 @@
+#include "launcherapp/catalog/AppCatalog.h"
+
+#include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/catalog/AppScan.h"
+#include "launcherapp/catalog/DemonstrationApps.h"
+#include "launcherapp/catalog/RunningApps.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/Icons.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::string_view genericSymbol = "app";
+
+struct TimedScan {
+    AppScan::Result result;
+    double millis = 0;
+};
+
+} // namespace
+
+AppCatalog::AppCatalog(Doors doors,
+                       Environment environment,
+                       Content content,
+                       std::vector<std::string> extraFolders)
+    : doors_(doors), environment_(std::move(environment)), content_(content),
+      extraFolders_(std::move(extraFolders)) {}
+
+void AppCatalog::start() {
+    requireMainThread(doors_.queue);
+    if (content_ == Content::demonstration) {
+        publish(demonstrationApps(), registry_, 0);
+        return;
+    }
+    rescan();
+    // From the very start, so that no change falls between the first scan and its watch.
+    watch(roots());
+}
+
+void AppCatalog::rescan() {
+    requireMainThread(doors_.queue);
+    if (content_ == Content::demonstration)
+        return;
+    const auto scan = ++scansStarted_;
+    doors_.work.run(
+        WorkPriority::userInitiated,
+        [&files = doors_.files,
+         &clock = std::as_const(doors_.queue),
+         environment = environment_,
+         folders = roots()] {
+            const auto started = clock.uptime();
+            auto result = AppScan::scan(files, environment, folders);
+            const auto took = std::chrono::duration<double, std::milli>(clock.uptime() - started);
+            return TimedScan{.result = std::move(result), .millis = took.count()};
+        },
+        [this, scan](TimedScan scanned) {
+            if (scan != scansStarted_)
+                return;
+            watch(scanned.result.directories);
+            publish(
+                std::move(scanned.result.apps), std::move(scanned.result.registry), scanned.millis);
+        });
+}
+
+Subscription AppCatalog::onPublished(std::function<void()> published) {
+    const auto id = nextObserver_++;
+    observers_.emplace(id, std::move(published));
+    return Subscription([this, id] { observers_.erase(id); });
+}
+
+std::vector<std::string> AppCatalog::roots() const {
+    return AppScan::roots(environment_, extraFolders_);
+}
+
+Image AppCatalog::icon(const CatalogApp& app) {
+    requireMainThread(doors_.queue);
+    if (const auto kept = icons_.find(app.id); kept != icons_.end())
+        return kept->second;
+    const auto* installed = registry_->byPath(app.path);
+    auto image = installed ? doors_.icons.icon(installed->icon, iconPoints) : std::nullopt;
+    if (!image)
+        image = doors_.icons.symbol(genericSymbol, iconPoints);
+    return icons_.emplace(app.id, *std::move(image)).first->second;
+}
+
+void AppCatalog::launch(const CatalogApp& app) {
+    requireMainThread(doors_.queue);
+    const auto* installed = registry_->byPath(app.path);
+    if (!installed) {
+        doors_.diagnostics.log(fmt::format("launch failed for {}: it is not installed", app.name));
+        return;
+    }
+    if (const auto running = doors_.running.running(installed->bundleID)) {
+        doors_.running.unhide(*running);
+        // One that the session bus activates knows better which of its windows to show.
+        if (!installed->busActivatable) {
+            doors_.running.activate(*running);
+            return;
+        }
+    }
+    doors_.launcher.launch(
+        *installed,
+        {},
+        [&diagnostics = doors_.diagnostics, name = app.name](std::optional<std::string> problem) {
+            if (problem)
+                diagnostics.log(fmt::format("launch failed for {}: {}", name, *problem));
+        });
+}
+
+const std::set<std::string>& AppCatalog::runningBundleIDs() {
+    requireMainThread(doors_.queue);
+    const auto now = doors_.queue.uptime();
+    if (!runningCache_.at || now - *runningCache_.at >= runningLifetime) {
+        runningCache_ = {.at = now};
+        for (const auto& app : doors_.running.running())
+            runningCache_.ids.insert(app.bundleID);
+    }
+    return runningCache_.ids;
+}
+
+void AppCatalog::publish(std::vector<CatalogApp> apps,
+                         std::shared_ptr<const AppRegistry> registry,
+                         double millis) {
+    std::set<std::string_view> present;
+    for (const auto& app : apps)
+        present.insert(app.id);
+    std::erase_if(icons_, [&](const auto& icon) { return !present.contains(icon.first); });
+    apps_ = std::move(apps);
+    registry_ = std::move(registry);
+    lastScan_ = doors_.queue.now();
+    lastScanMillis_ = millis;
+    doors_.running.useRegistry(registry_);
+    const auto observers = observers_; // one of them may end its own subscription
+    for (const auto& [id, published] : observers)
+        published();
+}
+
+void AppCatalog::watch(const std::vector<std::string>& directories) {
+    if (directories == watched_)
+        return;
+    watched_ = directories;
+    streams_ = doors_.watcher.watch(
+        directories, watchLatency, [this](const DirectoryChanges&) { scheduleRescan(); });
+}
+
+void AppCatalog::scheduleRescan() {
+    if (rescanPending_)
+        return;
+    rescanPending_ = true;
+    doors_.queue.postAfter(rescanDelay, [this] {
+        rescanPending_ = false;
+        rescan();
+    });
+}
+
+} // namespace tessarine

@@ -1,0 +1,86 @@
+#include "launcherapp/operations/Diagnostics.h"
+
+#include "launcherapp/platform/FileStore.h"
+#include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/WorkQueues.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// UTC with milliseconds, so that lines of two machines or of a clock change stay in order.
+std::string stamp(double now) {
+    using namespace std::chrono;
+    const sys_time<milliseconds> moment{milliseconds(static_cast<milliseconds::rep>(now * 1000))};
+    const auto whole = floor<seconds>(moment);
+    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", whole, (moment - whole).count());
+}
+
+/// The message on one line, whatever a file name in it holds.
+std::string oneLine(std::string_view message) {
+    std::string line(message);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    return line;
+}
+
+} // namespace
+
+/// The file's side, touched by the serial queue's jobs alone.
+struct Diagnostics::Log {
+    FileStore& files;
+    std::function<std::string()> supportDir;
+    Run run;
+    std::string path = {};
+    std::size_t bytes = 0;
+
+    void write(const std::string& line) {
+        try {
+            if (path.empty())
+                open();
+            if (run == Run::resident && bytes + line.size() > rotationBytes)
+                beginAnew();
+            files.append(path, line);
+            bytes += line.size();
+        } catch (const FileError&) {
+            // There is no better place to tell it: logging never troubles its caller.
+        }
+    }
+
+    void open() {
+        const auto folder = supportDir();
+        files.makeDirectories(folder);
+        path = folder + "/tessarine.log";
+        if (run == Run::resident)
+            beginAnew();
+    }
+
+    void beginAnew() {
+        if (files.info(path))
+            files.rename(path, path.substr(0, path.rfind('/')) + "/log.txt");
+        bytes = 0;
+    }
+};
+
+Diagnostics::Diagnostics(MainQueue& queue,
+                         WorkQueues& work,
+                         FileStore& files,
+                         std::function<std::string()> supportDir,
+                         Run run)
+    : queue_(queue), logQueue_(work.serial("com.corvane.tessarine.log")),
+      log_(std::make_shared<Log>(
+          Log{.files = files, .supportDir = std::move(supportDir), .run = run})) {}
+
+void Diagnostics::log(std::string_view message) {
+    auto line = fmt::format("{} {}\n", stamp(queue_.now()), oneLine(message));
+    logQueue_.submit([log = log_, line = std::move(line)] { log->write(line); });
+}
+
+} // namespace tessarine

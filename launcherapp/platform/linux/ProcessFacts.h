@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// What the kernel tells of another process of the user.
+namespace tessarine::ProcessFacts {
+
+/// The path of its program; empty when it is gone or another user's.
+std::string executable(std::int64_t process);
+
+/// The application id that its launcher gave it, from the name of its control group: Flatpak,
+/// GNOME, KDE and this program name them so. Empty when the name tells none.
+std::string applicationID(std::int64_t process);
+
+} // namespace tessarine::ProcessFacts

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "launcherapp/platform/WorkQueues.h"
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tessarine {
+
+class MainQueue;
+
+/// Work queues over a few threads of this process. Those of utility priority run at the lowest
+/// priority that the system gives, so that they never take a core from somebody who waits.
+/// On destruction the serial queues' jobs are all run, other jobs that have not begun are dropped.
+class ThreadPoolWorkQueues : public WorkQueues {
+public:
+    explicit ThreadPoolWorkQueues(MainQueue& mainQueue);
+    ~ThreadPoolWorkQueues() override;
+    ThreadPoolWorkQueues(const ThreadPoolWorkQueues&) = delete;
+    ThreadPoolWorkQueues& operator=(const ThreadPoolWorkQueues&) = delete;
+
+    SerialQueue& serial(std::string_view name) override;
+    void submit(WorkPriority priority,
+                std::function<void()> job,
+                std::function<void()> completion) override;
+
+private:
+    /// One line of waiting jobs and the threads that work it off.
+    class Lane : public SerialQueue {
+    public:
+        enum class AtEnd { runWaiting, dropWaiting };
+        enum class Niceness { normal, lowest };
+
+        Lane(std::size_t threads, Niceness niceness, AtEnd atEnd);
+        ~Lane() override;
+        Lane(const Lane&) = delete;
+        Lane& operator=(const Lane&) = delete;
+
+        void submit(std::function<void()> job) override;
+
+    private:
+        void work(Niceness niceness);
+
+        const AtEnd atEnd_;
+        // The queue itself is what threads share: nothing is called while the lock is held.
+        std::mutex mutex_;
+        std::condition_variable arrived_;
+        std::deque<std::function<void()>> waiting_;
+        bool ending_ = false;
+        std::vector<std::thread> threads_;
+    };
+
+    MainQueue& mainQueue_;
+    std::map<std::string, std::unique_ptr<Lane>, std::less<>> serial_;
+    Lane userInitiated_;
+    Lane utility_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,109 @@
+#include "launcherapp/query/CreditResolver.h"
+
+#include "tests/fakes/FakeServices.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarine {
+namespace {
+
+using testing::ElementsAre;
+
+class CreditResolverTest : public testing::Test {
+protected:
+    ResolvedCredit resolveUrl(const std::string& url) {
+        return credits.resolve(*RowCreditSpec::forURLString(url));
+    }
+
+    FakeServices services;
+    CreditResolver credits{
+        services.catalog, services.platform.icons, services.platform.files, services.environment};
+};
+
+TEST_F(CreditResolverTest, schemesAreCreditedToWhoOpensThem) {
+    services.install("fox", "Firewolf", "Icon=fox\nMimeType=x-scheme-handler/https;\n");
+    services.install("mail", "Post", "MimeType=x-scheme-handler/mailto;\nNoDisplay=true\n");
+    services.platform.icons.known = {"fox"};
+    services.startCatalog();
+
+    const auto web = resolveUrl("https://example.com");
+    EXPECT_EQ(web.name, "Firewolf");
+    EXPECT_TRUE(web.found);
+    EXPECT_THAT(services.platform.icons.drawn, ElementsAre("fox"));
+
+    EXPECT_EQ(resolveUrl("mailto:a@b").name, "Post"); // no row of its own, yet it opens mail
+
+    const auto nobody = resolveUrl("gopher://x");
+    EXPECT_EQ(nobody.name, "gopher");
+    EXPECT_FALSE(nobody.found);
+    EXPECT_THAT(services.platform.icons.symbols, testing::Contains("app.dashed"));
+}
+
+TEST_F(CreditResolverTest, partsOfTheDesktopAreCreditedToWhatTakesThem) {
+    services.install("org.x.Files", "Files", "MimeType=inode/directory;\n");
+    services.install("org.gnome.Settings", "Settings");
+    services.startCatalog();
+    for (const auto& spec :
+         {RowCreditSpec::finder(), RowCreditSpec::systemSettings(), RowCreditSpec::system()}) {
+        const auto& credit = credits.resolve(spec);
+        EXPECT_TRUE(credit.found) << credit.name;
+        EXPECT_EQ(credit.name, spec.fallbackName()); // the row's own word for it stays
+    }
+    EXPECT_FALSE(credits.resolve(RowCreditSpec::calendar()).found);
+    // A made-up id must not be found, or `found` would prove nothing.
+    EXPECT_FALSE(
+        credits
+            .resolve({.value = RowCreditSpec::App{.bundleIDs = {"com.example.no-such-app-1"},
+                                                  .name = "None"}})
+            .found);
+}
+
+TEST_F(CreditResolverTest, applicationsOnDiskAreCreditedByTheirEntry) {
+    const auto path = services.install("edit", "Text Editor", "Icon=edit\n");
+    services.platform.files.file("/home/u/bin/tool.sh", "");
+    services.startCatalog();
+
+    const struct {
+        std::string path;
+        std::string name;
+        bool found;
+    } cases[] = {
+        {path, "Text Editor", true},
+        {"~/bin/tool.sh", "tool", true},
+        {"/opt/gone.desktop", "gone", false},
+    };
+
+    for (const auto& [where, name, found] : cases) {
+        const auto& credit = credits.resolve({.value = RowCreditSpec::AppPath{where}});
+        EXPECT_EQ(credit.name, name);
+        EXPECT_EQ(credit.found, found);
+    }
+}
+
+TEST_F(CreditResolverTest, aMachineIsAlwaysFound) {
+    const RowCreditSpec spec{
+        .value = RowCreditSpec::Machine{.name = "studio", .symbol = "desktopcomputer"}};
+    EXPECT_TRUE(credits.resolve(spec).found);
+    EXPECT_THAT(services.platform.icons.symbols, ElementsAre("desktopcomputer"));
+}
+
+TEST_F(CreditResolverTest, aCreditIsLookedUpOncePerProcess) {
+    services.startCatalog();
+    EXPECT_FALSE(resolveUrl("https://a").found);
+    const auto drawn = services.platform.icons.symbols.size();
+    services.install("fox", "Firewolf", "MimeType=x-scheme-handler/https;\n");
+    services.catalog.rescan();
+    services.platform.time.settle();
+    EXPECT_FALSE(resolveUrl("https://b").found);
+    EXPECT_EQ(services.platform.icons.symbols.size(), drawn);
+}
+
+TEST_F(CreditResolverTest, whatWasMissingBeforeTheFirstScanIsLookedUpAgain) {
+    services.install("fox", "Firewolf", "MimeType=x-scheme-handler/https;\n");
+    EXPECT_FALSE(resolveUrl("https://a").found);
+    services.startCatalog();
+    EXPECT_TRUE(resolveUrl("https://a").found);
+}
+
+} // namespace
+} // namespace tessarine

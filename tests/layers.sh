@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# The arrows between the layers, as far as the compiler can't see them: which headers a room may include.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+failures=0
+
+# refuse ROOM PATTERN REASON [PATHSPEC...]: no include in the room may match.
+refuse() {
+    local room=$1 pattern=$2 reason=$3 hits
+    shift 3
+    hits=$(grep -rnE --include='*.h' --include='*.cpp' "$@" "#include [<\"]($pattern)" "$room")
+    [ -z "$hits" ] && return
+    printf '%s\n%s\n' "$reason:" "$hits"
+    failures=1
+}
+
+system='Q[A-Z]|X11/|xcb/|wayland|gio/|glib|dbus/|unistd|fcntl|sys/|linux/|dlfcn|spawn'
+refuse LauncherCore "$system|launcherapp/|filesystem|fstream|thread|mutex" "LauncherCore knows values alone"
+refuse launcherapp "$system" "only platform/linux, App and main reach the system" \
+    --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
+refuse launcherapp "launcherapp/platform/linux/" "services know the doors, not what is behind them" \
+    --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
+refuse launcherapp/platform "launcherapp/(catalog|query|operations|shell)/" "the doors know no service"
+
+# A control: the rule must find an include that is there.
+grep -qE "#include <(Q[A-Z])" launcherapp/platform/linux/*.cpp || {
+    echo "inert: not even platform/linux seems to include Qt, so a pass here proves nothing"
+    failures=1
+}
+exit $failures
