@@ -215,21 +215,41 @@ private:
     const Indexes& starts_;
 };
 
+/// What every ASCII byte is, so that normalising is one look-up a byte.
+struct AsciiByte {
+    char lowered = 0;
+    bool dropped = false; ///< a control character
+    Letterform form;
+};
+
+constexpr auto asciiBytes = [] {
+    std::array<AsciiByte, 128> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const auto c = static_cast<char>(i);
+        const auto form = letterformAscii(c);
+        table[i] = {.lowered = form.upper ? static_cast<char>(c - 'A' + 'a') : c,
+                    .dropped = i < 0x20 || i == 0x7f,
+                    .form = form};
+    }
+    return table;
+}();
+
 /// Without control characters, in lower case; the word starts of the cased form on the way.
 std::pmr::string
 normalizedAscii(std::string_view text, std::pmr::memory_resource* scratch, Indexes* starts) {
-    std::pmr::string result(scratch);
-    result.reserve(text.size());
+    std::pmr::string result(text.size(), '\0', scratch);
+    std::size_t length = 0;
     Letterform previous;
     for (const char c : text) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+        const auto& byte = asciiBytes[static_cast<unsigned char>(c)];
+        if (byte.dropped)
             continue;
-        const auto current = letterformAscii(c);
-        if (starts && startsWord(previous, current))
-            starts->push_back(static_cast<Index>(result.size()));
-        previous = current;
-        result += current.upper ? static_cast<char>(c - 'A' + 'a') : c;
+        if (starts && startsWord(previous, byte.form))
+            starts->push_back(static_cast<Index>(length));
+        previous = byte.form;
+        result[length++] = byte.lowered;
     }
+    result.resize(length);
     return result;
 }
 
@@ -241,7 +261,7 @@ std::optional<MatchResult> scoreAscii(std::string_view query, std::string_view c
     if (q.empty())
         return MatchResult{};
     Indexes starts(&scratch);
-    starts.reserve(32);
+    starts.reserve(candidate.size());
     const auto c = normalizedAscii(candidate, &scratch, &starts);
     if (c.empty())
         return std::nullopt;
