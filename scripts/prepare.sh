@@ -77,6 +77,8 @@ build() {
         quiet=
     fi
     # shellcheck disable=SC2086 # no word at all when empty
-    ninja -C "$folder" $quiet "$@" >&2 || fail "the build failed"
+    ninja -C "$folder" $quiet "$@" 2>&1 |
+        sed -u -e '/^ninja: no work to do/d' -e '/^ninja: Entering directory/d' >&2 ||
+        fail "the build failed"
     : >"$stamp"
 }

@@ -1,0 +1,82 @@
+#include "LauncherCore/catalog/AppRegistry.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarine {
+namespace {
+
+InstalledApp app(const std::string& id, const std::string& exec = "x", bool listed = true) {
+    return {.bundleID = id, .path = "/a/" + id + ".desktop", .listed = listed, .exec = exec};
+}
+
+std::string idOf(const InstalledApp* found) {
+    return found ? found->bundleID : "(none)";
+}
+
+TEST(AppRegistry, idsAreFoundHoweverTheyAreWritten) {
+    const AppRegistry registry({app("org.gnome.Nautilus"), app("org.gnome.Nautilus"), app("fox")},
+                               {});
+    EXPECT_EQ(registry.byID("org.gnome.Nautilus"), &registry.apps()[0]); // the first counts
+    EXPECT_EQ(idOf(registry.byID("ORG.GNOME.nautilus.desktop")), "org.gnome.Nautilus");
+    EXPECT_EQ(idOf(registry.byID("Nautilus")), "(none)"); // no guessing by a part
+    EXPECT_EQ(idOf(registry.byID("")), "(none)");
+    EXPECT_EQ(idOf(registry.byPath("/a/fox.desktop")), "fox");
+}
+
+TEST(AppRegistry, windowsAreOwnedByTheBestHint) {
+    auto editor = app("org.x.Editor", "/usr/bin/editor-bin %F");
+    editor.windowClass = "EditorWindow";
+    auto helper = app("helper", "/usr/lib/shared-program", false);
+    const AppRegistry registry({helper,
+                                editor,
+                                app("org.gnome.Terminal", "gnome-terminal"),
+                                app("shared", "env A=b shared-program"),
+                                app("direct", "shared-program")},
+                               {});
+
+    const struct {
+        WindowOwnerHints window;
+        std::string owner;
+        const char* reason;
+    } cases[] = {
+        {{.applicationID = "shared", .className = "EditorWindow"}, "shared", "its own word first"},
+        {{.applicationID = "unknown", .className = "editorwindow"},
+         "org.x.Editor",
+         "then the class"},
+        {{.className = "X", .instanceName = "EditorWindow"}, "org.x.Editor", "or the instance"},
+        {{.className = "org.gnome.Terminal"}, "org.gnome.Terminal", "an id as class"},
+        {{.className = "Terminal"}, "org.gnome.Terminal", "the last part of an id"},
+        {{.className = "?", .executable = "/opt/bin/editor-bin"}, "org.x.Editor", "the program"},
+        {{.executable = "/usr/bin/shared-program"}, "direct", "a listed one before a helper"},
+        {{.executable = "/usr/bin/env"}, "(none)", "a wrapper tells nothing"},
+        {{.className = "gnome"}, "(none)", "no part in the middle"},
+        {{}, "(none)", "nothing known"},
+    };
+
+    for (const auto& [window, owner, reason] : cases)
+        EXPECT_EQ(idOf(registry.windowOwner(window)), owner) << reason;
+}
+
+TEST(AppRegistry, handlersFollowTheUsersAssociations) {
+    auto first = app("first");
+    first.mimeTypes = {"text/plain", "x-scheme-handler/https"};
+    auto second = app("second", "x", false);
+    second.mimeTypes = {"text/plain", "text/html"};
+    MimeApps associations;
+    // The user's own file is read before the system's.
+    associations.add(
+        "[Default Applications]\nX-Scheme-Handler/HTTPS = gone.desktop;second.desktop\n"
+        "[Removed Associations]\ntext/plain=first.desktop;\n");
+    associations.add(
+        "# system\n[Default Applications]\nx-scheme-handler/https=first.desktop\n"
+        "text/plain=first.desktop\n[Added Associations]\nimage/png=first;\nnonsense\n");
+    const AppRegistry registry({first, second}, associations);
+    EXPECT_EQ(idOf(registry.handlerForScheme("HTTPS")), "second");    // the first that is installed
+    EXPECT_EQ(idOf(registry.handlerForType("text/plain")), "second"); // taken away from the other
+    EXPECT_EQ(idOf(registry.handlerForType("image/png")), "first");
+    EXPECT_EQ(idOf(registry.handlerForType("text/html")), "second"); // by its own word
+    EXPECT_EQ(idOf(registry.handlerForScheme("gopher")), "(none)");
+}
+
+} // namespace
+} // namespace tessarine
