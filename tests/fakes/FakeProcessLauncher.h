@@ -6,7 +6,8 @@
 
 namespace tessarine {
 
-/// Notes what was started. A program exists when it is in `programs`, by path or by bare name.
+/// Notes what was started. A program exists when `programs` holds its path, or its bare name: it is
+/// then in /usr/bin.
 class FakeProcessLauncher : public ProcessLauncher {
 public:
     std::int64_t startDetached(const ProcessSpec& spec) override {
@@ -17,9 +18,13 @@ public:
     }
 
     std::optional<std::string> executable(std::string_view program) const override {
-        const std::string name(program);
-        if (programs.contains(name))
-            return name.starts_with('/') ? name : "/usr/bin/" + name;
+        static constexpr std::string_view folder = "/usr/bin/";
+        if (programs.contains(std::string(program)))
+            return program.starts_with('/') ? std::string(program)
+                                            : std::string(folder).append(program);
+        if (program.starts_with(folder) &&
+            programs.contains(std::string(program.substr(folder.size()))))
+            return std::string(program);
         return std::nullopt;
     }
 

@@ -1,0 +1,104 @@
+#include "launcherapp/catalog/AppLauncher.h"
+
+#include "tests/fakes/FakePlatform.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class AppLauncherTest : public testing::Test {
+protected:
+    AppLauncherTest() { platform.processes.programs = {"app", "xterm"}; }
+
+    /// The problem; nothing on success.
+    std::optional<std::string> launch(const InstalledApp& app,
+                                      const std::vector<std::string>& uris = {}) {
+        int calls = 0;
+        std::optional<std::string> result;
+        const auto start = platform.queue.uptime();
+        launcher.launch(app, uris, [&](std::optional<std::string> problem) {
+            ++calls;
+            result = std::move(problem);
+            took = platform.queue.uptime() - start;
+        });
+        EXPECT_EQ(calls, 0) << "the answer comes later";
+        platform.time.advance(Seconds{60});
+        EXPECT_EQ(calls, 1);
+        return result;
+    }
+
+    FakePlatform platform;
+    Environment environment{.hasX11 = true};
+    AppLauncher launcher{platform.queue, platform.processes, platform.bus, environment};
+    Seconds took{0};
+};
+
+TEST_F(AppLauncherTest, startsTheProgramWithItsSurroundings) {
+    EXPECT_EQ(
+        launch({.bundleID = "a", .exec = "app --x %F", .workingDirectory = "/work"}, {"file:///f"}),
+        std::nullopt);
+    launch({.bundleID = "a", .exec = "app"});
+    ASSERT_EQ(platform.processes.started.size(), 2u);
+    const auto& first = platform.processes.started[0];
+    EXPECT_THAT(first.arguments, ElementsAre("app", "--x", "/f"));
+    EXPECT_EQ(first.workingDirectory, "/work");
+    EXPECT_EQ(first.name, "a");
+    const auto& id = first.environment.at("DESKTOP_STARTUP_ID");
+    EXPECT_THAT(id, testing::MatchesRegex("tessarine-[0-9]+-[0-9]+_TIME[0-9]+"));
+    EXPECT_NE(platform.processes.started[1].environment.at("DESKTOP_STARTUP_ID"), id);
+}
+
+TEST_F(AppLauncherTest, asksTheBusFirst) {
+    const InstalledApp app{.bundleID = "org.x.App", .exec = "app", .busActivatable = true};
+    platform.bus.answers["org.x.App"] = std::nullopt;
+    EXPECT_EQ(launch(app, {"x:y"}), std::nullopt);
+    ASSERT_EQ(platform.bus.requests.size(), 1u);
+    EXPECT_THAT(platform.bus.requests[0].uris, ElementsAre("x:y"));
+    EXPECT_NE(platform.bus.requests[0].activationToken, "");
+    EXPECT_THAT(platform.processes.started, IsEmpty());
+}
+
+TEST_F(AppLauncherTest, aBusThatFailsOrIsSilentLeavesTheProgram) {
+    const InstalledApp app{.bundleID = "org.x.App", .exec = "app", .busActivatable = true};
+    platform.bus.answers["org.x.App"] = "refused";
+    EXPECT_EQ(launch(app), std::nullopt);
+    EXPECT_EQ(platform.processes.started.size(), 1u);
+    platform.bus.silent = {"org.x.App"};
+    EXPECT_EQ(launch(app), std::nullopt);
+    EXPECT_EQ(took, AppLauncher::busTimeout);
+    EXPECT_EQ(platform.processes.started.size(), 2u);
+    // Without a program the bus's own words are the answer.
+    EXPECT_EQ(launch({.bundleID = "org.x.Other", .busActivatable = true}),
+              "nobody can be started by this name");
+}
+
+TEST_F(AppLauncherTest, problemsAreToldInWords) {
+    EXPECT_THAT(launch({.bundleID = "a", .exec = "gone"}).value_or(""),
+                HasSubstr("gone could not be started"));
+    EXPECT_EQ(launch({.bundleID = "a"}), "its desktop entry names no program");
+    EXPECT_EQ(launch({.bundleID = "a", .exec = "app", .terminal = true}), std::nullopt);
+    EXPECT_THAT(platform.processes.started.back().arguments,
+                ElementsAre("/usr/bin/xterm", "-e", "app"));
+    platform.processes.programs.erase("xterm");
+    EXPECT_EQ(launch({.bundleID = "a", .exec = "app", .terminal = true}),
+              "it needs a terminal, and none is installed");
+}
+
+TEST_F(AppLauncherTest, everyFileIsOpenedThoughOneFails) {
+    platform.processes.programs.erase("app");
+    EXPECT_THAT(
+        launch({.bundleID = "a", .exec = "app %f"}, {"file:///1", "file:///2"}).value_or(""),
+        HasSubstr("app could not be started"));
+    platform.processes.programs.insert("app");
+    EXPECT_EQ(launch({.bundleID = "a", .exec = "app %f"}, {"file:///1", "file:///2"}),
+              std::nullopt);
+    EXPECT_EQ(platform.processes.started.size(), 2u);
+}
+
+} // namespace
+} // namespace tessarine
