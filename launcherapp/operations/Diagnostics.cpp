@@ -38,15 +38,17 @@ struct Diagnostics::Log {
     FileStore& files;
     std::function<std::string()> supportDir;
     Run run;
-    std::string path = {};
-    std::size_t bytes = 0;
+    bool begun = false;
+    std::size_t bytes = 0; ///< written since then
 
     void write(const std::string& line) {
         try {
-            if (path.empty())
-                open();
-            if (run == Run::resident && bytes + line.size() > rotationBytes)
-                beginAnew();
+            // Each time: the folder may have been removed under the running program.
+            const auto folder = supportDir();
+            files.makeDirectories(folder);
+            const auto path = folder + "/tessarine.log";
+            if (run == Run::resident && (!begun || bytes + line.size() > rotationBytes))
+                beginAnew(path, folder + "/log.txt");
             files.append(path, line);
             bytes += line.size();
         } catch (const FileError&) {
@@ -54,17 +56,10 @@ struct Diagnostics::Log {
         }
     }
 
-    void open() {
-        const auto folder = supportDir();
-        files.makeDirectories(folder);
-        path = folder + "/tessarine.log";
-        if (run == Run::resident)
-            beginAnew();
-    }
-
-    void beginAnew() {
+    void beginAnew(const std::string& path, const std::string& previous) {
         if (files.info(path))
-            files.rename(path, path.substr(0, path.rfind('/')) + "/log.txt");
+            files.rename(path, previous);
+        begun = true;
         bytes = 0;
     }
 };
