@@ -47,6 +47,7 @@ public:
 
     AppScan::Result finish(const std::vector<std::string>& roots) {
         directories_.insert(roots.begin(), roots.end());
+        unlistTwins();
         auto apps = listed();
         return {.registry =
                     std::make_shared<const AppRegistry>(std::move(installed_), associations()),
@@ -122,6 +123,8 @@ private:
         auto names = AppNaming::names(entry, path, bundleID, languages_);
         auto mimeTypes = entry.list("MimeType");
         std::ranges::transform(mimeTypes, mimeTypes.begin(), Folding::lowercase);
+        if (entry.flag("NoDisplay"))
+            undisplayed_.insert(path);
         installed_.push_back({
             .bundleID = bundleID,
             .path = path,
@@ -153,6 +156,20 @@ private:
         id.resize(id.size() - extension.size());
         std::ranges::replace(id, '/', '-');
         return id;
+    }
+
+    /// An entry that asks for no display and has the name of one that doesn't is the same
+    /// application with other file types, as document viewers have one for each.
+    void unlistTwins() {
+        std::set<std::string> displayed;
+        for (const auto& app : installed_) {
+            if (app.listed && !undisplayed_.contains(app.path))
+                displayed.insert(Folding::fold(app.name));
+        }
+        for (auto& app : installed_) {
+            if (undisplayed_.contains(app.path) && displayed.contains(Folding::fold(app.name)))
+                app.listed = false;
+        }
     }
 
     std::vector<CatalogApp> listed() const {
@@ -212,6 +229,7 @@ private:
     std::set<std::string> seen_;    ///< real paths of entries and folders
     std::set<std::string> claimed_; ///< desktop-file ids
     std::set<std::string> directories_;
+    std::set<std::string> undisplayed_; ///< paths of entries that ask for no display
     std::vector<InstalledApp> installed_;
 };
 

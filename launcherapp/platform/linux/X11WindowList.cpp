@@ -6,6 +6,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
 
+#include <QMetaObject>
 #include <QObject>
 #include <QSocketNotifier>
 #include <algorithm>
@@ -91,28 +92,32 @@ public:
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
 
-    bool answers() const { return problem_.empty() && !xcb_connection_has_error(connection_); }
+    bool answers() { return problem_.empty() && !xcb_connection_has_error(connection_); }
 
-    Ability ability() const {
+    Ability ability() {
         if (!problem_.empty())
             return Ability::missing(problem_);
         if (xcb_connection_has_error(connection_))
             return Ability::missing("the X11 display was lost");
         const Property supporting =
             reply(ask(root_, ewmh_._NET_SUPPORTING_WM_CHECK, XCB_ATOM_WINDOW));
+        takeQueuedEvents();
         if (numbersOf(supporting).empty())
             return Ability::missing("the window manager tells no windows");
         return {};
     }
 
-    std::vector<std::uint32_t> rootWindows(xcb_atom_t property) const {
-        return answers() ? numbersOf(reply(ask(root_, property, XCB_ATOM_WINDOW)))
-                         : std::vector<std::uint32_t>{};
+    std::vector<std::uint32_t> rootWindows(xcb_atom_t property) {
+        if (!answers())
+            return {};
+        auto windows = numbersOf(reply(ask(root_, property, XCB_ATOM_WINDOW)));
+        takeQueuedEvents();
+        return windows;
     }
 
-    std::vector<xcb_window_t> clientList() const { return rootWindows(ewmh_._NET_CLIENT_LIST); }
+    std::vector<xcb_window_t> clientList() { return rootWindows(ewmh_._NET_CLIENT_LIST); }
 
-    std::optional<xcb_window_t> activeWindow() const {
+    std::optional<xcb_window_t> activeWindow() {
         const auto windows = rootWindows(ewmh_._NET_ACTIVE_WINDOW);
         if (windows.empty() || windows.front() == XCB_WINDOW_NONE)
             return std::nullopt;
@@ -120,7 +125,7 @@ public:
     }
 
     /// All questions about all windows are asked before the first answer is waited for.
-    std::vector<AppWindow> describe(const std::vector<xcb_window_t>& windows) const {
+    std::vector<AppWindow> describe(const std::vector<xcb_window_t>& windows) {
         std::vector<Questions> questions;
         for (const auto window : windows)
             questions.push_back(askAbout(window));
@@ -129,6 +134,7 @@ public:
             if (auto window = answer(windows[i], questions[i]))
                 result.push_back(*std::move(window));
         }
+        takeQueuedEvents();
         return result;
     }
 
@@ -173,7 +179,7 @@ private:
         xcb_res_query_client_ids_cookie_t client;
     };
 
-    xcb_atom_t atom(std::string_view name) const {
+    xcb_atom_t atom(std::string_view name) {
         const auto cookie =
             xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
         const Owned<xcb_intern_atom_reply_t> answer(
@@ -181,15 +187,15 @@ private:
         return answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
 
-    xcb_get_property_cookie_t ask(xcb_window_t window, xcb_atom_t property, xcb_atom_t type) const {
+    xcb_get_property_cookie_t ask(xcb_window_t window, xcb_atom_t property, xcb_atom_t type) {
         return xcb_get_property(connection_, 0, window, property, type, 0, longestProperty);
     }
 
-    Property reply(xcb_get_property_cookie_t cookie) const {
+    Property reply(xcb_get_property_cookie_t cookie) {
         return Property(xcb_get_property_reply(connection_, cookie, nullptr));
     }
 
-    Questions askAbout(xcb_window_t window) const {
+    Questions askAbout(xcb_window_t window) {
         const xcb_res_client_id_spec_t client{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
         return {.className = ask(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING),
                 .process = ask(window, ewmh_._NET_WM_PID, XCB_ATOM_CARDINAL),
@@ -201,7 +207,7 @@ private:
     }
 
     /// Nothing when the window has gone meanwhile: every answer is then an error.
-    std::optional<AppWindow> answer(xcb_window_t id, const Questions& questions) const {
+    std::optional<AppWindow> answer(xcb_window_t id, const Questions& questions) {
         const auto className = reply(questions.className);
         const auto process = numbersOf(reply(questions.process));
         const auto types = numbersOf(reply(questions.type));
@@ -230,7 +236,7 @@ private:
         return window;
     }
 
-    std::int64_t clientProcess(xcb_res_query_client_ids_cookie_t cookie) const {
+    std::int64_t clientProcess(xcb_res_query_client_ids_cookie_t cookie) {
         const Owned<xcb_res_query_client_ids_reply_t> answer(
             xcb_res_query_client_ids_reply(connection_, cookie, nullptr));
         if (!answer)
@@ -244,7 +250,7 @@ private:
     }
 
     bool isOrdinary(const std::vector<std::uint32_t>& types,
-                    const std::vector<std::uint32_t>& states) const {
+                    const std::vector<std::uint32_t>& states) {
         if (std::ranges::count(states, ewmh_._NET_WM_STATE_SKIP_TASKBAR) > 0)
             return false;
         // A window without a type is an ordinary one; of several types the first that counts.
@@ -264,16 +270,32 @@ private:
     }
 
     void readEvents() {
-        bool activeChanged = false;
-        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
-            if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
-                continue;
-            const auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event.get());
-            activeChanged |= change->atom == ewmh_._NET_ACTIVE_WINDOW;
-        }
+        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)})
+            note(*event);
         if (xcb_connection_has_error(connection_))
             notifier_->setEnabled(false); // a closed socket would wake the loop for ever
-        if (!activeChanged)
+        tellObservers();
+    }
+
+    /// Takes the events that came in while an answer was waited for: they are off the socket, so
+    /// nothing would wake the loop for them.
+    void takeQueuedEvents() {
+        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
+            note(*event);
+        if (activeChanged_ && notifier_)
+            QMetaObject::invokeMethod(
+                notifier_.get(), [this] { tellObservers(); }, Qt::QueuedConnection);
+    }
+
+    void note(const xcb_generic_event_t& event) {
+        if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
+            return;
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        activeChanged_ = activeChanged_ || change.atom == ewmh_._NET_ACTIVE_WINDOW;
+    }
+
+    void tellObservers() {
+        if (!std::exchange(activeChanged_, false))
             return;
         const auto observers = observers_; // a callback may end its own subscription
         for (const auto& [id, changed] : observers)
@@ -282,14 +304,14 @@ private:
 
     int screenNumber_ = 0;
     xcb_connection_t* connection_;
-    // Requests over the hints take a pointer that isn't const, though they change nothing in it.
-    mutable xcb_ewmh_connection_t ewmh_{};
+    xcb_ewmh_connection_t ewmh_{};
     bool hasAtoms_ = false;
     xcb_window_t root_ = XCB_WINDOW_NONE;
     xcb_atom_t gtkApplicationID_ = XCB_ATOM_NONE;
     xcb_atom_t kdeDesktopFile_ = XCB_ATOM_NONE;
     std::string problem_;
     std::unique_ptr<QSocketNotifier> notifier_;
+    bool activeChanged_ = false; ///< events are noted while questions are asked
     std::map<int, std::function<void()>> observers_;
     int lastObserver_ = 0;
     std::shared_ptr<int> alive_ = std::make_shared<int>();

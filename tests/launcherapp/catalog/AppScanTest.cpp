@@ -81,6 +81,16 @@ TEST_F(AppScanTest, theFirstRootsEntryOfAnIdCounts) {
     EXPECT_EQ(result.registry->byID("helper")->name, "Helper"); // a handler may still be needed
 }
 
+TEST_F(AppScanTest, anUndisplayedTwinIsTheSameApplication) {
+    entry("/a/viewer.desktop", "Viewer");
+    entry("/a/viewer-pdf.desktop", "VIEWER", "NoDisplay=true\nIcon=v\nMimeType=a/pdf;\n");
+    entry("/a/panel.desktop", "Panel", "NoDisplay=true\nIcon=p\n");
+    entry("/a/panel2.desktop", "Panel", "NoDisplay=true\nIcon=p\n");
+    const auto result = AppScan::scan(files, environment, {"/a"});
+    EXPECT_THAT(names({"/a"}), ElementsAre("Panel", "Panel", "Viewer"));
+    EXPECT_EQ(result.registry->handlerForType("a/pdf")->bundleID, "viewer-pdf");
+}
+
 TEST_F(AppScanTest, oneFileIsListedOnceHoweverManyWaysLeadToIt) {
     entry("/app/deploy/1.2/x.desktop", "Exported");
     files.link("/exports/org.x.App.desktop", "/app/deploy/1.2/x.desktop");
