@@ -134,8 +134,8 @@ void addVariants(std::vector<std::string>& languages, std::string_view locale) {
     if (hasNoTranslation(locale))
         return;
     const auto [language, country, modifier] = parted(locale);
-    for (const auto& variant :
-         {language + country + modifier, language + country, language + modifier, language}) {
+    const auto inCountry = language + country;
+    for (const auto& variant : {inCountry + modifier, inCountry, language + modifier, language}) {
         if (std::ranges::find(languages, variant) == languages.end())
             languages.push_back(variant);
     }

@@ -18,7 +18,7 @@ public:
 
     /// Largest file that is read as a desktop entry; real ones with every translation stay below
     /// 100 KB.
-    static constexpr std::size_t maximumBytes = 1024 * 1024;
+    static constexpr std::size_t maximumBytes = std::size_t{1} << 20;
 
     DesktopEntry() = default;
 

@@ -203,7 +203,7 @@ private:
         }
         // A word may reach over the start of the next one, as "ab b" does in "aB".
         std::ranges::sort(taken);
-        taken.erase(std::ranges::unique(taken).begin(), taken.end());
+        taken.erase(std::unique(taken.begin(), taken.end()), taken.end());
         const Index penalty =
             5 * taken.front() + 20 * (startCount() - static_cast<Index>(words.size()));
         return MatchResult{.score = Matcher::initials + tail(penalty),

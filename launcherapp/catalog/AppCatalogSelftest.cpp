@@ -75,7 +75,7 @@ public:
     std::string write(const Fixture& fixture) {
         std::string id(fixture.name);
         std::erase(id, ' ');
-        const auto path = path_ + "/test.tsr." + id + ".desktop";
+        auto path = path_ + "/test.tsr." + id + ".desktop";
         files_.save(path,
                     fmt::format("[Desktop Entry]\nType=Application\nName={}\nExec=true\n{}",
                                 fixture.name,
@@ -99,6 +99,7 @@ public:
 
     SelftestResult run() {
         std::vector<std::string> paths;
+        paths.reserve(fixtures.size());
         for (const auto& fixture : fixtures)
             paths.push_back(scratch_.write(fixture));
         const auto scan = AppScan::scan(files_, environment_, {scratch_.path()});

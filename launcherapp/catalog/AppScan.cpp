@@ -189,6 +189,7 @@ private:
                    std::tie(right.first, right.second.path);
         });
         std::vector<CatalogApp> apps;
+        apps.reserve(keyed.size());
         for (auto& [key, app] : keyed)
             apps.push_back(std::move(app));
         return apps;

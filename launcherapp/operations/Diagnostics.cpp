@@ -17,9 +17,10 @@ namespace {
 
 /// UTC with milliseconds, so that lines of two machines or of a clock change stay in order.
 std::string stamp(double now) {
-    using namespace std::chrono;
-    const sys_time<milliseconds> moment{milliseconds(static_cast<milliseconds::rep>(now * 1000))};
-    const auto whole = floor<seconds>(moment);
+    using std::chrono::milliseconds;
+    const std::chrono::sys_time<milliseconds> moment{
+        milliseconds(static_cast<milliseconds::rep>(now * 1000))};
+    const auto whole = std::chrono::floor<std::chrono::seconds>(moment);
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", whole, (moment - whole).count());
 }
 

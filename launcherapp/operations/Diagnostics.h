@@ -25,7 +25,7 @@ public:
     };
 
     /// From here the log begins anew even within one run, so that it never fills a disk.
-    static constexpr std::size_t rotationBytes = 4 * 1024 * 1024;
+    static constexpr std::size_t rotationBytes = std::size_t{4} << 20;
 
     /// `supportDir` gives the folder of "tessarine.log"; it is called off the main thread.
     Diagnostics(MainQueue& queue,

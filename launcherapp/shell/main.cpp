@@ -7,9 +7,11 @@
 #include <QCoreApplication>
 #include <cstdio>
 
-using namespace tessarine;
+namespace tessarine {
 
-int main(int argc, char** argv) {
+namespace {
+
+int runProgram(int argc, char** argv) {
     std::vector<std::string> words;
     for (int i = 1; i < argc; ++i)
         words.push_back(Folding::repairedUtf8(argv[i]));
@@ -31,4 +33,11 @@ int main(int argc, char** argv) {
                           Modes::endsByItself(commandLine) ? QtSurface::none : QtSurface::windows,
                           environment);
     return App(std::move(commandLine), std::move(environment)).run();
+}
+
+} // namespace
+} // namespace tessarine
+
+int main(int argc, char** argv) {
+    return tessarine::runProgram(argc, argv);
 }

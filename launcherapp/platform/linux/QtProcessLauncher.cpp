@@ -21,7 +21,7 @@ bool isExecutableFile(const QString& path) {
 /// The folder asked for, or the nearest thing to it that is there.
 QString workingDirectory(const std::string& wanted, const std::string& home) {
     for (const auto& candidate : {wanted, home}) {
-        const auto path = QString::fromStdString(candidate);
+        auto path = QString::fromStdString(candidate);
         if (!candidate.empty() && QDir(path).exists())
             return path;
     }

@@ -127,6 +127,7 @@ public:
     /// All questions about all windows are asked before the first answer is waited for.
     std::vector<AppWindow> describe(const std::vector<xcb_window_t>& windows) {
         std::vector<Questions> questions;
+        questions.reserve(windows.size());
         for (const auto window : windows)
             questions.push_back(askAbout(window));
         std::vector<AppWindow> result;

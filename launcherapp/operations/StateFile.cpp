@@ -1,0 +1,77 @@
+#include "launcherapp/operations/StateFile.h"
+
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/FileStore.h"
+#include "launcherapp/platform/WorkQueues.h"
+
+#include <cstddef>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// Far above any real document; a larger file is something else.
+constexpr std::size_t maximumBytes = std::size_t{64} << 20;
+
+/// A name for the copy that nothing has yet: an earlier copy may hold what is still wanted.
+std::string freeCopyName(const FileStore& files, const std::string& path) {
+    auto name = path + ".damaged";
+    for (int number = 2; files.info(name); ++number)
+        name = path + ".damaged-" + std::to_string(number);
+    return name;
+}
+
+} // namespace
+
+StateFile::StateFile(FileStore& files,
+                     SerialQueue& saves,
+                     Diagnostics& diagnostics,
+                     std::string path,
+                     Failures failures)
+    : files_(files), saves_(saves), diagnostics_(diagnostics), path_(std::move(path)),
+      failures_(failures) {}
+
+std::optional<std::string> StateFile::load() {
+    try {
+        return files_.read(path_, maximumBytes);
+    } catch (const FileError& error) {
+        if (failures_ == Failures::logged)
+            diagnostics_.log(error.what());
+        damaged_ = Damage{};
+        return std::nullopt;
+    }
+}
+
+void StateFile::save(std::string text) {
+    auto* const log = failures_ == Failures::logged ? &diagnostics_ : nullptr;
+    saves_.submit([&files = files_,
+                   log,
+                   path = path_,
+                   damaged = std::exchange(damaged_, std::nullopt),
+                   text = std::move(text)] {
+        try {
+            if (damaged && damaged->text)
+                files.save(freeCopyName(files, path), *damaged->text);
+            else if (damaged)
+                files.rename(path, freeCopyName(files, path));
+            files.save(path, text);
+        } catch (const FileError& error) {
+            if (log)
+                log->log(error.what());
+        }
+    });
+}
+
+void StateFile::remove() {
+    damaged_.reset();
+    saves_.submit([&files = files_, path = path_] {
+        try {
+            files.remove(path);
+        } catch (const FileError&) {
+            // The document in memory is what counts.
+        }
+    });
+}
+
+} // namespace tessarine

@@ -1,0 +1,171 @@
+#include "launcherapp/shell/Prefs.h"
+
+#include "launcherapp/operations/Diagnostics.h"
+#include "tests/fakes/FakePlatform.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace tessarine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr auto path = "/config/preferences.json";
+
+/// One start of the program over the same disk.
+struct Start {
+    explicit Start(FakePlatform& platform)
+        : diagnostics(
+              platform.queue,
+              platform.work,
+              platform.files,
+              [] { return "/data"; },
+              Diagnostics::Run::oneShot),
+          store(StateFile(platform.files,
+                          platform.work.serial("preferences"),
+                          diagnostics,
+                          path,
+                          StateFile::Failures::logged),
+                diagnostics) {}
+
+    Diagnostics diagnostics;
+    DefaultsStore store;
+    Environment environment{.home = "/home/u", .messagesLocale = "de_DE.UTF-8"};
+    Prefs prefs{store, environment};
+};
+
+class PrefsTest : public testing::Test {
+protected:
+    nlohmann::json onDisk() {
+        platform.time.settle();
+        return nlohmann::json::parse(platform.files.read(path, 1 << 20).value_or("null"));
+    }
+
+    std::string text(const std::string& where) {
+        platform.time.settle();
+        return platform.files.read(where, 1 << 20).value_or("(absent)");
+    }
+
+    FakePlatform platform;
+};
+
+TEST_F(PrefsTest, aFirstStartHasTheDefaultsAndStoresNoneOfThem) {
+    Start start(platform);
+    EXPECT_EQ(start.prefs.hotkey(), (HotkeyBinding{.keyCode = 49, .carbonModifiers = 0x100}));
+    EXPECT_EQ(start.prefs.resultRows(), 9);
+    EXPECT_TRUE(start.prefs.learnFromUse());
+    EXPECT_EQ(start.prefs.resultOrder(), Prefs::defaultOrder());
+    EXPECT_EQ(start.prefs.searchFolders().front(), "/home/u/Downloads");
+    EXPECT_EQ(start.prefs.homeCurrency(), "EUR");
+    EXPECT_EQ(start.prefs.clipRetention().keep, 500);
+    // Only the device's id and the mark of the change made once.
+    const auto stored = onDisk();
+    EXPECT_EQ(stored.size(), 3u) << stored;
+    EXPECT_EQ(stored.at("clipSyncDeviceID"), start.prefs.clipSyncDeviceID());
+    EXPECT_EQ(stored.at("didUnhideFooter2026_09_10"), true);
+    EXPECT_EQ(stored.at("autoHideFooter"), false);
+}
+
+TEST_F(PrefsTest, whatIsSetSurvivesAndIsToldOnce) {
+    std::string device;
+    {
+        Start start(platform);
+        std::vector<std::string> changed;
+        const auto subscription =
+            start.prefs.onChange([&](std::string_view key) { changed.emplace_back(key); });
+        start.prefs.emptyMode.set(EmptyMode::mostUsed);
+        start.prefs.hotkey.set({.keyCode = 1, .carbonModifiers = 0x1000});
+        start.prefs.clipRetention.set({.textDays = 7, .keep = 10});
+        start.prefs.rememberedOrigin.set({1.5, -2});
+        start.prefs.favoriteTitles.set({{"a", "A"}});
+        start.prefs.autoHideFooter.set(true);
+        EXPECT_EQ(start.prefs.setKeywordWord(BuiltinKeyword::tabs, "tab"), std::nullopt);
+        start.prefs.disableKeyword(BuiltinKeyword::slack);
+        EXPECT_THAT(changed, testing::SizeIs(10));
+        EXPECT_EQ(changed.front(), "emptyMode");
+        device = start.prefs.clipSyncDeviceID();
+        platform.time.settle();
+    }
+    Start again(platform);
+    EXPECT_EQ(again.prefs.emptyMode(), EmptyMode::mostUsed);
+    EXPECT_EQ(again.prefs.hotkey().carbonModifiers, 0x1000u);
+    EXPECT_EQ(again.prefs.clipRetention(), (ClipRetention{.textDays = 7, .keep = 10}));
+    EXPECT_THAT(again.prefs.rememberedOrigin(), ElementsAre(1.5, -2));
+    EXPECT_EQ(again.prefs.favoriteTitles().at("a"), "A");
+    EXPECT_TRUE(again.prefs.autoHideFooter()); // the change made once is not made again
+    EXPECT_EQ(again.prefs.clipSyncDeviceID(), device);
+    EXPECT_EQ(again.prefs.keywords().word(BuiltinKeyword::tabs), "tab");
+    EXPECT_FALSE(again.prefs.keywords().isEnabled(BuiltinKeyword::slack));
+}
+
+TEST_F(PrefsTest, valuesThatCannotBeReadAreTheDefault) {
+    platform.files.file(path,
+                        R"({"learnFromUse": false, "showRunningDot": "no", "resultRows": 2.5,
+        "emptyMode": "hologram", "width": 3, "hotkey": {"keyCode": -1, "carbonModifiers": 0},
+        "clipRetention": {"keep": 5}, "favorites": ["a", 1], "clipSyncLastSync": 3,
+        "resultOrder": ["files", "apps", "gone"], "fromTheFuture": {"x": [null]},
+        "favorites2": null, "hiddenApps": ["x"]})");
+    Start start(platform);
+    EXPECT_FALSE(start.prefs.learnFromUse()); // a stored false is no absence
+    EXPECT_TRUE(start.prefs.showRunningDot());
+    EXPECT_EQ(start.prefs.resultRows(), 9);
+    EXPECT_EQ(start.prefs.emptyMode(), EmptyMode::clean);
+    EXPECT_EQ(start.prefs.width(), PanelWidth::standard);
+    EXPECT_EQ(start.prefs.hotkey().keyCode, 49u);
+    EXPECT_EQ(start.prefs.clipRetention(), ClipRetention{});
+    EXPECT_THAT(start.prefs.favorites(), IsEmpty());
+    EXPECT_EQ(start.prefs.clipSyncLastSync(), 3.0);
+    EXPECT_THAT(start.prefs.hiddenApps(), ElementsAre("x"));
+    EXPECT_THAT(start.prefs.resultOrder(),
+                ElementsAre("answers", "files", "web", "apps", "people", "tabs", "commands"));
+    // What this program doesn't know, or can't read, survives its saves.
+    start.prefs.clipRows.set(4);
+    EXPECT_EQ(onDisk().at("fromTheFuture").dump(), R"({"x":[null]})");
+    EXPECT_EQ(onDisk().at("emptyMode"), "hologram");
+    EXPECT_EQ(onDisk().at("resultOrder").size(), 3u); // only the reading is newer
+    EXPECT_EQ(onDisk().at("clipRows"), 4);
+}
+
+TEST_F(PrefsTest, retiredFavoritesAreReadUnderTheirNewIds) {
+    platform.files.file(path, R"({"favorites": ["cmd:wispr", "x", "cmd:sys.fixWispr"]})");
+    EXPECT_THAT(Start(platform).prefs.favorites(), ElementsAre("cmd:sys.fixWispr", "x"));
+}
+
+TEST_F(PrefsTest, aFileThatIsNoneIsKeptBeforeItIsOverwritten) {
+    const std::string broken = R"({"learnFromUse": false, "favorites": ["a")";
+    platform.files.file(path, broken);
+    {
+        Start start(platform);
+        EXPECT_TRUE(start.prefs.learnFromUse());
+        start.prefs.clipRows.set(4);
+        EXPECT_EQ(text(std::string(path) + ".damaged"), broken);
+        EXPECT_EQ(onDisk().at("clipRows"), 4);
+        EXPECT_THAT(text("/data/tessarine.log"), HasSubstr("is no JSON object"));
+    }
+    platform.files.file(path, "[]"); // once more: the first copy stays
+    Start start(platform);
+    EXPECT_EQ(text(std::string(path) + ".damaged"), broken);
+    EXPECT_EQ(text(std::string(path) + ".damaged-2"), "[]");
+}
+
+TEST_F(PrefsTest, aFolderInItsPlaceIsMovedAsideAndAnUnwritableOneTold) {
+    platform.files.file(std::string(path) + "/inside", "kept");
+    {
+        Start start(platform);
+        start.prefs.clipRows.set(4);
+        EXPECT_EQ(onDisk().at("clipRows"), 4);
+    }
+    platform.files.forbid("/config");
+    Start start(platform);
+    start.prefs.clipRows.set(5);
+    EXPECT_EQ(start.prefs.clipRows(), 5); // it counts all the same
+    EXPECT_THAT(text("/data/tessarine.log"), HasSubstr("/config/preferences.json"));
+    platform.files.allow("/config");
+    EXPECT_EQ(onDisk().at("clipRows"), 4);
+}
+
+} // namespace
+} // namespace tessarine
