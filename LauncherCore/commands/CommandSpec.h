@@ -36,6 +36,12 @@ struct CommandSpec {
     std::optional<std::string> source;                  ///< the importer or pack it came from
 
     bool operator==(const CommandSpec&) const = default;
+
+    /// Whether typing after the keyword means anything.
+    bool takesArgument() const;
+
+    /// The symbol of its row: the user's own, else one for its kind.
+    std::string defaultSymbol() const;
 };
 
 } // namespace tessarine

@@ -1,5 +1,6 @@
 #include "LauncherCore/text/Scalars.h"
 
+#include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
@@ -40,6 +41,10 @@ Scalars::Scalar Scalars::before(std::string_view text, std::size_t end) {
     UChar32 value = 0;
     U8_PREV(bytes, 0, start, value);
     return scalar(value, window.size() - static_cast<std::size_t>(start));
+}
+
+bool Scalars::isLetter(char32_t scalar) {
+    return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & U_GC_L_MASK) != 0;
 }
 
 } // namespace tessarine

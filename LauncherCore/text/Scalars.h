@@ -18,4 +18,7 @@ Scalar at(std::string_view text, std::size_t offset);
 /// The scalar that ends before `end`, which is above 0.
 Scalar before(std::string_view text, std::size_t end);
 
+/// General category L.
+bool isLetter(char32_t scalar);
+
 } // namespace tessarine::Scalars

@@ -23,22 +23,31 @@ int hexDigit(char c) {
     return -1;
 }
 
-} // namespace
-
-std::string Urls::fileUrl(std::string_view path) {
+/// Everything but unreserved characters and those of `kept` percent-encoded.
+std::string encoded(std::string_view text, std::string_view kept) {
     static constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string url(fileScheme);
-    for (const char c : path) {
-        if (isUnreserved(c) || c == '/') {
-            url += c;
+    std::string result;
+    for (const char c : text) {
+        if (isUnreserved(c) || kept.find(c) != std::string_view::npos) {
+            result += c;
             continue;
         }
         const auto byte = static_cast<unsigned char>(c);
-        url += '%';
-        url += digits[byte >> 4];
-        url += digits[byte & 0xf];
+        result += '%';
+        result += digits[byte >> 4];
+        result += digits[byte & 0xf];
     }
-    return url;
+    return result;
+}
+
+} // namespace
+
+std::string Urls::fileUrl(std::string_view path) {
+    return std::string(fileScheme) + encoded(path, "/");
+}
+
+std::string Urls::queryValue(std::string_view text) {
+    return encoded(text, "");
 }
 
 std::optional<std::string> Urls::filePath(std::string_view url) {

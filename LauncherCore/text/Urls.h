@@ -10,6 +10,9 @@ namespace tessarine::Urls {
 /// "file://" and the absolute path, with everything but unreserved characters and "/" encoded.
 std::string fileUrl(std::string_view path);
 
+/// The text as a value in a URL's query, everything but unreserved characters encoded.
+std::string queryValue(std::string_view text);
+
 /// The path that a file URL of this machine names; nothing for any other URL, for one of another
 /// host, and for a path with a NUL in it.
 std::optional<std::string> filePath(std::string_view url);

@@ -15,6 +15,8 @@ namespace tessarine {
 
 namespace {
 
+constexpr std::size_t keptSamples = 50;
+
 /// UTC with milliseconds, so that lines of two machines or of a clock change stay in order.
 std::string stamp(double now) {
     using std::chrono::milliseconds;
@@ -73,6 +75,20 @@ Diagnostics::Diagnostics(MainQueue& queue,
     : queue_(queue), logQueue_(work.serial("com.corvane.tessarine.log")),
       log_(std::make_shared<Log>(
           Log{.files = files, .supportDir = std::move(supportDir), .run = run})) {}
+
+void Diagnostics::recordSearch(double milliseconds) {
+    searchTimes_.push_back(milliseconds);
+    if (searchTimes_.size() > keptSamples)
+        searchTimes_.pop_front();
+}
+
+std::optional<double> Diagnostics::median(std::vector<double> values) {
+    if (values.empty())
+        return std::nullopt;
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
 
 void Diagnostics::log(std::string_view message) {
     auto line = fmt::format("{} {}\n", stamp(queue_.now()), oneLine(message));

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessarine {
 
@@ -34,6 +37,14 @@ public:
                 std::function<std::string()> supportDir,
                 Run run);
 
+    /// How long the last recomputes of the list took, in milliseconds; the newest 50. Main thread.
+    void recordSearch(double milliseconds);
+
+    const std::deque<double>& searchTimes() const { return searchTimes_; }
+
+    /// The middle one of the values; nothing when there are none.
+    static std::optional<double> median(std::vector<double> values);
+
     /// Any thread. One line in plain words, with a topic in lower case before it where it has one.
     void log(std::string_view message);
 
@@ -42,6 +53,7 @@ private:
     MainQueue& queue_;
     SerialQueue& logQueue_;
     std::shared_ptr<Log> log_;
+    std::deque<double> searchTimes_;
 };
 
 } // namespace tessarine

@@ -8,6 +8,7 @@
 #include "launcherapp/platform/linux/DBusApplicationBus.h"
 #include "launcherapp/platform/linux/FileResidentCopies.h"
 #include "launcherapp/platform/linux/InotifyDirectoryWatcher.h"
+#include "launcherapp/platform/linux/LocalDictionary.h"
 #include "launcherapp/platform/linux/NoWindowList.h"
 #include "launcherapp/platform/linux/PosixFileStore.h"
 #include "launcherapp/platform/linux/QtMainQueue.h"
@@ -17,10 +18,15 @@
 #include "launcherapp/platform/linux/X11WindowList.h"
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
+#include "launcherapp/query/UsageStore.h"
+#include "launcherapp/shell/DefaultsStore.h"
 #include "launcherapp/shell/Modes.h"
+#include "launcherapp/shell/Prefs.h"
 #include "launcherapp/shell/ProductInfo.h"
 #include "launcherapp/shell/SingleInstance.h"
 #include "launcherapp/shell/SupportDirectory.h"
+
+#include <fmt/format.h>
 
 #include <QCoreApplication>
 #include <cstdio>
@@ -67,12 +73,22 @@ struct App::Services {
     std::unique_ptr<WindowList> windows = windowList(environment);
     FileResidentCopies copies{environment};
 
+    LocalDictionary dictionary{processes};
+
     // The services, in start-up order.
+    SupportDirectory support{files, environment};
     Diagnostics diagnostics{queue,
                             work,
                             files,
-                            [folder = supportDirectory(environment)] { return folder; },
+                            [this] { return support.path(); },
                             endsByItself ? Diagnostics::Run::oneShot : Diagnostics::Run::resident};
+    DefaultsStore defaults{StateFile(files,
+                                     work.serial("com.corvane.tessarine.preferences"),
+                                     diagnostics,
+                                     environment.configHome + "/tessarine/preferences.json",
+                                     StateFile::Failures::logged),
+                           diagnostics};
+    Prefs prefs{defaults, environment};
     RunningApps running{*windows};
     AppLauncher launcher{queue, processes, bus, environment};
     AppCatalog catalog{{.queue = queue,
@@ -86,21 +102,75 @@ struct App::Services {
                        environment,
                        commandLine.has("--demo") ? AppCatalog::Content::demonstration
                                                  : AppCatalog::Content::installed,
-                       {}};
-    SearchModel model{catalog};
+                       prefs.extraAppFolders()};
+    UsageStore usage{queue,
+                     diagnostics,
+                     {.own = stateFile("usage.json"), .synced = stateFile("synced-usage.json")},
+                     [this] { return prefs.learnFromUse(); },
+                     [](std::string_view) { return false; }}; // no commands of the user's yet
+    SearchModel model{modelServices()};
     CreditResolver credits{catalog, icons, files, environment};
     RecentApps recent{running, catalog};
 
-    ModeContext modes{.commandLine = commandLine,
-                      .environment = environment,
-                      .queue = queue,
-                      .files = files,
-                      .catalog = catalog,
-                      .model = model,
-                      .credits = credits,
-                      .print = printLine,
-                      .finish = [](int status) { QCoreApplication::exit(status); }};
+    ModeContext modes{
+        .commandLine = commandLine,
+        .environment = environment,
+        .queue = queue,
+        .files = files,
+        .catalog = catalog,
+        .prefs = prefs,
+        .model = model,
+        .credits = credits,
+        .freshModel = [this] { return std::make_unique<SearchModel>(modelServices()); },
+        .print = printLine,
+        .finish = [](int status) { QCoreApplication::exit(status); }};
+
+    SearchModel::Services modelServices() {
+        return {.queue = queue,
+                .diagnostics = diagnostics,
+                .catalog = catalog,
+                .prefs = prefs,
+                .usage = usage};
+    }
+
+    StateFile stateFile(const std::string& name) {
+        return {files,
+                work.serial("com.corvane.tessarine.state"),
+                diagnostics,
+                support.location() + "/" + name,
+                StateFile::Failures::silent};
+    }
+
+    void wireModel();
+    void openUrl(const std::string& url);
 };
+
+/// What rows can have done, and the sources that have landed.
+void App::Services::wireModel() {
+    model.verbs.launchApp = [this](const CatalogApp& app) { catalog.launch(app); };
+    model.verbs.openUrl = [this](const std::string& url) { openUrl(url); };
+    model.families.recentApps = [this] { return recent.recent(catalog.apps()); };
+    model.families.lookUp = [this](const std::string& word,
+                                   const std::function<void(std::string)>& found) {
+        dictionary.define(word, [found](std::optional<std::string> text) {
+            if (text)
+                found(*std::move(text));
+        });
+    };
+}
+
+void App::Services::openUrl(const std::string& url) {
+    const auto scheme = url.substr(0, url.find(':'));
+    const auto* handler = catalog.registry()->handlerForScheme(scheme);
+    if (!handler) {
+        diagnostics.log(fmt::format("open: no application opens {} addresses", scheme));
+        return;
+    }
+    launcher.launch(*handler, {url}, [this, url](std::optional<std::string> problem) {
+        if (problem)
+            diagnostics.log(fmt::format("open: {} could not be opened: {}", url, *problem));
+    });
+}
 
 App::App(CommandLine commandLine, Environment environment)
     : services_(std::make_unique<Services>(std::move(commandLine), std::move(environment))) {}
@@ -115,6 +185,7 @@ int App::run() {
     SingleInstance::enforce(services.copies, services.queue, services.diagnostics, identity);
     if (identity)
         services.copies.announce();
+    services.wireModel();
     services.catalog.start();
     Modes::schedule(services.modes);
     if (identity)

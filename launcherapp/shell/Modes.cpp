@@ -2,6 +2,7 @@
 
 #include "launcherapp/catalog/AppCatalogSelftest.h"
 #include "launcherapp/shell/ProductInfo.h"
+#include "launcherapp/shell/QueryModes.h"
 #include "launcherapp/shell/SearchMode.h"
 
 #include <fmt/format.h>
@@ -25,7 +26,6 @@ constexpr std::string_view panel = "the panel";
 constexpr std::string_view clipboard = "the clipboard history";
 constexpr std::string_view clipboardSync = "clipboard sync";
 constexpr std::string_view settingsSync = "settings sync";
-constexpr std::string_view queryEngine = "the query engine";
 constexpr std::string_view people = "the contacts source";
 constexpr std::string_view voice = "voice search";
 constexpr std::string_view statusItem = "the status item";
@@ -73,11 +73,11 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-keychain", none, {}, clipboardSync},
     {"--selftest-sync", none, {}, clipboardSync},
     {"--selftest-index", none, Seconds{3}, fileIndex},
-    {"--selftest-recompute", none, Seconds{3}, queryEngine},
-    {"--bench-favorites", none, {}, queryEngine},
+    {"--selftest-recompute", none, Seconds{3}, {}, QueryModes::selftestRecompute},
+    {"--bench-favorites", none, {}, {}, QueryModes::benchFavorites},
     {"--bench-answers", next, {}, answers},
-    {"--bench-stages", next, Seconds{8}, queryEngine},
-    {"--actions-check", next, Seconds{2.5}, queryEngine},
+    {"--bench-stages", next, Seconds{8}, {}, QueryModes::benchStages},
+    {"--actions-check", next, Seconds{2.5}, {}, QueryModes::actionsCheck},
     {"--people-check", next, Seconds{6}, people},
     {"--mic-check", none, {}, voice},
     {"--mic-request", none, {}, voice},
@@ -85,7 +85,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-appearance", none, {}, panel},
     {"--selftest-render-purity", none, {}, panel},
     {"--selftest-shortcut", none, {}, panel},
-    {"--selftest-settings", none, {}, queryEngine},
+    {"--selftest-settings", none, {}, {}, QueryModes::selftestSettings},
     {"--menubar-sheet", next, Seconds{0.4}, statusItem},
     {"--menubar-variants", next, Seconds{0.3}, statusItem},
     {"--menubar-menu-shot", next, Seconds{0.4}, statusItem},
@@ -100,7 +100,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-index-duty", none, {}, fileIndex},
     {"--selftest-volumes", none, {}, fileIndex},
     {"--selftest-walker", none, {}, fileIndex},
-    {"--selftest-supportdir", none, {}, queryEngine},
+    {"--selftest-supportdir", none, {}, {}, QueryModes::selftestSupportDirectory},
     {"--selftest-delta", none, {}, fileIndex},
     {"--selftest-update-hold", none, {}, updater},
     {"--selftest-copied-toast", none, {}, toast},
@@ -108,7 +108,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--watch-stalls", next, {}, stallWatch},
     {"--index-soak", next, Seconds{0.5}, fileIndex},
     {"--drive-probe", none, {}, fileIndex},
-    {"--selftest-at-rest", none, {}, queryEngine},
+    {"--selftest-at-rest", none, {}, {}, QueryModes::selftestAtRest},
     {"--walker-diff", none, {}, fileIndex},
     {"--copied-toast-shot", next, {}, toast},
     {"--copied-toast-live", none, {}, toast},
@@ -117,7 +117,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--permission-lint", none, {}, wizard},
     {"--wizard-shot", next, Seconds{1.5}, wizard},
     {"--doctor", none, Seconds{2}, doctor},
-    {"--bench", next, Seconds{8}, queryEngine},
+    {"--bench", next, Seconds{8}, {}, QueryModes::bench},
     {"--bench-firstshow", none, {}, panel},
     {"--run", next, Seconds{0.3}, commands},
     {"--jump-press-probe", next, Seconds{0.3}, commands},

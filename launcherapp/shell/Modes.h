@@ -5,6 +5,7 @@
 #include "launcherapp/shell/CommandLine.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,6 +17,7 @@ namespace tessarine {
 class AppCatalog;
 class CreditResolver;
 class FileStore;
+class Prefs;
 class SearchModel;
 
 /// What a mode may use: the services of the running program, and the way out.
@@ -26,10 +28,12 @@ struct ModeContext {
     MainQueue& queue;
     FileStore& files;
     AppCatalog& catalog;
+    Prefs& prefs;
     SearchModel& model;
     CreditResolver& credits;
-    std::function<void(std::string_view line)> print; ///< one line to standard output
-    std::function<void(int status)> finish;           ///< ends the process, once it gets there
+    std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
+    std::function<void(std::string_view line)> print;         ///< one line to standard output
+    std::function<void(int status)> finish; ///< ends the process, once it gets there
 };
 
 /// One option of the command line that does something. A self-test or probe of a subsystem is one

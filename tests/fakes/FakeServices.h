@@ -4,8 +4,13 @@
 #include "launcherapp/catalog/AppLauncher.h"
 #include "launcherapp/catalog/RunningApps.h"
 #include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/query/UsageStore.h"
+#include "launcherapp/shell/DefaultsStore.h"
+#include "launcherapp/shell/Prefs.h"
 #include "tests/fakes/FakePlatform.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -26,6 +31,13 @@ struct FakeServices {
                             platform.files,
                             [] { return "/home/u/.local/share/tessarine"; },
                             Diagnostics::Run::oneShot};
+    DefaultsStore defaults{StateFile(platform.files,
+                                     platform.work.serial("preferences"),
+                                     diagnostics,
+                                     "/home/u/.config/tessarine/preferences.json",
+                                     StateFile::Failures::logged),
+                           diagnostics};
+    Prefs prefs{defaults, environment};
     RunningApps running{platform.windows};
     AppLauncher launcher{platform.queue, platform.processes, platform.bus, environment};
     AppCatalog catalog{{.queue = platform.queue,
@@ -39,6 +51,38 @@ struct FakeServices {
                        environment,
                        AppCatalog::Content::installed,
                        {}};
+
+    UsageStore usage{platform.queue,
+                     diagnostics,
+                     {.own = usageFile("usage.json"), .synced = usageFile("synced-usage.json")},
+                     [this] { return prefs.learnFromUse(); },
+                     [](std::string_view) { return false; }};
+
+    /// A search model over these services, with the verbs that they have.
+    std::unique_ptr<SearchModel> makeModel() {
+        auto model = std::make_unique<SearchModel>(SearchModel::Services{.queue = platform.queue,
+                                                                         .diagnostics = diagnostics,
+                                                                         .catalog = catalog,
+                                                                         .prefs = prefs,
+                                                                         .usage = usage});
+        model->verbs.launchApp = [this](const CatalogApp& app) { catalog.launch(app); };
+        return model;
+    }
+
+    StateFile usageFile(const std::string& name) {
+        return {platform.files,
+                platform.work.serial("usage"),
+                diagnostics,
+                "/home/u/.local/share/tessarine/" + name,
+                StateFile::Failures::silent};
+    }
+
+    /// What was logged so far.
+    std::string log() {
+        platform.time.settle();
+        return platform.files.read("/home/u/.local/share/tessarine/tessarine.log", 1 << 20)
+            .value_or("");
+    }
 
     /// Installs "/usr/share/applications/<id>.desktop" with this name and more lines.
     std::string

@@ -1,9 +1,7 @@
 #include "launcherapp/query/rows/AppRows.h"
 
-#include "LauncherCore/catalog/CatalogApp.h"
 #include "LauncherCore/query/Matcher.h"
 #include "LauncherCore/text/Urls.h"
-#include "launcherapp/catalog/AppCatalog.h"
 
 #include <algorithm>
 
@@ -26,32 +24,41 @@ std::int64_t bestScore(std::string_view query, const CatalogApp& app) {
 
 } // namespace
 
-std::vector<ResultRow>
-appRows(AppCatalog& catalog, const std::set<std::string>& running, std::string_view query) {
+std::vector<ResultRow> appRows(const AppRowSources& sources, std::string_view query) {
     std::vector<ResultRow> rows;
-    for (const auto& app : catalog.apps()) {
+    for (const auto& app : sources.apps) {
+        if (!isOffered(sources, app))
+            continue;
         const auto score = bestScore(query, app);
         if (score < 1)
             continue;
-        auto row = appRow(catalog, app, app.bundleID && running.contains(*app.bundleID));
+        auto row = appRow(sources, app);
         row.score = score;
         rows.push_back(std::move(row));
     }
     return rows;
 }
 
-ResultRow appRow(AppCatalog& catalog, const CatalogApp& app, bool running) {
+ResultRow appRow(const AppRowSources& sources, const CatalogApp& app) {
     return {
         .id = app.id,
         .kind = RowKind::app,
         .title = app.name,
         .symbol = "app",
-        .running = running,
-        .primary = [&catalog, app] { catalog.launch(app); },
+        .running = app.bundleID && sources.running.contains(*app.bundleID),
+        .primary =
+            [launch = sources.verbs.launchApp, app] {
+                if (launch)
+                    launch(app);
+            },
         .primaryLabel = "open",
         .url = Urls::fileUrl(app.path),
         .group = std::string(RowGroup::apps),
     };
+}
+
+bool isOffered(const AppRowSources& sources, const CatalogApp& app) {
+    return std::ranges::find(sources.hidden, app.id) == sources.hidden.end();
 }
 
 } // namespace tessarine

@@ -12,7 +12,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class SearchModeTest : public testing::Test {
 protected:
@@ -22,7 +21,7 @@ protected:
     }
 
     FakeServices services;
-    SearchModel model{services.catalog};
+    std::unique_ptr<SearchModel> model = services.makeModel();
     CreditResolver credits{
         services.catalog, services.platform.icons, services.platform.files, services.environment};
     CommandLine commandLine{{"--search", "pad"}};
@@ -33,7 +32,8 @@ protected:
                         .queue = services.platform.queue,
                         .files = services.platform.files,
                         .catalog = services.catalog,
-                        .model = model,
+                        .prefs = services.prefs,
+                        .model = *model,
                         .credits = credits,
                         .print = [this](std::string_view line) { lines.emplace_back(line); },
                         .finish = [this](int value) { status = value; }};
@@ -54,11 +54,11 @@ TEST_F(SearchModeTest, printsOneObjectARowOnceTheServicesHaveSettled) {
             R"({"id":"/usr/share/applications/a.desktop","kind":"app","group":"apps","title":"Launch \"Pad\" \\ café","subtitle":""})"));
 }
 
-TEST_F(SearchModeTest, noRowsAreNoFailure) {
+TEST_F(SearchModeTest, nothingOnTheMachineIsNoFailure) {
     schedule();
     services.platform.time.advance(Seconds{3});
     EXPECT_EQ(status, 0);
-    EXPECT_THAT(lines, IsEmpty());
+    EXPECT_THAT(lines, ElementsAre(HasSubstr(R"("id":"web")")));
 }
 
 TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
@@ -72,13 +72,14 @@ TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
     status.reset();
     FakeServices slow;
     slow.platform.work.duration = Seconds{100};
-    SearchModel slowModel{slow.catalog};
+    const auto slowModel = slow.makeModel();
     ModeContext slowContext{.commandLine = commandLine,
                             .environment = slow.environment,
                             .queue = slow.platform.queue,
                             .files = slow.platform.files,
                             .catalog = slow.catalog,
-                            .model = slowModel,
+                            .prefs = slow.prefs,
+                            .model = *slowModel,
                             .credits = credits,
                             .print = context.print,
                             .finish = context.finish};
@@ -86,7 +87,8 @@ TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
     Modes::schedule(slowContext);
     slow.platform.time.advance(Seconds{18});
     EXPECT_EQ(status, 0);
-    EXPECT_THAT(lines, ElementsAre(HasSubstr(R"({"note":"NOT MEASURED: )")));
+    EXPECT_THAT(lines,
+                ElementsAre(HasSubstr(R"({"note":"NOT MEASURED: )"), HasSubstr(R"("id":"web")")));
 }
 
 } // namespace

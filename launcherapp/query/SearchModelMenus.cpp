@@ -1,0 +1,147 @@
+// The two menus of the panel: the clipboard's filters and the actions of a row.
+
+#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/query/ActionsMenu.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/Prefs.h"
+#include "launcherapp/shell/ProductInfo.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::size_t fewestFilters = 2; ///< with fewer there is nothing to choose
+
+} // namespace
+
+std::vector<FilterMenuItem> SearchModel::filterMenuItems() const {
+    return rowsOf(families.filterMenu);
+}
+
+void SearchModel::filterMenuTab(TabDirection direction) {
+    const auto items = filterMenuItems();
+    if (items.size() < fewestFilters)
+        return;
+    if (!filterMenuOpen_) {
+        const auto current =
+            std::ranges::find(items,
+                              clipFilter_.value_or(std::string(FilterMenuItem::everything)),
+                              &FilterMenuItem::key);
+        filterMenuSelection_ =
+            current == items.end() ? 0 : static_cast<std::size_t>(current - items.begin());
+        filterMenuOpen_ = true;
+    } else {
+        const auto step = direction == TabDirection::backward ? items.size() - 1 : 1;
+        filterMenuSelection_ = (filterMenuSelection_ + step) % items.size();
+    }
+    changed();
+}
+
+void SearchModel::moveFilterMenu(int delta) {
+    const auto count = static_cast<int>(filterMenuItems().size());
+    if (count == 0)
+        return;
+    const auto wanted = static_cast<int>(filterMenuSelection_) + delta;
+    filterMenuSelection_ = static_cast<std::size_t>(std::clamp(wanted, 0, count - 1));
+    changed();
+}
+
+void SearchModel::commitFilterMenu(std::size_t index) {
+    const auto items = filterMenuItems();
+    if (index < items.size()) {
+        if (items[index].key == FilterMenuItem::everything)
+            clipFilter_.reset();
+        else
+            clipFilter_ = items[index].key;
+    }
+    filterMenuOpen_ = false;
+    recompute();
+}
+
+void SearchModel::openActions() {
+    const auto* row = selectedRow();
+    if (!row) {
+        openPanelActions();
+        return;
+    }
+    const auto& prefs = services_.prefs;
+    const auto& apps = services_.catalog.apps();
+    RowMenuSources sources{.verbs = verbs,
+                           .isFavorite = std::ranges::count(prefs.favorites(), row->id) > 0,
+                           .folder = rowsOf(families.folderPath, *row),
+                           .isUserCommand = rowsOf(families.isUserCommand, *row),
+                           .toggleFavorite = [this] { toggleFavorite(); }};
+    const auto app = std::ranges::find(apps, row->id, &CatalogApp::id);
+    if (app != apps.end()) {
+        sources.app = *app;
+        sources.hideApp = [this, id = row->id] {
+            auto hidden = services_.prefs.hiddenApps();
+            hidden.push_back(id);
+            services_.prefs.hiddenApps.set(std::move(hidden));
+            recompute();
+        };
+    }
+    if (row->sameNameKey && !expandedGroups_.contains(*row->sameNameKey))
+        sources.showTwins = [this, key = *row->sameNameKey] { expandGroup(key); };
+    actions_ = rowActions(*row, sources);
+    actionSelection_ = 0;
+    changed();
+}
+
+void SearchModel::openPanelActions() {
+    actions_ = panelActions(verbs, ProductInfo::name);
+    actionSelection_ = 0;
+    changed();
+}
+
+void SearchModel::closeActions() {
+    actions_.clear();
+    changed();
+}
+
+void SearchModel::moveAction(int delta) {
+    const auto count = static_cast<int>(actions_.size());
+    auto index = static_cast<int>(actionSelection_);
+    for (int tried = 0; tried < count; ++tried) {
+        index = ((index + delta) % count + count) % count;
+        if (!actions_[static_cast<std::size_t>(index)].isSeparator())
+            break;
+    }
+    actionSelection_ = static_cast<std::size_t>(index);
+    changed();
+}
+
+void SearchModel::runAction(std::size_t index, ActionDriver driver) {
+    if (index >= actions_.size())
+        return;
+    const auto action = actions_[index];
+    services_.diagnostics.log(fmt::format("action: {} (index {} of {}, selection {}, by {})",
+                                          action.title,
+                                          index,
+                                          actions_.size(),
+                                          actionSelection_,
+                                          driver == ActionDriver::keyboard ? "keyboard" : "click"));
+    // First, so that an action which opens a window leaves no menu behind it.
+    closeActions();
+    if (action.run)
+        action.run();
+}
+
+bool SearchModel::closeMenu() {
+    if (!actions_.empty()) {
+        closeActions();
+        return true;
+    }
+    if (!filterMenuOpen_)
+        return false;
+    filterMenuOpen_ = false;
+    changed();
+    return true;
+}
+
+} // namespace tessarine

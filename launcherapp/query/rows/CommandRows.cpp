@@ -1,0 +1,162 @@
+#include "launcherapp/query/rows/CommandRows.h"
+
+#include "LauncherCore/query/Matcher.h"
+#include "LauncherCore/text/Folding.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// A command's own word stands above even an exact name of anything else.
+constexpr std::int64_t wordScore = Matcher::exact + 1;
+constexpr std::int64_t wordBeginningScore = 8200;
+
+std::vector<std::string> wordsOf(const CommandSpec& command) {
+    std::vector<std::string> words = command.aliases.value_or(std::vector<std::string>{});
+    if (command.keyword)
+        words.insert(words.begin(), *command.keyword);
+    std::erase(words, "");
+    return words;
+}
+
+std::int64_t
+scoreOfWord(std::string_view query, std::string_view loweredQuery, const std::string& word) {
+    const auto lowered = Folding::lowercase(word);
+    if (lowered == loweredQuery)
+        return wordScore;
+    const auto match = Matcher::score(query, word);
+    const auto score = match ? match->score : 0;
+    return lowered.starts_with(loweredQuery) ? std::max(score, wordBeginningScore) : score;
+}
+
+std::int64_t
+bestScore(std::string_view query, std::string_view loweredQuery, const CommandSpec& command) {
+    const auto match = Matcher::score(query, command.name);
+    std::int64_t best = match ? match->score : 0;
+    for (const auto& word : wordsOf(command))
+        best = std::max(best, scoreOfWord(query, loweredQuery, word));
+    return best;
+}
+
+std::string_view label(CommandKind kind) {
+    switch (kind) {
+    case CommandKind::open:
+    case CommandKind::app:
+        return "open";
+    case CommandKind::search:
+    case CommandKind::files:
+    case CommandKind::list:
+        return "search";
+    case CommandKind::jump:
+        return "jump";
+    case CommandKind::script:
+    case CommandKind::system:
+        return "run";
+    }
+    return "run";
+}
+
+std::optional<RowCreditSpec> creditOf(const CommandSpec& command) {
+    const auto kinds = RowCreditSpec::creditedKinds();
+    if (std::ranges::find(kinds, command.kind) == kinds.end())
+        return std::nullopt;
+    return RowCreditSpec::forCommand(command);
+}
+
+} // namespace
+
+std::vector<ResultRow> commandRows(const std::vector<CommandSpec>& commands,
+                                   const RowVerbs& verbs,
+                                   std::string_view query) {
+    const auto lowered = Folding::lowercase(query);
+    std::vector<ResultRow> rows;
+    for (const auto& command : commands) {
+        const auto score = bestScore(query, lowered, command);
+        if (score < 1)
+            continue;
+        auto row = commandRow(command, verbs);
+        row.score = score;
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+ResultRow
+commandRow(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument) {
+    return {
+        .id = std::string(commandRowPrefix) + command.id,
+        .kind = RowKind::command,
+        .title = command.name,
+        .subtitle = command.keyword.value_or(""),
+        .symbol = command.defaultSymbol(),
+        .primary =
+            [run = verbs.runCommand, command, argument] {
+                if (run)
+                    run(command, argument);
+            },
+        .primaryLabel = std::string(label(command.kind)),
+        .group = std::string(RowGroup::commands),
+        .credit = creditOf(command),
+    };
+}
+
+std::optional<Engagement> engagement(const std::vector<CommandSpec>& commands,
+                                     std::string_view query) {
+    const auto blank = query.find(' ');
+    if (blank == std::string_view::npos)
+        return std::nullopt;
+    const auto word = Folding::lowercase(query.substr(0, blank));
+    for (const auto& command : commands) {
+        if (!command.takesArgument())
+            continue;
+        const auto words = wordsOf(command);
+        const auto isWord = [&](const std::string& own) { return Folding::lowercase(own) == word; };
+        if (std::ranges::any_of(words, isWord))
+            return Engagement{.command = command,
+                              .argument = std::string(Folding::trimmed(query.substr(blank + 1)))};
+    }
+    return std::nullopt;
+}
+
+std::vector<ResultRow>
+engagedRows(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument) {
+    auto row = commandRow(command, verbs, argument);
+    row.subtitle = argument;
+    return {std::move(row)};
+}
+
+std::vector<ResultRow> featureRows(const Keywords& keywords,
+                                   std::string_view query,
+                                   const std::function<void(const std::string&)>& typeWord) {
+    std::vector<ResultRow> rows;
+    for (const auto& info : Keywords::all()) {
+        if (!keywords.isEnabled(info.keyword))
+            continue;
+        const std::string_view alternatives[] = {info.name};
+        std::int64_t score = 0;
+        for (const auto& name : keywords.matchNames(info.keyword, alternatives)) {
+            if (const auto match = Matcher::score(query, name))
+                score = std::max(score, match->score);
+        }
+        if (score < 1)
+            continue;
+        const auto word = keywords.word(info.keyword);
+        rows.push_back({
+            .id = "keyword:" + std::string(info.rawValue),
+            .kind = RowKind::command,
+            .title = std::string(info.name),
+            .subtitle = "type " + word + " and what you look for",
+            .symbol = "text.cursor",
+            .primary = [typeWord, text = word + " "] { typeWord(text); },
+            .primaryLabel = "type it",
+            .group = std::string(RowGroup::commands),
+            .score = score,
+        });
+    }
+    return rows;
+}
+
+} // namespace tessarine

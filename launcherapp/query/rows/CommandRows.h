@@ -1,0 +1,48 @@
+#pragma once
+
+#include "LauncherCore/commands/CommandSpec.h"
+#include "LauncherCore/query/Keywords.h"
+#include "launcherapp/query/ResultRow.h"
+#include "launcherapp/query/RowVerbs.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarine {
+
+/// Before a command's id in its row's id.
+inline constexpr std::string_view commandRowPrefix = "cmd:";
+
+/// Rows of the commands that `query` names, by name, keyword or alias, in the given order.
+std::vector<ResultRow> commandRows(const std::vector<CommandSpec>& commands,
+                                   const RowVerbs& verbs,
+                                   std::string_view query);
+
+/// The row of one command; Return runs it with `argument`.
+ResultRow
+commandRow(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument = {});
+
+/// A query that begins with the keyword of a command which takes what follows.
+struct Engagement {
+    CommandSpec command;
+    std::string argument;
+};
+
+/// The first such command; nothing without a blank in the query.
+std::optional<Engagement> engagement(const std::vector<CommandSpec>& commands,
+                                     std::string_view query);
+
+/// The list while a command has the field: its one row, which Return runs with the argument.
+std::vector<ResultRow>
+engagedRows(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument);
+
+/// The program's own modes as rows, found by their words and names. Return types the word through
+/// `typeWord`.
+std::vector<ResultRow> featureRows(const Keywords& keywords,
+                                   std::string_view query,
+                                   const std::function<void(const std::string& text)>& typeWord);
+
+} // namespace tessarine
