@@ -20,6 +20,17 @@ using Index = std::int64_t;
 /// In scratch memory, so that a miss allocates nothing.
 using Indexes = std::pmr::vector<Index>;
 
+/// Memory for one score: room for a candidate and query of a few hundred characters; longer ones
+/// go to the heap.
+class Scratch {
+public:
+    std::pmr::memory_resource* resource() { return &resource_; }
+
+private:
+    std::array<std::byte, 4096> room_;
+    std::pmr::monotonic_buffer_resource resource_{room_.data(), room_.size()};
+};
+
 constexpr Index bestTail = 500; ///< no tail is above it, so bands never overlap
 
 Index tail(Index penalty) {
@@ -253,35 +264,56 @@ normalizedAscii(std::string_view text, std::pmr::memory_resource* scratch, Index
     return result;
 }
 
-std::optional<MatchResult> scoreAscii(std::string_view query, std::string_view candidate) {
-    // Room for a candidate and query of a few hundred characters; longer ones go to the heap.
-    std::array<std::byte, 4096> room;
-    std::pmr::monotonic_buffer_resource scratch(room.data(), room.size());
-    const auto q = normalizedAscii(query, &scratch, nullptr);
-    if (q.empty())
-        return MatchResult{};
-    Indexes starts(&scratch);
-    starts.reserve(candidate.size());
-    const auto c = normalizedAscii(candidate, &scratch, &starts);
-    if (c.empty())
-        return std::nullopt;
-    const AsciiText queryText(q);
-    const AsciiText candidateText(c);
-    return Rule(queryText, candidateText, starts).match(&scratch);
+/// A bit for each letter and digit, the other bytes sharing the rest. A candidate that lacks a bit
+/// of the query can't be named by it, which most can be told by at once.
+using Bytes = std::uint64_t;
+
+constexpr auto byteBits = [] {
+    std::array<Bytes, 128> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const char c = asciiBytes[i].lowered;
+        const auto bit = c >= 'a' && c <= 'z'   ? c - 'a'
+                         : c >= '0' && c <= '9' ? 26 + (c - '0')
+                                                : 36 + static_cast<int>(i % 28);
+        table[i] = Bytes{1} << bit;
+    }
+    // A blank parts the words of a query and need not stand in the candidate.
+    table[' '] = 0;
+    return table;
+}();
+
+Bytes bytesOf(std::string_view ascii) {
+    Bytes bytes = 0;
+    for (const char c : ascii)
+        bytes |= byteBits[static_cast<unsigned char>(c)];
+    return bytes;
 }
 
-std::optional<MatchResult> scoreUnicode(std::string_view query, std::string_view candidate) {
-    const ClusteredText q(Matcher::normalize(query));
-    if (q.length() == 0)
-        return MatchResult{};
+/// Both are ASCII; the query is normalised and not empty.
+std::optional<MatchResult> scoreAscii(std::string_view query,
+                                      Bytes queryBytes,
+                                      std::string_view candidate,
+                                      std::pmr::memory_resource* scratch) {
+    if ((queryBytes & ~bytesOf(candidate)) != 0)
+        return std::nullopt;
+    Indexes starts(scratch);
+    starts.reserve(candidate.size());
+    const auto c = normalizedAscii(candidate, scratch, &starts);
+    if (c.empty())
+        return std::nullopt;
+    const AsciiText queryText(query);
+    const AsciiText candidateText(c);
+    return Rule(queryText, candidateText, starts).match(scratch);
+}
+
+std::optional<MatchResult> scoreUnicode(const ClusteredText& query, std::string_view candidate) {
     const ClusteredText cased(
         Folding::foldKeepingCase(Folding::withoutControlAndFormat(candidate)));
     const ClusteredText c(Folding::lowercase(Folding::foldCase(cased.text())));
     if (c.length() == 0)
         return std::nullopt;
-    std::array<std::byte, 4096> room;
-    std::pmr::monotonic_buffer_resource scratch(room.data(), room.size());
-    Indexes starts(&scratch);
+    Scratch scratch;
+    Indexes starts(scratch.resource());
     Letterform previous;
     for (Index i = 0; i < cased.length(); ++i) {
         const auto current = letterform(cased.at(i));
@@ -289,10 +321,38 @@ std::optional<MatchResult> scoreUnicode(std::string_view query, std::string_view
             starts.push_back(i);
         previous = current;
     }
-    return Rule(q, c, starts).match(&scratch);
+    return Rule(query, c, starts).match(scratch.resource());
 }
 
 } // namespace
+
+struct Matcher::Query::Folded {
+    explicit Folded(std::string_view query)
+        : text(normalize(query)), isAscii(Folding::isAscii(text.text())),
+          bytes(isAscii ? bytesOf(text.text()) : 0) {}
+
+    ClusteredText text;
+    bool isAscii;
+    Bytes bytes;
+};
+
+Matcher::Query::Query(std::string_view text) : folded_(std::make_unique<const Folded>(text)) {}
+
+Matcher::Query::~Query() = default;
+Matcher::Query::Query(Query&&) noexcept = default;
+Matcher::Query& Matcher::Query::operator=(Query&&) noexcept = default;
+
+std::optional<MatchResult> Matcher::Query::score(std::string_view candidate) const {
+    if (folded_->text.length() == 0)
+        return MatchResult{};
+    if (!Folding::isAscii(candidate))
+        return scoreUnicode(folded_->text, candidate);
+    // An ASCII name folds to ASCII, which a query of other characters can't name.
+    if (!folded_->isAscii)
+        return std::nullopt;
+    Scratch scratch;
+    return scoreAscii(folded_->text.text(), folded_->bytes, candidate, scratch.resource());
+}
 
 std::string Matcher::normalize(std::string_view text) {
     return Folding::lowercase(Folding::fold(Folding::withoutControlAndFormat(text)));
@@ -312,9 +372,13 @@ std::vector<std::int64_t> Matcher::wordStarts(const std::vector<std::string_view
 }
 
 std::optional<MatchResult> Matcher::score(std::string_view query, std::string_view candidate) {
-    if (Folding::isAscii(query) && Folding::isAscii(candidate))
-        return scoreAscii(query, candidate);
-    return scoreUnicode(query, candidate);
+    if (!Folding::isAscii(query) || !Folding::isAscii(candidate))
+        return Query(query).score(candidate);
+    Scratch scratch;
+    const auto q = normalizedAscii(query, scratch.resource(), nullptr);
+    if (q.empty())
+        return MatchResult{};
+    return scoreAscii(q, bytesOf(q), candidate, scratch.resource());
 }
 
 } // namespace tessarine

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,6 +42,22 @@ std::vector<std::int64_t> wordStarts(const std::vector<std::string_view>& charac
 
 /// Nothing when the query doesn't name the candidate. An empty query names everything with score 0.
 std::optional<MatchResult> score(std::string_view query, std::string_view candidate);
+
+/// A query folded once, to be scored against many candidates. Immutable.
+class Query {
+public:
+    explicit Query(std::string_view text);
+    ~Query();
+    Query(Query&&) noexcept;
+    Query& operator=(Query&&) noexcept;
+
+    /// What `Matcher::score` gives for the text this was made of.
+    std::optional<MatchResult> score(std::string_view candidate) const;
+
+private:
+    struct Folded;
+    std::unique_ptr<const Folded> folded_;
+};
 
 } // namespace Matcher
 } // namespace tessarine

@@ -10,10 +10,10 @@ namespace tessarine {
 namespace {
 
 /// The best score of the name and the aliases; 0 when none of them is named.
-std::int64_t bestScore(std::string_view query, const CatalogApp& app) {
+std::int64_t bestScore(const Matcher::Query& query, const CatalogApp& app) {
     std::int64_t best = 0;
     const auto consider = [&](std::string_view candidate) {
-        if (const auto match = Matcher::score(query, candidate))
+        if (const auto match = query.score(candidate))
             best = std::max(best, match->score);
     };
     consider(app.name);
@@ -25,11 +25,12 @@ std::int64_t bestScore(std::string_view query, const CatalogApp& app) {
 } // namespace
 
 std::vector<ResultRow> appRows(const AppRowSources& sources, std::string_view query) {
+    const Matcher::Query folded(query);
     std::vector<ResultRow> rows;
     for (const auto& app : sources.apps) {
         if (!isOffered(sources, app))
             continue;
-        const auto score = bestScore(query, app);
+        const auto score = bestScore(folded, app);
         if (score < 1)
             continue;
         auto row = appRow(sources, app);

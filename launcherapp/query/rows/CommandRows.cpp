@@ -22,22 +22,35 @@ std::vector<std::string> wordsOf(const CommandSpec& command) {
     return words;
 }
 
-std::int64_t
-scoreOfWord(std::string_view query, std::string_view loweredQuery, const std::string& word) {
+/// A query in the two forms in which commands are compared with it.
+struct CommandQuery {
+    explicit CommandQuery(std::string_view query)
+        : folded(query), lowered(Folding::lowercase(query)) {}
+
+    Matcher::Query folded;
+    std::string lowered;
+};
+
+std::int64_t scoreOfWord(const CommandQuery& query, const std::string& word) {
     const auto lowered = Folding::lowercase(word);
-    if (lowered == loweredQuery)
+    if (lowered == query.lowered)
         return wordScore;
-    const auto match = Matcher::score(query, word);
+    const auto match = query.folded.score(word);
     const auto score = match ? match->score : 0;
-    return lowered.starts_with(loweredQuery) ? std::max(score, wordBeginningScore) : score;
+    return lowered.starts_with(query.lowered) ? std::max(score, wordBeginningScore) : score;
 }
 
-std::int64_t
-bestScore(std::string_view query, std::string_view loweredQuery, const CommandSpec& command) {
-    const auto match = Matcher::score(query, command.name);
+std::int64_t bestScore(const CommandQuery& query, const CommandSpec& command) {
+    const auto match = query.folded.score(command.name);
     std::int64_t best = match ? match->score : 0;
-    for (const auto& word : wordsOf(command))
-        best = std::max(best, scoreOfWord(query, loweredQuery, word));
+    const auto consider = [&](const std::string& word) {
+        if (!word.empty())
+            best = std::max(best, scoreOfWord(query, word));
+    };
+    if (command.keyword)
+        consider(*command.keyword);
+    if (command.aliases)
+        std::ranges::for_each(*command.aliases, consider);
     return best;
 }
 
@@ -71,10 +84,10 @@ std::optional<RowCreditSpec> creditOf(const CommandSpec& command) {
 std::vector<ResultRow> commandRows(const std::vector<CommandSpec>& commands,
                                    const RowVerbs& verbs,
                                    std::string_view query) {
-    const auto lowered = Folding::lowercase(query);
+    const CommandQuery typed(query);
     std::vector<ResultRow> rows;
     for (const auto& command : commands) {
-        const auto score = bestScore(query, lowered, command);
+        const auto score = bestScore(typed, command);
         if (score < 1)
             continue;
         auto row = commandRow(command, verbs);
@@ -131,6 +144,7 @@ engagedRows(const CommandSpec& command, const RowVerbs& verbs, const std::string
 std::vector<ResultRow> featureRows(const Keywords& keywords,
                                    std::string_view query,
                                    const std::function<void(const std::string&)>& typeWord) {
+    const Matcher::Query folded(query);
     std::vector<ResultRow> rows;
     for (const auto& info : Keywords::all()) {
         if (!keywords.isEnabled(info.keyword))
@@ -138,7 +152,7 @@ std::vector<ResultRow> featureRows(const Keywords& keywords,
         const std::string_view alternatives[] = {info.name};
         std::int64_t score = 0;
         for (const auto& name : keywords.matchNames(info.keyword, alternatives)) {
-            if (const auto match = Matcher::score(query, name))
+            if (const auto match = folded.score(name))
                 score = std::max(score, match->score);
         }
         if (score < 1)

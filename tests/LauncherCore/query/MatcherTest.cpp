@@ -231,6 +231,7 @@ TEST(Matcher, agreesWithThePlainRuleOnRandomNames) {
         const auto query = text(4);
         const auto candidate = text(9);
         const auto expected = reference::score(query, candidate);
+        ASSERT_EQ(Matcher::Query(query).score(candidate), Matcher::score(query, candidate));
         ASSERT_EQ(scoreOf(query, candidate).value_or(-1), expected)
             << "query '" << query << "' candidate '" << candidate << "'";
         matched += expected > 0;
