@@ -21,12 +21,13 @@ public:
     /// Any thread.
     virtual void post(Task task) = 0;
 
-    /// Main thread. Runs once, `delay` from now, and can't be taken back.
+    /// Main thread. Runs once, `delay` from now, and can't be taken back. A delay below zero is
+    /// none.
     virtual void postAfter(Seconds delay, Task task) = 0;
 
     /// Main thread. Runs every `interval` until the subscription ends, first one `interval` from
     /// now. A run may come up to `tolerance` late, so that the machine can sleep; a run that was
-    /// missed is not made up for.
+    /// missed is not made up for. Intervals beyond 20 days are 20 days.
     virtual Subscription every(Seconds interval, Seconds tolerance, Task task) = 0;
 
     /// Any thread. Seconds since 1970, UTC, as the user's clock has it.

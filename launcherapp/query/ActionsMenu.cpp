@@ -13,25 +13,25 @@ namespace {
 class Menu {
 public:
     template <typename... Arguments>
-    void add(std::string title,
+    void add(const std::string& title,
              std::string_view symbol,
              const std::function<void(Arguments...)>& verb,
              std::decay_t<Arguments>... arguments) {
         if (!verb)
             return;
-        auto action = RowAction::make(std::move(title),
-                                      [verb, ... held = std::move(arguments)] { verb(held...); });
+        auto action =
+            RowAction::make(title, [verb, ... held = std::move(arguments)] { verb(held...); });
         if (!symbol.empty())
             action.symbol = symbol;
         actions_.push_back(std::move(action));
     }
 
-    void addDestructive(std::string title,
+    void addDestructive(const std::string& title,
                         std::string_view symbol,
                         const std::function<void(const std::string&)>& verb,
                         const std::string& argument) {
         const auto before = actions_.size();
-        add(std::move(title), symbol, verb, argument);
+        add(title, symbol, verb, argument);
         if (actions_.size() > before)
             actions_.back().destructive = true;
     }

@@ -97,9 +97,9 @@ template std::optional<std::map<std::string, bool>> DefaultsStore::value(std::st
 template std::optional<std::map<std::string, std::int64_t>>
     DefaultsStore::value(std::string_view) const;
 
-void DefaultsStore::set(std::string_view key, DefaultsValue value) {
+void DefaultsStore::set(std::string_view key, const DefaultsValue& value) {
     contents_->object[std::string(key)] =
-        std::visit([](auto&& held) { return Json(std::move(held)); }, std::move(value));
+        std::visit([](const auto& held) { return Json(held); }, value);
     save();
 }
 

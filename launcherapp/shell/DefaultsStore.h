@@ -41,7 +41,7 @@ public:
     template <typename T> std::optional<T> value(std::string_view key) const;
 
     /// Sets the key and saves. A failure to save is logged; the value counts all the same.
-    void set(std::string_view key, DefaultsValue value);
+    void set(std::string_view key, const DefaultsValue& value);
 
     /// Takes the key away and saves, if it is there.
     void remove(std::string_view key);

@@ -35,6 +35,7 @@ double millisOf(const MainQueue& clock, const std::function<void()>& work) {
 
 double medianMillis(const MainQueue& clock, int rounds, const std::function<void()>& work) {
     std::vector<double> times;
+    times.reserve(static_cast<std::size_t>(rounds));
     for (int i = 0; i < rounds; ++i)
         times.push_back(millisOf(clock, work));
     std::ranges::sort(times);

@@ -147,7 +147,7 @@ void QueryModes::selftestSupportDirectory(ModeContext& context, const std::strin
     constexpr int reads = 2000;
     constexpr double barMillis = 20;
     const SupportDirectory directory(context.files, context.environment);
-    const auto first = directory.path();
+    const auto& first = directory.path();
     const auto started = context.queue.uptime();
     bool stable = true;
     for (int i = 0; i < reads; ++i)

@@ -1,57 +1,25 @@
 #include "launcherapp/platform/linux/DBusApplicationBus.h"
 
 #include "launcherapp/platform/linux/QtMainQueue.h"
-#include "launcherapp/platform/linux/SessionBus.h"
+#include "tests/linux/BusObject.h"
 #include "tests/linux/EventLoop.h"
 
 #include <gmock/gmock.h>
 
 #include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 
 namespace tessarine {
 namespace {
 
 using testing::HasSubstr;
 
-/// An application on the bus that notes what it is told and answers as a test wants.
-class FakeApplication : public QDBusVirtualObject {
-public:
-    enum class Answer { yes, no, never };
-
-    Answer answer = Answer::yes;
-    QString member;
-    QVariantList arguments;
-
-    QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        member = message.interface() + QLatin1Char('.') + message.member();
-        arguments = message.arguments();
-        if (answer == Answer::yes)
-            connection.send(message.createReply());
-        else if (answer == Answer::no)
-            connection.send(
-                message.createErrorReply(QStringLiteral("x.Refused"), QStringLiteral("not now")));
-        return true;
-    }
-};
-
 class DBusApplicationBusTest : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(sessionBus()) << "the tests run on a session bus of their own";
-        // The same connection would answer itself without the bus; this is another program.
-        ASSERT_TRUE(other.registerService(QStringLiteral("org.example.Some-App")));
-        other.registerVirtualObject(QStringLiteral("/org/example/Some_App"), &application);
+        ASSERT_TRUE(application.owns) << "the tests run on a session bus of their own";
     }
 
-    void TearDown() override {
-        other.unregisterObject(QStringLiteral("/org/example/Some_App"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("other"));
-    }
-
+    /// The problem; the answer must come later, and once.
     std::optional<std::string> activate(const BusActivation& request, Seconds timeout) {
         int calls = 0;
         std::optional<std::string> result;
@@ -68,17 +36,16 @@ protected:
 
     QtMainQueue queue;
     DBusApplicationBus bus{queue};
-    FakeApplication application;
-    QDBusConnection other =
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("other"));
+    BusObject application{"org.example.Some-App", "/org/example/Some_App"};
 };
 
 TEST_F(DBusApplicationBusTest, activatesWithItsToken) {
     EXPECT_EQ(activate({.busName = "org.example.Some-App", .activationToken = "t1"}, Seconds{5}),
               std::nullopt);
-    EXPECT_EQ(application.member, QStringLiteral("org.freedesktop.Application.Activate"));
-    ASSERT_EQ(application.arguments.size(), 1);
-    const auto data = qdbus_cast<QVariantMap>(application.arguments[0]);
+    EXPECT_EQ(application.last.interface(), QStringLiteral("org.freedesktop.Application"));
+    EXPECT_EQ(application.last.member(), QStringLiteral("Activate"));
+    EXPECT_EQ(application.last.signature(), QStringLiteral("a{sv}"));
+    const auto data = qdbus_cast<QVariantMap>(application.last.arguments().at(0));
     EXPECT_EQ(data.value(QStringLiteral("desktop-startup-id")).toString(), QStringLiteral("t1"));
     EXPECT_EQ(data.value(QStringLiteral("activation-token")).toString(), QStringLiteral("t1"));
 }
@@ -87,20 +54,40 @@ TEST_F(DBusApplicationBusTest, opensWhatItIsGiven) {
     EXPECT_EQ(
         activate({.busName = "org.example.Some-App", .uris = {"file:///a", "x:b"}}, Seconds{5}),
         std::nullopt);
-    EXPECT_EQ(application.member, QStringLiteral("org.freedesktop.Application.Open"));
-    ASSERT_EQ(application.arguments.size(), 2);
-    EXPECT_EQ(application.arguments[0].toStringList(),
+    EXPECT_EQ(application.last.member(), QStringLiteral("Open"));
+    EXPECT_EQ(application.last.signature(), QStringLiteral("asa{sv}"));
+    EXPECT_EQ(application.last.arguments().at(0).toStringList(),
               QStringList({QStringLiteral("file:///a"), QStringLiteral("x:b")}));
 }
 
 TEST_F(DBusApplicationBusTest, tellsWhyItFailed) {
-    application.answer = FakeApplication::Answer::no;
-    EXPECT_EQ(activate({.busName = "org.example.Some-App"}, Seconds{5}), "not now");
-    application.answer = FakeApplication::Answer::never;
-    EXPECT_THAT(activate({.busName = "org.example.Some-App"}, Seconds{0.05}).value_or(""),
-                testing::Not(testing::IsEmpty()));
-    EXPECT_THAT(activate({.busName = "org.example.Nobody"}, Seconds{5}).value_or(""),
-                HasSubstr("org.example.Nobody"));
+    using Answer = BusObject::Answer;
+
+    const struct {
+        const char* busName;
+        Answer answer;
+        Seconds timeout;
+        const char* problem;
+    } cases[] = {
+        {"org.example.Some-App", Answer::no, Seconds{5}, "not now"},
+        {"org.example.Some-App", Answer::emptyNo, Seconds{5}, "x.Refused"}, // at least its name
+        {"org.example.Some-App", Answer::never, Seconds{0.05}, "reply"},
+        {"org.example.Nobody", Answer::yes, Seconds{5}, "org.example.Nobody"},
+        {"no bus name", Answer::yes, Seconds{5}, "no bus name"}, // never gets to the bus
+    };
+
+    for (const auto& [busName, answer, timeout, problem] : cases) {
+        application.answer = answer;
+        EXPECT_THAT(activate({.busName = busName}, timeout).value_or("(none)"), HasSubstr(problem))
+            << busName;
+    }
+}
+
+TEST_F(DBusApplicationBusTest, withoutABusThatIsTheProblem) {
+    const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    EXPECT_EQ(activate({.busName = "org.example.Some-App"}, Seconds{5}), "there is no session bus");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
 }
 
 } // namespace

@@ -17,9 +17,10 @@ using testing::IsEmpty;
 class FileResidentCopiesTest : public testing::Test {
 protected:
     /// Another process that is a resident copy until it is ended.
-    pid_t copy() {
+    pid_t copy(decltype(SIG_DFL) onTerminate = SIG_DFL) {
         const pid_t child = ::fork();
         if (child == 0) {
+            ::signal(SIGTERM, onTerminate);
             FileResidentCopies own(environment);
             own.announce();
             folder.write("/ready", "");
@@ -66,6 +67,40 @@ TEST_F(FileResidentCopiesTest, aProcessThatOnlyHasTheNumberIsLeftAlone) {
     EXPECT_EQ(::kill(stranger, 0), 0);
     ::kill(stranger, SIGKILL);
     ::waitpid(stranger, nullptr, 0);
+}
+
+TEST_F(FileResidentCopiesTest, aCopyThatDoesNotListenIsEndedByForce) {
+    const auto other = copy(SIG_IGN);
+    copies.terminate(other);
+    copies.forceTerminate(other);
+    EXPECT_TRUE(spinUntil([&] { return copies.isGone(other); }));
+    int status = 0;
+    ::waitpid(other, &status, 0);
+    EXPECT_EQ(WTERMSIG(status), SIGKILL);
+}
+
+TEST_F(FileResidentCopiesTest, aProgramThatACopyStartedIsNoCopy) {
+    // The lock belongs to the open file, which a child would share.
+    const pid_t first = ::fork();
+    if (first == 0) {
+        FileResidentCopies own(environment);
+        own.announce();
+        if (::fork() == 0)
+            ::execlp("sh",
+                     "sh",
+                     "-c",
+                     "while [ ! -e \"$0/end\" ]; do sleep 0.02; done; "
+                     "touch \"$0/ended\"",
+                     folder.path().c_str(),
+                     nullptr);
+        folder.write("/ready", "");
+        ::_exit(0);
+    }
+    ::waitpid(first, nullptr, 0);
+    ASSERT_TRUE(std::filesystem::exists(folder.path("/ready")));
+    EXPECT_TRUE(spinUntil([&] { return copies.others().empty(); })); // once the child runs sh
+    folder.write("/end", "");
+    EXPECT_TRUE(spinUntil([&] { return std::filesystem::exists(folder.path("/ended")); }));
 }
 
 TEST_F(FileResidentCopiesTest, withoutASessionThereAreNoOthers) {

@@ -17,6 +17,7 @@ protected:
     Subscription watch(const std::vector<std::string>& directories, Seconds latency = Seconds{0}) {
         return watcher.watch(directories, latency, [this](const DirectoryChanges& changes) {
             ++reports;
+            dropped = dropped || changes.dropped;
             changed.insert(changes.directories.begin(), changes.directories.end());
         });
     }
@@ -34,6 +35,7 @@ protected:
     InotifyDirectoryWatcher watcher{queue};
     std::set<std::string> changed;
     int reports = 0;
+    bool dropped = false;
 };
 
 TEST_F(InotifyDirectoryWatcherTest, seesWhateverHappensToEntries) {
@@ -119,6 +121,61 @@ TEST_F(InotifyDirectoryWatcherTest, watchesOfOneFolderEndEachForItself) {
     folder.write("/watched/c", "");
     spinFor(50);
     EXPECT_EQ(reports, 0);
+}
+
+TEST_F(InotifyDirectoryWatcherTest, oneFolderUnderTwoNamesIsReportedUnderBoth) {
+    const auto watched = folder.folder("/watched");
+    const auto link = folder.path("/link");
+    fs::create_directory_symlink("watched", link);
+    const auto first = watch({watched});
+    auto second = watch({link});
+    EXPECT_TRUE(reports_(link, [&] { folder.write("/watched/a", ""); }));
+    EXPECT_TRUE(spinUntil([&] { return changed.contains(watched); }));
+    second.end(); // which must not end the first one's watch
+    EXPECT_TRUE(reports_(watched, [&] { folder.write("/watched/b", ""); }));
+    EXPECT_FALSE(changed.contains(link));
+}
+
+TEST_F(InotifyDirectoryWatcherTest, aFolderInsideAWatchedOneIsWaitedFor) {
+    const auto outer = folder.folder("/outer");
+    const auto inner = folder.path("/outer/inner");
+    const auto subscription = watch({outer, inner});
+    EXPECT_TRUE(reports_(outer, [&] { folder.write("/outer/a", ""); }));
+    EXPECT_FALSE(changed.contains(inner));
+    EXPECT_TRUE(reports_(inner, [&] { fs::create_directory(inner); }));
+    EXPECT_TRUE(reports_(inner, [&] { folder.write("/outer/inner/b", ""); }));
+    EXPECT_TRUE(reports_(outer, [&] { fs::remove_all(inner); }));
+    EXPECT_TRUE(reports_(outer, [&] { folder.write("/outer/c", ""); }));
+}
+
+TEST_F(InotifyDirectoryWatcherTest, changesThatAreLostAreToldAndWatchingGoesOn) {
+    const auto watched = folder.folder("/watched");
+    const auto subscription = watch({watched});
+    std::size_t limit = 0;
+    std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> limit;
+    if (limit == 0 || limit > 100000)
+        GTEST_SKIP() << "NOT MEASURED: the kernel keeps " << limit << " events";
+    // More than the kernel keeps, before the loop runs; then the folder's end, which is lost too.
+    const auto one = watched + "/one";
+    const auto other = watched + "/other";
+    folder.write("/watched/one", "");
+    for (std::size_t i = 0; i <= limit; ++i)
+        fs::rename(i % 2 == 0 ? one : other, i % 2 == 0 ? other : one);
+    fs::remove_all(watched);
+    folder.folder("/watched");
+    EXPECT_TRUE(spinUntil([&] { return dropped; }));
+    EXPECT_TRUE(reports_(watched, [&] { folder.write("/watched/new", ""); }));
+}
+
+TEST_F(InotifyDirectoryWatcherTest, aReportMayEndTheWholeWatcher) {
+    auto own = std::make_unique<InotifyDirectoryWatcher>(queue);
+    bool told = false;
+    const auto subscription = own->watch({folder.path()}, Seconds{0}, [&](const DirectoryChanges&) {
+        told = true;
+        own.reset();
+    });
+    folder.write("/a", "");
+    EXPECT_TRUE(spinUntil([&] { return told; }));
 }
 
 TEST_F(InotifyDirectoryWatcherTest, whatCannotBeWatchedIsLeftOut) {

@@ -90,6 +90,24 @@ TEST_F(PosixFileStoreTest, aSaveKeepsLinksAndModes) {
     EXPECT_EQ(fileCount(), 2u);
 }
 
+TEST_F(PosixFileStoreTest, aSaveThroughALinkMakesWhatItLeadsTo) {
+    // Settings that are kept elsewhere are linked before they exist.
+    folder.folder("/kept");
+    ::symlink("kept/prefs", folder.path("/relative").c_str());
+    ::symlink(folder.path("/new/prefs").c_str(), folder.path("/absolute").c_str());
+    ::symlink("absolute", folder.path("/twice").c_str());
+    ::symlink("loop", folder.path("/loop").c_str());
+    files.save(folder.path("/relative"), "one");
+    files.save(folder.path("/twice"), "two");
+    EXPECT_EQ(folder.text("/kept/prefs"), "one");
+    EXPECT_EQ(folder.text("/new/prefs"), "two");
+    for (const auto* link : {"/relative", "/absolute", "/twice"})
+        EXPECT_TRUE(std::filesystem::is_symlink(folder.path(link))) << link;
+    EXPECT_THAT(failure([&] { files.save(folder.path("/loop"), "x"); }),
+                HasSubstr("/loop could not be saved"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("/loop")));
+}
+
 TEST_F(PosixFileStoreTest, aSaveThatFailsLeavesTheOldContentAndNothingElse) {
     folder.write("/file", "old");
     folder.folder("/folder");

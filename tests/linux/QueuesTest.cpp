@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <future>
+#include <stdexcept>
+#include <sys/resource.h>
 #include <thread>
 #include <vector>
 
@@ -39,6 +41,29 @@ TEST(QtMainQueue, repeatsUntilTheSubscriptionEnds) {
     EXPECT_TRUE(spinUntil([&] { return runs == 3; }));
     spinFor(30);
     EXPECT_EQ(runs, 3);
+}
+
+TEST(QtMainQueue, takesAnyDelay) {
+    QtMainQueue queue;
+    std::vector<int> order;
+    queue.postAfter(Seconds{-1}, [&] { order.push_back(1); });   // a moment that has passed
+    queue.postAfter(Seconds{1e9}, [&] { order.push_back(-1); }); // more milliseconds than an int
+    queue.postAfter(Seconds{0.001}, [&] { order.push_back(2); });
+    const Subscription timer = queue.every(Seconds{1e9}, Seconds{1}, [&] { order.push_back(-2); });
+    EXPECT_TRUE(order.empty());
+    EXPECT_TRUE(spinUntil([&] { return order.size() >= 2; }));
+    spinFor(20);
+    EXPECT_THAT(order, ElementsAre(1, 2));
+}
+
+TEST(QtMainQueueDeathTest, timersAreOfTheMainThread) {
+    // Qt would only complain, and the task would never run.
+    EXPECT_DEATH(
+        {
+            QtMainQueue queue;
+            std::thread([&] { queue.postAfter(Seconds{0}, [] {}); }).join();
+        },
+        "off the main thread");
 }
 
 TEST(QtMainQueue, dropsWhatWaitsWhenItGoes) {
@@ -91,6 +116,47 @@ TEST(ThreadPoolWorkQueues, aSerialQueueKeepsItsOrderAndFinishes) {
     }
     ASSERT_EQ(order.size(), 1000u); // none was dropped at the end
     EXPECT_TRUE(std::ranges::is_sorted(order));
+}
+
+TEST(ThreadPoolWorkQueues, dropsWorkThatHasNotBegun) {
+    constexpr int jobs = 500;
+    std::atomic<int> begun = 0;
+    {
+        QtMainQueue queue;
+        ThreadPoolWorkQueues work(queue);
+        for (int i = 0; i < jobs; ++i)
+            work.run(WorkPriority::utility, [&begun] {
+                ++begun;
+                std::promise<void> never; // a millisecond of work
+                never.get_future().wait_for(std::chrono::milliseconds(1));
+            });
+        ASSERT_TRUE(spinUntil([&] { return begun > 0; }));
+    }
+    EXPECT_LT(begun, jobs);
+}
+
+TEST(ThreadPoolWorkQueues, utilityWorkGivesWay) {
+    QtMainQueue queue;
+    ThreadPoolWorkQueues work(queue);
+    const auto niceness = [] { return ::getpriority(PRIO_PROCESS, 0); }; // of this very thread
+    std::optional<int> polite;
+    std::optional<int> eager;
+    work.run(WorkPriority::utility, niceness, [&](int value) { polite = value; });
+    work.run(WorkPriority::userInitiated, niceness, [&](int value) { eager = value; });
+    ASSERT_TRUE(spinUntil([&] { return polite && eager; }));
+    EXPECT_EQ(eager, ::getpriority(PRIO_PROCESS, 0));
+    EXPECT_EQ(polite, 19);
+}
+
+TEST(ThreadPoolWorkQueuesDeathTest, aJobThatThrowsIsABugAndEndsTheProgram) {
+    EXPECT_DEATH(
+        {
+            QtMainQueue queue;
+            ThreadPoolWorkQueues work(queue);
+            work.run(WorkPriority::utility, [] { throw std::runtime_error("the bug"); });
+            spinUntil([] { return false; });
+        },
+        "the bug");
 }
 
 } // namespace

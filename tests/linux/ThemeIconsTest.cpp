@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <QImage>
+#include <sys/stat.h>
 
 namespace tessarine {
 namespace {
@@ -56,7 +57,15 @@ TEST_F(ThemeIconsTest, findsNamesInTheUsersOwnFolders) {
 
 TEST_F(ThemeIconsTest, whatIsNoPictureIsNoIcon) {
     ThemeIcons icons(environment);
-    for (const auto& name : {std::string(),
+    // Opened without thought, a pipe would hold up the main thread for ever.
+    ::mkfifo(folder.path("/pipe.png").c_str(), 0600);
+    // Small on the disk and large in memory.
+    QImage huge(24000, 24000, QImage::Format_Mono);
+    huge.fill(0);
+    huge.save(QString::fromStdString(folder.path("/huge.png")));
+    for (const auto& name : {folder.path("/pipe.png"),
+                             folder.path("/huge.png"),
+                             std::string(),
                              std::string("no-such-icon-anywhere"),
                              std::string("/none.png"),
                              folder.path(),

@@ -7,10 +7,49 @@
 #include <xcb/xcb_ewmh.h>
 #include <xcb/xcb_icccm.h>
 
+#include <QProcess>
 #include <algorithm>
 
 namespace tessarine {
 namespace {
+
+/// An X server of the test's own, without a window manager, and the display that programs started
+/// meanwhile find.
+class BareDisplay {
+public:
+    explicit BareDisplay(const QStringList& options = {}) : before_(::getenv("DISPLAY")) {
+        server.start(QStringLiteral("Xvfb"),
+                     options + QStringList{QStringLiteral("-displayfd"),
+                                           QStringLiteral("1"),
+                                           QStringLiteral("-nolisten"),
+                                           QStringLiteral("tcp")});
+        QByteArray number;
+        answers = spinUntil([&] {
+            number += server.readAllStandardOutput();
+            return number.endsWith('\n');
+        });
+        ::setenv("DISPLAY", (":" + number.trimmed().toStdString()).c_str(), 1);
+    }
+
+    ~BareDisplay() {
+        stop();
+        ::setenv("DISPLAY", before_.c_str(), 1);
+    }
+
+    BareDisplay(const BareDisplay&) = delete;
+    BareDisplay& operator=(const BareDisplay&) = delete;
+
+    void stop() {
+        server.kill();
+        server.waitForFinished();
+    }
+
+    QProcess server;
+    bool answers = false;
+
+private:
+    std::string before_;
+};
 
 /// Another program with windows on the same display.
 class Client {
@@ -33,7 +72,7 @@ public:
                       std::uint32_t process = 0,
                       std::function<void(xcb_window_t)> prepare = {}) {
         const auto window = xcb_generate_id(connection);
-        const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+        const auto* screen = this->screen();
         xcb_create_window(connection,
                           XCB_COPY_FROM_PARENT,
                           window,
@@ -60,6 +99,15 @@ public:
         xcb_map_window(connection, window);
         xcb_flush(connection);
         return window;
+    }
+
+    const xcb_screen_t* screen() const {
+        return xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    }
+
+    /// Until the server has done all that was asked.
+    void finish() {
+        free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     }
 
     xcb_atom_t atom(const std::string& name) {
@@ -90,10 +138,9 @@ public:
         event.window = window;
         event.type = atom("WM_CHANGE_STATE");
         event.data.data32[0] = XCB_ICCCM_WM_STATE_ICONIC;
-        const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
         xcb_send_event(connection,
                        0,
-                       screen->root,
+                       screen()->root,
                        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                        reinterpret_cast<const char*>(&event));
         xcb_flush(connection);
@@ -157,6 +204,10 @@ TEST_F(X11WindowListTest, tellsWhatWindowsSayOfThemselves) {
     // The display itself knows the process of a window that doesn't tell.
     EXPECT_EQ(find(second)->processID, own);
     EXPECT_EQ(find(third)->applicationID, "org.example.Third");
+    // In a sandbox programs count their processes anew; the display knows better.
+    const auto boxed = client.open("boxed", "Boxed", 2);
+    ASSERT_TRUE(appears(boxed));
+    EXPECT_EQ(find(boxed)->processID, own);
 
     std::vector<std::uint64_t> order;
     for (const auto& window : windows.windows())
@@ -190,6 +241,115 @@ TEST_F(X11WindowListTest, bringsWindowsForwardAndBack) {
     windows.activate(12345); // no such window
     windows.unhide(12345);
     EXPECT_TRUE(isActive(first));
+}
+
+TEST_F(X11WindowListTest, onlyWhatTaskBarsShowIsOrdinary) {
+    const auto& ewmh = client.ewmh;
+
+    const struct {
+        const char* what;
+        std::vector<xcb_atom_t> types;
+        bool skipsTaskBar;
+        bool ordinary;
+    } cases[] = {
+        {"says nothing", {}, false, true},
+        {"normal", {ewmh._NET_WM_WINDOW_TYPE_NORMAL}, false, true},
+        {"dialog", {ewmh._NET_WM_WINDOW_TYPE_DIALOG}, false, true},
+        {"dock", {ewmh._NET_WM_WINDOW_TYPE_DOCK}, false, false},
+        {"desktop", {ewmh._NET_WM_WINDOW_TYPE_DESKTOP}, false, false},
+        {"splash", {ewmh._NET_WM_WINDOW_TYPE_SPLASH}, false, false},
+        {"own type first", {client.atom("_X_OWN"), ewmh._NET_WM_WINDOW_TYPE_NORMAL}, false, true},
+        {"own type alone", {client.atom("_X_OWN")}, false, true},
+        {"skips the bar", {ewmh._NET_WM_WINDOW_TYPE_NORMAL}, true, false},
+    };
+
+    for (const auto& [what, types, skipsTaskBar, ordinary] : cases) {
+        const auto window = client.open("w", "W", 0, [&, &t = types, skip = skipsTaskBar](auto id) {
+            auto all = t;
+            if (!all.empty())
+                xcb_ewmh_set_wm_window_type(
+                    &client.ewmh, id, static_cast<std::uint32_t>(all.size()), all.data());
+            auto state = client.ewmh._NET_WM_STATE_SKIP_TASKBAR;
+            if (skip)
+                xcb_ewmh_set_wm_state(&client.ewmh, id, 1, &state);
+        });
+        ASSERT_TRUE(appears(window)) << what;
+        EXPECT_EQ(find(window)->ordinary, ordinary) << what;
+    }
+}
+
+TEST_F(X11WindowListTest, anEndedSubscriptionIsNotCalledAgain) {
+    int calls = 0;
+    int callsAfterEnd = 0;
+    bool ended = false;
+    Subscription second;
+    const auto first = windows.onActiveChanged([&] {
+        ++calls;
+        ended = true;
+        second.end(); // while both are about to be called
+    });
+    second = windows.onActiveChanged([&] { callsAfterEnd += ended ? 1 : 0; });
+    const auto window = client.open("one", "One");
+    ASSERT_TRUE(appears(window));
+    windows.activate(window);
+    EXPECT_TRUE(spinUntil([&] { return calls > 0; }));
+    spinFor(20);
+    EXPECT_EQ(callsAfterEnd, 0);
+}
+
+TEST(X11WindowListOnABareDisplay, tellsNoWindowsUntilAWindowManagerRuns) {
+    const BareDisplay display;
+    ASSERT_TRUE(display.answers);
+    const X11WindowList windows;
+    const auto unmanaged = Ability::missing("the window manager tells no windows");
+    EXPECT_EQ(windows.ability(), unmanaged);
+    EXPECT_FALSE(windows.active());
+
+    Client manager;
+    const auto window = manager.open("m", "M");
+    xcb_window_t gone = window + 1; // what a window manager that has ended leaves behind
+    xcb_ewmh_set_supporting_wm_check(&manager.ewmh, manager.screen()->root, gone);
+    manager.finish();
+    EXPECT_EQ(windows.ability(), unmanaged);
+    xcb_ewmh_set_supporting_wm_check(&manager.ewmh, manager.screen()->root, window);
+    manager.finish();
+    EXPECT_EQ(windows.ability(), unmanaged); // some other program has the number by now
+    xcb_ewmh_set_supporting_wm_check(&manager.ewmh, window, window);
+    manager.finish();
+    EXPECT_EQ(windows.ability(), Ability{});
+}
+
+TEST(X11WindowListOnABareDisplay, needsNoExtension) {
+    const BareDisplay display({QStringLiteral("-extension"), QStringLiteral("X-Resource")});
+    ASSERT_TRUE(display.answers);
+    const X11WindowList windows;
+    Client client;
+    const auto own = static_cast<std::uint32_t>(::getpid());
+    auto window = client.open("tells", "Tells", own);
+    xcb_ewmh_set_active_window(&client.ewmh, 0, window);
+    client.finish();
+    ASSERT_TRUE(windows.active());
+    EXPECT_EQ(windows.active()->processID, own);
+    window = client.open("silent", "Silent");
+    xcb_ewmh_set_active_window(&client.ewmh, 0, window);
+    client.finish();
+    ASSERT_TRUE(windows.active());
+    EXPECT_EQ(windows.active()->processID, 0);
+}
+
+TEST(X11WindowListOnABareDisplay, survivesItsEnd) {
+    BareDisplay display;
+    ASSERT_TRUE(display.answers);
+    X11WindowList windows;
+    const auto subscription = windows.onActiveChanged([] {});
+    display.stop();
+    EXPECT_TRUE(spinUntil(
+        [&] { return windows.ability() == Ability::missing("the X11 display was lost"); }));
+    EXPECT_TRUE(windows.windows().empty());
+    EXPECT_FALSE(windows.active());
+    windows.activate(1);
+    windows.unhide(1);
+    spinFor(20);
 }
 
 TEST(X11WindowListWithoutDisplay, saysWhy) {

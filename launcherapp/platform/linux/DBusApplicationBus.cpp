@@ -2,12 +2,15 @@
 
 #include "launcherapp/platform/linux/SessionBus.h"
 
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QStringList>
 #include <QVariantMap>
+#include <algorithm>
 #include <chrono>
+#include <string_view>
 #include <utility>
 
 namespace tessarine {
@@ -44,6 +47,21 @@ QDBusMessage callFor(const BusActivation& request) {
     return message;
 }
 
+/// As far as desktop-file ids can go wrong (D-Bus Specification, "Bus names").
+bool isBusName(std::string_view name) {
+    const auto isNameCharacter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '_' || c == '-' || c == '.';
+    };
+    return name.size() <= 255 && name.find('.') != std::string_view::npos &&
+           name.find("..") == std::string_view::npos && !name.starts_with('.') &&
+           !name.ends_with('.') && std::ranges::all_of(name, isNameCharacter);
+}
+
+std::string inWords(const QDBusError& error) {
+    return (error.message().isEmpty() ? error.name() : error.message()).toStdString();
+}
+
 } // namespace
 
 DBusApplicationBus::DBusApplicationBus(MainQueue& queue) : queue_(queue) {}
@@ -56,6 +74,13 @@ void DBusApplicationBus::activate(const BusActivation& request,
         queue_.post([done = std::move(done)] { done("there is no session bus"); });
         return;
     }
+    // Qt refuses such a call with an error that names nothing.
+    if (!isBusName(request.busName)) {
+        queue_.post([done = std::move(done), name = request.busName] {
+            done("\"" + name + "\" is no bus name");
+        });
+        return;
+    }
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(timeout);
     auto* watcher = new QDBusPendingCallWatcher(
         bus->asyncCall(callFor(request), static_cast<int>(wait.count())));
@@ -65,7 +90,7 @@ void DBusApplicationBus::activate(const BusActivation& request,
                      [done = std::move(done)](QDBusPendingCallWatcher* finished) {
                          finished->deleteLater();
                          const QDBusPendingReply<> reply = *finished;
-                         done(reply.isError() ? std::optional(reply.error().message().toStdString())
+                         done(reply.isError() ? std::optional(inWords(reply.error()))
                                               : std::nullopt);
                      });
 }

@@ -221,9 +221,15 @@ private:
         reportSoon();
     }
 
+    /// The kernel's queue was full: a directory's end or arrival may be among what was lost, so
+    /// each is looked for again.
     void noteDropped() {
         for (auto& [id, watch] : watches_)
             watch.dropped = true;
+        for (auto& [directory, request] : requests_) {
+            displace(directory, request);
+            place(directory, request);
+        }
     }
 
     /// For changes found outside `readEvents`, which reports at its end.

@@ -30,6 +30,20 @@ std::string folderOf(const std::string& path) {
     return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
+/// Where a chain of links leads, whether or not something is there. What can't be followed to its
+/// end stays the link at which it stopped.
+std::string linksTarget(std::string path) {
+    constexpr int longestChain = 40; // the kernel's own limit (path_resolution(7))
+    for (int i = 0; i < longestChain; ++i) {
+        std::error_code error;
+        const auto link = std::filesystem::read_symlink(path, error);
+        if (error)
+            break; // no link, or nothing at all
+        path = link.is_absolute() ? link.string() : folderOf(path) + '/' + link.string();
+    }
+    return path;
+}
+
 FileKind kindOf(mode_t mode) {
     if (S_ISREG(mode))
         return FileKind::file;
@@ -140,12 +154,14 @@ std::optional<std::string> PosixFileStore::read(const std::string& path,
 
 void PosixFileStore::save(const std::string& path, std::string_view bytes) {
     // A link stays a link: what it leads to is replaced.
-    const auto target = realPath(path).value_or(path);
+    const auto target = linksTarget(path);
     makeDirectories(folderOf(target));
 
     struct stat old {};
 
     const bool exists = ::stat(target.c_str(), &old) == 0;
+    if (!exists && errno != ENOENT)
+        fail(path, "saved", errno);
     if (exists && !S_ISREG(old.st_mode))
         throw FileError(path + " could not be saved: it is no regular file");
     ReplacementFile replacement(target);

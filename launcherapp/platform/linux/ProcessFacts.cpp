@@ -19,7 +19,7 @@ std::string ProcessFacts::applicationID(std::int64_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/cgroup");
     for (std::string line; std::getline(file, line);) {
         const auto unit = line.substr(line.rfind('/') + 1);
-        if (auto id = SystemdScope::applicationID(unit); !id.empty())
+        if (auto id = SystemdScope::applicationID(unit, process); !id.empty())
             return id;
     }
     return {};

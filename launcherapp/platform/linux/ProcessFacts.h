@@ -9,8 +9,8 @@ namespace tessarine::ProcessFacts {
 /// The path of its program; empty when it is gone or another user's.
 std::string executable(std::int64_t process);
 
-/// The application id that its launcher gave it, from the name of its control group: Flatpak,
-/// GNOME, KDE and this program name them so. Empty when the name tells none.
+/// The application id that its launcher or sandbox gave it, from the name of its control group;
+/// see SystemdScope::applicationID. Empty when the name tells none.
 std::string applicationID(std::int64_t process);
 
 } // namespace tessarine::ProcessFacts

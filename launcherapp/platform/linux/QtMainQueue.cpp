@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QThread>
 #include <QTimer>
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -11,8 +12,12 @@ namespace tessarine {
 
 namespace {
 
+/// Qt's timers count milliseconds in an int.
+constexpr Seconds longestTimer = std::chrono::hours(24 * 20);
+
 std::chrono::milliseconds rounded(Seconds duration) {
-    return std::chrono::ceil<std::chrono::milliseconds>(duration);
+    return std::chrono::ceil<std::chrono::milliseconds>(
+        std::clamp(duration, Seconds::zero(), longestTimer));
 }
 
 /// Qt's coarse timers come up to a twentieth of their interval early or late, so one is used only
@@ -32,10 +37,18 @@ void QtMainQueue::post(Task task) {
 }
 
 void QtMainQueue::postAfter(Seconds delay, Task task) {
+    requireMainThread(*this);
+    if (delay > longestTimer) {
+        postAfter(longestTimer, [this, rest = delay - longestTimer, task = std::move(task)] {
+            postAfter(rest, task);
+        });
+        return;
+    }
     QTimer::singleShot(rounded(delay), Qt::PreciseTimer, receiver_.get(), std::move(task));
 }
 
 Subscription QtMainQueue::every(Seconds interval, Seconds tolerance, Task task) {
+    requireMainThread(*this);
     const auto timer = std::make_shared<QTimer>();
     timer->setTimerType(timerType(interval, tolerance));
     timer->setInterval(rounded(interval));

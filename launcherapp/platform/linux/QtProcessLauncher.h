@@ -9,8 +9,8 @@ namespace tessarine {
 
 struct Environment;
 
-/// Starts programs through Qt, and hands each to systemd's user manager, where one answers, as a
-/// scope of its own. Main thread only.
+/// Starts programs, looks out for their end in Qt's event loop, and hands each to systemd's user
+/// manager, where one answers, as a scope of its own. Main thread only.
 class QtProcessLauncher : public ProcessLauncher {
 public:
     explicit QtProcessLauncher(const Environment& environment);

@@ -7,11 +7,12 @@
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QList>
 #include <QString>
-#include <cctype>
+#include <charconv>
+#include <optional>
+#include <system_error>
 
 namespace tessarine {
 
@@ -64,33 +65,43 @@ namespace tessarine {
 
 namespace {
 
+/// Leaves room for the rest in the 255 bytes that a unit's name may have.
+constexpr std::size_t longestEscapedName = 200;
+
 bool isPlain(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '_' || c == ':';
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+           c == '_' || c == ':';
 }
 
 /// systemd's escaping of a string in a unit name (systemd.unit, "String escaping").
 std::string escaped(std::string_view name) {
     std::string result;
     for (const char c : name) {
-        if (isPlain(c))
-            result += c;
-        else
-            result += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+        const auto next = isPlain(c) ? std::string(1, c)
+                                     : fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+        if (result.size() + next.size() > longestEscapedName)
+            break;
+        result += next;
     }
     return result;
+}
+
+/// The character of an escape "\x2d" at the beginning; nothing when there is none.
+std::optional<char> escapedCharacter(std::string_view text) {
+    if (text.size() < 4 || !text.starts_with("\\x"))
+        return std::nullopt;
+    unsigned char value = 0;
+    const auto [end, error] = std::from_chars(text.data() + 2, text.data() + 4, value, 16);
+    return error == std::errc{} && end == text.data() + 4 ? std::optional(static_cast<char>(value))
+                                                          : std::nullopt;
 }
 
 std::string unescaped(std::string_view name) {
     std::string result;
     while (!name.empty()) {
-        if (name.size() >= 4 && name.starts_with("\\x")) {
-            const auto digits = std::string(name.substr(2, 2));
-            result += static_cast<char>(std::stoi("0" + digits, nullptr, 16));
-            name.remove_prefix(4);
-            continue;
-        }
-        result += name.front();
-        name.remove_prefix(1);
+        const auto character = escapedCharacter(name);
+        result += character.value_or(name.front());
+        name.remove_prefix(character ? 4 : 1);
     }
     return result;
 }
@@ -135,29 +146,23 @@ void SystemdScope::request(std::int64_t process, std::string_view name) {
     }();
     Q_UNUSED(registered)
     if (auto bus = sessionBus())
-        bus->asyncCall(
-            startTransientUnit(QString::fromStdString(unitName(process, name)), process));
+        bus->send(startTransientUnit(QString::fromStdString(unitName(process, name)), process));
 }
 
-std::string SystemdScope::applicationID(std::string_view unit) {
-    if (!unit.starts_with("app-"))
+std::string SystemdScope::applicationID(std::string_view unit, std::int64_t process) {
+    // app[-<launcher>]-<id>-<number>.scope; a dash of the id itself is escaped.
+    constexpr std::string_view prefix = "app-";
+    constexpr std::string_view suffix = ".scope";
+    if (!unit.starts_with(prefix) || !unit.ends_with(suffix))
         return {};
-    unit.remove_prefix(4);
-    if (unit.ends_with(".service")) {
-        // app[-<launcher>]-<id>[@<number>].service
-        unit.remove_suffix(std::string_view(".service").size());
-        unit = unit.substr(0, unit.find('@'));
-    } else if (unit.ends_with(".scope")) {
-        // app[-<launcher>]-<id>-<number>.scope
-        unit.remove_suffix(std::string_view(".scope").size());
-        const auto dash = unit.rfind('-');
-        if (dash == std::string_view::npos)
-            return {};
-        unit = unit.substr(0, dash);
-    } else {
+    const bool sandbox = unit.starts_with("app-flatpak-");
+    unit = unit.substr(prefix.size(), unit.size() - prefix.size() - suffix.size());
+    const auto dash = unit.rfind('-');
+    if (dash == std::string_view::npos)
         return {};
-    }
-    // A dash of the id itself is escaped, so what stands before the last one is the launcher.
+    if (!sandbox && unit.substr(dash + 1) != std::to_string(process))
+        return {};
+    unit = unit.substr(0, dash);
     return unescaped(unit.substr(unit.rfind('-') + 1));
 }
 

@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/Environment.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QImage>
@@ -87,6 +88,9 @@ QImage squared(const QImage& picture, int side) {
 }
 
 std::optional<Image> fromFile(const QString& path, int side) {
+    // Opening a pipe or a device would wait, or do something.
+    if (!QFileInfo(path).isFile())
+        return std::nullopt;
     QImageReader reader(path);
     reader.setAutoTransform(true);
     // A drawing is rendered at the size wanted; a photograph is scaled while it is read.

@@ -76,6 +76,7 @@ public:
             return;
         }
         hasAtoms_ = true;
+        knowsClients_ = clientsAreKnown();
         root_ = ewmh_.screens[screenNumber_]->root;
         gtkApplicationID_ = atom("_GTK_APPLICATION_ID");
         kdeDesktopFile_ = atom("_KDE_NET_WM_DESKTOP_FILE");
@@ -99,10 +100,11 @@ public:
             return Ability::missing(problem_);
         if (xcb_connection_has_error(connection_))
             return Ability::missing("the X11 display was lost");
-        const Property supporting =
-            reply(ask(root_, ewmh_._NET_SUPPORTING_WM_CHECK, XCB_ATOM_WINDOW));
+        const auto supporting = supportingWindow(root_);
+        // One that has ended leaves the root's property behind; its window is gone or another's.
+        const bool lives = supporting && supportingWindow(*supporting) == supporting;
         takeQueuedEvents();
-        if (numbersOf(supporting).empty())
+        if (!lives)
             return Ability::missing("the window manager tells no windows");
         return {};
     }
@@ -177,7 +179,7 @@ private:
         xcb_get_property_cookie_t state;
         xcb_get_property_cookie_t gtkID;
         xcb_get_property_cookie_t kdeFile;
-        xcb_res_query_client_ids_cookie_t client;
+        std::optional<xcb_res_query_client_ids_cookie_t> client;
     };
 
     xcb_atom_t atom(std::string_view name) {
@@ -196,30 +198,54 @@ private:
         return Property(xcb_get_property_reply(connection_, cookie, nullptr));
     }
 
+    std::optional<xcb_window_t> supportingWindow(xcb_window_t window) {
+        const auto numbers =
+            numbersOf(reply(ask(window, ewmh_._NET_SUPPORTING_WM_CHECK, XCB_ATOM_WINDOW)));
+        return numbers.empty() ? std::nullopt : std::optional(numbers.front());
+    }
+
+    /// Asking an extension that the display lacks would close the connection.
+    bool clientsAreKnown() {
+        const auto* extension = xcb_get_extension_data(connection_, &xcb_res_id);
+        if (!extension || !extension->present)
+            return false;
+        const auto cookie = xcb_res_query_version(connection_, 1, 2);
+        const Owned<xcb_res_query_version_reply_t> version(
+            xcb_res_query_version_reply(connection_, cookie, nullptr));
+        return version && std::pair(version->server_major, version->server_minor) >=
+                              std::pair<std::uint16_t, std::uint16_t>(1, 2);
+    }
+
     Questions askAbout(xcb_window_t window) {
         const xcb_res_client_id_spec_t client{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        std::optional<xcb_res_query_client_ids_cookie_t> clientCookie;
+        if (knowsClients_)
+            clientCookie = xcb_res_query_client_ids(connection_, 1, &client);
         return {.className = ask(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING),
                 .process = ask(window, ewmh_._NET_WM_PID, XCB_ATOM_CARDINAL),
                 .type = ask(window, ewmh_._NET_WM_WINDOW_TYPE, XCB_ATOM_ATOM),
                 .state = ask(window, ewmh_._NET_WM_STATE, XCB_ATOM_ATOM),
                 .gtkID = ask(window, gtkApplicationID_, XCB_ATOM_ANY),
                 .kdeFile = ask(window, kdeDesktopFile_, XCB_ATOM_ANY),
-                .client = xcb_res_query_client_ids(connection_, 1, &client)};
+                .client = clientCookie};
     }
 
     /// Nothing when the window has gone meanwhile: every answer is then an error.
     std::optional<AppWindow> answer(xcb_window_t id, const Questions& questions) {
         const auto className = reply(questions.className);
-        const auto process = numbersOf(reply(questions.process));
+        const auto told = numbersOf(reply(questions.process));
         const auto types = numbersOf(reply(questions.type));
         const auto states = numbersOf(reply(questions.state));
         const auto gtkID = reply(questions.gtkID);
         const auto kdeFile = reply(questions.kdeFile);
-        const auto client = clientProcess(questions.client);
+        auto process = questions.client ? clientProcess(*questions.client) : 0;
+        // Programs in a sandbox count their processes anew, so what they tell comes second.
+        if (process == 0 && !told.empty())
+            process = told.front();
         if (!className)
             return std::nullopt;
 
-        AppWindow window{.id = id, .processID = process.empty() ? client : process.front()};
+        AppWindow window{.id = id, .processID = process};
         const auto classText = textOf(className);
         window.instanceName = upToNul(classText);
         if (const auto end = classText.find('\0'); end != std::string_view::npos)
@@ -254,9 +280,28 @@ private:
                     const std::vector<std::uint32_t>& states) {
         if (std::ranges::count(states, ewmh_._NET_WM_STATE_SKIP_TASKBAR) > 0)
             return false;
-        // A window without a type is an ordinary one; of several types the first that counts.
-        return types.empty() || types.front() == ewmh_._NET_WM_WINDOW_TYPE_NORMAL ||
-               types.front() == ewmh_._NET_WM_WINDOW_TYPE_DIALOG;
+        // Of several types the first that is known counts; a window without one is ordinary.
+        const std::array ordinary{ewmh_._NET_WM_WINDOW_TYPE_NORMAL,
+                                  ewmh_._NET_WM_WINDOW_TYPE_DIALOG};
+        const std::array others{ewmh_._NET_WM_WINDOW_TYPE_DESKTOP,
+                                ewmh_._NET_WM_WINDOW_TYPE_DOCK,
+                                ewmh_._NET_WM_WINDOW_TYPE_TOOLBAR,
+                                ewmh_._NET_WM_WINDOW_TYPE_MENU,
+                                ewmh_._NET_WM_WINDOW_TYPE_UTILITY,
+                                ewmh_._NET_WM_WINDOW_TYPE_SPLASH,
+                                ewmh_._NET_WM_WINDOW_TYPE_DROPDOWN_MENU,
+                                ewmh_._NET_WM_WINDOW_TYPE_POPUP_MENU,
+                                ewmh_._NET_WM_WINDOW_TYPE_TOOLTIP,
+                                ewmh_._NET_WM_WINDOW_TYPE_NOTIFICATION,
+                                ewmh_._NET_WM_WINDOW_TYPE_COMBO,
+                                ewmh_._NET_WM_WINDOW_TYPE_DND};
+        for (const auto type : types) {
+            if (std::ranges::count(ordinary, type) > 0)
+                return true;
+            if (std::ranges::count(others, type) > 0)
+                return false;
+        }
+        return true;
     }
 
     void listen() {
@@ -298,15 +343,18 @@ private:
     void tellObservers() {
         if (!std::exchange(activeChanged_, false))
             return;
-        const auto observers = observers_; // a callback may end its own subscription
-        for (const auto& [id, changed] : observers)
-            changed();
+        const auto observers = observers_; // a callback may end any subscription
+        for (const auto& [id, changed] : observers) {
+            if (observers_.contains(id))
+                changed();
+        }
     }
 
     int screenNumber_ = 0;
     xcb_connection_t* connection_;
     xcb_ewmh_connection_t ewmh_{};
     bool hasAtoms_ = false;
+    bool knowsClients_ = false; ///< the display tells the process of a window
     xcb_window_t root_ = XCB_WINDOW_NONE;
     xcb_atom_t gtkApplicationID_ = XCB_ATOM_NONE;
     xcb_atom_t kdeDesktopFile_ = XCB_ATOM_NONE;

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <utility>
+
+namespace tessarine {
+
+/// Another program on the session bus, with one object that notes what it is told and answers as
+/// a test wants.
+class BusObject : public QDBusVirtualObject {
+public:
+    enum class Answer { yes, no, emptyNo, never };
+
+    /// Owns the name until it goes. The connection that the tests' own code uses would answer
+    /// itself without the bus, so this is another.
+    BusObject(const char* name, const char* path) : path_(QLatin1String(path)) {
+        owns = bus_.registerService(QLatin1String(name)) && bus_.registerVirtualObject(path_, this);
+    }
+
+    ~BusObject() override {
+        bus_.unregisterObject(path_);
+        QDBusConnection::disconnectFromBus(QStringLiteral("other"));
+    }
+
+    BusObject(const BusObject&) = delete;
+    BusObject& operator=(const BusObject&) = delete;
+
+    bool owns = false;
+    Answer answer = Answer::yes;
+    QDBusMessage last;
+
+    QString introspect(const QString&) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        last = message;
+        if (answer == Answer::yes)
+            connection.send(message.createReply());
+        else if (answer != Answer::never)
+            connection.send(message.createErrorReply(
+                QStringLiteral("x.Refused"),
+                answer == Answer::no ? QStringLiteral("not now") : QString()));
+        return true;
+    }
+
+private:
+    QString path_;
+    QDBusConnection bus_ =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("other"));
+};
+
+} // namespace tessarine
