@@ -124,7 +124,7 @@ void affinity(benchmark::State& state) {
         log.recordChoice("query" + std::to_string(i), "cmd:" + std::to_string(i % 40), 0);
     const auto before = allocationCount();
     for (auto _ : state)
-        benchmark::DoNotOptimize(log.affinity("query3", "cmd:3", 0));
+        benchmark::DoNotOptimize(log.affinity("query3 and some more words", "cmd:3", 0));
     state.counters["allocations"] = benchmark::Counter(
         static_cast<double>(allocationCount() - before), benchmark::Counter::kAvgIterations);
 }

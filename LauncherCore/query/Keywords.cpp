@@ -56,7 +56,10 @@ Keywords::Keywords(std::map<std::string, std::string> words, std::set<std::strin
 
 std::string Keywords::word(BuiltinKeyword keyword) const {
     const auto own = words_.find(std::string(info(keyword).rawValue));
-    return own == words_.end() ? std::string(info(keyword).defaultWord) : own->second;
+    // Neither an empty word nor one with a blank could ever be typed; the file may hold them.
+    const bool usable =
+        own != words_.end() && !own->second.empty() && own->second.find(' ') == std::string::npos;
+    return usable ? own->second : std::string(info(keyword).defaultWord);
 }
 
 bool Keywords::isEnabled(BuiltinKeyword keyword) const {

@@ -53,7 +53,7 @@ std::string stem(const std::string& path) {
 }
 
 std::optional<RowCreditSpec> appPath(const std::optional<std::string>& path) {
-    if (!path)
+    if (!path || path->empty())
         return std::nullopt;
     return RowCreditSpec{.value = RowCreditSpec::AppPath{*path}};
 }

@@ -29,6 +29,13 @@ constexpr auto freshness = std::to_array<Freshness>({
     {30 * 86400, 10},
 });
 
+/// Whether the query is plain ASCII that lower-casing and trimming would leave as it is.
+bool isNormalized(std::string_view query) {
+    return !query.starts_with(' ') && !query.ends_with(' ') &&
+           std::ranges::all_of(
+               query, [](char c) { return c >= ' ' && c <= '~' && !(c >= 'A' && c <= 'Z'); });
+}
+
 double weight(double age) {
     // A launch stamped in the future, or at no time at all, counts as fresh.
     if (!(age >= 0))
@@ -136,10 +143,13 @@ std::int64_t UsageLog::frecency(std::string_view id, double now) const {
 }
 
 std::int64_t UsageLog::affinity(std::string_view query, std::string_view id, double) const {
-    const auto normalized = normalizedQuery(query);
-    if (Graphemes::count(normalized) < shortestQuery)
+    // Text as it is mostly typed is already in its stored form, and needs no copy.
+    const auto normalized = isNormalized(query) ? std::string() : normalizedQuery(query);
+    if (!normalized.empty())
+        query = normalized;
+    if (Graphemes::count(query) < shortestQuery)
         return 0;
-    return affinityOf(normalized, id);
+    return affinityOf(query, id);
 }
 
 std::int64_t UsageLog::affinityOf(std::string_view normalized, std::string_view id) const {

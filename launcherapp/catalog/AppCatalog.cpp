@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -28,7 +29,7 @@ struct TimedScan {
 AppCatalog::AppCatalog(Doors doors,
                        Environment environment,
                        Content content,
-                       std::vector<std::string> extraFolders)
+                       ExtraFolders extraFolders)
     : doors_(doors), environment_(std::move(environment)), content_(content),
       extraFolders_(std::move(extraFolders)) {}
 
@@ -62,9 +63,13 @@ void AppCatalog::rescan() {
         [this, scan](TimedScan scanned) {
             if (scan != scansStarted_)
                 return;
-            watch(scanned.result.directories);
+            const bool watchesOthers = watch(scanned.result.directories);
             publish(
                 std::move(scanned.result.apps), std::move(scanned.result.registry), scanned.millis);
+            // A change in a folder that was found by this scan may lie between its reading and
+            // its watch.
+            if (watchesOthers)
+                scheduleRescan();
         });
 }
 
@@ -75,7 +80,7 @@ Subscription AppCatalog::onPublished(std::function<void()> published) {
 }
 
 std::vector<std::string> AppCatalog::roots() const {
-    return AppScan::roots(environment_, extraFolders_);
+    return AppScan::roots(environment_, extraFolders_());
 }
 
 Image AppCatalog::icon(const CatalogApp& app) {
@@ -141,12 +146,16 @@ void AppCatalog::publish(std::vector<CatalogApp> apps,
         published();
 }
 
-void AppCatalog::watch(const std::vector<std::string>& directories) {
+bool AppCatalog::watch(const std::vector<std::string>& directories) {
     if (directories == watched_)
-        return;
+        return false;
+    const bool watchesOthers = !std::ranges::all_of(directories, [&](const std::string& directory) {
+        return std::ranges::count(watched_, directory) > 0;
+    });
     watched_ = directories;
     streams_ = doors_.watcher.watch(
         directories, watchLatency, [this](const DirectoryChanges&) { scheduleRescan(); });
+    return watchesOthers;
 }
 
 void AppCatalog::scheduleRescan() {

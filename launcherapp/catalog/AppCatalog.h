@@ -51,10 +51,10 @@ public:
         Diagnostics& diagnostics;
     };
 
-    AppCatalog(Doors doors,
-               Environment environment,
-               Content content,
-               std::vector<std::string> extraFolders);
+    /// The folders that the user has added, as the preferences have them now.
+    using ExtraFolders = std::function<std::vector<std::string>()>;
+
+    AppCatalog(Doors doors, Environment environment, Content content, ExtraFolders extraFolders);
 
     /// Once. Returns at once; the first scan publishes later.
     void start();
@@ -96,7 +96,8 @@ private:
     void publish(std::vector<CatalogApp> apps,
                  std::shared_ptr<const AppRegistry> registry,
                  double millis);
-    void watch(const std::vector<std::string>& directories);
+    /// Whether some are watched that were not before.
+    bool watch(const std::vector<std::string>& directories);
     void scheduleRescan();
 
     struct RunningCache {
@@ -107,7 +108,7 @@ private:
     Doors doors_;
     Environment environment_;
     Content content_;
-    std::vector<std::string> extraFolders_;
+    ExtraFolders extraFolders_;
     std::vector<CatalogApp> apps_;
     std::shared_ptr<const AppRegistry> registry_ = std::make_shared<const AppRegistry>();
     std::optional<double> lastScan_;

@@ -57,10 +57,8 @@ public:
 
 private:
     void considerFolder(const std::string& path, int depth) {
+        // The depth bounds loops of links as well.
         if (depth >= AppScan::maximumDepth)
-            return;
-        const auto real = files_.realPath(path);
-        if (!real || !seen_.insert(*real).second)
             return;
         auto entries = files_.entries(path);
         if (!entries)
@@ -84,7 +82,7 @@ private:
         const auto real = files_.realPath(path);
         if (!real || seen_.contains(*real))
             return;
-        const auto entry = read(path);
+        const auto entry = AppScan::entryAt(files_, path, languages_);
         if (!entry)
             return;
         const auto verdict =
@@ -139,15 +137,6 @@ private:
             .windowClass = entry.text("StartupWMClass").value_or(""),
             .mimeTypes = std::move(mimeTypes),
         });
-    }
-
-    std::optional<DesktopEntry> read(const std::string& path) const {
-        try {
-            const auto bytes = files_.read(path, DesktopEntry::maximumBytes);
-            return bytes ? DesktopEntry::parse(*bytes, languages_) : std::nullopt;
-        } catch (const FileError&) {
-            return std::nullopt;
-        }
     }
 
     /// "kde/konsole.desktop" below a root has the id "kde-konsole".
@@ -227,7 +216,7 @@ private:
     const Environment& environment_;
     const std::vector<std::string> languages_;
     std::string root_;
-    std::set<std::string> seen_;    ///< real paths of entries and folders
+    std::set<std::string> seen_;    ///< real paths of entries
     std::set<std::string> claimed_; ///< desktop-file ids
     std::set<std::string> directories_;
     std::set<std::string> undisplayed_; ///< paths of entries that ask for no display
@@ -255,6 +244,17 @@ std::vector<std::string> AppScan::roots(const Environment& environment,
             unique.push_back(std::move(root));
     }
     return unique;
+}
+
+std::optional<DesktopEntry> AppScan::entryAt(const FileStore& files,
+                                             const std::string& path,
+                                             const std::vector<std::string>& languages) {
+    try {
+        const auto bytes = files.read(path, DesktopEntry::maximumBytes);
+        return bytes ? DesktopEntry::parse(*bytes, languages) : std::nullopt;
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
 }
 
 AppScan::Result AppScan::scan(const FileStore& files,

@@ -2,10 +2,12 @@
 
 #include "LauncherCore/catalog/AppRegistry.h"
 #include "LauncherCore/catalog/CatalogApp.h"
+#include "LauncherCore/catalog/DesktopEntry.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,10 @@ inline constexpr int maximumDepth = 3;
 /// system's, Flatpak's and Snap's exports, then `extraFolders`. Each once; they need not exist.
 std::vector<std::string> roots(const Environment& environment,
                                const std::vector<std::string>& extraFolders);
+
+/// The entry in a file; nothing when it can't be read or is none.
+std::optional<DesktopEntry>
+entryAt(const FileStore& files, const std::string& path, const std::vector<std::string>& languages);
 
 struct Result {
     std::shared_ptr<const AppRegistry> registry; ///< everything found; never null

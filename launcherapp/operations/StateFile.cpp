@@ -38,23 +38,28 @@ std::optional<std::string> StateFile::load() {
     } catch (const FileError& error) {
         if (failures_ == Failures::logged)
             diagnostics_.log(error.what());
-        damaged_ = Damage{};
+        damaged_ = std::make_shared<Damage>();
         return std::nullopt;
     }
 }
 
+void StateFile::markDamaged(std::string text) {
+    damaged_ = std::make_shared<Damage>();
+    damaged_->text = std::move(text);
+}
+
 void StateFile::save(std::string text) {
     auto* const log = failures_ == Failures::logged ? &diagnostics_ : nullptr;
-    saves_.submit([&files = files_,
-                   log,
-                   path = path_,
-                   damaged = std::exchange(damaged_, std::nullopt),
-                   text = std::move(text)] {
+    saves_.submit([&files = files_, log, path = path_, damaged = damaged_, text = std::move(text)] {
         try {
-            if (damaged && damaged->text)
-                files.save(freeCopyName(files, path), *damaged->text);
-            else if (damaged)
-                files.rename(path, freeCopyName(files, path));
+            // Until the copy lies there, no save may go over what could not be read.
+            if (damaged && !damaged->kept) {
+                if (damaged->text)
+                    files.save(freeCopyName(files, path), *damaged->text);
+                else
+                    files.rename(path, freeCopyName(files, path));
+                damaged->kept = true;
+            }
             files.save(path, text);
         } catch (const FileError& error) {
             if (log)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -32,7 +33,7 @@ public:
 
     /// Says that the text just loaded is no document of this kind, or holds what the next save
     /// would lose.
-    void markDamaged(std::string text) { damaged_ = Damage{.text = std::move(text)}; }
+    void markDamaged(std::string text);
 
     void save(std::string text);
 
@@ -42,6 +43,7 @@ public:
 private:
     struct Damage {
         std::optional<std::string> text; ///< nothing when it could not even be read
+        bool kept = false;               ///< a copy lies beside it; set by the saving queue alone
     };
 
     FileStore& files_;
@@ -49,7 +51,7 @@ private:
     Diagnostics& diagnostics_;
     std::string path_;
     Failures failures_;
-    std::optional<Damage> damaged_;
+    std::shared_ptr<Damage> damaged_; ///< empty while there is none
 };
 
 } // namespace tessarine

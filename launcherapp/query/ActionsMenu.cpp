@@ -3,6 +3,8 @@
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/query/rows/CommandRows.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tessarine {
@@ -48,8 +50,7 @@ void addFileActions(Menu& menu, const std::string& path, const RowMenuSources& s
         menu.add("Open", "arrow.up.forward.app", verbs.launchApp, *sources.app);
     else
         menu.add("Open", "arrow.up.forward.app", verbs.openPath, path);
-    if (!sources.app)
-        menu.add("Open with …", "", verbs.openPathWith, path);
+    menu.add("Open with …", "", verbs.openPathWith, path);
     menu.add("Reveal in Finder", "folder", verbs.revealPath, path);
     if (sources.folder)
         menu.add("Open in Terminal", "terminal", verbs.openTerminal, *sources.folder);
@@ -67,7 +68,7 @@ std::vector<RowAction> rowActions(const ResultRow& row, const RowMenuSources& so
     const auto path = row.url ? Urls::filePath(*row.url) : std::nullopt;
     if (path && (row.kind == RowKind::file || row.kind == RowKind::app))
         addFileActions(menu, *path, sources);
-    if (sources.app && row.running)
+    if (sources.app && sources.appRuns)
         menu.add("Quit " + row.title, "xmark.circle", sources.verbs.quitApp, *sources.app);
     if (sources.app)
         menu.add("Hide from results", "eye.slash", sources.hideApp);
@@ -75,7 +76,9 @@ std::vector<RowAction> rowActions(const ResultRow& row, const RowMenuSources& so
         menu.add("Show all named “" + row.title + "”", "list.bullet", sources.showTwins);
     if (sources.isUserCommand && row.id.starts_with(commandRowPrefix))
         menu.add("Edit commands.json", "pencil", sources.verbs.editCommands);
-    return menu.take();
+    auto actions = menu.take();
+    std::ranges::copy(sources.ofItsFamily, std::back_inserter(actions));
+    return actions;
 }
 
 std::vector<RowAction> panelActions(const RowVerbs& verbs, std::string_view productName) {
@@ -83,8 +86,8 @@ std::vector<RowAction> panelActions(const RowVerbs& verbs, std::string_view prod
     const std::string name(productName);
     menu.add("Settings", "gearshape", verbs.openSettings);
     menu.add("Health", "stethoscope", verbs.openHealth);
-    menu.add("Check for a newer " + name, "arrow.down.circle", verbs.checkForUpdate);
     menu.add("Quit " + name, "power", verbs.quitProgram);
+    menu.add("Check for a newer " + name, "arrow.down.circle", verbs.checkForUpdate);
     return menu.take();
 }
 

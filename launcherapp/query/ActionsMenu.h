@@ -16,12 +16,14 @@ namespace tessarine {
 struct RowMenuSources {
     const RowVerbs& verbs;
     bool isFavorite = false;
-    std::optional<CatalogApp> app;     ///< when the row is an application
+    std::optional<CatalogApp> app; ///< when the row is an application
+    bool appRuns = false;
     std::optional<std::string> folder; ///< when the row is a folder
     bool isUserCommand = false;        ///< of the user's own file
     std::function<void()> toggleFavorite;
     std::function<void()> hideApp;
     std::function<void()> showTwins; ///< empty unless the row has name twins that are not shown
+    std::vector<RowAction> ofItsFamily = {}; ///< what the row's own source adds, last
 };
 
 /// The actions of a row, by its kind and the name space of its id.

@@ -1,7 +1,10 @@
 #include "launcherapp/query/CreditResolver.h"
 
+#include "LauncherCore/catalog/AppNaming.h"
 #include "LauncherCore/catalog/AppRegistry.h"
+#include "LauncherCore/catalog/DesktopEntry.h"
 #include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/catalog/AppScan.h"
 #include "launcherapp/catalog/StandInApps.h"
 #include "launcherapp/platform/Icons.h"
 
@@ -16,6 +19,8 @@ namespace {
 constexpr std::string_view missingSymbol = "app.dashed";
 constexpr std::string_view applicationSymbol = "app";
 constexpr std::string_view computerIcon = "computer";
+constexpr std::string_view entryExtension = ".desktop";
+constexpr std::string_view bundleExtension = ".app";
 
 } // namespace
 
@@ -27,10 +32,9 @@ CreditResolver::CreditResolver(const AppCatalog& catalog,
 
 const ResolvedCredit& CreditResolver::resolve(const RowCreditSpec& spec) {
     const auto known = resolved_.find(spec);
-    // Before the first scan nothing is installed yet, so what is missing then may be found later.
-    const bool mayHaveArrived =
-        known != resolved_.end() && !known->second.found && resolvedBeforeScan_.contains(spec);
-    if (known != resolved_.end() && !(mayHaveArrived && catalog_.lastScan()))
+    // Before the first scan nothing is installed yet, so what was resolved then is resolved anew.
+    const bool mayHaveArrived = catalog_.lastScan() && resolvedBeforeScan_.contains(spec);
+    if (known != resolved_.end() && !mayHaveArrived)
         return known->second;
     if (catalog_.lastScan())
         resolvedBeforeScan_.erase(spec);
@@ -52,10 +56,9 @@ ResolvedCredit CreditResolver::compute(const RowCreditSpec& spec) {
         const auto path = expandingTilde(environment_, onDisk->path);
         if (!files_.info(path))
             return missing(spec);
-        const auto* installed = registry.byPath(path);
-        return {.name = installed ? installed->name : spec.fallbackName(),
-                .icon = iconOf(installed ? installed->icon : ""),
-                .found = true};
+        if (const auto* installed = registry.byPath(path))
+            return {.name = installed->name, .icon = iconOf(installed->icon), .found = true};
+        return credited(path);
     }
     if (const auto* url = std::get_if<RowCreditSpec::UrlHandler>(&spec.value)) {
         const auto* handler = registry.handlerForScheme(url->scheme);
@@ -69,6 +72,27 @@ ResolvedCredit CreditResolver::compute(const RowCreditSpec& spec) {
             return {.name = app.name, .icon = iconOf(installed->icon), .found = true};
     }
     return missing(spec);
+}
+
+ResolvedCredit CreditResolver::credited(const std::string& path) {
+    // An entry that no root holds, or that another of its id hides, still has its own name.
+    const auto& priority = environment_.languagePriority;
+    const auto languages = desktopLanguages(priority, environment_.messagesLocale);
+    if (path.ends_with(entryExtension)) {
+        if (const auto entry = AppScan::entryAt(files_, path, languages)) {
+            const auto names = AppNaming::names(*entry, path, "", languages);
+            return {.name = names.name,
+                    .icon = iconOf(entry->localized("Icon", languages).value_or("")),
+                    .found = true};
+        }
+    }
+    auto name = path;
+    while (name.size() > 1 && name.ends_with('/'))
+        name.pop_back();
+    name.erase(0, name.rfind('/') + 1);
+    if (name.size() > bundleExtension.size() && name.ends_with(bundleExtension))
+        name.resize(name.size() - bundleExtension.size());
+    return {.name = name.empty() ? path : name, .icon = iconOf(""), .found = true};
 }
 
 ResolvedCredit CreditResolver::missing(const RowCreditSpec& spec) {

@@ -21,9 +21,10 @@ struct ResolvedCredit {
     bool found = false; ///< the named thing is really on this machine
 };
 
-/// Looks credits up among the installed applications, once per distinct credit and process: one
-/// that was missing stays missing until a restart, unless it was asked for before the catalog's
-/// first scan. Asked when a row is drawn, never for a row that can't be seen. Main thread only.
+/// Looks credits up among the installed applications, once per distinct credit and process, and
+/// once more when it was asked for before the catalog's first scan: one that is missing then stays
+/// missing until a restart. Asked when a row is drawn, never for a row that can't be seen. Main
+/// thread only.
 class CreditResolver {
 public:
     static constexpr int iconPoints = 16;
@@ -37,6 +38,7 @@ public:
 
 private:
     ResolvedCredit compute(const RowCreditSpec& spec);
+    ResolvedCredit credited(const std::string& path);
     ResolvedCredit missing(const RowCreditSpec& spec);
     Image iconOf(const std::string& themeNameOrPath);
 

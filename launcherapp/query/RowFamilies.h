@@ -3,6 +3,7 @@
 #include "LauncherCore/catalog/CatalogApp.h"
 #include "LauncherCore/commands/CommandSpec.h"
 #include "launcherapp/query/ResultRow.h"
+#include "launcherapp/query/RowAction.h"
 
 #include <cstdint>
 #include <functional>
@@ -110,6 +111,9 @@ struct RowFamilies {
     std::function<std::vector<std::size_t>(std::string_view argument)> partialFilters;
     std::function<void(const std::string& clippingID)> removeClipping;
     std::function<bool(const std::string& clippingID)> copyClippingToTop;
+
+    /// What the actions menu offers for a row of the source beyond what its kind has.
+    std::function<std::vector<RowAction>(const ResultRow& row)> menuActions;
 
     /// What copying a row of the source copies; nothing for what it leaves to the row's kind.
     std::function<std::optional<std::string>(const ResultRow& row)> copyText;

@@ -130,12 +130,8 @@ void SearchModel::recompute() {
     }
     hasBuiltRows_ = true;
     const auto started = services_.queue.uptime();
-    Rows rows;
-    {
-        const Raised recomputing(recomputing_);
-        rows = builtRows();
-    }
-    finish(std::move(rows), started);
+    const Raised recomputing(recomputing_);
+    finish(builtRows(), started);
 }
 
 void SearchModel::finish(Rows rows, Seconds started) {
@@ -150,7 +146,9 @@ void SearchModel::finish(Rows rows, Seconds started) {
 }
 
 Rows SearchModel::builtRows() {
-    const std::string q(Folding::trimmed(query_));
+    // Copied, since a row builder that calls back may change the query under this run.
+    const auto query = query_;
+    const std::string q(Folding::trimmed(query));
     engaged_.reset();
     if (auto rows = modeRows(q))
         return *std::move(rows);
@@ -172,7 +170,7 @@ Rows SearchModel::builtRows() {
     // The blank that makes a keyword engage may be the last thing typed, so only the front is
     // trimmed.
     const auto typed =
-        q.empty() ? std::string_view() : std::string_view(query_).substr(query_.find(q));
+        q.empty() ? std::string_view() : std::string_view(query).substr(query.find(q));
     if (auto engagement = tessarine::engagement(commands, typed)) {
         engaged_ = engagement->command;
         const bool hasListOfItsOwn =
@@ -272,7 +270,7 @@ Rows SearchModel::atRestRows(const std::vector<CommandSpec>& commands) {
             if (app != sources.apps.end() && isOffered(sources, *app))
                 add(appRow(sources, *app), "most used");
             else if (command != commands.end())
-                add(commandRow(*command, verbs), "most used");
+                rows.push_back(commandRow(*command, verbs));
             shown.insert(id);
         }
         for (const auto& app : sources.apps) {

@@ -178,7 +178,8 @@ bool SearchModel::copySelected() {
     if (!row)
         return false;
     if (clipboardMode_)
-        return families.copyClippingToTop && families.copyClippingToTop(row->id);
+        return row->id.starts_with(clippingPrefix) && families.copyClippingToTop &&
+               families.copyClippingToTop(row->id.substr(clippingPrefix.size()));
     if (!verbs.copyText)
         return false;
     const auto text = rowsOf(families.copyText, *row).value_or(copiedText(*row));

@@ -75,10 +75,13 @@ void SearchModel::openActions() {
                            .isFavorite = std::ranges::count(prefs.favorites(), row->id) > 0,
                            .folder = rowsOf(families.folderPath, *row),
                            .isUserCommand = rowsOf(families.isUserCommand, *row),
-                           .toggleFavorite = [this] { toggleFavorite(); }};
+                           .toggleFavorite = [this] { toggleFavorite(); },
+                           .ofItsFamily = rowsOf(families.menuActions, *row)};
     const auto app = std::ranges::find(apps, row->id, &CatalogApp::id);
     if (app != apps.end()) {
         sources.app = *app;
+        sources.appRuns =
+            app->bundleID && services_.catalog.runningBundleIDs().contains(*app->bundleID);
         sources.hideApp = [this, id = row->id] {
             auto hidden = services_.prefs.hiddenApps();
             hidden.push_back(id);

@@ -1,9 +1,11 @@
 #include "launcherapp/shell/App.h"
 
+#include "LauncherCore/text/Urls.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppLauncher.h"
 #include "launcherapp/catalog/RecentApps.h"
 #include "launcherapp/catalog/RunningApps.h"
+#include "launcherapp/catalog/StandInApps.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/linux/DBusApplicationBus.h"
 #include "launcherapp/platform/linux/FileResidentCopies.h"
@@ -29,6 +31,7 @@
 #include <fmt/format.h>
 
 #include <QCoreApplication>
+#include <QTemporaryDir>
 #include <cstdio>
 #include <optional>
 #include <string_view>
@@ -50,6 +53,27 @@ std::unique_ptr<WindowList> windowList(const Environment& environment) {
     return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland are "
                                           "not read yet");
 }
+
+/// A run on canned data has no private stores: what it remembers lies in a folder that goes with
+/// it.
+class Demonstration {
+public:
+    explicit Demonstration(bool on) {
+        if (on)
+            folder_.emplace();
+    }
+
+    bool isOn() const { return folder_.has_value(); }
+
+    Environment surroundings(Environment environment) const {
+        if (folder_)
+            environment.dataHome = folder_->path().toStdString();
+        return environment;
+    }
+
+private:
+    std::optional<QTemporaryDir> folder_;
+};
 
 } // namespace
 
@@ -76,12 +100,16 @@ struct App::Services {
     LocalDictionary dictionary{processes};
 
     // The services, in start-up order.
-    SupportDirectory support{files, environment};
+    Demonstration demonstration{commandLine.has("--demo")};
+    SupportDirectory support{files, demonstration.surroundings(environment)};
     Diagnostics diagnostics{queue,
                             work,
                             files,
                             [this] { return support.path(); },
                             endsByItself ? Diagnostics::Run::oneShot : Diagnostics::Run::resident};
+    /// Older copies are gone before anything of theirs is read. A one-shot mode has no identity
+    /// of its own: it leaves them alone.
+    const bool isResident = becomeResident();
     DefaultsStore defaults{StateFile(files,
                                      work.serial("com.corvane.tessarine.preferences"),
                                      diagnostics,
@@ -100,9 +128,9 @@ struct App::Services {
                         .running = running,
                         .diagnostics = diagnostics},
                        environment,
-                       commandLine.has("--demo") ? AppCatalog::Content::demonstration
-                                                 : AppCatalog::Content::installed,
-                       prefs.extraAppFolders()};
+                       demonstration.isOn() ? AppCatalog::Content::demonstration
+                                            : AppCatalog::Content::installed,
+                       [this] { return prefs.extraAppFolders(); }};
     UsageStore usage{queue,
                      diagnostics,
                      {.own = stateFile("usage.json"), .synced = stateFile("synced-usage.json")},
@@ -141,14 +169,26 @@ struct App::Services {
                 StateFile::Failures::silent};
     }
 
+    bool becomeResident();
     void wireModel();
     void openUrl(const std::string& url);
+    void openDictionary(const std::string& word);
 };
+
+bool App::Services::becomeResident() {
+    const auto identity = endsByItself ? std::nullopt : std::optional(ProductInfo::bundleID);
+    SingleInstance::enforce(copies, queue, diagnostics, identity);
+    if (identity)
+        copies.announce();
+    return identity.has_value();
+}
 
 /// What rows can have done, and the sources that have landed.
 void App::Services::wireModel() {
     model.verbs.launchApp = [this](const CatalogApp& app) { catalog.launch(app); };
     model.verbs.openUrl = [this](const std::string& url) { openUrl(url); };
+    model.verbs.quitProgram = [] { QCoreApplication::exit(0); };
+    model.verbs.lookUpWord = [this](const std::string& word) { openDictionary(word); };
     model.families.recentApps = [this] { return recent.recent(catalog.apps()); };
     model.families.lookUp = [this](const std::string& word,
                                    const std::function<void(std::string)>& found) {
@@ -157,6 +197,24 @@ void App::Services::wireModel() {
                 found(*std::move(text));
         });
     };
+}
+
+/// Dictionary programs take the word as a "dict" address or not at all: then they open without it.
+void App::Services::openDictionary(const std::string& word) {
+    const auto& registry = *catalog.registry();
+    if (registry.handlerForScheme("dict")) {
+        openUrl("dict:///d:" + Urls::queryValue(word));
+        return;
+    }
+    const auto* program = StandInApps::application(registry, "com.apple.Dictionary");
+    if (!program) {
+        diagnostics.log("dictionary: no dictionary application is installed");
+        return;
+    }
+    launcher.launch(*program, {}, [this](std::optional<std::string> problem) {
+        if (problem)
+            diagnostics.log(fmt::format("dictionary: {}", *problem));
+    });
 }
 
 void App::Services::openUrl(const std::string& url) {
@@ -179,16 +237,10 @@ App::~App() = default;
 
 int App::run() {
     Services& services = *services_;
-    // A one-shot mode has no identity of its own: it leaves the resident copy alone.
-    const auto identity =
-        services.endsByItself ? std::nullopt : std::optional(ProductInfo::bundleID);
-    SingleInstance::enforce(services.copies, services.queue, services.diagnostics, identity);
-    if (identity)
-        services.copies.announce();
     services.wireModel();
     services.catalog.start();
     Modes::schedule(services.modes);
-    if (identity)
+    if (services.isResident)
         std::fputs("Tessarine is running. It has no panel and no hotkey yet: see the README for "
                    "what works today. Control-C ends it.\n",
                    stderr);

@@ -5,6 +5,8 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <functional>
+#include <set>
 #include <type_traits>
 #include <utility>
 
@@ -61,6 +63,9 @@ template <typename T> std::optional<T> read(const Json& json) {
 
 struct DefaultsStore::Contents {
     Json object = Json::object();
+    std::string text; ///< as it was read
+    mutable std::set<std::string, std::less<>> unreadable =
+        {}; ///< keys that hold what no reader takes
 };
 
 DefaultsStore::DefaultsStore(StateFile file, Diagnostics& diagnostics)
@@ -71,6 +76,7 @@ DefaultsStore::DefaultsStore(StateFile file, Diagnostics& diagnostics)
     auto parsed = Json::parse(*text, nullptr, false);
     if (parsed.is_object()) {
         contents_->object = std::move(parsed);
+        contents_->text = *std::move(text);
         return;
     }
     diagnostics.log(fmt::format(
@@ -82,7 +88,12 @@ DefaultsStore::~DefaultsStore() = default;
 
 template <typename T> std::optional<T> DefaultsStore::value(std::string_view key) const {
     const auto found = contents_->object.find(key);
-    return found == contents_->object.end() ? std::nullopt : read<T>(*found);
+    if (found == contents_->object.end())
+        return std::nullopt;
+    auto result = read<T>(*found);
+    if (!result)
+        contents_->unreadable.emplace(key);
+    return result;
 }
 
 template std::optional<bool> DefaultsStore::value(std::string_view) const;
@@ -98,6 +109,9 @@ template std::optional<std::map<std::string, std::int64_t>>
     DefaultsStore::value(std::string_view) const;
 
 void DefaultsStore::set(std::string_view key, const DefaultsValue& value) {
+    // What the user wrote there by hand counts for nothing, but is not to be lost unseen.
+    if (contents_->unreadable.erase(std::string(key)) > 0 && !contents_->text.empty())
+        file_.markDamaged(std::exchange(contents_->text, {}));
     contents_->object[std::string(key)] =
         std::visit([](const auto& held) { return Json(held); }, value);
     save();

@@ -170,22 +170,21 @@ Subscription Prefs::onChange(std::function<void(std::string_view)> changed) {
 std::optional<std::string> Prefs::setKeywordWord(BuiltinKeyword keyword, std::string_view word) {
     auto refusal = keywords_.setWord(keyword, word);
     if (!refusal)
-        storeKeywords();
+        builtinKeywordWords.set(keywords_.words());
     return refusal;
 }
 
 void Prefs::enableKeyword(BuiltinKeyword keyword) {
     keywords_.enable(keyword);
-    storeKeywords();
+    storeDisabledKeywords();
 }
 
 void Prefs::disableKeyword(BuiltinKeyword keyword) {
     keywords_.disable(keyword);
-    storeKeywords();
+    storeDisabledKeywords();
 }
 
-void Prefs::storeKeywords() {
-    builtinKeywordWords.set(keywords_.words());
+void Prefs::storeDisabledKeywords() {
     builtinKeywordsDisabled.set({keywords_.disabled().begin(), keywords_.disabled().end()});
 }
 

@@ -192,7 +192,7 @@ public:
     void disableKeyword(BuiltinKeyword keyword);
 
 private:
-    void storeKeywords();
+    void storeDisabledKeywords();
 
     Keywords keywords_;
 };

@@ -50,7 +50,7 @@ struct FakeServices {
                         .diagnostics = diagnostics},
                        environment,
                        AppCatalog::Content::installed,
-                       {}};
+                       [this] { return prefs.extraAppFolders(); }};
 
     UsageStore usage{platform.queue,
                      diagnostics,

@@ -224,11 +224,13 @@ TEST_F(X11WindowListTest, bringsWindowsForwardAndBack) {
     ASSERT_TRUE(appears(first));
     windows.activate(first);
     ASSERT_TRUE(isActive(first));
+    EXPECT_TRUE(spinUntil([&] { return changes > 0; }));
+    changes = 0; // changes in quick succession may be told as one
     const auto second = client.open("two", "Two");
     ASSERT_TRUE(appears(second));
     windows.activate(second);
     ASSERT_TRUE(isActive(second));
-    EXPECT_TRUE(spinUntil([&] { return changes >= 2; }));
+    EXPECT_TRUE(spinUntil([&] { return changes > 0; }));
 
     client.iconify(first);
     ASSERT_TRUE(spinUntil([&] { return find(first)->hidden; }));

@@ -201,7 +201,7 @@ TEST_F(AppCatalogTest, aDemonstrationTouchesNothing) {
                               .diagnostics = services.diagnostics},
                              services.environment,
                              AppCatalog::Content::demonstration,
-                             {});
+                             [] { return std::vector<std::string>(); });
     demonstration.start();
     demonstration.rescan();
     EXPECT_GT(demonstration.apps().size(), 10u);

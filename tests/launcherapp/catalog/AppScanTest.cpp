@@ -115,7 +115,9 @@ TEST_F(AppScanTest, foldersAreEnteredToADepthAndLinksFollowed) {
     files.link("/a/self", "self");
     EXPECT_THAT(names({"/a"}), ElementsAre("Five", "One", "Three", "Two"));
     EXPECT_THAT(AppScan::scan(files, environment, {"/a", "/none"}).directories,
-                ElementsAre("/a", "/a/b", "/a/b/c", "/a/link", "/none"));
+                ElementsAre("/a", "/a/b", "/a/b/c", "/a/b/loop", "/a/link", "/none"));
+    // A root inside another reaches deeper.
+    EXPECT_THAT(names({"/a", "/a/b/c"}), ElementsAre("Five", "Four", "One", "Three", "Two"));
 }
 
 TEST_F(AppScanTest, theSessionDecidesWhatIsOffered) {

@@ -61,6 +61,9 @@ TEST_F(CreditResolverTest, partsOfTheDesktopAreCreditedToWhatTakesThem) {
 TEST_F(CreditResolverTest, applicationsOnDiskAreCreditedByTheirEntry) {
     const auto path = services.install("edit", "Text Editor", "Icon=edit\n");
     services.platform.files.file("/home/u/bin/tool.sh", "");
+    services.platform.files.file("/opt/Old.app/main", "");
+    services.platform.files.file("/opt/own.desktop",
+                                 "[Desktop Entry]\nType=Application\nName=My Own\n");
     services.startCatalog();
 
     const struct {
@@ -69,7 +72,9 @@ TEST_F(CreditResolverTest, applicationsOnDiskAreCreditedByTheirEntry) {
         bool found;
     } cases[] = {
         {path, "Text Editor", true},
-        {"~/bin/tool.sh", "tool", true},
+        {"~/bin/tool.sh", "tool.sh", true},
+        {"/opt/Old.app", "Old", true},
+        {"/opt/own.desktop", "My Own", true},
         {"/opt/gone.desktop", "gone", false},
     };
 

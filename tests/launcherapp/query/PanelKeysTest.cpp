@@ -249,7 +249,7 @@ TEST_F(PanelKeysTest, copyingTakesWhatTheRowStandsFor) {
         return true;
     };
     EXPECT_TRUE(model.copySelected());
-    EXPECT_EQ(toTop, "clip:1");
+    EXPECT_EQ(toTop, "1");
     EXPECT_EQ(copied.size(), 2u);
 }
 

@@ -384,6 +384,13 @@ TEST_F(SearchModelTest, aBuilderThatCallsBackIsDropped) {
     model.families.files = [](std::string_view) -> Rows { throw std::runtime_error("broken"); };
     EXPECT_THROW(model.setQuery("text"), std::runtime_error);
     model.families.files = nullptr;
+    // An early one takes away the very text that the run is about.
+    model.families.slack = [&](std::string_view) {
+        model.setQuery("q");
+        return TakeOverRows{};
+    };
+    model.setQuery("zzzz");
+    model.families.slack = nullptr;
     EXPECT_THAT(ids("zzzz"), ElementsAre("web")); // the guard is down again
 }
 
