@@ -235,8 +235,12 @@ TEST_F(X11WindowListTest, bringsWindowsForwardAndBack) {
     client.iconify(first);
     ASSERT_TRUE(spinUntil([&] { return find(first)->hidden; }));
     EXPECT_TRUE(isActive(second));
-    windows.unhide(first);
-    EXPECT_TRUE(spinUntil([&] { return !find(first)->hidden; }));
+    // A window manager may tell of the state a moment before it takes the window off the screen,
+    // and until then there is nothing to put back.
+    EXPECT_TRUE(spinUntil([&] {
+        windows.unhide(first);
+        return !find(first)->hidden;
+    }));
     windows.activate(first);
     EXPECT_TRUE(isActive(first));
 
