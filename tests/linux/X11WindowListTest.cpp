@@ -63,6 +63,17 @@ public:
         xcb_disconnect(connection);
     }
 
+    /// How many windows the window manager lists, those included that are already gone.
+    std::uint32_t managedWindows() {
+        xcb_ewmh_get_windows_reply_t list{};
+        if (!xcb_ewmh_get_client_list_reply(
+                &ewmh, xcb_ewmh_get_client_list(&ewmh, 0), &list, nullptr))
+            return 0;
+        const auto count = list.windows_len;
+        xcb_ewmh_get_windows_reply_wipe(&list);
+        return count;
+    }
+
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
@@ -152,6 +163,12 @@ public:
 
 class X11WindowListTest : public testing::Test {
 protected:
+    /// The display gives the numbers of a client that has gone to the next one, whose windows the
+    /// window manager must not mistake for those it still knows.
+    void SetUp() override {
+        ASSERT_TRUE(spinUntil([&] { return client.managedWindows() == 0; }));
+    }
+
     std::optional<AppWindow> find(std::uint64_t id) {
         const auto all = windows.windows();
         const auto found = std::ranges::find(all, id, &AppWindow::id);
