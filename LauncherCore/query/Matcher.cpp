@@ -371,6 +371,20 @@ std::vector<std::int64_t> Matcher::wordStarts(const std::vector<std::string_view
     return starts;
 }
 
+std::string Matcher::asciiWordStarts(std::string_view candidate) {
+    std::string starts;
+    Letterform previous;
+    for (const char c : candidate) {
+        const auto& byte = asciiBytes[static_cast<unsigned char>(c)];
+        if (byte.dropped)
+            continue;
+        if (startsWord(previous, byte.form))
+            starts += byte.lowered;
+        previous = byte.form;
+    }
+    return starts;
+}
+
 std::optional<MatchResult> Matcher::score(std::string_view query, std::string_view candidate) {
     if (!Folding::isAscii(query) || !Folding::isAscii(candidate))
         return Query(query).score(candidate);
