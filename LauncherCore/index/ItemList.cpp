@@ -103,13 +103,16 @@ void ItemList::addItself(std::string_view path,
     append(addDirectory(path) | itselfBit | (isFolder ? folderBit : 0), name, norm);
 }
 
-void ItemList::add(const IndexedItem& item) {
-    const auto folder = folderOf(item.id);
+void ItemList::add(std::string_view id,
+                   std::string_view name,
+                   std::string_view norm,
+                   bool isFolder) {
+    const auto folder = folderOf(id);
     // All but a drive's own item are named by the last part of their path.
-    if (item.id.size() == folder.size() + 1 + item.name.size() && item.id.ends_with(item.name))
-        add(directoryOf(folder), item.name, item.norm, item.isFolder);
+    if (id.size() == folder.size() + 1 + name.size() && id.ends_with(name))
+        add(directoryOf(folder), name, norm, isFolder);
     else
-        addItself(item.id, item.name, item.norm, item.isFolder);
+        addItself(id, name, norm, isFolder);
 }
 
 void ItemList::addFrom(const ItemList& other, std::size_t index) {

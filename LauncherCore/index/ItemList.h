@@ -69,9 +69,9 @@ public:
     void
     addItself(std::string_view path, std::string_view name, std::string_view norm, bool isFolder);
 
-    /// Adds an item from its fields, finding or adding its directory: that of the item added last
-    /// costs nothing to find. `ext` is not stored, since it follows from the rest.
-    void add(const IndexedItem& item);
+    /// Adds an item by its path, finding or adding its directory: that of the item added last, or
+    /// one above it, costs nothing to find. Its extension follows from the rest.
+    void add(std::string_view id, std::string_view name, std::string_view norm, bool isFolder);
 
     /// Adds an item of another list.
     void addFrom(const ItemList& other, std::size_t index);

@@ -57,13 +57,15 @@ void NameIndex::buildBlob() {
     offsets_.reserve(count);
     for (const auto& list : lists_) {
         for (std::size_t i = 0; i < list->size(); ++i) {
+            const auto norm = list->norm(i);
             const auto begin = blob_.size();
             offsets_.push_back(static_cast<std::uint32_t>(begin));
-            blob_ += list->norm(i);
-            std::replace(blob_.begin() + static_cast<std::ptrdiff_t>(begin),
-                         blob_.end(),
-                         NameScan::terminator,
-                         ' ');
+            blob_ += norm;
+            if (norm.find(NameScan::terminator) != std::string_view::npos)
+                std::ranges::replace(blob_.begin() + static_cast<std::ptrdiff_t>(begin),
+                                     blob_.end(),
+                                     NameScan::terminator,
+                                     ' ');
             blob_ += NameScan::terminator;
         }
     }
@@ -71,33 +73,44 @@ void NameIndex::buildBlob() {
 }
 
 void NameIndex::buildFirsts() {
+    // Gathered in the order of the names, which is that of memory, and sorted by byte afterwards.
+    std::string starts;
+    std::vector<std::uint32_t> startEnds;
+    startEnds.reserve(size());
     std::array<std::uint32_t, 256> counts{};
-    for (Position i = 0; i < size(); ++i) {
-        if (const auto text = norm(i); !text.empty())
-            ++counts[firstByte(text)];
+    Position position = 0;
+    for (const auto& list : lists_) {
+        for (std::size_t i = 0; i < list->size(); ++i, ++position) {
+            const auto text = blobText(position);
+            const auto name = list->name(i);
+            // Of other names every byte may begin a word: the scorer has the last word anyway.
+            if (Folding::isAscii(name))
+                starts += Matcher::asciiWordStarts(name);
+            else
+                starts += text;
+            startEnds.push_back(static_cast<std::uint32_t>(starts.size()));
+            if (!text.empty())
+                ++counts[firstByte(text)];
+        }
     }
     for (std::size_t byte = 0; byte < counts.size(); ++byte)
         firstBegins_[byte + 1] = firstBegins_[byte] + counts[byte];
     byFirst_.resize(firstBegins_.back());
     auto ends = firstBegins_;
-    for (Position i = 0; i < size(); ++i) {
-        if (const auto text = norm(i); !text.empty())
-            byFirst_[ends[firstByte(text)]++] = i;
+    for (position = 0; position < size(); ++position) {
+        if (const auto text = blobText(position); !text.empty())
+            byFirst_[ends[firstByte(text)]++] = position;
     }
+    wordStarts_.reserve(starts.size() + byFirst_.size());
     for (std::size_t byte = 0; byte < counts.size(); ++byte) {
         wordStartBegins_[byte] = static_cast<std::uint32_t>(wordStarts_.size());
-        for (const auto position : beginningWith(static_cast<unsigned char>(byte))) {
-            const auto text = name(position);
-            // Of other names every byte may begin a word: the scorer has the last word anyway.
-            if (Folding::isAscii(text))
-                wordStarts_ += Matcher::asciiWordStarts(text);
-            else
-                wordStarts_ += blobText(position);
+        for (const auto each : beginningWith(static_cast<unsigned char>(byte))) {
+            const auto begin = each == 0 ? 0 : startEnds[each - 1];
+            wordStarts_ += std::string_view(starts).substr(begin, startEnds[each] - begin);
             wordStarts_ += NameScan::terminator;
         }
     }
     wordStartBegins_.back() = static_cast<std::uint32_t>(wordStarts_.size());
-    wordStarts_.shrink_to_fit();
 }
 
 NameIndex::Place NameIndex::place(Position position) const {
