@@ -159,6 +159,10 @@ std::vector<PlacedDirectory> outermost(std::vector<PlacedDirectory> placed) {
 IndexWalker::IndexWalker(const DirectoryReader& reader, std::function<double()> clock)
     : reader_(reader), clock_(std::move(clock)) {}
 
+bool IndexWalker::opens(const std::string& path) const {
+    return reader_.list(path).has_value();
+}
+
 IndexWalker::Result
 IndexWalker::walkTree(const std::string& start, int childDepth, const Policy& policy) const {
     const double began = clock_();

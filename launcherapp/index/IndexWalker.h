@@ -53,6 +53,9 @@ public:
     /// `clock` gives seconds since some fixed moment, for `millis`; any thread.
     IndexWalker(const DirectoryReader& reader, std::function<double()> clock);
 
+    /// Whether the directory can be read at all; waits for it.
+    bool opens(const std::string& path) const;
+
     /// Walks below `start`, depth first, each directory's entries by name. `childDepth` is the
     /// depth of its direct children: 1 for a root, one more than its own for a changed directory.
     Result walkTree(const std::string& start, int childDepth, const Policy& policy) const;

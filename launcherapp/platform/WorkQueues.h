@@ -45,12 +45,25 @@ public:
         submit(priority, std::move(job), nullptr);
     }
 
+    /// Any thread. Runs `job()` on a thread of its own and then `done(value)` on the main thread:
+    /// for what may never return, as a drive that hangs. Nobody waits for it, not even at the end.
+    template <typename Job, typename Done> void runApart(Job job, Done done) {
+        using Value = std::invoke_result_t<Job&>;
+        auto value = std::make_shared<std::optional<Value>>();
+        submitApart([job = std::move(job), value]() mutable { value->emplace(job()); },
+                    [done = std::move(done), value]() mutable { done(std::move(**value)); });
+    }
+
     /// Main thread. The queue of this name; the same one each time, alive as long as this object.
     virtual SerialQueue& serial(std::string_view name) = 0;
 
     /// Any thread. Runs `job` off the main thread and then, if there is one, `completion` on it.
     virtual void
     submit(WorkPriority priority, std::function<void()> job, std::function<void()> completion) = 0;
+
+    /// Any thread. The same on a thread of its own; once this object is gone, the completion is
+    /// dropped.
+    virtual void submitApart(std::function<void()> job, std::function<void()> completion) = 0;
 };
 
 } // namespace tessarine

@@ -34,6 +34,15 @@ public:
         });
     }
 
+    void submitApart(std::function<void()> job, std::function<void()> completion) override {
+        time_.schedule(apartDuration, [job = std::move(job), completion = std::move(completion)] {
+            job();
+            completion();
+        });
+    }
+
+    Seconds apartDuration{0}; ///< of the jobs with a thread of their own
+
 private:
     struct Serial : SerialQueue {
         explicit Serial(VirtualTime& virtualTime) : time(virtualTime) {}

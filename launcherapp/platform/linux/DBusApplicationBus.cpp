@@ -1,15 +1,12 @@
 #include "launcherapp/platform/linux/DBusApplicationBus.h"
 
+#include "launcherapp/platform/linux/DBusCall.h"
 #include "launcherapp/platform/linux/SessionBus.h"
 
-#include <QDBusError>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QStringList>
 #include <QVariantMap>
 #include <algorithm>
-#include <chrono>
 #include <string_view>
 #include <utility>
 
@@ -58,10 +55,6 @@ bool isBusName(std::string_view name) {
            !name.ends_with('.') && std::ranges::all_of(name, isNameCharacter);
 }
 
-std::string inWords(const QDBusError& error) {
-    return (error.message().isEmpty() ? error.name() : error.message()).toStdString();
-}
-
 } // namespace
 
 DBusApplicationBus::DBusApplicationBus(MainQueue& queue) : queue_(queue) {}
@@ -81,18 +74,7 @@ void DBusApplicationBus::activate(const BusActivation& request,
         });
         return;
     }
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(timeout);
-    auto* watcher = new QDBusPendingCallWatcher(
-        bus->asyncCall(callFor(request), static_cast<int>(wait.count())));
-    QObject::connect(watcher,
-                     &QDBusPendingCallWatcher::finished,
-                     watcher,
-                     [done = std::move(done)](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         const QDBusPendingReply<> reply = *finished;
-                         done(reply.isError() ? std::optional(inWords(reply.error()))
-                                              : std::nullopt);
-                     });
+    callBus(*bus, callFor(request), timeout, std::move(done));
 }
 
 } // namespace tessarine

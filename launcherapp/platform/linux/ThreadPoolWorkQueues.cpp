@@ -83,9 +83,28 @@ void ThreadPoolWorkQueues::Lane::work(Niceness niceness) {
 ThreadPoolWorkQueues::ThreadPoolWorkQueues(MainQueue& mainQueue)
     : mainQueue_(mainQueue),
       userInitiated_(userInitiatedThreads(), Lane::Niceness::normal, Lane::AtEnd::dropWaiting),
-      utility_(utilityThreads, Lane::Niceness::lowest, Lane::AtEnd::dropWaiting) {}
+      utility_(utilityThreads, Lane::Niceness::lowest, Lane::AtEnd::dropWaiting) {
+    wayBack_->queue = &mainQueue;
+}
 
-ThreadPoolWorkQueues::~ThreadPoolWorkQueues() = default;
+ThreadPoolWorkQueues::~ThreadPoolWorkQueues() {
+    const std::lock_guard lock(wayBack_->mutex);
+    wayBack_->queue = nullptr;
+}
+
+void ThreadPoolWorkQueues::submitApart(std::function<void()> job,
+                                       std::function<void()> completion) {
+    // Detached, since a thread that waits for a drive in the kernel can't be joined or ended.
+    std::thread([job = std::move(job),
+                 completion = std::move(completion),
+                 back = wayBack_]() mutable {
+        giveWay();
+        job();
+        const std::lock_guard lock(back->mutex);
+        if (back->queue)
+            back->queue->post(std::move(completion));
+    }).detach();
+}
 
 SerialQueue& ThreadPoolWorkQueues::serial(std::string_view name) {
     requireMainThread(mainQueue_);

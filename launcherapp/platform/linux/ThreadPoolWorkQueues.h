@@ -30,6 +30,7 @@ public:
     void submit(WorkPriority priority,
                 std::function<void()> job,
                 std::function<void()> completion) override;
+    void submitApart(std::function<void()> job, std::function<void()> completion) override;
 
 private:
     /// One line of waiting jobs and the threads that work it off.
@@ -57,7 +58,14 @@ private:
         std::vector<std::thread> threads_;
     };
 
+    /// The way back for threads that may outlive us: closed by our end.
+    struct WayBack {
+        std::mutex mutex;
+        MainQueue* queue = nullptr; ///< null once it is closed
+    };
+
     MainQueue& mainQueue_;
+    std::shared_ptr<WayBack> wayBack_ = std::make_shared<WayBack>();
     std::map<std::string, std::unique_ptr<Lane>, std::less<>> serial_;
     Lane userInitiated_;
     Lane utility_;

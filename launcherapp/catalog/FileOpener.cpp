@@ -1,0 +1,55 @@
+#include "launcherapp/catalog/FileOpener.h"
+
+#include "LauncherCore/catalog/AppRegistry.h"
+#include "LauncherCore/text/Urls.h"
+#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/FileManager.h"
+#include "launcherapp/platform/FileTypes.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+namespace tessarine {
+
+void FileOpener::open(const std::string& path) {
+    const auto types = doors_.types.types(path);
+    if (types.empty()) {
+        doors_.diagnostics.log(fmt::format("open: {} is no longer there", path));
+        return;
+    }
+    for (const auto& type : types) {
+        const auto* handler = doors_.catalog.registry()->handlerForType(type);
+        if (!handler)
+            continue;
+        doors_.launcher.launch(
+            *handler,
+            {Urls::fileUrl(path)},
+            [&diagnostics = doors_.diagnostics, path](std::optional<std::string> problem) {
+                if (problem)
+                    diagnostics.log(
+                        fmt::format("open: {} could not be opened: {}", path, *problem));
+            });
+        return;
+    }
+    doors_.diagnostics.log(fmt::format("open: no application opens {} ({})", path, types.front()));
+}
+
+void FileOpener::reveal(const std::string& path) {
+    doors_.manager.reveal(path, revealTimeout, [this, path](std::optional<std::string> problem) {
+        if (!problem)
+            return;
+        doors_.diagnostics.log(fmt::format("reveal: {}: {}; its folder is opened", path, *problem));
+        const auto slash = path.rfind('/');
+        open(slash == 0 ? "/" : path.substr(0, slash));
+    });
+}
+
+void FileOpener::trash(const std::string& path) {
+    if (const auto problem = doors_.manager.trash(path))
+        doors_.diagnostics.log(fmt::format("trash: {}", *problem));
+}
+
+} // namespace tessarine

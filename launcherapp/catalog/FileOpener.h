@@ -1,0 +1,44 @@
+#pragma once
+
+#include "launcherapp/platform/MainQueue.h"
+
+#include <string>
+
+namespace tessarine {
+
+class AppCatalog;
+class AppLauncher;
+class Diagnostics;
+class FileManager;
+class FileTypes;
+
+/// Opens files and folders with the user's applications, and shows or trashes them through the
+/// desktop. A failure is logged. Main thread only.
+class FileOpener {
+public:
+    /// How long a file manager may take to come up and answer.
+    static constexpr Seconds revealTimeout{10};
+
+    struct Doors {
+        const AppCatalog& catalog;
+        AppLauncher& launcher;
+        const FileTypes& types;
+        FileManager& manager;
+        Diagnostics& diagnostics;
+    };
+
+    explicit FileOpener(Doors doors) : doors_(doors) {}
+
+    /// With the user's choice for its type, or for a wider type that it is too.
+    void open(const std::string& path);
+
+    /// Selected in its folder, or at least the folder where no file manager can select.
+    void reveal(const std::string& path);
+
+    void trash(const std::string& path);
+
+private:
+    Doors doors_;
+};
+
+} // namespace tessarine

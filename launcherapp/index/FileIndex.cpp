@@ -1,0 +1,230 @@
+#include "launcherapp/index/FileIndex.h"
+
+#include "LauncherCore/query/Matcher.h"
+#include "LauncherCore/query/UsageLog.h"
+#include "launcherapp/index/DemonstrationFiles.h"
+#include "launcherapp/index/IndexCache.h"
+#include "launcherapp/index/IndexRoots.h"
+#include "launcherapp/index/MountedVolumes.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/FileStore.h"
+#include "launcherapp/platform/WorkQueues.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// Where drives are mounted: what the cache holds of one that has left is not trusted.
+constexpr auto driveFolders = std::to_array<std::string_view>({"/media/", "/run/media/", "/mnt/"});
+
+bool isOnLeftDrive(std::string_view id, std::span<const std::string> mountedDrives) {
+    const auto isBelow = [&](std::string_view folder) { return id.starts_with(folder); };
+    if (std::ranges::none_of(driveFolders, isBelow))
+        return false;
+    return std::ranges::none_of(mountedDrives, [&](const std::string& drive) {
+        return id == drive || (id.starts_with(drive) && id[drive.size()] == '/');
+    });
+}
+
+} // namespace
+
+FileIndex::FileIndex(Doors doors,
+                     IndexWalker& walker,
+                     MountedVolumes& volumes,
+                     Settings settings,
+                     std::string cachePath,
+                     Run run)
+    : doors_(doors), walker_(walker), volumes_(volumes), settings_(std::move(settings)),
+      cachePath_(std::move(cachePath)), run_(run), index_(std::make_shared<const NameIndex>()) {}
+
+FileIndex::~FileIndex() = default;
+
+void FileIndex::start() {
+    requireMainThread(doors_.queue);
+    if (run_ == Run::demonstration) {
+        adopt(std::make_shared<const NameIndex>(demonstrationFiles()));
+        return;
+    }
+    doors_.work.run(
+        WorkPriority::userInitiated,
+        [&files = std::as_const(doors_.files),
+         path = cachePath_,
+         drives = volumes_.mountedDrivePaths()] { return loadCache(files, path, drives); },
+        [this, alive = std::weak_ptr(alive_)](const Cached& cached) {
+            if (!alive.expired())
+                adoptCache(cached);
+        });
+}
+
+FileIndex::Cached FileIndex::loadCache(const FileStore& files,
+                                       const std::string& path,
+                                       const std::vector<std::string>& mountedDrives) {
+    Cached cached;
+    try {
+        auto text = files.read(path, IndexCache::maximumBytes);
+        if (!text)
+            return cached;
+        auto items = IndexCache::items(*std::move(text), [&](std::string_view id) {
+            return !isOnLeftDrive(id, mountedDrives);
+        });
+        if (!items || items->empty())
+            return cached;
+        const auto info = files.info(path);
+        cached.modified = info ? info->modified : 0;
+        cached.index = std::make_shared<const NameIndex>(
+            std::vector{std::make_shared<const ItemList>(*std::move(items))});
+    } catch (const FileError&) {
+        // It only saves time: without it the first walk fills the index.
+    }
+    return cached;
+}
+
+void FileIndex::adoptCache(const Cached& cached) {
+    if (!cached.index) {
+        // Also for a run that otherwise would not walk: it has nothing to serve.
+        rebuild(Force::yes);
+        watch();
+        return;
+    }
+    if (index_->size() == 0) {
+        adopt(cached.index);
+        lastBuild_ = cached.modified;
+    }
+    doors_.diagnostics.log(fmt::format("file index: loaded {} cached items", cached.index->size()));
+    if (run_ == Run::headless)
+        doors_.diagnostics.log("file index: headless run, serving the cache without walking");
+    else
+        rebuild(Force::yes);
+    watch();
+}
+
+void FileIndex::adopt(std::shared_ptr<const NameIndex> index) {
+    auto old = std::exchange(index_, std::move(index));
+    // Letting go of so much must not take the main thread's time.
+    doors_.work.run(WorkPriority::utility, [held = std::move(old)]() mutable { held.reset(); });
+    ++published_;
+    const auto observers = observers_;
+    for (const auto& [id, published] : observers)
+        published();
+}
+
+void FileIndex::writeCache() {
+    doors_.work.run(WorkPriority::utility,
+                    [&files = doors_.files, path = cachePath_, index = index_] {
+                        try {
+                            files.save(path, IndexCache::document(*index));
+                        } catch (const FileError&) {
+                            // The next start walks instead.
+                        }
+                    });
+}
+
+std::vector<std::string> FileIndex::roots() const {
+    std::vector<std::string> folders;
+    for (const auto& folder : settings_.searchFolders())
+        folders.push_back(IndexRoots::normalized(folder));
+    return IndexRoots::joined(std::move(folders), volumes_.indexRoots());
+}
+
+std::vector<NameIndex::Found> FileIndex::search(const NameIndex::Question& question,
+                                                const UsageLog& usage) const {
+    requireMainThread(doors_.queue);
+    return index_->search(question, usage, doors_.queue.now());
+}
+
+void FileIndex::volumesChanged(std::string_view reason) {
+    requireMainThread(doors_.queue);
+    const auto current = roots();
+    walker_.readmit(current);
+    doors_.diagnostics.log(
+        fmt::format("file index: drives changed ({}): {} roots", reason, current.size()));
+    rootsChanged();
+}
+
+void FileIndex::rootsChanged() {
+    if (run_ == Run::demonstration)
+        return;
+    watch();
+    if (run_ != Run::headless)
+        rebuild(Force::no);
+}
+
+Subscription FileIndex::onPublished(std::function<void()> published) {
+    const auto id = nextObserver_++;
+    observers_.emplace(id, std::move(published));
+    return Subscription([this, id] { observers_.erase(id); });
+}
+
+void FileIndex::watch() {
+    stream_.reset();
+    const auto current = roots();
+    if (current.empty())
+        return;
+    stream_ = doors_.watcher.watch(
+        current, streamLatency, [this](const TreeChanges& changes) { takeChanges(changes); });
+    if (!stream_)
+        return;
+    // The new stream knows the roots alone; what was walked of them is told again.
+    for (const auto& root : current) {
+        const auto items = perRoot_.find(root);
+        const auto readAt = readAt_.find(root);
+        if (items == perRoot_.end() || readAt == readAt_.end())
+            continue;
+        const auto policy = IndexRoots::policy(
+            IndexRoots::kindOf(root, volumes_.indexedNames(), settings_.foldersOnlyRoots()),
+            IndexRoots::totalCap);
+        doors_.work.run(
+            WorkPriority::utility,
+            [root, list = items->second, policy] {
+                return IndexRoots::openedDirectories(root, *list, policy);
+            },
+            [this, root, at = readAt->second, alive = std::weak_ptr(alive_)](
+                std::vector<std::string> directories) {
+                if (!alive.expired() && stream_)
+                    stream_->cover(root, std::move(directories), at);
+            });
+    }
+}
+
+void FileIndex::takeChanges(const TreeChanges& changes) {
+    constexpr std::size_t worthALine = 200;
+    if (changes.folded >= worthALine)
+        doors_.diagnostics.log(
+            fmt::format("file index: {} filesystem events in one batch", changes.folded));
+    noteChanges(changes.events);
+    if (run_ != Run::headless)
+        scheduleRebuild();
+}
+
+void FileIndex::noteChanges(const std::vector<TreeChanges::Event>& events) {
+    const auto current = roots();
+    // Dropped by the user's side, by the kernel, or the events' numbers began anew.
+    constexpr std::uint32_t lossFlags = 0x2 | 0x4 | 0x8;
+    const auto loss = std::ranges::find_if(
+        events, [](const TreeChanges::Event& event) { return (event.flags & lossFlags) != 0; });
+    if (loss != events.end()) {
+        dirtyRoots_.insert(current.begin(), current.end());
+        doors_.diagnostics.log(fmt::format("file index: an event batch was dropped by the daemon "
+                                           "(flags {:#x}); every root marked dirty",
+                                           loss->flags));
+        return;
+    }
+    for (const auto& event : events) {
+        const auto root = IndexRoots::rootOf(event.path, current);
+        if (!root)
+            continue;
+        const auto path = IndexRoots::normalized(event.path);
+        if (path == *root)
+            dirtyRoots_.insert(*root);
+        else
+            dirtyDirs_[*root].insert(path);
+    }
+}
+
+} // namespace tessarine

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "launcherapp/platform/MainQueue.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+class QDBusConnection;
+class QDBusMessage;
+
+namespace tessarine {
+
+/// Sends a call whose answer holds nothing. `done` is called once, later, on the main thread, with
+/// nothing on success, else with the problem in words; at the latest after `timeout`.
+void callBus(QDBusConnection& bus,
+             const QDBusMessage& message,
+             Seconds timeout,
+             std::function<void(std::optional<std::string> problem)> done);
+
+} // namespace tessarine
