@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <limits>
 
 namespace tessarine {
 
@@ -103,13 +104,16 @@ void ItemList::addItself(std::string_view path,
     append(addDirectory(path) | itselfBit | (isFolder ? folderBit : 0), name, norm);
 }
 
-void ItemList::add(const IndexedItem& item) {
-    const auto folder = folderOf(item.id);
+void ItemList::add(std::string_view id,
+                   std::string_view name,
+                   std::string_view norm,
+                   bool isFolder) {
+    const auto folder = folderOf(id);
     // All but a drive's own item are named by the last part of their path.
-    if (item.id.size() == folder.size() + 1 + item.name.size() && item.id.ends_with(item.name))
-        add(directoryOf(folder), item.name, item.norm, item.isFolder);
+    if (id.size() == folder.size() + 1 + name.size() && id.ends_with(name))
+        add(directoryOf(folder), name, norm, isFolder);
     else
-        addItself(item.id, item.name, item.norm, item.isFolder);
+        addItself(id, name, norm, isFolder);
 }
 
 void ItemList::addFrom(const ItemList& other, std::size_t index) {
@@ -118,6 +122,34 @@ void ItemList::addFrom(const ItemList& other, std::size_t index) {
         addItself(path, other.name(index), other.norm(index), other.isFolder(index));
     else
         add(directoryOf(path), other.name(index), other.norm(index), other.isFolder(index));
+}
+
+ItemList ItemList::without(const std::vector<bool>& removed) const {
+    // A few hundredths more: without them the first item added would double the memory.
+    const auto roomy = [](std::size_t size) { return size + size / 32 + 64; };
+    ItemList result;
+    result.places_.reserve(roomy(places_.size()));
+    result.names_.reserve(roomy(names_.size()));
+    result.nameEnds_.reserve(roomy(nameEnds_.size()));
+    result.norms_.reserve(roomy(norms_.size()));
+    result.normEnds_.reserve(roomy(normEnds_.size()));
+    result.paths_.reserve(roomy(paths_.size()));
+    result.directories_.reserve(roomy(directories_.size()));
+
+    constexpr auto absent = std::numeric_limits<std::uint32_t>::max();
+    std::vector<std::uint32_t> numbers(directories_.size(), absent);
+    result.digest_ = digest_;
+    for (std::size_t i = 0; i < size(); ++i) {
+        if (removed[i]) {
+            result.digest_ -= itemHash(i);
+            continue;
+        }
+        auto& number = numbers[directory(i)];
+        if (number == absent)
+            number = result.addDirectory(directoryPath(directory(i)));
+        result.store(number | (places_[i] & ~directoryMask), name(i), norm(i));
+    }
+    return result;
 }
 
 void ItemList::shrink() {
@@ -141,12 +173,16 @@ bool ItemList::operator==(const ItemList& other) const {
 }
 
 void ItemList::append(std::uint32_t place, std::string_view name, std::string_view norm) {
+    store(place, name, norm);
+    digest_ += itemHash(size() - 1);
+}
+
+void ItemList::store(std::uint32_t place, std::string_view name, std::string_view norm) {
     places_.push_back(place);
     names_ += name;
     nameEnds_.push_back(static_cast<std::uint32_t>(names_.size()));
     norms_ += norm;
     normEnds_.push_back(static_cast<std::uint32_t>(norms_.size()));
-    digest_ += itemHash(size() - 1);
 }
 
 std::uint32_t ItemList::directoryOf(std::string_view path) {

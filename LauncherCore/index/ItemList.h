@@ -69,12 +69,16 @@ public:
     void
     addItself(std::string_view path, std::string_view name, std::string_view norm, bool isFolder);
 
-    /// Adds an item from its fields, finding or adding its directory: that of the item added last
-    /// costs nothing to find. `ext` is not stored, since it follows from the rest.
-    void add(const IndexedItem& item);
+    /// Adds an item by its path, finding or adding its directory: that of the item added last, or
+    /// one above it, costs nothing to find. Its extension follows from the rest.
+    void add(std::string_view id, std::string_view name, std::string_view norm, bool isFolder);
 
     /// Adds an item of another list.
     void addFrom(const ItemList& other, std::size_t index);
+
+    /// A copy without the items marked in `removed`, which has an entry for each, and without
+    /// directories that then hold nothing. Has room for a few items more.
+    ItemList without(const std::vector<bool>& removed) const;
 
     /// Gives back the memory that was kept for growth.
     void shrink();
@@ -93,6 +97,7 @@ private:
     static constexpr std::uint32_t directoryMask = itselfBit - 1;
 
     void append(std::uint32_t place, std::string_view name, std::string_view norm);
+    void store(std::uint32_t place, std::string_view name, std::string_view norm);
     std::uint32_t directoryOf(std::string_view path);
 
     std::string paths_;

@@ -355,6 +355,18 @@ std::optional<MatchResult> Matcher::Query::score(std::string_view candidate) con
 }
 
 std::string Matcher::normalize(std::string_view text) {
+    // Every name of a walk comes through here.
+    if (Folding::isAscii(text)) {
+        std::string result(text.size(), '\0');
+        std::size_t length = 0;
+        for (const char c : text) {
+            const auto& byte = asciiBytes[static_cast<unsigned char>(c)];
+            result[length] = byte.lowered;
+            length += byte.dropped ? 0 : 1;
+        }
+        result.resize(length);
+        return result;
+    }
     return Folding::lowercase(Folding::fold(Folding::withoutControlAndFormat(text)));
 }
 
@@ -367,6 +379,20 @@ std::vector<std::int64_t> Matcher::wordStarts(const std::vector<std::string_view
         if (startsWord(previous, current))
             starts.push_back(static_cast<std::int64_t>(i));
         previous = current;
+    }
+    return starts;
+}
+
+std::string Matcher::asciiWordStarts(std::string_view candidate) {
+    std::string starts;
+    Letterform previous;
+    for (const char c : candidate) {
+        const auto& byte = asciiBytes[static_cast<unsigned char>(c)];
+        if (byte.dropped)
+            continue;
+        if (startsWord(previous, byte.form))
+            starts += byte.lowered;
+        previous = byte.form;
     }
     return starts;
 }

@@ -40,6 +40,10 @@ std::string normalize(std::string_view text);
 /// or an upper-case character after a lower-case one.
 std::vector<std::int64_t> wordStarts(const std::vector<std::string_view>& characters);
 
+/// The bytes of an ASCII candidate's normalised form that begin its words, in order: every match
+/// of initials or of several words begins its parts at them.
+std::string asciiWordStarts(std::string_view candidate);
+
 /// Nothing when the query doesn't name the candidate. An empty query names everything with score 0.
 std::optional<MatchResult> score(std::string_view query, std::string_view candidate);
 
