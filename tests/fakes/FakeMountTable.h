@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,15 @@ public:
 
     void unmount(const std::string& path) {
         std::erase_if(mounted_, [&](const Mount& mount) { return mount.path == path; });
+        tell();
+    }
+
+    /// Something else is mounted there, before anybody noticed that the first one left.
+    void replace(const std::string& path, const std::string& source) {
+        for (auto& mount : mounted_) {
+            if (mount.path == path)
+                mount.source = source;
+        }
         tell();
     }
 
