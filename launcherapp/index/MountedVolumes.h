@@ -5,8 +5,8 @@
 
 #include <functional>
 #include <map>
-#include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,14 +15,13 @@ namespace tessarine {
 
 class Diagnostics;
 class IndexWalker;
-class MainQueue;
-class MountTable;
 class Prefs;
 
 /// A drive of the user's: a file system mounted below /media, /run/media or /mnt.
 struct MountedDrive {
-    std::string path; ///< of the mount point
-    std::string name; ///< to show: the last part of the path
+    std::string path;   ///< of the mount point
+    std::string name;   ///< to show: the last part of the path
+    std::string source; ///< the device or share; another one at the same place is another drive
 
     bool operator==(const MountedDrive&) const = default;
 };
@@ -31,10 +30,15 @@ struct MountedDrive {
 /// each. Main thread only; asks no drive anything, since one that hangs would hang us.
 class MountedVolumes {
 public:
-    MountedVolumes(MountTable& mounts,
-                   const Prefs& prefs,
-                   IndexWalker& walker,
-                   Diagnostics& diagnostics);
+    MountedVolumes(MountTable& mounts, Prefs& prefs, IndexWalker& walker, Diagnostics& diagnostics);
+
+    /// Which of the mounts are drives, by path: those at "/media/X", "/media/USER/X",
+    /// "/run/media/USER/X", "/mnt" and "/mnt/X", but for file systems that hold no files of the
+    /// user's. Of two with one path, the later.
+    static std::vector<MountedDrive> drivesAmong(std::span<const Mount> mounts);
+
+    /// Whether the user left the drive out; `excluded` holds paths and names.
+    static bool isExcluded(const MountedDrive& drive, std::span<const std::string> excluded);
 
     /// Once. From then on `changed` is called, with a reason in a few words, within seconds of
     /// each arrival and departure, and when the user includes or excludes drives. The walks of a
@@ -64,9 +68,10 @@ public:
 
 private:
     void refresh();
+    void leave(const MountedDrive& drive);
 
     MountTable& mounts_;
-    const Prefs& prefs_;
+    Prefs& prefs_;
     IndexWalker& walker_;
     Diagnostics& diagnostics_;
     std::vector<MountedDrive> drives_;

@@ -178,8 +178,8 @@ void RootWatch::Thread::run() {
     while (!isEnding()) {
         for (auto& [directories, readAt] : takeCovers())
             watches.cover(std::move(directories), readAt);
-        const bool isBusy = watches.placeSome();
         doWhatIsDue(watches, fold);
+        const bool isBusy = watches.placeSome();
         schedule(watches);
         const auto counts = watches.counts();
         watched_ = counts.watched;
