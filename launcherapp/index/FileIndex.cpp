@@ -35,12 +35,12 @@ bool isOnLeftDrive(std::string_view id, std::span<const std::string> mountedDriv
 } // namespace
 
 FileIndex::FileIndex(Doors doors,
-                     IndexWalker& walker,
+                     std::shared_ptr<IndexWalker> walker,
                      MountedVolumes& volumes,
                      Settings settings,
                      std::string cachePath,
                      Run run)
-    : doors_(doors), walker_(walker), volumes_(volumes), settings_(std::move(settings)),
+    : doors_(doors), walker_(std::move(walker)), volumes_(volumes), settings_(std::move(settings)),
       cachePath_(std::move(cachePath)), run_(run), index_(std::make_shared<const NameIndex>()) {}
 
 FileIndex::~FileIndex() = default;
@@ -141,7 +141,7 @@ std::vector<NameIndex::Found> FileIndex::search(const NameIndex::Question& quest
 void FileIndex::volumesChanged(std::string_view reason) {
     requireMainThread(doors_.queue);
     const auto current = roots();
-    walker_.readmit(current);
+    walker_->readmit(current);
     doors_.diagnostics.log(
         fmt::format("file index: drives changed ({}): {} roots", reason, current.size()));
     rootsChanged();

@@ -64,7 +64,7 @@ public:
 
     /// `cachePath` is where the index outlives the program. Any thread may use the walker.
     FileIndex(Doors doors,
-              IndexWalker& walker,
+              std::shared_ptr<IndexWalker> walker,
               MountedVolumes& volumes,
               Settings settings,
               std::string cachePath,
@@ -159,7 +159,7 @@ private:
     void publishDrive(const std::string& path, const std::string& name, DriveWalk walk);
 
     Doors doors_;
-    IndexWalker& walker_;
+    const std::shared_ptr<IndexWalker> walker_;
     MountedVolumes& volumes_;
     const Settings settings_;
     const std::string cachePath_;

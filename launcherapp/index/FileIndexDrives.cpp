@@ -49,11 +49,11 @@ void FileIndex::walkDrive(const std::string& path, const std::string& name) {
     });
     const auto budget = IndexRoots::totalCap - static_cast<std::int64_t>(index_->size());
     doors_.work.runApart(
-        [&walker = std::as_const(walker_), path, name, opened, budget, now = doors_.queue.now()] {
+        [walker = walker_, path, name, opened, budget, now = doors_.queue.now()] {
             DriveWalk walk{.startedAt = now};
-            *opened = walker.opens(path);
+            *opened = walker->opens(path);
             const auto policy = IndexRoots::policy(IndexRoots::Kind::drive, budget);
-            const auto result = walker.walkTree(path, 1, policy);
+            const auto result = walker->walkTree(path, 1, policy);
             if (!result.opened)
                 return walk;
             walk.items = IndexRebuild::withDriveItself(path, name, result.items);

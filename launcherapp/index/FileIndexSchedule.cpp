@@ -135,9 +135,9 @@ void FileIndex::rebuild(Force force) {
         index_->size() == 0 || !lastBuild_ ? WorkPriority::userInitiated : WorkPriority::utility;
     doors_.work.run(
         priority,
-        [input = std::move(input),
-         &walker = std::as_const(walker_),
-         clock = clockOf(doors_.queue)] { return IndexRebuild::run(input, walker, clock); },
+        [input = std::move(input), walker = walker_, clock = clockOf(doors_.queue)] {
+            return IndexRebuild::run(input, *walker, clock);
+        },
         [this, expected, alive = std::weak_ptr(alive_)](IndexRebuild::Output output) {
             if (!alive.expired())
                 publish(std::move(output), expected);

@@ -8,8 +8,10 @@
 
 namespace tessarine {
 
-FolderListings::FolderListings(MainQueue& queue, WorkQueues& work, const DirectoryReader& reader)
-    : queue_(queue), work_(work), reader_(reader) {}
+FolderListings::FolderListings(MainQueue& queue,
+                               WorkQueues& work,
+                               std::shared_ptr<const DirectoryReader> reader)
+    : queue_(queue), work_(work), reader_(std::move(reader)) {}
 
 std::shared_ptr<const DirectoryListing> FolderListings::listing(const std::string& folder) {
     requireMainThread(queue_);
@@ -18,7 +20,7 @@ std::shared_ptr<const DirectoryListing> FolderListings::listing(const std::strin
         return known->second;
     if (unreadable_.contains(folder) || !reading_.insert(folder).second)
         return nullptr;
-    work_.runApart([&reader = reader_, folder] { return reader.list(folder); },
+    work_.runApart([reader = reader_, folder] { return reader->list(folder); },
                    [this, folder, wanted = std::weak_ptr(generation_)](
                        std::optional<DirectoryListing> listing) {
                        if (wanted.expired())

@@ -17,7 +17,9 @@ class WorkQueues;
 /// background when first asked for, and anew each time the browsing begins again. Main thread only.
 class FolderListings {
 public:
-    FolderListings(MainQueue& queue, WorkQueues& work, const DirectoryReader& reader);
+    FolderListings(MainQueue& queue,
+                   WorkQueues& work,
+                   std::shared_ptr<const DirectoryReader> reader);
 
     /// What the folder holds as far as it was read; null while that is under way, and for a folder
     /// that can't be read. The first question starts reading, and `arrived` is called when it ends.
@@ -34,7 +36,7 @@ public:
 private:
     MainQueue& queue_;
     WorkQueues& work_;
-    const DirectoryReader& reader_;
+    const std::shared_ptr<const DirectoryReader> reader_;
     std::map<std::string, std::shared_ptr<const DirectoryListing>> listings_;
     std::set<std::string> reading_;
     std::set<std::string> unreadable_;

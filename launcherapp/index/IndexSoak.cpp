@@ -40,10 +40,10 @@ public:
 /// One trial while it runs.
 struct IndexSoak::Trial {
     Trial(const FileIndex::Doors& doors,
-          IndexWalker& walker,
-          const Prefs& prefs,
+          std::shared_ptr<IndexWalker> walker,
+          Prefs& prefs,
           std::string scratchFolder)
-        : folder(std::move(scratchFolder)), volumes(mounts, prefs, walker, doors.diagnostics),
+        : folder(std::move(scratchFolder)), volumes(mounts, prefs, *walker, doors.diagnostics),
           index(doors,
                 walker,
                 volumes,
@@ -76,11 +76,11 @@ struct IndexSoak::Trial {
 };
 
 IndexSoak::IndexSoak(FileIndex::Doors doors,
-                     IndexWalker& walker,
-                     const Prefs& prefs,
+                     std::shared_ptr<IndexWalker> walker,
+                     Prefs& prefs,
                      const Environment& environment,
                      std::function<double()> cpuSeconds)
-    : doors_(doors), walker_(walker), prefs_(prefs), home_(environment.home),
+    : doors_(doors), walker_(std::move(walker)), prefs_(prefs), home_(environment.home),
       cpuSeconds_(std::move(cpuSeconds)) {}
 
 IndexSoak::~IndexSoak() = default;

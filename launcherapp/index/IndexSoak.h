@@ -29,8 +29,8 @@ public:
 
     /// `cpuSeconds` is the processor time that the process has used so far.
     IndexSoak(FileIndex::Doors doors,
-              IndexWalker& walker,
-              const Prefs& prefs,
+              std::shared_ptr<IndexWalker> walker,
+              Prefs& prefs,
               const Environment& environment,
               std::function<double()> cpuSeconds);
     ~IndexSoak();
@@ -51,8 +51,8 @@ private:
     void report(const SelftestResult& result);
 
     FileIndex::Doors doors_;
-    IndexWalker& walker_;
-    const Prefs& prefs_;
+    const std::shared_ptr<IndexWalker> walker_;
+    Prefs& prefs_;
     const std::string home_;
     std::function<double()> cpuSeconds_;
     std::unique_ptr<Trial> trial_;

@@ -156,22 +156,23 @@ std::vector<PlacedDirectory> outermost(std::vector<PlacedDirectory> placed) {
 
 } // namespace
 
-IndexWalker::IndexWalker(const DirectoryReader& reader, std::function<double()> clock)
-    : reader_(reader), clock_(std::move(clock)) {}
+IndexWalker::IndexWalker(std::shared_ptr<const DirectoryReader> reader,
+                         std::function<double()> clock)
+    : reader_(std::move(reader)), clock_(std::move(clock)) {}
 
 bool IndexWalker::opens(const std::string& path) const {
-    return reader_.list(path).has_value();
+    return reader_->list(path).has_value();
 }
 
 IndexWalker::Result
 IndexWalker::walkTree(const std::string& start, int childDepth, const Policy& policy) const {
     const double began = clock_();
     const auto root = normalised(start);
-    auto listing = reader_.list(root);
+    auto listing = reader_->list(root);
     // A drive that has just left can't be read either, which doesn't mean that it is empty.
     if (!listing)
         return {.aborted = isAborted(root)};
-    auto result = Walk(reader_, *this, policy, root).run(std::move(*listing), childDepth);
+    auto result = Walk(*reader_, *this, policy, root).run(std::move(*listing), childDepth);
     result.millis = (clock_() - began) * millisPerSecond;
     return result;
 }
@@ -236,7 +237,7 @@ IndexWalker::place(const std::string& path, const std::string& root, const Polic
         return std::nullopt;
     // Asked last, since only this asks the disk. A walk would never come through a link.
     const bool throughLink =
-        std::ranges::any_of(above, [this](const auto& part) { return reader_.isLink(part); });
+        std::ranges::any_of(above, [this](const auto& part) { return reader_->isLink(part); });
     return throughLink ? std::nullopt : std::optional(depth);
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -50,8 +51,9 @@ public:
         double millis = 0;
     };
 
-    /// `clock` gives seconds since some fixed moment, for `millis`; any thread.
-    IndexWalker(const DirectoryReader& reader, std::function<double()> clock);
+    /// `clock` gives seconds since some fixed moment, for `millis`; any thread. The reader is
+    /// shared, since a walk of a drive that hangs may outlive everything else.
+    IndexWalker(std::shared_ptr<const DirectoryReader> reader, std::function<double()> clock);
 
     /// Whether the directory can be read at all; waits for it.
     bool opens(const std::string& path) const;
@@ -83,7 +85,7 @@ public:
     bool isAborted(std::string_view start) const;
 
 private:
-    const DirectoryReader& reader_;
+    const std::shared_ptr<const DirectoryReader> reader_;
     std::function<double()> clock_;
     mutable std::mutex abortLock_; ///< held for the length of a look-up alone
     std::set<std::string, std::less<>> aborting_;

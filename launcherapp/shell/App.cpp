@@ -3,16 +3,26 @@
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/catalog/FileOpener.h"
 #include "launcherapp/catalog/RecentApps.h"
 #include "launcherapp/catalog/RunningApps.h"
 #include "launcherapp/catalog/StandInApps.h"
+#include "launcherapp/index/FileIndex.h"
+#include "launcherapp/index/FolderListings.h"
+#include "launcherapp/index/IndexWalker.h"
+#include "launcherapp/index/MountedVolumes.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/linux/DBusApplicationBus.h"
+#include "launcherapp/platform/linux/DesktopFileManager.h"
 #include "launcherapp/platform/linux/FileResidentCopies.h"
 #include "launcherapp/platform/linux/InotifyDirectoryWatcher.h"
+#include "launcherapp/platform/linux/InotifyTreeWatcher.h"
 #include "launcherapp/platform/linux/LocalDictionary.h"
 #include "launcherapp/platform/linux/NoWindowList.h"
+#include "launcherapp/platform/linux/PosixDirectoryReader.h"
 #include "launcherapp/platform/linux/PosixFileStore.h"
+#include "launcherapp/platform/linux/ProcMountTable.h"
+#include "launcherapp/platform/linux/QtFileTypes.h"
 #include "launcherapp/platform/linux/QtMainQueue.h"
 #include "launcherapp/platform/linux/QtProcessLauncher.h"
 #include "launcherapp/platform/linux/ThemeIcons.h"
@@ -21,7 +31,9 @@
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/query/UsageStore.h"
+#include "launcherapp/query/rows/FileRows.h"
 #include "launcherapp/shell/DefaultsStore.h"
+#include "launcherapp/shell/IndexModes.h"
 #include "launcherapp/shell/Modes.h"
 #include "launcherapp/shell/Prefs.h"
 #include "launcherapp/shell/ProductInfo.h"
@@ -32,6 +44,8 @@
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <optional>
 #include <string_view>
@@ -52,6 +66,11 @@ std::unique_ptr<WindowList> windowList(const Environment& environment) {
         return std::make_unique<X11WindowList>();
     return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland are "
                                           "not read yet");
+}
+
+/// Any thread.
+double secondsRunning() {
+    return Seconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 /// A run on canned data has no private stores: what it remembers lies in a folder that goes with
@@ -96,8 +115,12 @@ struct App::Services {
     ThemeIcons icons{environment};
     std::unique_ptr<WindowList> windows = windowList(environment);
     FileResidentCopies copies{environment};
-
     LocalDictionary dictionary{processes};
+    std::shared_ptr<const DirectoryReader> directories = std::make_shared<PosixDirectoryReader>();
+    ProcMountTable mounts;
+    InotifyTreeWatcher trees{queue};
+    QtFileTypes fileTypes;
+    DesktopFileManager fileManager{queue};
 
     // The services, in start-up order.
     Demonstration demonstration{commandLine.has("--demo")};
@@ -131,6 +154,33 @@ struct App::Services {
                        demonstration.isOn() ? AppCatalog::Content::demonstration
                                             : AppCatalog::Content::installed,
                        [this] { return prefs.extraAppFolders(); }};
+    std::shared_ptr<IndexWalker> walker =
+        std::make_shared<IndexWalker>(directories, secondsRunning);
+    MountedVolumes volumes{mounts, prefs, *walker, diagnostics};
+    FileIndex index{{.queue = queue,
+                     .work = work,
+                     .files = files,
+                     .watcher = trees,
+                     .diagnostics = diagnostics},
+                    walker,
+                    volumes,
+                    {.searchFolders = [this] { return prefs.searchFolders(); },
+                     .foldersOnlyRoots = [this] { return prefs.foldersOnlyRoots(); }},
+                    support.location() + "/index.json",
+                    indexRun()};
+    Subscription folderEdits = prefs.onChange([this](std::string_view key) {
+        if (key == prefs.searchFolders.key())
+            index.rootsChanged();
+        else if (key == prefs.foldersOnlyRoots.key())
+            index.rebuild(FileIndex::Force::yes);
+    });
+    std::string browsed; ///< the folder whose entries were last shown
+    FolderListings listings{queue, work, directories};
+    FileOpener opener{{.catalog = catalog,
+                       .launcher = launcher,
+                       .types = fileTypes,
+                       .manager = fileManager,
+                       .diagnostics = diagnostics}};
     UsageStore usage{queue,
                      diagnostics,
                      {.own = stateFile("usage.json"), .synced = stateFile("synced-usage.json")},
@@ -140,6 +190,12 @@ struct App::Services {
     CreditResolver credits{catalog, icons, files, environment};
     RecentApps recent{running, catalog};
 
+    const IndexModeServices indexing{.work = work,
+                                     .diagnostics = diagnostics,
+                                     .trees = trees,
+                                     .volumes = volumes,
+                                     .index = index,
+                                     .walker = walker};
     ModeContext modes{
         .commandLine = commandLine,
         .environment = environment,
@@ -149,6 +205,7 @@ struct App::Services {
         .prefs = prefs,
         .model = model,
         .credits = credits,
+        .indexing = &indexing,
         .freshModel = [this] { return std::make_unique<SearchModel>(modelServices()); },
         .print = printLine,
         .finish = [](int status) { QCoreApplication::exit(status); }};
@@ -170,7 +227,15 @@ struct App::Services {
     }
 
     bool becomeResident();
+    FileIndex::Run indexRun() const;
     void wireModel();
+    void wireFiles();
+    Rows browse(const std::string& folder, std::string_view query);
+
+    FileRowSources fileRowSources() const {
+        return {.verbs = model.verbs, .home = environment.home, .expanded = model.expandedGroups()};
+    }
+
     void openUrl(const std::string& url);
     void openDictionary(const std::string& word);
 };
@@ -189,6 +254,7 @@ void App::Services::wireModel() {
     model.verbs.openUrl = [this](const std::string& url) { openUrl(url); };
     model.verbs.quitProgram = [] { QCoreApplication::exit(0); };
     model.verbs.lookUpWord = [this](const std::string& word) { openDictionary(word); };
+    wireFiles();
     model.families.recentApps = [this] { return recent.recent(catalog.apps()); };
     model.families.lookUp = [this](const std::string& word,
                                    const std::function<void(std::string)>& found) {
@@ -217,6 +283,45 @@ void App::Services::openDictionary(const std::string& word) {
     });
 }
 
+FileIndex::Run App::Services::indexRun() const {
+    if (demonstration.isOn())
+        return FileIndex::Run::demonstration;
+    return Modes::isHeadlessRun(commandLine) ? FileIndex::Run::headless : FileIndex::Run::resident;
+}
+
+void App::Services::wireFiles() {
+    model.verbs.openPath = [this](const std::string& path) { opener.open(path); };
+    model.verbs.revealPath = [this](const std::string& path) { opener.reveal(path); };
+    model.verbs.trashPath = [this](const std::string& path) { opener.trash(path); };
+    model.families.files = [this](std::string_view query) {
+        constexpr std::size_t limit = 6;
+        const auto found = index.search({.query = query, .limit = limit}, usage.ranking());
+        return collapseSameName(found, limit, fileRowSources());
+    };
+    model.families.browse = [this](const std::string& folder, std::string_view query) {
+        return browse(folder, query);
+    };
+    model.families.folderPath = folderOf;
+    model.families.isBrowseRoot = [this](const std::string& folder) {
+        const auto roots = index.roots();
+        return std::ranges::count(roots, folder) > 0;
+    };
+    listings.arrived = [this] {
+        if (model.browsePath())
+            model.recompute();
+    };
+}
+
+/// What a folder holds, read anew each time it is gone into.
+Rows App::Services::browse(const std::string& folder, std::string_view query) {
+    if (folder != browsed)
+        listings.forget();
+    browsed = folder;
+    if (const auto listing = listings.listing(folder))
+        return browseRows(folder, *listing, query, fileRowSources());
+    return listings.isUnreadable(folder) ? Rows{unreadableFolderRow(folder)} : Rows{};
+}
+
 void App::Services::openUrl(const std::string& url) {
     const auto scheme = url.substr(0, url.find(':'));
     const auto* handler = catalog.registry()->handlerForScheme(scheme);
@@ -239,6 +344,9 @@ int App::run() {
     Services& services = *services_;
     services.wireModel();
     services.catalog.start();
+    services.volumes.start(
+        [&index = services.index](std::string_view reason) { index.volumesChanged(reason); });
+    services.index.start();
     Modes::schedule(services.modes);
     if (services.isResident)
         std::fputs("Tessarine is running. It has no panel and no hotkey yet: see the README for "

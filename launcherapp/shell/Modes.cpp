@@ -1,6 +1,7 @@
 #include "launcherapp/shell/Modes.h"
 
 #include "launcherapp/catalog/AppCatalogSelftest.h"
+#include "launcherapp/shell/IndexModes.h"
 #include "launcherapp/shell/ProductInfo.h"
 #include "launcherapp/shell/QueryModes.h"
 #include "launcherapp/shell/SearchMode.h"
@@ -21,7 +22,6 @@ constexpr std::string_view updater = "the updater";
 constexpr std::string_view dictation = "the dictation doctor";
 constexpr std::string_view importer = "the workflow importer";
 constexpr std::string_view stallWatch = "the stall watch";
-constexpr std::string_view fileIndex = "the file index";
 constexpr std::string_view panel = "the panel";
 constexpr std::string_view clipboard = "the clipboard history";
 constexpr std::string_view clipboardSync = "clipboard sync";
@@ -57,11 +57,11 @@ constexpr auto earlyModes = std::to_array<Mode>({
     {"startup", none, {}, "the login item"},
     {"--import-alfred", none, {}, importer},
     {"--selftest-stall-sample", none, {}, stallWatch},
-    {"--selftest-fsevents", none, {}, fileIndex},
     {"--selftest-help-menu", none, {}, panel},
 });
 
 constexpr auto residentModes = std::to_array<Mode>({
+    {"--selftest-fsevents", none, {}, {}, IndexModes::selftestFsevents},
     {"--show", none, {}, panel},
     {"--selftest-show", none, Seconds{1.5}, panel},
     {"--render-sheet", next, Seconds{1}, panel},
@@ -72,7 +72,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--sync-probe", none, {}, clipboardSync},
     {"--selftest-keychain", none, {}, clipboardSync},
     {"--selftest-sync", none, {}, clipboardSync},
-    {"--selftest-index", none, Seconds{3}, fileIndex},
+    {"--selftest-index", none, Seconds{3}, {}, IndexModes::selftestIndex},
     {"--selftest-recompute", none, Seconds{3}, {}, QueryModes::selftestRecompute},
     {"--bench-favorites", none, {}, {}, QueryModes::benchFavorites},
     {"--bench-answers", next, {}, answers},
@@ -97,19 +97,19 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-system-commands", none, {}, commands},
     {"--selftest-menubar", none, {}, statusItem},
     {"--selftest-menu-contrast", none, {}, statusItem},
-    {"--selftest-index-duty", none, {}, fileIndex},
-    {"--selftest-volumes", none, {}, fileIndex},
-    {"--selftest-walker", none, {}, fileIndex},
+    {"--selftest-index-duty", none, {}, {}, IndexModes::selftestIndexDuty},
+    {"--selftest-volumes", none, {}, {}, IndexModes::selftestVolumes},
+    {"--selftest-walker", none, {}, {}, IndexModes::selftestWalker},
     {"--selftest-supportdir", none, {}, {}, QueryModes::selftestSupportDirectory},
-    {"--selftest-delta", none, {}, fileIndex},
+    {"--selftest-delta", none, {}, {}, IndexModes::selftestDelta},
     {"--selftest-update-hold", none, {}, updater},
     {"--selftest-copied-toast", none, {}, toast},
     {"--selftest-companion-pack", next, {}, "the companion packs"},
     {"--watch-stalls", next, {}, stallWatch},
-    {"--index-soak", next, Seconds{0.5}, fileIndex},
-    {"--drive-probe", none, {}, fileIndex},
+    {"--index-soak", next, Seconds{0.5}, {}, IndexModes::indexSoak},
+    {"--drive-probe", none, {}, {}, IndexModes::driveProbe},
     {"--selftest-at-rest", none, {}, {}, QueryModes::selftestAtRest},
-    {"--walker-diff", none, {}, fileIndex},
+    {"--walker-diff", none, {}, {}, IndexModes::walkerDiff},
     {"--copied-toast-shot", next, {}, toast},
     {"--copied-toast-live", none, {}, toast},
     {"--selftest-graph-shot", none, {}, graph},
@@ -229,6 +229,26 @@ bool Modes::isAsked(const Mode& mode, const CommandLine& commandLine) {
 bool Modes::endsByItself(const CommandLine& commandLine) {
     return std::ranges::any_of(
         resident(), [&](const Mode& mode) { return mode.run && isAsked(mode, commandLine); });
+}
+
+bool Modes::isHeadlessRun(const CommandLine& commandLine) {
+    constexpr auto beginnings =
+        std::to_array<std::string_view>({"--selftest", "--render", "--bench", "--menubar-"});
+    constexpr auto words = std::to_array<std::string_view>({"--search",
+                                                            "--doctor",
+                                                            "--watch-stalls",
+                                                            "--copied-toast-live",
+                                                            "--copied-toast-shot",
+                                                            "--permission-lint",
+                                                            "--wizard-shot",
+                                                            "--walker-diff",
+                                                            "--slack-refresh"});
+    return std::ranges::any_of(commandLine.arguments(), [&](const std::string& argument) {
+        return std::ranges::count(words, argument) > 0 ||
+               std::ranges::any_of(beginnings, [&](std::string_view beginning) {
+                   return argument.starts_with(beginning);
+               });
+    });
 }
 
 void Modes::schedule(ModeContext& context) {

@@ -19,6 +19,7 @@ class CreditResolver;
 class FileStore;
 class Prefs;
 class SearchModel;
+struct IndexModeServices;
 
 /// What a mode may use: the services of the running program, and the way out.
 /// Main thread only; the references live until the process ends.
@@ -31,6 +32,7 @@ struct ModeContext {
     Prefs& prefs;
     SearchModel& model;
     CreditResolver& credits;
+    const IndexModeServices* indexing = nullptr; ///< null where no index runs
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output
     std::function<void(int status)> finish; ///< ends the process, once it gets there
@@ -85,6 +87,10 @@ bool isAsked(const Mode& mode, const CommandLine& commandLine);
 
 /// Whether any mode is asked for that ends the process; without one the program stays resident.
 bool endsByItself(const CommandLine& commandLine);
+
+/// Whether the run is one that must not walk the user's files: its answers stay the same, and it
+/// can't get in the way of a resident copy.
+bool isHeadlessRun(const CommandLine& commandLine);
 
 /// Schedules every resident mode of the command line after its delay.
 void schedule(ModeContext& context);

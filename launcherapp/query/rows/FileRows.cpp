@@ -11,6 +11,9 @@ namespace tessarine {
 
 namespace {
 
+constexpr std::string_view folderSymbol = "folder";
+constexpr std::string_view fileSymbol = "doc";
+
 /// The folder of a path as a person writes it.
 std::string shownFolder(std::string_view path, std::string_view home) {
     auto folder = path.substr(0, path.rfind('/'));
@@ -67,7 +70,7 @@ ResultRow fileRow(const IndexedItem& item, const FileRowSources& sources) {
         .kind = RowKind::file,
         .title = Folding::repairedUtf8(item.name),
         .subtitle = shownFolder(item.id, sources.home),
-        .symbol = item.isFolder ? "folder" : "doc",
+        .symbol = std::string(item.isFolder ? folderSymbol : fileSymbol),
         .primary =
             [open = verbs.openPath, path = item.id] {
                 if (open)
@@ -81,6 +84,20 @@ ResultRow fileRow(const IndexedItem& item, const FileRowSources& sources) {
         .url = Urls::fileUrl(item.id),
         .group = std::string(RowGroup::files),
     };
+}
+
+std::optional<std::string> folderOf(const ResultRow& row) {
+    const bool isFolder = row.kind == RowKind::file && row.symbol == folderSymbol;
+    return isFolder ? std::optional(row.id) : std::nullopt;
+}
+
+ResultRow unreadableFolderRow(const std::string& folder) {
+    return {.id = "unreadable:" + folder,
+            .kind = RowKind::hint,
+            .title = "This folder can't be read",
+            .subtitle = Folding::repairedUtf8(folder),
+            .symbol = "exclamationmark.triangle.fill",
+            .group = std::string(RowGroup::files)};
 }
 
 std::vector<ResultRow> collapseSameName(std::span<const NameIndex::Found> found,

@@ -6,6 +6,7 @@
 #include "launcherapp/query/RowVerbs.h"
 
 #include <cstddef>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -23,6 +24,12 @@ struct FileRowSources {
 
 /// The row of one file or folder. Its icon is drawn when the row is, not here.
 ResultRow fileRow(const IndexedItem& item, const FileRowSources& sources);
+
+/// The path of the folder that a file's row stands for; nothing for any other row.
+std::optional<std::string> folderOf(const ResultRow& row);
+
+/// Says that a folder can't be read.
+ResultRow unreadableFolderRow(const std::string& folder);
 
 /// Rows of the files found, which come best first. Files of one name, whatever its case, are one
 /// group and take one place of the `keep`: the best of them stands for all, until the group is

@@ -44,8 +44,7 @@ protected:
 
     FakeServices services;
     FakeMountTable mounts;
-    NoReader reader;
-    IndexWalker walker{reader, [] { return 0.0; }};
+    IndexWalker walker{std::make_shared<NoReader>(), [] { return 0.0; }};
     std::unique_ptr<MountedVolumes> volumes;
     std::vector<std::string> reasons;
     bool abortedAtReport = false;
