@@ -10,6 +10,11 @@ namespace tessarine {
 
 namespace {
 
+// Of home folders, with something to spare.
+constexpr std::size_t ordinaryNameBytes = 24;
+constexpr std::size_t ordinaryEntries = 8; ///< in a directory
+constexpr std::size_t ordinaryPathBytes = 64;
+
 std::string_view
 slice(const std::string& text, const std::vector<std::uint32_t>& ends, std::size_t index) {
     const auto begin = index == 0 ? 0 : ends[index - 1];
@@ -79,6 +84,16 @@ std::size_t ItemList::memoryBytes() const {
            places_.capacity() * sizeof(std::uint32_t) + names_.capacity() +
            nameEnds_.capacity() * sizeof(std::uint32_t) + norms_.capacity() +
            normEnds_.capacity() * sizeof(std::uint32_t);
+}
+
+void ItemList::reserve(std::size_t itemCount) {
+    places_.reserve(itemCount);
+    nameEnds_.reserve(itemCount);
+    normEnds_.reserve(itemCount);
+    names_.reserve(itemCount * ordinaryNameBytes);
+    norms_.reserve(itemCount * ordinaryNameBytes);
+    directories_.reserve(itemCount / ordinaryEntries);
+    paths_.reserve(itemCount / ordinaryEntries * ordinaryPathBytes);
 }
 
 std::uint32_t ItemList::addDirectory(std::string_view path) {

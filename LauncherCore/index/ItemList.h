@@ -58,6 +58,10 @@ public:
 
     // Building.
 
+    /// Room for so many items of ordinary names, so that adding them moves nothing. What of it
+    /// stays unused is address space, not memory.
+    void reserve(std::size_t itemCount);
+
     /// Makes room for a directory whose entries are to follow, and gives its number. Each path
     /// once, so that the list stays small; a repeated one does no harm.
     std::uint32_t addDirectory(std::string_view path);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <memory_resource>
 #include <numeric>
 
@@ -264,6 +265,60 @@ normalizedAscii(std::string_view text, std::pmr::memory_resource* scratch, Index
     return result;
 }
 
+/// Eight bytes of a text at once.
+class EightBytes {
+public:
+    static constexpr std::size_t count = 8;
+
+    explicit EightBytes(const char* bytes) { std::memcpy(&bytes_, bytes, sizeof bytes_); }
+
+    /// All are ASCII, and none is a control character.
+    bool arePlain() const {
+        const bool noneAbove7e = ((bytes_ | (bytes_ + each(1))) & each(0x80)) == 0;
+        const bool allFrom20 = ((bytes_ + each(0x80 - 0x20)) & each(0x80)) == each(0x80);
+        return noneAbove7e && allFrom20;
+    }
+
+    /// Writes them in lower case; they are plain.
+    void lowerTo(char* bytes) const {
+        const auto fromA = bytes_ + each(0x80 - 'A');
+        const auto beyondZ = bytes_ + each(0x80 - 'Z' - 1);
+        const auto lowered = bytes_ | ((fromA & ~beyondZ & each(0x80)) >> 2);
+        std::memcpy(bytes, &lowered, sizeof lowered);
+    }
+
+private:
+    static constexpr std::uint64_t each(std::uint64_t byte) { return byte * 0x0101010101010101; }
+
+    std::uint64_t bytes_ = 0;
+};
+
+/// No byte is a control character or beyond ASCII, so that normalising is lowering.
+bool isPlainAscii(std::string_view text) {
+    if (text.size() < EightBytes::count)
+        return std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7f; });
+    // The last step goes over bytes that are done already, rather than past the end.
+    for (std::size_t i = 0; i < text.size(); i += EightBytes::count) {
+        if (!EightBytes(text.data() + std::min(i, text.size() - EightBytes::count)).arePlain())
+            return false;
+    }
+    return true;
+}
+
+std::string loweredPlainAscii(std::string_view text) {
+    std::string result(text);
+    if (text.size() < EightBytes::count) {
+        for (char& c : result)
+            c = asciiBytes[static_cast<unsigned char>(c)].lowered;
+        return result;
+    }
+    for (std::size_t i = 0; i < text.size(); i += EightBytes::count) {
+        const auto from = std::min(i, text.size() - EightBytes::count);
+        EightBytes(text.data() + from).lowerTo(result.data() + from);
+    }
+    return result;
+}
+
 /// A bit for each letter and digit, the other bytes sharing the rest. A candidate that lacks a bit
 /// of the query can't be named by it, which most can be told by at once.
 using Bytes = std::uint64_t;
@@ -355,18 +410,9 @@ std::optional<MatchResult> Matcher::Query::score(std::string_view candidate) con
 }
 
 std::string Matcher::normalize(std::string_view text) {
-    // Every name of a walk comes through here.
-    if (Folding::isAscii(text)) {
-        std::string result(text.size(), '\0');
-        std::size_t length = 0;
-        for (const char c : text) {
-            const auto& byte = asciiBytes[static_cast<unsigned char>(c)];
-            result[length] = byte.lowered;
-            length += byte.dropped ? 0 : 1;
-        }
-        result.resize(length);
-        return result;
-    }
+    // Every name that is indexed comes through here.
+    if (isPlainAscii(text))
+        return loweredPlainAscii(text);
     return Folding::lowercase(Folding::fold(Folding::withoutControlAndFormat(text)));
 }
 

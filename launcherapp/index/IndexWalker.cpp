@@ -13,6 +13,8 @@ namespace tessarine {
 namespace {
 
 constexpr double millisPerSecond = 1000;
+constexpr int depthBelowRoot = 1;
+constexpr std::int64_t mostRoom = 400000; ///< items, as many as the whole index may have
 
 /// Without a slash at its end nor two in a row; "/" stays.
 std::string normalised(std::string_view path) {
@@ -52,6 +54,11 @@ public:
          const std::string& start)
         : reader_(reader), walker_(walker), policy_(policy), start_(start),
           path_(beforeSlash(start)), remaining_(policy.budget) {}
+
+    /// Ahead of the walk of a whole tree: to grow with the list costs as much as the rest of it.
+    void makeRoom() {
+        items_.reserve(static_cast<std::size_t>(std::clamp<std::int64_t>(remaining_, 0, mostRoom)));
+    }
 
     IndexWalker::Result run(DirectoryListing listing, int childDepth) {
         push(std::move(listing), childDepth);
@@ -168,11 +175,18 @@ IndexWalker::Result
 IndexWalker::walkTree(const std::string& start, int childDepth, const Policy& policy) const {
     const double began = clock_();
     const auto root = normalised(start);
-    auto listing = reader_->list(root);
+    const bool isWholeTree = childDepth == depthBelowRoot;
+    // A folder that the user chose may itself be a link; none below it is ever followed.
+    auto listing = reader_->list(isWholeTree ? root + "/." : root);
     // A drive that has just left can't be read either, which doesn't mean that it is empty.
     if (!listing)
         return {.aborted = isAborted(root)};
-    auto result = Walk(*reader_, *this, policy, root).run(std::move(*listing), childDepth);
+    Walk walk(*reader_, *this, policy, root);
+    if (isWholeTree)
+        walk.makeRoom();
+    auto result = walk.run(std::move(*listing), childDepth);
+    if (isWholeTree && result.items.size() < mostRoom / 2)
+        result.items.shrink();
     result.millis = (clock_() - began) * millisPerSecond;
     return result;
 }

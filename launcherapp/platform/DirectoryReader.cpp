@@ -1,41 +1,42 @@
 #include "launcherapp/platform/DirectoryReader.h"
 
-#include <algorithm>
-
 namespace tessarine {
 
-namespace {
-
-/// The first bytes of a name as one number that compares as they do. Most comparisons of a sort
-/// end with it, and touch nothing else.
-std::uint64_t sortKey(std::string_view name) {
-    std::uint64_t key = 0;
-    for (std::size_t i = 0; i < sizeof key; ++i)
-        key = key << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
-    return key;
+void DirectoryListing::sort() {
+    const auto byKey = [](const Entry& left, const Entry& right) { return left.key < right.key; };
+    const auto byName = [names = std::string_view(names_)](const Entry& left, const Entry& right) {
+        return names.substr(left.begin, left.length) < names.substr(right.begin, right.length);
+    };
+    if (entries_.size() <= fewEntries)
+        rankByKey();
+    else
+        std::ranges::sort(entries_, byKey);
+    // No two entries of a directory have one name, so there is no order for a stable sort to keep.
+    for (auto run = entries_.begin(); run != entries_.end();) {
+        const auto end = std::find_if(
+            run, entries_.end(), [key = run->key](const Entry& entry) { return entry.key != key; });
+        if (end - run > 1)
+            std::sort(run, end, byName);
+        run = end;
+    }
 }
 
-} // namespace
-
-void DirectoryListing::sort() {
-    struct Keyed {
-        std::uint64_t key;
-        Entry entry;
-    };
-
-    std::vector<Keyed> keyed;
-    keyed.reserve(entries_.size());
+void DirectoryListing::rankByKey() {
+    // Every pair is compared, with no branch to guess: for so few that is the fastest way.
+    std::array<std::uint8_t, fewEntries> ranks{};
+    for (std::size_t i = 1; i < entries_.size(); ++i) {
+        unsigned rank = 0;
+        for (std::size_t j = 0; j < i; ++j) {
+            const bool isAfter = entries_[j].key > entries_[i].key;
+            ranks[j] = static_cast<std::uint8_t>(ranks[j] + isAfter);
+            rank += !isAfter;
+        }
+        ranks[i] = static_cast<std::uint8_t>(rank);
+    }
+    std::vector<Entry> ranked(entries_.size());
     for (std::size_t i = 0; i < entries_.size(); ++i)
-        keyed.push_back({.key = sortKey(name(i)), .entry = entries_[i]});
-    const std::string_view names = names_;
-    // No two entries of a directory have one name, so there is no order for a stable sort to keep.
-    std::ranges::sort(keyed, [names](const Keyed& left, const Keyed& right) {
-        if (left.key != right.key)
-            return left.key < right.key;
-        return names.substr(left.entry.begin, left.entry.length) <
-               names.substr(right.entry.begin, right.entry.length);
-    });
-    std::ranges::transform(keyed, entries_.begin(), &Keyed::entry);
+        ranked[ranks[i]] = entries_[i];
+    entries_ = std::move(ranked);
 }
 
 } // namespace tessarine

@@ -67,11 +67,11 @@ ProbedDrive probe(const IndexWalker& walker, const MountedDrive& drive) {
 } // namespace
 
 void IndexModes::selftestWalker(ModeContext& context, const std::string&) {
-    end(context, walkerSelftest(context.environment));
+    end(context, walkerSelftest(*context.indexing->walker, context.files, context.environment));
 }
 
 void IndexModes::selftestDelta(ModeContext& context, const std::string&) {
-    end(context, deltaSelftest(context.environment));
+    end(context, deltaSelftest(*context.indexing->walker, context.files, context.environment));
 }
 
 void IndexModes::selftestIndex(ModeContext& context, const std::string&) {
@@ -102,13 +102,18 @@ void IndexModes::selftestVolumes(ModeContext& context, const std::string&) {
 }
 
 void IndexModes::walkerDiff(ModeContext& context, const std::string&) {
-    std::vector<WalkerDiff::Root> roots;
+    std::vector<WalkerDiffRoot> roots;
     for (const auto& root : context.indexing->index.roots()) {
         const auto kind = IndexRoots::kindOf(
             root, context.indexing->volumes.indexedNames(), context.prefs.foldersOnlyRoots());
         roots.push_back({root, IndexRoots::policy(kind, IndexRoots::totalCap)});
     }
-    end(context, WalkerDiff::run(*context.indexing->walker, roots));
+    context.indexing->work.run(
+        WorkPriority::userInitiated,
+        [walker = context.indexing->walker, roots, clock = clockOf(context.queue)] {
+            return walkerDiff(*walker, roots, clock);
+        },
+        [&context](const SelftestResult& result) { end(context, result); });
 }
 
 void IndexModes::indexSoak(ModeContext& context, const std::string& seconds) {

@@ -3,22 +3,22 @@
 #include "launcherapp/platform/DirectoryReader.h"
 #include "tests/fakes/MemoryFileStore.h"
 
-#include <functional>
-#include <optional>
+#include <algorithm>
 #include <string>
 
 namespace tessarine {
 
-/// Reads the directories of a file system in memory.
+/// The directories of a file store in memory, which must outlive this.
 class MemoryDirectoryReader : public DirectoryReader {
 public:
     explicit MemoryDirectoryReader(const MemoryFileStore& files) : files_(files) {}
 
     std::optional<DirectoryListing> list(const std::string& path) const override {
-        ++lists;
-        if (beforeList)
-            beforeList(path);
-        const auto entries = isLink(path) ? std::nullopt : files_.entries(path);
+        ++listings;
+        const auto directory = path.ends_with("/.") ? path.substr(0, path.size() - 2) : path;
+        const auto entries = directory == path && isLink(path)
+                                 ? std::nullopt
+                                 : files_.entries(directory.empty() ? "/" : directory);
         if (!entries)
             return std::nullopt;
         DirectoryListing listing;
@@ -32,18 +32,13 @@ public:
 
     bool isLink(const std::string& path) const override {
         const auto slash = path.rfind('/');
-        const auto siblings = files_.entries(slash == 0 ? "/" : path.substr(0, slash));
-        if (!siblings)
-            return false;
-        for (const auto& entry : *siblings) {
-            if (entry.name == path.substr(slash + 1))
-                return entry.isLink;
-        }
-        return false;
+        const auto entries = files_.entries(slash == 0 ? "/" : path.substr(0, slash));
+        return entries && std::ranges::any_of(*entries, [&](const DirectoryEntry& entry) {
+                   return entry.isLink && entry.name == path.substr(slash + 1);
+               });
     }
 
-    mutable int lists = 0; ///< directories read so far
-    std::function<void(const std::string& path)> beforeList;
+    mutable int listings = 0; ///< directories asked for so far
 
 private:
     const MemoryFileStore& files_;

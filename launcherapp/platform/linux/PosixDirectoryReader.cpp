@@ -16,6 +16,10 @@ namespace {
 /// As much as the C library's own reader asks for; a directory of ordinary size is one call.
 constexpr std::size_t bufferBytes = 32768;
 
+/// What the kernel's record of an entry takes at least; a name of some length takes 40. Half of a
+/// buffer of them is names at most, unless they are very long.
+constexpr std::size_t ordinaryRecordBytes = 32;
+
 /// Opens a path that is longer than the kernel takes at once, piece by piece.
 FileDescriptor openInPieces(std::string_view path, int flags) {
     FileDescriptor above(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -66,6 +70,9 @@ std::optional<DirectoryListing> PosixDirectoryReader::list(const std::string& pa
             return std::nullopt;
         if (filled == 0)
             break;
+        if (listing.size() == 0)
+            listing.reserve(static_cast<std::size_t>(filled) / ordinaryRecordBytes,
+                            static_cast<std::size_t>(filled) / 2);
         for (ssize_t at = 0; at < filled;) {
             const auto* entry = reinterpret_cast<const dirent64*>(buffer + at);
             at += entry->d_reclen;

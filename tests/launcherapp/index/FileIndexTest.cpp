@@ -153,13 +153,13 @@ TEST_F(FileIndexTest, theCacheOfADriveThatLeftIsNotServed) {
 
 TEST_F(FileIndexTest, aNewFileIsFoundAfterTwentySecondsByLookingAtItsFolderAlone) {
     start();
-    const auto before = reader->lists;
+    const auto before = reader->listings;
     create("/home/u/docs/old/fresh.txt");
     time().advance(Seconds{19.9});
     EXPECT_THAT(found("fresh"), IsEmpty());
     time().advance(Seconds{0.2});
     EXPECT_THAT(found("fresh"), ElementsAre("/home/u/docs/old/fresh.txt"));
-    EXPECT_EQ(reader->lists, before + 1);
+    EXPECT_EQ(reader->listings, before + 1);
     EXPECT_THAT(services.log(),
                 HasSubstr("(0 of 2 walked, 1 by delta): docs: delta +1 -0 over 1 dir(s)"));
     EXPECT_THAT(files().read(cachePath, 1 << 20)->find("fresh.txt"), Not(std::string::npos));
@@ -257,12 +257,12 @@ TEST_F(FileIndexTest, whatIsAskedForDuringARebuildHappensAfterIt) {
 
 TEST_F(FileIndexTest, aFolderThatIsNoLongerSearchedGoesWithoutAWalkOfTheOthers) {
     start();
-    const auto before = reader->lists;
+    const auto before = reader->listings;
     folders = {"/home/u/docs"};
     index->rootsChanged();
     time().settle();
     EXPECT_THAT(found("beach"), IsEmpty());
-    EXPECT_EQ(reader->lists, before);
+    EXPECT_EQ(reader->listings, before);
     EXPECT_THAT(trees.streams[0]->roots, ElementsAre("/home/u/docs"));
 }
 
