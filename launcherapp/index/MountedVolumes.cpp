@@ -91,6 +91,7 @@ std::vector<MountedDrive> MountedVolumes::drivesAmong(std::span<const Mount> mou
                 .path = mount.path, .name = nameOf(mount.path), .source = mount.source};
     }
     std::vector<MountedDrive> drives;
+    drives.reserve(byPath.size());
     for (auto& [path, drive] : byPath)
         drives.push_back(std::move(drive));
     return drives;
@@ -133,6 +134,7 @@ void MountedVolumes::refresh() {
     for (const auto& drive : departed)
         leave(drive);
     std::vector<std::string> here;
+    here.reserve(arrived.size());
     for (const auto& drive : arrived)
         here.push_back(drive.path);
     walker_.readmit(here);
@@ -147,6 +149,7 @@ void MountedVolumes::leave(const MountedDrive& drive) {
 
 std::vector<std::string> MountedVolumes::mountedDrivePaths() const {
     std::vector<std::string> paths;
+    paths.reserve(drives_.size());
     for (const auto& drive : drives_)
         paths.push_back(drive.path);
     return paths;

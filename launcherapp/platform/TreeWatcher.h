@@ -59,9 +59,11 @@ public:
 
     virtual ~TreeWatcher() = default;
 
-    /// Watches the roots that exist. Each root alone at first, what is below it once `cover` has
-    /// told of it. Changes are reported on the main thread: the first at once after a quiet
-    /// period, later ones together, `latency` after the report before. A change in a directory
+    /// Watches the roots, each alone at first, and what is below it once `cover` has told of it;
+    /// one that isn't there is reported when it comes. A stream that takes the place of one that
+    /// ended in the same turn of the main queue takes over what that one covered of the same roots.
+    /// Changes are reported on the main thread: the first at once after a quiet period, later ones
+    /// together, `latency` after the report before; each root for itself. A change in a directory
     /// of which nobody told yet is reported with its nearest watched ancestor's next change, or
     /// found when it is covered. Null when the system can't watch at all.
     virtual std::unique_ptr<TreeStream>

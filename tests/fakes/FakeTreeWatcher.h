@@ -61,7 +61,8 @@ public:
 
     /// Reports these directories to every stream, in one batch.
     void fire(const std::vector<std::string>& directories, std::uint32_t flags = 0) {
-        TreeChanges changes{.folded = directories.size()};
+        TreeChanges changes;
+        changes.folded = directories.size();
         for (const auto& directory : directories)
             changes.events.push_back({.path = directory, .flags = flags});
         const auto now = streams; // a callback may end its own stream

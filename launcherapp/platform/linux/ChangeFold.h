@@ -44,7 +44,8 @@ public:
 
     TreeChanges take(Time now) {
         nextReport_ = now + std::chrono::duration_cast<Time::duration>(latency_);
-        TreeChanges changes{.folded = std::exchange(changes_, 0)};
+        TreeChanges changes;
+        changes.folded = std::exchange(changes_, 0);
         if (std::exchange(dropped_, false))
             changes.events.push_back({.path = root_, .flags = TreeChanges::droppedFlag});
         while (!directories_.empty())

@@ -66,6 +66,7 @@ public:
                     std::make_unique<RootWatch>(RootWatch::Setup{.root = root,
                                                                  .latency = latency,
                                                                  .pollRound = limits_.pollRound,
+                                                                 .gathering = limits_.gathering,
                                                                  .budget = budget_},
                                                 std::move(report))};
     }

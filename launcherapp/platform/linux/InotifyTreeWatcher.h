@@ -20,8 +20,11 @@ class InotifyTreeWatcher : public TreeWatcher {
 public:
     struct Limits {
         std::size_t watches = 0; ///< the most to place, over all trees
-        Seconds pollRound{30};   ///< in which all that is polled is looked at, if it can be at
-                                 ///< 1000 looks a second
+        /// In which all that is polled is looked at once, where 1000 looks a second do it.
+        Seconds pollRound{30};
+        /// Between the first of some events and their reading: a burst is read in one go, and a
+        /// directory that never rests costs ten wake-ups a second.
+        Seconds gathering{0.1};
     };
 
     /// Half of what the system grants the user.

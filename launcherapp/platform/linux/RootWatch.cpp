@@ -27,9 +27,6 @@ namespace {
 
 using Time = ChangeFold::Time;
 
-/// Between the first of some events and their reading, so that a burst is read in one go and a
-/// directory that never rests costs ten wake-ups a second.
-constexpr std::chrono::milliseconds gathering{100};
 /// In how many parts a round of looks is done, and the most of them in a second.
 constexpr double slicesPerRound = 30;
 constexpr double looksPerSecond = 1000;
@@ -213,7 +210,7 @@ void RootWatch::Thread::schedule(const TreeWatches& watches) {
     if (watches.resting() == 0)
         restDue_.reset();
     else if (!restDue_)
-        restDue_ = now + std::max<Time::duration>(ticks(setup_.latency), gathering);
+        restDue_ = now + ticks(std::max(setup_.latency, setup_.gathering));
     if (watches.polled() == 0)
         pollDue_.reset();
     else if (!pollDue_)
@@ -246,7 +243,7 @@ void RootWatch::Thread::wait(const TreeWatches& watches, const ChangeFold& fold,
                 .count()));
     if (::poll(sources.data(), sources.size(), milliseconds) <= 0)
         return;
-    const auto soon = std::chrono::steady_clock::now() + gathering;
+    const auto soon = std::chrono::steady_clock::now() + ticks(setup_.gathering);
     eventfd_t wakeUps = 0;
     if (sources[0].revents)
         (void)::eventfd_read(wake_.number(), &wakeUps);

@@ -16,10 +16,12 @@ namespace tessarine {
 /// says so, and no other root and no caller does. Main thread only.
 class RootWatch {
 public:
+    /// The times are those of InotifyTreeWatcher::Limits.
     struct Setup {
-        std::string root;
+        std::string root; ///< with no slash at its end
         Seconds latency{0};
-        Seconds pollRound{0}; ///< in which each polled directory is looked at once, if it can
+        Seconds pollRound{0};
+        Seconds gathering{0};
         std::shared_ptr<WatchBudget> budget;
     };
 

@@ -122,7 +122,6 @@ void TreeWatches::cover(std::vector<std::string> directories, Stamp readAt) {
     // happens in between is found by the stamps.
     for (const int descriptor : directories_.replace(std::move(directories)))
         drop(descriptor);
-    nextToPoll_ = 0;
     checkRoot(readAt);
 }
 
