@@ -109,7 +109,7 @@ bool measure(const std::string& above, std::size_t entryCount) {
     const Scratch folder(above);
     makeTree(folder.path, plannedTree(entryCount));
     const PosixDirectoryReader reader;
-    const IndexWalker walker(reader, now);
+    const IndexWalker walker(std::make_shared<PosixDirectoryReader>(), now);
 
     const auto first = walker.walkTree(folder.path, 1, everything);
     std::vector<std::string> directories{folder.path};

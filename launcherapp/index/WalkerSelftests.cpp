@@ -111,7 +111,7 @@ private:
     void checkLegacy(const ItemList& items) {
         ItemList legacy;
         for (const auto& item : legacyWalk(fixture_.root(), WalkerFixture::policy()))
-            legacy.add(item);
+            legacy.add(item.id, item.name, item.norm, item.isFolder);
         const auto ours = fixture_.shapeOf(items);
         const auto theirs = fixture_.shapeOf(legacy);
         lines_.require(ours == theirs,
