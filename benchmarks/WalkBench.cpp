@@ -108,7 +108,6 @@ void measureReconcile(const IndexWalker& walker, const std::string& root, const 
 bool measure(const std::string& above, std::size_t entryCount) {
     const Scratch folder(above);
     makeTree(folder.path, plannedTree(entryCount));
-    const PosixDirectoryReader reader;
     const IndexWalker walker(std::make_shared<PosixDirectoryReader>(), now);
 
     const auto first = walker.walkTree(folder.path, 1, everything);

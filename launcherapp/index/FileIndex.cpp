@@ -67,12 +67,11 @@ FileIndex::Cached FileIndex::loadCache(const FileStore& files,
                                        const std::vector<std::string>& mountedDrives) {
     Cached cached;
     try {
-        auto text = files.read(path, IndexCache::maximumBytes);
-        if (!text)
-            return cached;
-        auto items = IndexCache::items(*std::move(text), [&](std::string_view id) {
-            return !isOnLeftDrive(id, mountedDrives);
-        });
+        IndexCache::Reader reader(
+            [&](std::string_view id) { return !isOnLeftDrive(id, mountedDrives); });
+        const bool exists = files.readPieces(
+            path, [&reader](std::string_view piece) { return reader.take(piece); });
+        auto items = exists ? reader.finish() : std::nullopt;
         if (!items || items->empty())
             return cached;
         const auto info = files.info(path);
@@ -118,7 +117,8 @@ void FileIndex::writeCache() {
     doors_.work.run(WorkPriority::utility,
                     [&files = doors_.files, path = cachePath_, index = index_] {
                         try {
-                            files.save(path, IndexCache::document(*index));
+                            IndexCache::Writer writer(*index);
+                            files.savePieces(path, [&writer] { return writer.next(); });
                         } catch (const FileError&) {
                             // The next start walks instead.
                         }

@@ -3,52 +3,38 @@
 #include "LauncherCore/index/NameIndex.h"
 #include "LauncherCore/text/Folding.h"
 
-#include <array>
+#include <algorithm>
 #include <simdjson.h>
+#include <utility>
 
 namespace tessarine {
 
 namespace {
 
-/// What an ASCII byte is written as, where not as itself.
 bool needsEscape(char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
 }
 
-void appendText(std::string& json, std::string_view text) {
+/// The text as it stands between quotation marks.
+std::string jsonText(std::string_view text) {
+    if (std::ranges::none_of(text, needsEscape))
+        return std::string(text);
     constexpr std::string_view digits = "0123456789abcdef";
-    json += '"';
-    for (std::size_t from = 0; from < text.size();) {
-        auto to = from;
-        while (to < text.size() && !needsEscape(text[to]))
-            ++to;
-        json += text.substr(from, to - from);
-        if (to == text.size())
-            break;
-        const auto byte = static_cast<unsigned char>(text[to]);
-        if (byte >= 0x20) {
+    std::string json;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (!needsEscape(c)) {
+            json += c;
+        } else if (byte >= 0x20) {
             json += '\\';
-            json += text[to];
+            json += c;
         } else {
             json += "\\u00";
             json += digits[byte >> 4];
             json += digits[byte & 0xf];
         }
-        from = to + 1;
     }
-    json += '"';
-}
-
-void appendItem(std::string& json, const ItemList& list, std::size_t index, std::string_view id) {
-    json += "{\"id\":";
-    appendText(json, id);
-    json += ",\"name\":";
-    appendText(json, list.name(index));
-    json += ",\"norm\":";
-    appendText(json, list.norm(index));
-    json += list.isFolder(index) ? ",\"isFolder\":true,\"ext\":" : ",\"isFolder\":false,\"ext\":";
-    appendText(json, list.ext(index));
-    json += '}';
+    return json;
 }
 
 /// One item as the document has it; views into the parsed document.
@@ -94,79 +80,114 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 18;
 /// quotation mark would have a backslash before it.
 constexpr std::string_view seam = "},{\"id\":";
 
-/// Whether the parser may read so far behind a piece as it likes to.
-enum class Padding { present, missing };
+} // namespace
 
-/// Whether the piece, a whole array, was read.
-bool readPiece(simdjson::dom::parser& parser,
-               std::string_view piece,
-               Padding padding,
-               const std::function<bool(std::string_view id)>& isWanted,
-               ItemList& items) {
-    simdjson::dom::array array;
-    if (parser.parse(piece.data(), piece.size(), padding == Padding::missing).get(array) !=
+std::optional<std::string_view> IndexCache::Writer::next() {
+    if (stage_ == Stage::ended)
+        return std::nullopt;
+    piece_.clear();
+    if (stage_ == Stage::beginning)
+        piece_ += '[';
+    stage_ = Stage::items;
+    const auto& lists = index_.lists();
+    while (list_ < lists.size() && piece_.size() < pieceBytes) {
+        if (item_ == lists[list_]->size()) {
+            ++list_;
+            item_ = 0;
+            continue;
+        }
+        addItem(*lists[list_], item_++);
+    }
+    if (list_ == lists.size()) {
+        piece_ += ']';
+        stage_ = Stage::ended;
+    }
+    return piece_;
+}
+
+void IndexCache::Writer::enterDirectory(const ItemList& list, std::size_t item) {
+    const std::pair place{&list, list.directory(item)};
+    if (directoryOf_ == place)
+        return;
+    directoryOf_ = place;
+    const auto path = list.directoryPath(place.second);
+    directoryIsUtf8_ = Folding::isUtf8(path);
+    directory_ = jsonText(path);
+}
+
+void IndexCache::Writer::addItem(const ItemList& list, std::size_t item) {
+    enterDirectory(list, item);
+    const auto rawName = list.name(item);
+    if (!directoryIsUtf8_ || !Folding::isUtf8(rawName))
+        return;
+    if (!std::exchange(isFirst_, false))
+        piece_ += ',';
+    piece_ += "{\"id\":\"";
+    piece_ += directory_;
+    const auto name = jsonText(rawName);
+    if (!list.isItself(item)) {
+        piece_ += '/';
+        piece_ += name;
+    }
+    piece_ += "\",\"name\":\"";
+    piece_ += name;
+    piece_ += "\",\"norm\":\"";
+    piece_ += jsonText(list.norm(item));
+    piece_ += list.isFolder(item) ? "\",\"isFolder\":true,\"ext\":\""
+                                  : "\",\"isFolder\":false,\"ext\":\"";
+    piece_ += jsonText(list.ext(item));
+    piece_ += "\"}";
+}
+
+struct IndexCache::Reader::Parser {
+    simdjson::dom::parser json;
+};
+
+IndexCache::Reader::Reader(IsWanted isWanted)
+    : isWanted_(std::move(isWanted)), parser_(std::make_unique<Parser>()) {}
+
+IndexCache::Reader::~Reader() = default;
+
+bool IndexCache::Reader::take(std::string_view piece) {
+    text_ += piece;
+    if (!isWhole_ || text_.size() < pieceBytes)
+        return isWhole_;
+    const auto found = text_.rfind(seam);
+    if (found == std::string::npos)
+        return true; // written by somebody else: parsed whole in the end
+    // The comma closes what is parsed now, and then opens the rest.
+    const auto comma = found + 1;
+    text_[comma] = ']';
+    isWhole_ = parse(std::string_view(text_).substr(0, comma + 1));
+    text_.erase(0, comma);
+    text_.front() = '[';
+    return isWhole_;
+}
+
+std::optional<ItemList> IndexCache::Reader::finish() {
+    if (!isWhole_ || text_.empty() || !parse(text_))
+        return std::nullopt;
+    items_.shrink();
+    return std::move(items_);
+}
+
+/// Whether the text is a whole array of items.
+bool IndexCache::Reader::parse(std::string_view array) {
+    simdjson::dom::array elements;
+    // Parsed where it lies when the parser may read a little beyond it.
+    const auto room = text_.capacity() - array.size();
+    const bool isPadded = room >= simdjson::SIMDJSON_PADDING;
+    if (parser_->json.parse(array.data(), array.size(), !isPadded).get(elements) !=
         simdjson::SUCCESS)
         return false;
-    for (const auto element : array) {
+    for (const auto element : elements) {
         const auto item = storedItem(element);
         if (!item.isWhole())
             return false;
-        if (isWanted(*item.id))
-            items.add(*item.id, *item.name, *item.norm, *item.isFolder);
+        if (isWanted_(*item.id))
+            items_.add(*item.id, *item.name, *item.norm, *item.isFolder);
     }
     return true;
-}
-
-} // namespace
-
-std::string IndexCache::document(const NameIndex& index) {
-    // The keys and marks of one item, and about what its texts take.
-    constexpr std::size_t expectedItemBytes = 180;
-    std::string json;
-    json.reserve(index.size() * expectedItemBytes);
-    json += '[';
-    std::string id;
-    for (const auto& list : index.lists()) {
-        for (std::size_t i = 0; i < list->size(); ++i) {
-            list->assignID(i, id);
-            if (!Folding::isUtf8(id) || !Folding::isUtf8(list->name(i)))
-                continue;
-            if (json.size() > 1)
-                json += ',';
-            appendItem(json, *list, i, id);
-        }
-    }
-    json += ']';
-    return json;
-}
-
-std::optional<ItemList>
-IndexCache::items(std::string document, const std::function<bool(std::string_view id)>& isWanted) {
-    const auto length = document.size();
-    if (length == 0)
-        return std::nullopt;
-    simdjson::dom::parser parser;
-    ItemList items;
-    for (std::size_t begin = 0; begin < length;) {
-        const std::string_view rest = document;
-        const auto found = rest.find(seam, begin + pieceBytes);
-        const bool isLast = found == std::string_view::npos;
-        const auto comma = found + 1;
-        const auto end = isLast ? length : comma + 1;
-        const auto padding =
-            end + simdjson::SIMDJSON_PADDING <= length ? Padding::present : Padding::missing;
-        // The comma closes this piece, and then opens the next.
-        if (!isLast)
-            document[comma] = ']';
-        if (!readPiece(parser, rest.substr(begin, end - begin), padding, isWanted, items))
-            return std::nullopt;
-        if (isLast)
-            break;
-        document[comma] = '[';
-        begin = comma;
-    }
-    items.shrink();
-    return items;
 }
 
 } // namespace tessarine

@@ -2,10 +2,14 @@
 
 #include "LauncherCore/index/ItemList.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tessarine {
 
@@ -13,19 +17,59 @@ class NameIndex;
 
 /// The form in which the index outlives the program: a JSON array of objects with the keys "id",
 /// "name", "norm", "isFolder" and "ext". It only saves time at start, so whatever is wrong with it
-/// makes it count as absent. Pure; any thread.
+/// makes it count as absent. Both ways go piece by piece, since the whole document would take more
+/// memory than the index itself.
 namespace IndexCache {
 
-/// Far above the largest index; a larger file is something else.
-inline constexpr std::size_t maximumBytes = std::size_t{512} << 20;
+/// Writes the document. Items whose path is not UTF-8 can't be said in JSON and are left out.
+class Writer {
+public:
+    explicit Writer(const NameIndex& index) : index_(index) {}
 
-/// The document. Items whose path is not UTF-8 can't be said in JSON and are left out.
-std::string document(const NameIndex& index);
+    /// The next piece, valid until the one after; nothing at the end.
+    std::optional<std::string_view> next();
 
-/// The items that `isWanted` accepts by their path. Nothing for a text that is no such document;
-/// an empty list for one without items.
-std::optional<ItemList> items(std::string document,
-                              const std::function<bool(std::string_view id)>& isWanted);
+private:
+    void addItem(const ItemList& list, std::size_t item);
+    void enterDirectory(const ItemList& list, std::size_t item);
+
+    const NameIndex& index_;
+    std::size_t list_ = 0;
+    std::size_t item_ = 0;
+    enum class Stage { beginning, items, ended } stage_ = Stage::beginning;
+    bool isFirst_ = true;
+    std::string piece_;
+    /// The path of the last item's directory as JSON, since many items follow each other in one.
+    std::string directory_;
+    std::optional<std::pair<const ItemList*, std::uint32_t>> directoryOf_;
+    bool directoryIsUtf8_ = true;
+};
+
+/// Reads a document. After the first fault it takes nothing more.
+class Reader {
+public:
+    using IsWanted = std::function<bool(std::string_view id)>;
+
+    explicit Reader(IsWanted isWanted);
+    ~Reader();
+
+    /// Whether more may come.
+    bool take(std::string_view piece);
+
+    /// The items that are wanted; nothing when the text was no such document.
+    std::optional<ItemList> finish();
+
+private:
+    struct Parser;
+
+    bool parse(std::string_view array);
+
+    IsWanted isWanted_;
+    std::unique_ptr<Parser> parser_;
+    std::string text_; ///< what was taken and not yet parsed
+    bool isWhole_ = true;
+    ItemList items_;
+};
 
 } // namespace IndexCache
 } // namespace tessarine

@@ -149,7 +149,10 @@ private:
                                        result.removed,
                                        result.dirsWalked,
                                        result.millis));
+        // Also what looks the same is told to the watcher: a directory may have taken another's
+        // place.
         if (result.added == 0 && result.removed == 0) {
+            cover(root, *before, policy);
             output_.fresh[root] = before;
             return;
         }

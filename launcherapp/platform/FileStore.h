@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -50,6 +51,19 @@ public:
     /// the save, finds the old content or the new. A link is followed, the file's mode kept.
     /// Missing folders are made. Throws FileError, and then the old content stands.
     virtual void save(const std::string& path, std::string_view bytes) = 0;
+
+    /// Reads a regular file piece by piece, for what is too large to be held whole: `take` gets
+    /// each in turn, and ends the reading by giving false. False when there is no file of this
+    /// path. Throws FileError as `read` does.
+    virtual bool readPieces(const std::string& path,
+                            const std::function<bool(std::string_view piece)>& take) const = 0;
+
+    /// As `save`, for content that is made piece by piece: `next` gives each, and nothing at the
+    /// end. It is not waited for until the disk has it, so that after a crash of the machine the
+    /// file may be damaged: for what can be made again.
+    virtual void
+    savePieces(const std::string& path,
+               const std::function<std::optional<std::string_view>()>& next) = 0;
 
     /// Adds `bytes` at the end in one write, creating the file readable by its owner alone.
     /// Throws FileError.

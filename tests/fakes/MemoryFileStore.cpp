@@ -116,6 +116,26 @@ void MemoryFileStore::save(const std::string& path, std::string_view bytes) {
     nodes_[real] = {.type = Node::Type::file, .content = std::string(bytes), .modified = now};
 }
 
+bool MemoryFileStore::readPieces(const std::string& path,
+                                 const std::function<bool(std::string_view)>& take) const {
+    const auto bytes = read(path, static_cast<std::size_t>(-1));
+    // Small pieces, so that whoever puts them together meets every seam.
+    constexpr std::size_t pieceBytes = 7;
+    for (std::size_t at = 0; bytes && at < bytes->size(); at += pieceBytes) {
+        if (!take(std::string_view(*bytes).substr(at, pieceBytes)))
+            break;
+    }
+    return bytes.has_value();
+}
+
+void MemoryFileStore::savePieces(const std::string& path,
+                                 const std::function<std::optional<std::string_view>()>& next) {
+    std::string bytes;
+    while (const auto piece = next())
+        bytes += *piece;
+    save(path, bytes);
+}
+
 void MemoryFileStore::append(const std::string& path, std::string_view bytes) {
     const auto before = read(path, std::string::npos).value_or("");
     if (!node(resolve(parentOf(path), maximumLinks).value_or("")))

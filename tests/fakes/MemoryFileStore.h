@@ -35,6 +35,10 @@ public:
 
     std::optional<std::string> read(const std::string& path, std::size_t limitBytes) const override;
     void save(const std::string& path, std::string_view bytes) override;
+    bool readPieces(const std::string& path,
+                    const std::function<bool(std::string_view piece)>& take) const override;
+    void savePieces(const std::string& path,
+                    const std::function<std::optional<std::string_view>()>& next) override;
     void append(const std::string& path, std::string_view bytes) override;
     std::optional<std::vector<DirectoryEntry>> entries(const std::string& path) const override;
     std::optional<FileInfo> info(const std::string& path) const override;

@@ -20,6 +20,8 @@ namespace {
 constexpr mode_t ownersFile = 0600;
 constexpr mode_t ownersFolder = 0700;
 constexpr mode_t permissionBits = 07777;
+/// Of a file that is read piece by piece: small enough for the processor's caches.
+constexpr std::size_t pieceBytes = std::size_t{1} << 18;
 
 [[noreturn]] void fail(const std::string& path, const char* what, int error) {
     throw FileError(path + " could not be " + what + ": " + std::generic_category().message(error));
@@ -79,14 +81,12 @@ public:
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
 
-    /// Puts the bytes on the disk; 0, or the error.
-    int fill(std::string_view bytes, mode_t mode) {
-        if (const int error = writeAll(file_.number(), bytes))
-            return error;
-        if (::fchmod(file_.number(), mode) != 0 || ::fsync(file_.number()) != 0)
-            return errno;
-        return 0;
-    }
+    int add(std::string_view bytes) { return writeAll(file_.number(), bytes); }
+
+    int setMode(mode_t mode) { return ::fchmod(file_.number(), mode) == 0 ? 0 : errno; }
+
+    /// Waits until the disk has it.
+    int flush() { return ::fsync(file_.number()) == 0 ? 0 : errno; }
 
     int takePlaceOf(const std::string& target) {
         if (::rename(path_.c_str(), target.c_str()) != 0)
@@ -107,15 +107,13 @@ void flushFolder(const std::string& folder) {
         (void)::fsync(opened.number());
 }
 
-} // namespace
-
-std::optional<std::string> PosixFileStore::read(const std::string& path,
-                                                std::size_t limitBytes) const {
+/// A regular file to be read; none when there is none of this path.
+std::pair<FileDescriptor, std::uint64_t> openedForReading(const std::string& path) {
     // A pipe or a device would make an ordinary open wait, or do something.
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file) {
         if (errno == ENOENT || errno == ENOTDIR)
-            return std::nullopt;
+            return {};
         fail(path, "read", errno);
     }
 
@@ -125,6 +123,40 @@ std::optional<std::string> PosixFileStore::read(const std::string& path,
         fail(path, "read", errno);
     if (!S_ISREG(status.st_mode))
         throw FileError(path + " could not be read: it is no regular file");
+    return {std::move(file), static_cast<std::uint64_t>(status.st_size)};
+}
+
+/// Where a save goes, and the mode that the file keeps.
+struct SaveTarget {
+    std::string path;
+    mode_t mode = ownersFile;
+};
+
+SaveTarget preparedTarget(const std::string& path, PosixFileStore& files) {
+    // A link stays a link: what it leads to is replaced.
+    SaveTarget target{.path = linksTarget(path)};
+    files.makeDirectories(folderOf(target.path));
+
+    struct stat old {};
+
+    if (::stat(target.path.c_str(), &old) != 0) {
+        if (errno != ENOENT)
+            fail(path, "saved", errno);
+        return target;
+    }
+    if (!S_ISREG(old.st_mode))
+        throw FileError(path + " could not be saved: it is no regular file");
+    target.mode = old.st_mode & permissionBits;
+    return target;
+}
+
+} // namespace
+
+std::optional<std::string> PosixFileStore::read(const std::string& path,
+                                                std::size_t limitBytes) const {
+    const auto [file, sizeBytes] = openedForReading(path);
+    if (!file)
+        return std::nullopt;
 
     // One byte more than the size tells that the file has grown meanwhile.
     std::string bytes;
@@ -134,11 +166,10 @@ std::optional<std::string> PosixFileStore::read(const std::string& path,
             throw FileError(path + " could not be read: it is larger than " +
                             std::to_string(limitBytes) + " bytes");
         if (length == bytes.size())
-            bytes.resize(length == 0
-                             ? static_cast<std::size_t>(std::min<std::uint64_t>(
-                                   static_cast<std::uint64_t>(status.st_size), limitBytes)) +
-                                   1
-                             : length * 2);
+            bytes.resize(
+                length == 0
+                    ? static_cast<std::size_t>(std::min<std::uint64_t>(sizeBytes, limitBytes)) + 1
+                    : length * 2);
         const auto got = ::read(file.number(), bytes.data() + length, bytes.size() - length);
         if (got < 0 && errno == EINTR)
             continue;
@@ -153,24 +184,48 @@ std::optional<std::string> PosixFileStore::read(const std::string& path,
 }
 
 void PosixFileStore::save(const std::string& path, std::string_view bytes) {
-    // A link stays a link: what it leads to is replaced.
-    const auto target = linksTarget(path);
-    makeDirectories(folderOf(target));
-
-    struct stat old {};
-
-    const bool exists = ::stat(target.c_str(), &old) == 0;
-    if (!exists && errno != ENOENT)
-        fail(path, "saved", errno);
-    if (exists && !S_ISREG(old.st_mode))
-        throw FileError(path + " could not be saved: it is no regular file");
-    ReplacementFile replacement(target);
-    const mode_t mode = exists ? old.st_mode & permissionBits : ownersFile;
-    if (const int error = replacement.fill(bytes, mode))
+    const auto target = preparedTarget(path, *this);
+    ReplacementFile replacement(target.path);
+    if (const int error = replacement.add(bytes))
         fail(path, "saved", error);
-    if (const int error = replacement.takePlaceOf(target))
+    if (const int error = replacement.setMode(target.mode))
         fail(path, "saved", error);
-    flushFolder(folderOf(target));
+    if (const int error = replacement.flush())
+        fail(path, "saved", error);
+    if (const int error = replacement.takePlaceOf(target.path))
+        fail(path, "saved", error);
+    flushFolder(folderOf(target.path));
+}
+
+bool PosixFileStore::readPieces(const std::string& path,
+                                const std::function<bool(std::string_view)>& take) const {
+    const auto [file, sizeBytes] = openedForReading(path);
+    if (!file)
+        return false;
+    std::string piece(pieceBytes, '\0');
+    for (;;) {
+        const auto got = ::read(file.number(), piece.data(), piece.size());
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            fail(path, "read", errno);
+        if (got == 0 || !take(std::string_view(piece).substr(0, static_cast<std::size_t>(got))))
+            return true;
+    }
+}
+
+void PosixFileStore::savePieces(const std::string& path,
+                                const std::function<std::optional<std::string_view>()>& next) {
+    const auto target = preparedTarget(path, *this);
+    ReplacementFile replacement(target.path);
+    while (const auto piece = next()) {
+        if (const int error = replacement.add(*piece))
+            fail(path, "saved", error);
+    }
+    if (const int error = replacement.setMode(target.mode))
+        fail(path, "saved", error);
+    if (const int error = replacement.takePlaceOf(target.path))
+        fail(path, "saved", error);
 }
 
 void PosixFileStore::append(const std::string& path, std::string_view bytes) {
