@@ -239,5 +239,20 @@ TEST(Matcher, agreesWithThePlainRuleOnRandomNames) {
     EXPECT_GT(matched, 3000); // else the comparison compared nothing
 }
 
+TEST(Matcher, normalizesEveryByteAtEveryPlaceAsFoldingDoes) {
+    // Plain ASCII goes several bytes at a time, the last of them over some that are done.
+    for (std::size_t length = 1; length <= 25; ++length) {
+        for (std::size_t place = 0; place < length; ++place) {
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string text(length, 'Q');
+                text[place] = static_cast<char>(byte);
+                ASSERT_EQ(Matcher::normalize(text),
+                          Folding::lowercase(Folding::fold(Folding::withoutControlAndFormat(text))))
+                    << "byte " << byte << " at " << place << " of " << length;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace tessarine
