@@ -77,6 +77,8 @@ public:
     /// one above it, costs nothing to find. Its extension follows from the rest.
     void add(std::string_view id, std::string_view name, std::string_view norm, bool isFolder);
 
+    void add(const IndexedItem& item) { add(item.id, item.name, item.norm, item.isFolder); }
+
     /// Adds an item of another list.
     void addFrom(const ItemList& other, std::size_t index);
 

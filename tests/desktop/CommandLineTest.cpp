@@ -59,9 +59,9 @@ TEST_F(CommandLineTest, anUnknownOptionIsRefusedBeforeAnythingIsMade) {
 }
 
 TEST_F(CommandLineTest, aModeThatCannotRunYetSaysWhatItLacks) {
-    const auto output = run({"--selftest-walker"}, environment);
+    const auto output = run({"--selftest-keychain"}, environment);
     EXPECT_EQ(output.status, 2);
-    EXPECT_THAT(output.out, StartsWith("selftest-walker: NOT MEASURED, "));
+    EXPECT_THAT(output.out, StartsWith("selftest-keychain: NOT MEASURED, "));
     EXPECT_EQ(run({"startup"}, environment).status, 2);
 }
 

@@ -46,8 +46,8 @@ protected:
     }
 
     ScratchFolder folder;
-    PosixDirectoryReader reader;
-    IndexWalker walker{reader, [] { return 0.0; }};
+    const PosixDirectoryReader reader;
+    IndexWalker walker{std::make_shared<PosixDirectoryReader>(), [] { return 0.0; }};
 };
 
 TEST_F(PosixDirectoryReaderTest, listsByBytesAndTellsDirectoriesFromLinksToThem) {
@@ -199,8 +199,7 @@ TEST_F(PosixDirectoryReaderTest, theSelftestsProveThisReaderAndRefuteAWrongOne) 
     }
     EXPECT_THAT(names(folder.path()), ElementsAre()); // they leave nothing behind
 
-    const WrongReader wrongReader;
-    const IndexWalker wrong(wrongReader, [] { return 0.0; });
+    const IndexWalker wrong(std::make_shared<WrongReader>(), [] { return 0.0; });
     EXPECT_THAT(walkerSelftest(wrong, files, environment).report,
                 HasSubstr("legacy walker disagrees on the fixture: only-legacy d1/d2/d3/f3;"));
     folder.write("/f3", "");

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "LauncherCore/index/DirectoryListing.h"
 #include "LauncherCore/index/NameIndex.h"
-#include "launcherapp/platform/DirectoryReader.h"
 #include "launcherapp/query/ResultRow.h"
 #include "launcherapp/query/RowVerbs.h"
 

@@ -39,7 +39,7 @@ protected:
     }
 
     MemoryFileStore files;
-    MemoryDirectoryReader reader{files};
+    std::shared_ptr<MemoryDirectoryReader> reader = std::make_shared<MemoryDirectoryReader>(files);
     IndexWalker walker{reader, [this] { return seconds += 0.5; }};
     double seconds = 0;
 };
@@ -226,14 +226,14 @@ TEST_F(IndexWalkerTest, fullWalksAreAskedForWhereADeltaCannotTell) {
     files.file("/r/a/1", "");
     const auto before = walk().items;
     files.file("/r/a/2", "");
-    const int listings = reader.listings;
+    const int listings = reader->listings;
     for (const auto& changed : std::vector<std::vector<std::string>>{
              {"/r/a", "/r"}, {"/r/"}, std::vector<std::string>(mostDirs + 1, "/r/a")}) {
         const auto result = reconcile(changed, before);
         EXPECT_TRUE(result.fullWalkNeeded);
         EXPECT_EQ(result.items, before);
     }
-    EXPECT_EQ(reader.listings, listings);
+    EXPECT_EQ(reader->listings, listings);
     EXPECT_EQ(reconcile(std::vector<std::string>(mostDirs, "/r/a"), before).added, 1u);
 }
 

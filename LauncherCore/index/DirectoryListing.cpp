@@ -1,4 +1,4 @@
-#include "launcherapp/platform/DirectoryReader.h"
+#include "LauncherCore/index/DirectoryListing.h"
 
 namespace tessarine {
 
