@@ -74,9 +74,7 @@ void AppCatalog::rescan() {
 }
 
 Subscription AppCatalog::onPublished(std::function<void()> published) {
-    const auto id = nextObserver_++;
-    observers_.emplace(id, std::move(published));
-    return Subscription([this, id] { observers_.erase(id); });
+    return observers_.add(std::move(published));
 }
 
 std::vector<std::string> AppCatalog::roots() const {
@@ -141,9 +139,7 @@ void AppCatalog::publish(std::vector<CatalogApp> apps,
     lastScan_ = doors_.queue.now();
     lastScanMillis_ = millis;
     doors_.running.useRegistry(registry_);
-    const auto observers = observers_; // one of them may end its own subscription
-    for (const auto& [id, published] : observers)
-        published();
+    observers_.tell();
 }
 
 bool AppCatalog::watch(const std::vector<std::string>& directories) {

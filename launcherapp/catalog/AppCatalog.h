@@ -7,6 +7,7 @@
 #include "launcherapp/platform/FileStore.h"
 #include "launcherapp/platform/Image.h"
 #include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/platform/WorkQueues.h"
 
@@ -119,8 +120,7 @@ private:
     bool rescanPending_ = false;
     std::uint64_t scansStarted_ = 0;
     RunningCache runningCache_;
-    std::unordered_map<std::uint64_t, std::function<void()>> observers_;
-    std::uint64_t nextObserver_ = 0;
+    Observers<> observers_;
 };
 
 } // namespace tessarine

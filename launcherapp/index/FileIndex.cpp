@@ -1,7 +1,7 @@
 #include "launcherapp/index/FileIndex.h"
 
-#include "LauncherCore/query/Matcher.h"
 #include "LauncherCore/query/UsageLog.h"
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/index/DemonstrationFiles.h"
 #include "launcherapp/index/IndexCache.h"
 #include "launcherapp/index/IndexRoots.h"
@@ -23,13 +23,9 @@ namespace {
 /// Where drives are mounted: what the cache holds of one that has left is not trusted.
 constexpr auto driveFolders = std::to_array<std::string_view>({"/media/", "/run/media/", "/mnt/"});
 
-bool isOnLeftDrive(std::string_view id, std::span<const std::string> mountedDrives) {
-    const auto isBelow = [&](std::string_view folder) { return id.starts_with(folder); };
-    if (std::ranges::none_of(driveFolders, isBelow))
-        return false;
-    return std::ranges::none_of(mountedDrives, [&](const std::string& drive) {
-        return id == drive || (id.starts_with(drive) && id[drive.size()] == '/');
-    });
+bool isBelowAny(std::string_view id, std::span<const std::string> folders) {
+    return std::ranges::any_of(
+        folders, [&](const std::string& folder) { return Paths::isAtOrBelow(id, folder); });
 }
 
 } // namespace
@@ -51,40 +47,54 @@ void FileIndex::start() {
         adopt(std::make_shared<const NameIndex>(demonstrationFiles()));
         return;
     }
+    forgetDrivesThatLeft();
     doors_.work.run(
         WorkPriority::userInitiated,
         [&files = std::as_const(doors_.files),
          path = cachePath_,
-         drives = volumes_.mountedDrivePaths()] { return loadCache(files, path, drives); },
+         trusted = Trusted{.mountedDrives = volumes_.mountedDrivePaths(),
+                           .searchFolders = settings_.searchFolders()}] {
+            return loadCache(files, path, trusted);
+        },
         [this, alive = std::weak_ptr(alive_)](const Cached& cached) {
             if (!alive.expired())
                 adoptCache(cached);
         });
 }
 
-FileIndex::Cached FileIndex::loadCache(const FileStore& files,
-                                       const std::string& path,
-                                       const std::vector<std::string>& mountedDrives) {
+FileIndex::Cached
+FileIndex::loadCache(const FileStore& files, const std::string& path, const Trusted& trusted) {
+    const auto isTrusted = [&](std::string_view id) {
+        const bool mayHaveLeft = std::ranges::any_of(
+            driveFolders, [&](std::string_view folder) { return Paths::isAtOrBelow(id, folder); });
+        return !mayHaveLeft || isBelowAny(id, trusted.mountedDrives) ||
+               isBelowAny(id, trusted.searchFolders);
+    };
     Cached cached;
     try {
-        IndexCache::Reader reader(
-            [&](std::string_view id) { return !isOnLeftDrive(id, mountedDrives); });
+        bool holdsItems = false;
+        IndexCache::Reader reader([&](std::string_view id) {
+            holdsItems = true;
+            return isTrusted(id);
+        });
         const bool exists = files.readPieces(
             path, [&reader](std::string_view piece) { return reader.take(piece); });
         auto items = exists ? reader.finish() : std::nullopt;
-        if (!items || items->empty())
+        if (!items || !holdsItems)
             return cached;
         const auto info = files.info(path);
         cached.modified = info ? info->modified : 0;
         cached.index = std::make_shared<const NameIndex>(
             std::vector{std::make_shared<const ItemList>(*std::move(items))});
-    } catch (const FileError&) {
-        // It only saves time: without it the first walk fills the index.
+    } catch (const FileError& error) {
+        cached.problem = error.what();
     }
     return cached;
 }
 
 void FileIndex::adoptCache(const Cached& cached) {
+    if (cached.problem)
+        doors_.diagnostics.log(fmt::format("file index: {}; walking instead", *cached.problem));
     if (!cached.index) {
         // Also for a run that otherwise would not walk: it has nothing to serve.
         rebuild(Force::yes);
@@ -108,21 +118,34 @@ void FileIndex::adopt(std::shared_ptr<const NameIndex> index) {
     // Letting go of so much must not take the main thread's time.
     doors_.work.run(WorkPriority::utility, [held = std::move(old)]() mutable { held.reset(); });
     ++published_;
-    const auto observers = observers_;
-    for (const auto& [id, published] : observers)
-        published();
+    observers_.tell();
 }
 
+/// One write at a time, so that an older generation never lands last.
 void FileIndex::writeCache() {
-    doors_.work.run(WorkPriority::utility,
-                    [&files = doors_.files, path = cachePath_, index = index_] {
-                        try {
-                            IndexCache::Writer writer(*index);
-                            files.savePieces(path, [&writer] { return writer.next(); });
-                        } catch (const FileError&) {
-                            // The next start walks instead.
-                        }
-                    });
+    cacheIsStale_ = cacheIsWritten_;
+    if (cacheIsWritten_)
+        return;
+    cacheIsWritten_ = true;
+    doors_.work.run(
+        WorkPriority::utility,
+        [&files = doors_.files, path = cachePath_, index = index_] {
+            // A failure costs only time: the next start walks instead.
+            try {
+                IndexCache::Writer writer(*index);
+                files.savePieces(path, [&writer] { return writer.next(); });
+            } catch (const FileError&) {
+                return false;
+            }
+            return true;
+        },
+        [this, alive = std::weak_ptr(alive_)](bool) {
+            if (alive.expired())
+                return;
+            cacheIsWritten_ = false;
+            if (cacheIsStale_)
+                writeCache();
+        });
 }
 
 std::vector<std::string> FileIndex::roots() const {
@@ -142,12 +165,14 @@ void FileIndex::volumesChanged(std::string_view reason) {
     requireMainThread(doors_.queue);
     const auto current = roots();
     walker_->readmit(current);
+    forgetDrivesThatLeft();
     doors_.diagnostics.log(
         fmt::format("file index: drives changed ({}): {} roots", reason, current.size()));
     rootsChanged();
 }
 
 void FileIndex::rootsChanged() {
+    requireMainThread(doors_.queue);
     if (run_ == Run::demonstration)
         return;
     watch();
@@ -156,9 +181,7 @@ void FileIndex::rootsChanged() {
 }
 
 Subscription FileIndex::onPublished(std::function<void()> published) {
-    const auto id = nextObserver_++;
-    observers_.emplace(id, std::move(published));
-    return Subscription([this, id] { observers_.erase(id); });
+    return observers_.add(std::move(published));
 }
 
 void FileIndex::watch() {
@@ -168,8 +191,11 @@ void FileIndex::watch() {
         return;
     stream_ = doors_.watcher.watch(
         current, streamLatency, [this](const TreeChanges& changes) { takeChanges(changes); });
-    if (!stream_)
+    if (!stream_) {
+        doors_.diagnostics.log("file index: changes can't be watched here; the index is brought up "
+                               "to date at each start");
         return;
+    }
     // The new stream knows the roots alone; what was walked of them is told again.
     for (const auto& root : current) {
         const auto items = perRoot_.find(root);
@@ -184,19 +210,35 @@ void FileIndex::watch() {
             [root, list = items->second, policy] {
                 return IndexRoots::openedDirectories(root, *list, policy);
             },
-            [this, root, at = readAt->second, alive = std::weak_ptr(alive_)](
+            [this, root, list = items->second, at = readAt->second, alive = std::weak_ptr(alive_)](
                 std::vector<std::string> directories) {
-                if (!alive.expired() && stream_)
+                if (alive.expired() || !stream_)
+                    return;
+                // A rebuild that ended meanwhile has told of a newer list.
+                const auto current = perRoot_.find(root);
+                if (current != perRoot_.end() && current->second == list)
                     stream_->cover(root, std::move(directories), at);
             });
     }
 }
 
+/// Once each time that more directories must be looked at in turns: the user can raise the limit.
+void FileIndex::tellOfPolling() {
+    const auto counts = doors_.watcher.counts();
+    if (counts.polled > polledBefore_)
+        doors_.diagnostics.log(fmt::format(
+            "file index: {} directories are watched and {} looked at in turns, since no "
+            "more watches may be taken (fs.inotify.max_user_watches)",
+            counts.watched,
+            counts.polled));
+    polledBefore_ = counts.polled;
+}
+
 void FileIndex::takeChanges(const TreeChanges& changes) {
     constexpr std::size_t worthALine = 200;
-    if (changes.folded >= worthALine)
+    if (changes.events.size() >= worthALine)
         doors_.diagnostics.log(
-            fmt::format("file index: {} filesystem events in one batch", changes.folded));
+            fmt::format("file index: {} filesystem events in one batch", changes.events.size()));
     noteChanges(changes.events);
     if (run_ != Run::headless)
         scheduleRebuild();

@@ -3,6 +3,7 @@
 #include "LauncherCore/index/NameIndex.h"
 #include "launcherapp/index/IndexRebuild.h"
 #include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/platform/TreeWatcher.h"
 
@@ -100,7 +101,7 @@ public:
     /// when it was loaded from there.
     std::optional<double> lastBuild() const { return lastBuild_; }
 
-    /// How long the last rebuild took that walked a root whole.
+    /// How long the last rebuild took that walked a root whole; 0 before the first.
     double lastBuildMillis() const { return lastBuildMillis_; }
 
     bool isBuilding() const { return building_; }
@@ -108,20 +109,28 @@ public:
     /// How many rebuilds have been published.
     std::uint64_t published() const { return published_; }
 
+    /// Calls `published` after each time a generation took the place of another.
     Subscription onPublished(std::function<void()> published);
 
 private:
     struct Cached {
         std::shared_ptr<const NameIndex> index; ///< null when there is no usable cache
         double modified = 0;
+        std::optional<std::string> problem; ///< why it could not be read
     };
 
-    static Cached loadCache(const FileStore& files,
-                            const std::string& path,
-                            const std::vector<std::string>& mountedDrives);
+    /// What is trusted of a cache, which may be older than the drives that are there.
+    struct Trusted {
+        std::vector<std::string> mountedDrives;
+        std::vector<std::string> searchFolders;
+    };
+
+    static Cached
+    loadCache(const FileStore& files, const std::string& path, const Trusted& trusted);
     void adoptCache(const Cached& cached);
     void adopt(std::shared_ptr<const NameIndex> index);
     void writeCache();
+    void tellOfPolling();
 
     // Watching.
     void watch();
@@ -153,10 +162,13 @@ private:
 
     // Drives on their own.
     struct DriveWalk;
-    void noteDrive(const std::string& path, const IndexRebuild::DriveCounts& counts);
-    void noteUnreadableDrive(const std::string& path);
-    void walkDrive(const std::string& path, const std::string& name);
-    void publishDrive(const std::string& path, const std::string& name, DriveWalk walk);
+    struct DriveJob;
+    void walkDrive(const std::string& path);
+    void repairDrive(const std::string& path);
+    void runApart(DriveJob job);
+    void publishDrive(const DriveJob& job, DriveWalk walk);
+    void noteUnreadableDrive(const DriveJob& job);
+    void forgetDrivesThatLeft();
 
     Doors doors_;
     const std::shared_ptr<IndexWalker> walker_;
@@ -172,21 +184,27 @@ private:
     std::uint64_t published_ = 0;
 
     std::unique_ptr<TreeStream> stream_;
-    bool pending_ = false; ///< a rebuild was asked for while one ran
+    bool pending_ = false;      ///< a rebuild was asked for while one ran
+    bool pendingForce_ = false; ///< and it was to walk everything
     std::map<std::string, SharedItems> perRoot_;
-    std::set<std::string> drivesInFlight_;
+    std::map<std::string, std::uint64_t> drivesInFlight_; ///< and which of their walks it is
+    std::uint64_t lastDriveWalk_ = 0;
+    std::map<std::string, std::string> driveSources_; ///< what is mounted where, as last known
     bool republishNeeded_ = false; ///< `perRoot_` changed outside a rebuild
     std::set<std::string> dirtyRoots_;
     std::map<std::string, std::set<std::string>> dirtyDirs_;
     std::map<std::string, double> lastFullWalk_; ///< seconds since 1970, UTC
     std::map<std::string, double> readAt_;       ///< when that walk began
     bool rebuildScheduled_ = false;
+    bool holdScheduled_ = false;             ///< a full walk waits until it may run; deltas don't
     std::optional<Seconds> lastWalkEndedAt_; ///< uptime
     Seconds coalesce_ = shortestCoalesce;
     std::int64_t unchangedRuns_ = 0;
 
-    std::map<std::uint64_t, std::function<void()>> observers_;
-    std::uint64_t nextObserver_ = 0;
+    bool cacheIsWritten_ = false; ///< right now, in the background
+    bool cacheIsStale_ = false;   ///< a newer generation waits to be written
+    std::size_t polledBefore_ = 0;
+    Observers<> observers_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(); ///< for what comes back later
 };
 

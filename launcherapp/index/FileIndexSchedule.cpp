@@ -74,9 +74,9 @@ bool FileIndex::isHeld(const std::vector<std::string>& shared, Force force) {
     const Seconds left = *lastWalkEndedAt_ + hold - doors_.queue.uptime();
     if (left <= Seconds{0})
         return false;
-    if (rebuildScheduled_)
+    if (holdScheduled_)
         return true;
-    rebuildScheduled_ = true;
+    holdScheduled_ = true;
     doors_.diagnostics.log(fmt::format("file index: walk held for {:.0f}s more (last walk {:.0f}s; "
                                        "holding the index under a tenth of a core)",
                                        left.count(),
@@ -84,7 +84,7 @@ bool FileIndex::isHeld(const std::vector<std::string>& shared, Force force) {
     doors_.queue.postAfter(left, [this, alive = std::weak_ptr(alive_)] {
         if (alive.expired())
             return;
-        rebuildScheduled_ = false;
+        holdScheduled_ = false;
         rebuild(Force::no);
     });
     return true;
@@ -96,6 +96,7 @@ void FileIndex::rebuild(Force force) {
         return;
     if (building_) {
         pending_ = true;
+        pendingForce_ = pendingForce_ || force == Force::yes;
         return;
     }
     const auto current = roots();
@@ -109,7 +110,7 @@ void FileIndex::rebuild(Force force) {
     auto [shared, onTheirOwn] =
         IndexRoots::splitFirstDriveWalks(rootsToWalk(current, force), drives, walked);
     for (const auto& path : onTheirOwn)
-        walkDrive(path, drives.at(path));
+        walkDrive(path);
 
     std::vector<std::string> deltaRoots;
     for (const auto& root : current) {
@@ -118,14 +119,28 @@ void FileIndex::rebuild(Force force) {
             dirty != dirtyDirs_.end() && !dirty->second.empty())
             deltaRoots.push_back(root);
     }
+    // A drive that hangs must delay nothing: what is looked at again of one has a thread of its
+    // own as well.
+    std::erase_if(deltaRoots, [&](const std::string& root) {
+        if (drives.contains(root))
+            repairDrive(root);
+        return drives.contains(root);
+    });
     expected.republish = std::exchange(republishNeeded_, false);
     if (shared.empty() && deltaRoots.empty() && !expected.rootsChanged && !expected.republish) {
-        dirtyRoots_.clear();
+        // But for the drives that are being walked: what changed there meanwhile comes after.
+        std::erase_if(dirtyRoots_,
+                      [&](const std::string& root) { return !drivesInFlight_.contains(root); });
         return;
     }
     // Only the walks wait; what is cheap goes on, and the roots that are held stay dirty.
     if (!shared.empty() && isHeld(shared, force))
         shared.clear();
+    std::erase_if(shared, [&](const std::string& root) {
+        if (drives.contains(root))
+            walkDrive(root);
+        return drives.contains(root);
+    });
     if (shared.empty() && deltaRoots.empty() && !expected.rootsChanged && !expected.republish)
         return;
 
@@ -155,7 +170,6 @@ IndexRebuild::Input FileIndex::takeJobs(std::vector<std::string> roots,
     IndexRebuild::Input input{.roots = std::move(roots),
                               .shared = std::move(shared),
                               .perRoot = perRoot_,
-                              .drives = volumes_.indexedNames(),
                               .foldersOnly = settings_.foldersOnlyRoots(),
                               .now = doors_.queue.now()};
     for (const auto& root : deltaRoots) {
@@ -197,6 +211,7 @@ void FileIndex::publish(IndexRebuild::Output output, const Expectation& expected
     doors_.diagnostics.log(
         fmt::format("file index: {} items in {:.0f} ms", index_->size(), output.millis));
     decideOnCache(output, expected);
+    tellOfPolling();
     goOn();
 }
 
@@ -205,10 +220,6 @@ void FileIndex::noteOutcome(const IndexRebuild::Output& output) {
         lastFullWalk_[root] = doors_.queue.now();
         readAt_[root] = output.startedAt;
     }
-    for (const auto& [drive, counts] : output.driveCounts)
-        noteDrive(drive, counts);
-    for (const auto& drive : output.unopened)
-        noteUnreadableDrive(drive);
     dirtyRoots_.insert(output.marked.begin(), output.marked.end());
 }
 
@@ -217,7 +228,9 @@ void FileIndex::forgetOtherRoots() {
     const auto isGone = [&](const auto& entry) {
         return std::ranges::count(current, entry.first) == 0;
     };
-    std::erase_if(perRoot_, isGone);
+    // The generation of this run still holds what belonged to them.
+    if (std::erase_if(perRoot_, isGone) > 0)
+        republishNeeded_ = true;
     std::erase_if(lastFullWalk_, isGone);
     std::erase_if(readAt_, isGone);
     std::erase_if(dirtyDirs_, isGone);
@@ -245,10 +258,12 @@ void FileIndex::goOn() {
     const bool dirty =
         !dirtyRoots_.empty() ||
         std::ranges::any_of(dirtyDirs_, [](const auto& entry) { return !entry.second.empty(); });
-    if (!pending_ && !dirty)
+    if (!pending_ && !dirty && !republishNeeded_)
         return;
     pending_ = false;
-    if (unchangedRuns_ != 0 && !republishNeeded_)
+    if (std::exchange(pendingForce_, false))
+        rebuild(Force::yes);
+    else if (unchangedRuns_ != 0 && !republishNeeded_)
         scheduleRebuild();
     else
         rebuild(Force::no);

@@ -22,19 +22,23 @@ std::string nameOf(const std::string& root) {
     return slash + 1 < start.size() ? start.substr(slash + 1) : start;
 }
 
-/// How many ids only one of the two lists has.
+/// How many ids only one of the two lists has, told by their hashes: the ids themselves would take
+/// more memory than the whole index.
 std::size_t differingIDs(const ItemList& left, const ItemList& right) {
-    const auto sortedIDs = [](const ItemList& items) {
-        std::vector<std::string> ids;
-        ids.reserve(items.size());
-        for (std::size_t i = 0; i < items.size(); ++i)
-            ids.push_back(items.id(i));
-        std::ranges::sort(ids);
-        return ids;
+    const auto sortedHashes = [](const ItemList& items) {
+        std::vector<std::uint64_t> hashes;
+        hashes.reserve(items.size());
+        std::string id;
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            items.assignID(i, id);
+            hashes.push_back(IndexRules::fnv1a(id));
+        }
+        std::ranges::sort(hashes);
+        return hashes;
     };
-    std::vector<std::string> differing;
+    std::vector<std::uint64_t> differing;
     std::ranges::set_symmetric_difference(
-        sortedIDs(left), sortedIDs(right), std::back_inserter(differing));
+        sortedHashes(left), sortedHashes(right), std::back_inserter(differing));
     return differing.size();
 }
 
@@ -43,7 +47,8 @@ class Run {
 public:
     Run(const Input& input, const IndexWalker& walker) : input_(input), walker_(walker) {
         for (const auto& [root, items] : input.perRoot) {
-            if (std::ranges::count(input.shared, root) == 0)
+            const bool isRoot = std::ranges::count(input.roots, root) > 0;
+            if (isRoot && std::ranges::count(input.shared, root) == 0)
                 total_ += items->size();
         }
     }
@@ -67,10 +72,8 @@ public:
     }
 
 private:
-    bool isDrive(const std::string& root) const { return input_.drives.contains(root); }
-
     IndexWalker::Policy policyOf(const std::string& root, std::size_t held) const {
-        return IndexRoots::policy(IndexRoots::kindOf(root, input_.drives, input_.foldersOnly),
+        return IndexRoots::policy(IndexRoots::kindOf(root, {}, input_.foldersOnly),
                                   IndexRoots::totalCap - static_cast<std::int64_t>(held));
     }
 
@@ -96,19 +99,11 @@ private:
         if (!result.opened) {
             reports_.push_back(fmt::format(
                 "{}: could not open; kept {}", nameOf(root), before ? before->size() : 0));
-            if (isDrive(root))
-                output_.unopened.push_back(root);
             total_ += before ? before->size() : 0;
             return;
         }
-        SharedItems items;
-        if (isDrive(root)) {
-            items = withDriveItself(root, input_.drives.at(root), result.items);
-            output_.driveCounts[root] = IndexRebuild::driveCounts(*items);
-        } else {
-            result.items.shrink();
-            items = std::make_shared<const ItemList>(std::move(result.items));
-        }
+        result.items.shrink();
+        const auto items = std::make_shared<const ItemList>(std::move(result.items));
         output_.fresh[root] = items;
         output_.walked.push_back(root);
         cover(root, *items, policy);

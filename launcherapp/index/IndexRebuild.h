@@ -24,10 +24,9 @@ inline constexpr std::size_t largestBatch = 200;
 
 struct Input {
     std::vector<std::string> roots;
-    std::vector<std::string> shared;                           ///< to be walked whole
+    std::vector<std::string> shared;                           ///< to be walked whole, no drives
     std::map<std::string, std::vector<std::string>> deltaJobs; ///< changed directories, by root
-    std::map<std::string, SharedItems> perRoot;
-    std::map<std::string, std::string> drives; ///< display names by path
+    std::map<std::string, SharedItems> perRoot; ///< what each root holds, drives included
     std::vector<std::string> foldersOnly;
     double now = 0; ///< seconds since 1970, UTC: when the walks begin
 };
@@ -38,23 +37,16 @@ struct Coverage {
     std::vector<std::string> directories;
 };
 
-struct DriveCounts {
-    std::size_t folders = 0; ///< without the drive itself
-    std::size_t files = 0;
-};
-
 struct Output {
-    std::map<std::string, SharedItems> fresh;
-    std::vector<std::string> walked;                ///< whole
-    std::vector<std::string> unopened;              ///< drives that could not be read
-    std::vector<std::string> marked;                ///< roots that need a full walk after all
-    std::map<std::string, DriveCounts> driveCounts; ///< of the drives among the walked
-    bool capped = false;
+    std::map<std::string, SharedItems> fresh; ///< the lists of the roots that were looked at
+    std::vector<std::string> walked;          ///< whole
+    std::vector<std::string> marked;          ///< roots that need a full walk after all
+    bool capped = false; ///< the most items were reached, and later roots not walked
     std::shared_ptr<const NameIndex> index; ///< of all roots
     std::vector<Coverage> coverage;
     std::string report; ///< a sentence part for each root, joined by "; "
     double millis = 0;
-    double startedAt = 0;
+    double startedAt = 0; ///< seconds since 1970, UTC: when the first walk began
 };
 
 /// `clock` gives seconds since some fixed moment. Any thread.
@@ -63,6 +55,11 @@ Output run(const Input& input, const IndexWalker& walker, const std::function<do
 /// A drive's list with the drive itself at its head.
 SharedItems
 withDriveItself(const std::string& path, const std::string& name, const ItemList& items);
+
+struct DriveCounts {
+    std::size_t folders = 0; ///< without the drive itself
+    std::size_t files = 0;
+};
 
 DriveCounts driveCounts(const ItemList& items);
 

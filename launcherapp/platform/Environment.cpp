@@ -56,6 +56,29 @@ bool isSet(const Variable& variable, std::string_view name) {
     return !variable(name).value_or("").empty();
 }
 
+/// The path in a line like `XDG_DESKTOP_DIR="$HOME/Desktop"`; empty for the home folder itself.
+/// Nothing when the line sets something else, or no absolute path.
+std::optional<std::string>
+userDir(std::string_view line, std::string_view assignment, const std::string& home) {
+    if (!line.starts_with(assignment))
+        return std::nullopt;
+    line.remove_prefix(assignment.size());
+    std::string value;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '\\' && i + 1 < line.size())
+            value += line[++i];
+        else if (line[i] != '"')
+            value += line[i];
+    }
+    constexpr std::string_view homeVariable = "$HOME";
+    if (value.starts_with(homeVariable))
+        value = home + value.substr(homeVariable.size());
+    if (!value.starts_with('/'))
+        return std::nullopt;
+    value = tidied(value);
+    return value == home ? std::string() : value;
+}
+
 } // namespace
 
 Environment readEnvironment(const Variable& variable, std::string_view accountHome) {
@@ -76,9 +99,26 @@ Environment readEnvironment(const Variable& variable, std::string_view accountHo
     environment.messagesLocale = locale(variable, {"LC_ALL", "LC_MESSAGES", "LANG"});
     environment.collationLocale = locale(variable, {"LC_ALL", "LC_COLLATE", "LANG"});
     environment.terminal = variable("TERMINAL").value_or("");
+    environment.userFolders = userFolders(environment, "");
     environment.hasX11 = isSet(variable, "DISPLAY");
     environment.hasWayland = isSet(variable, "WAYLAND_DISPLAY");
     return environment;
+}
+
+UserFolders userFolders(const Environment& environment, std::string_view userDirs) {
+    const auto below = environment.home == "/" ? "" : environment.home;
+    UserFolders folders{.downloads = below + "/Downloads",
+                        .desktop = below + "/Desktop",
+                        .documents = below + "/Documents"};
+    for (const auto& line : split(userDirs, '\n')) {
+        if (auto path = userDir(line, "XDG_DOWNLOAD_DIR=", environment.home))
+            folders.downloads = *std::move(path);
+        else if (path = userDir(line, "XDG_DESKTOP_DIR=", environment.home); path)
+            folders.desktop = *std::move(path);
+        else if (path = userDir(line, "XDG_DOCUMENTS_DIR=", environment.home); path)
+            folders.documents = *std::move(path);
+    }
+    return folders;
 }
 
 std::string expandingTilde(const Environment& environment, std::string_view path) {

@@ -8,6 +8,16 @@
 
 namespace tessarine {
 
+/// Where the user keeps things, by the names that desktops agree on. Absolute paths; empty for
+/// one that the user turned off.
+struct UserFolders {
+    std::string downloads;
+    std::string desktop;
+    std::string documents;
+
+    bool operator==(const UserFolders&) const = default;
+};
+
 /// What the process was told by its environment, read once at start. A value.
 struct Environment {
     std::string home;                      ///< absolute; "/" when there is none
@@ -17,14 +27,15 @@ struct Environment {
     std::vector<std::string> configDirs;   ///< XDG_CONFIG_DIRS, best first
     std::optional<std::string> runtimeDir; ///< XDG_RUNTIME_DIR; nothing outside a login session
     std::vector<std::string> programDirs;  ///< PATH, in order
-    std::string temporaryDir = "/tmp";     ///< TMPDIR
-    std::vector<std::string> desktops;     ///< XDG_CURRENT_DESKTOP, in order
-    std::string languagePriority;          ///< LANGUAGE; may be empty
-    std::string messagesLocale;            ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set
-    std::string collationLocale;           ///< of LC_ALL, LC_COLLATE, LANG; "C" when none is set
-    std::string terminal;                  ///< TERMINAL; may be empty
-    bool hasX11 = false;                   ///< DISPLAY is set
-    bool hasWayland = false;               ///< WAYLAND_DISPLAY is set
+    UserFolders userFolders;
+    std::string temporaryDir = "/tmp"; ///< TMPDIR
+    std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
+    std::string languagePriority;      ///< LANGUAGE; may be empty
+    std::string messagesLocale;        ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set
+    std::string collationLocale;       ///< of LC_ALL, LC_COLLATE, LANG; "C" when none is set
+    std::string terminal;              ///< TERMINAL; may be empty
+    bool hasX11 = false;               ///< DISPLAY is set
+    bool hasWayland = false;           ///< WAYLAND_DISPLAY is set
 
     bool operator==(const Environment&) const = default;
 };
@@ -35,6 +46,10 @@ struct Environment {
 Environment
 readEnvironment(const std::function<std::optional<std::string>(std::string_view name)>& variable,
                 std::string_view accountHome);
+
+/// The folders as "user-dirs.dirs" names them (xdg-user-dirs), those that it doesn't name as they
+/// are called in English. One that is the home folder itself is turned off.
+UserFolders userFolders(const Environment& environment, std::string_view userDirs);
 
 /// A path that may begin "~" or "~/", with the home folder in its place; else `path` itself.
 std::string expandingTilde(const Environment& environment, std::string_view path);

@@ -61,9 +61,8 @@ public:
     /// As `save`, for content that is made piece by piece: `next` gives each, and nothing at the
     /// end. It is not waited for until the disk has it, so that after a crash of the machine the
     /// file may be damaged: for what can be made again.
-    virtual void
-    savePieces(const std::string& path,
-               const std::function<std::optional<std::string_view>()>& next) = 0;
+    virtual void savePieces(const std::string& path,
+                            const std::function<std::optional<std::string_view>()>& next) = 0;
 
     /// Adds `bytes` at the end in one write, creating the file readable by its owner alone.
     /// Throws FileError.

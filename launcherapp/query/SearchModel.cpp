@@ -63,15 +63,11 @@ void dropFilesThatAreDrives(Rows& rows, const Rows& drives) {
 SearchModel::SearchModel(Services services) : services_(services) {}
 
 Subscription SearchModel::onChange(std::function<void()> changed) {
-    const auto id = nextObserver_++;
-    observers_.emplace(id, std::move(changed));
-    return Subscription([this, id] { observers_.erase(id); });
+    return observers_.add(std::move(changed));
 }
 
 void SearchModel::changed() {
-    const auto observers = observers_; // one of them may end its own subscription
-    for (const auto& [id, observer] : observers)
-        observer();
+    observers_.tell();
 }
 
 const ResultRow* SearchModel::selectedRow() const {

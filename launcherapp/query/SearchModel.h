@@ -2,6 +2,7 @@
 
 #include "LauncherCore/commands/CommandSpec.h"
 #include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/query/ResultRow.h"
 #include "launcherapp/query/RowAction.h"
@@ -184,8 +185,7 @@ private:
     std::size_t filterMenuSelection_ = 0;
     std::vector<RowAction> actions_;
     std::size_t actionSelection_ = 0;
-    std::map<std::uint64_t, std::function<void()>> observers_;
-    std::uint64_t nextObserver_ = 0;
+    Observers<> observers_;
 };
 
 } // namespace tessarine

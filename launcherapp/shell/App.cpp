@@ -175,6 +175,7 @@ struct App::Services {
             index.rebuild(FileIndex::Force::yes);
     });
     std::string browsed; ///< the folder whose entries were last shown
+    Subscription browsing;
     FolderListings listings{queue, work, directories};
     FileOpener opener{{.catalog = catalog,
                        .launcher = launcher,
@@ -306,6 +307,10 @@ void App::Services::wireFiles() {
         const auto roots = index.roots();
         return std::ranges::count(roots, folder) > 0;
     };
+    browsing = model.onChange([this] {
+        if (!model.browsePath())
+            browsed.clear(); // the next time into the same folder reads it anew
+    });
     listings.arrived = [this] {
         if (model.browsePath())
             model.recompute();

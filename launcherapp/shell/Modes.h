@@ -32,7 +32,7 @@ struct ModeContext {
     Prefs& prefs;
     SearchModel& model;
     CreditResolver& credits;
-    const IndexModeServices* indexing = nullptr; ///< null where no index runs
+    const IndexModeServices* indexing = nullptr;              ///< null where no index runs
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output
     std::function<void(int status)> finish; ///< ends the process, once it gets there

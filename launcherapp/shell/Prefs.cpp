@@ -36,10 +36,11 @@ std::string localeCurrency(const Environment& environment) {
 }
 
 std::vector<std::string> usualFolders(const Environment& environment) {
-    return {environment.home + "/Downloads",
-            environment.home + "/Desktop",
-            environment.home + "/Documents",
-            environment.home + "/Developer"};
+    const auto& folders = environment.userFolders;
+    std::vector<std::string> usual{
+        folders.downloads, folders.desktop, folders.documents, environment.home + "/Developer"};
+    std::erase(usual, "");
+    return usual;
 }
 
 } // namespace
@@ -83,11 +84,7 @@ const Prefs::Texts& Prefs::defaultOrder() {
 }
 
 Prefs::Prefs(DefaultsStore& store, const Environment& environment)
-    : changed_([this](std::string_view key) {
-          const auto observers = observers_; // one of them may end its own subscription
-          for (const auto& [id, changed] : observers)
-              changed(key);
-      }),
+    : changed_([this](std::string_view key) { observers_.tell(key); }),
       hotkey(store, "hotkey", commandSpace, changed_),
       preset(store, "preset", AppearancePreset::ink, changed_),
       lightPreset(store, "lightPreset", AppearancePreset::paper, changed_),
@@ -162,9 +159,7 @@ Prefs::Prefs(DefaultsStore& store, const Environment& environment)
 }
 
 Subscription Prefs::onChange(std::function<void(std::string_view)> changed) {
-    const auto id = nextObserver_++;
-    observers_.emplace(id, std::move(changed));
-    return Subscription([this, id] { observers_.erase(id); });
+    return observers_.add(std::move(changed));
 }
 
 std::optional<std::string> Prefs::setKeywordWord(BuiltinKeyword keyword, std::string_view word) {

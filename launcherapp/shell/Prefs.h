@@ -2,6 +2,7 @@
 
 #include "LauncherCore/query/Keywords.h"
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/shell/DefaultsStore.h"
 #include "launcherapp/shell/Preference.h"
@@ -102,8 +103,7 @@ template <> struct StoredNames<MeasureSystem> {
 class Prefs {
     // First, as every setting below reads and reports through them.
 private:
-    std::map<std::uint64_t, std::function<void(std::string_view key)>> observers_;
-    std::uint64_t nextObserver_ = 0;
+    Observers<std::string_view> observers_;
     std::function<void(std::string_view key)> changed_;
 
 public:

@@ -24,6 +24,9 @@ struct FakeServices {
                             .configHome = "/home/u/.config",
                             .dataDirs = {"/usr/share"},
                             .configDirs = {"/etc/xdg"},
+                            .userFolders = {.downloads = "/home/u/Downloads",
+                                            .desktop = "/home/u/Desktop",
+                                            .documents = "/home/u/Documents"},
                             .messagesLocale = "C",
                             .collationLocale = "C"};
     Diagnostics diagnostics{platform.queue,

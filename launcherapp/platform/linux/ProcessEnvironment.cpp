@@ -1,6 +1,8 @@
 #include "launcherapp/platform/linux/ProcessEnvironment.h"
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -12,7 +14,12 @@ Environment processEnvironment() {
         return value ? std::optional<std::string>(value) : std::nullopt;
     };
     const passwd* account = ::getpwuid(::getuid());
-    return readEnvironment(variable, account && account->pw_dir ? account->pw_dir : "");
+    auto environment = readEnvironment(variable, account && account->pw_dir ? account->pw_dir : "");
+    std::ifstream userDirs(environment.configHome + "/user-dirs.dirs");
+    environment.userFolders = userFolders(
+        environment,
+        std::string(std::istreambuf_iterator(userDirs), std::istreambuf_iterator<char>()));
+    return environment;
 }
 
 } // namespace tessarine

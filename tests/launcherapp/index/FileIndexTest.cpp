@@ -151,6 +151,18 @@ TEST_F(FileIndexTest, theCacheOfADriveThatLeftIsNotServed) {
     EXPECT_EQ(index->items()->item(0), (IndexedItem{"/media/u/Here", "here", "here", true, ""}));
 }
 
+TEST_F(FileIndexTest, aSearchFolderWhereDrivesAreMountedIsTrusted) {
+    files().file("/mnt/disks/data/film.mkv", "");
+    folders = {"/mnt/disks/data"};
+    start();
+    start(FileIndex::Run::headless);
+    EXPECT_THAT(found("film"), ElementsAre("/mnt/disks/data/film.mkv"));
+    folders = {};
+    start(FileIndex::Run::headless); // nothing of the cache is left, which is no reason to walk
+    EXPECT_EQ(index->items()->size(), 0u);
+    EXPECT_EQ(logged("loaded 0 cached items"), 1u);
+}
+
 TEST_F(FileIndexTest, aNewFileIsFoundAfterTwentySecondsByLookingAtItsFolderAlone) {
     start();
     const auto before = reader->listings;
@@ -266,6 +278,40 @@ TEST_F(FileIndexTest, aFolderThatIsNoLongerSearchedGoesWithoutAWalkOfTheOthers) 
     EXPECT_THAT(trees.streams[0]->roots, ElementsAre("/home/u/docs"));
 }
 
+TEST_F(FileIndexTest, aFolderThatGoesDuringARebuildGoesWithIt) {
+    services.platform.work.duration = Seconds{1};
+    start();
+    time().advance(Seconds{3});
+    index->rebuild(FileIndex::Force::yes);
+    time().advance(Seconds{0.5});
+    folders = {"/home/u/docs"};
+    index->rootsChanged();
+    time().advance(Seconds{5});
+    EXPECT_THAT(found("beach"), IsEmpty());
+    EXPECT_THAT(*files().read(cachePath, 1 << 20), Not(HasSubstr("beach")));
+}
+
+TEST_F(FileIndexTest, aChangedChoiceOfFoldersAloneIsNotLostDuringARebuild) {
+    services.platform.work.duration = Seconds{1};
+    start();
+    time().advance(Seconds{1.5});
+    foldersOnly = {"/home/u/docs"};
+    index->rebuild(FileIndex::Force::yes);
+    time().advance(Seconds{5});
+    EXPECT_THAT(found("report"), IsEmpty());
+}
+
+TEST_F(FileIndexTest, whatHappensDuringAHoldIsFoundInTime) {
+    start();
+    trees.fire({"/home/u/pics"});
+    time().advance(Seconds{21}); // its walk is held by now
+    EXPECT_EQ(logged("walk held"), 1u);
+    create("/home/u/docs/old/quick.txt");
+    trees.fire({"/home/u/pics"});
+    time().advance(Seconds{41});
+    EXPECT_THAT(found("quick"), ElementsAre("/home/u/docs/old/quick.txt"));
+}
+
 TEST_F(FileIndexTest, everySixHoursTheNextRebuildWalksEverything) {
     start();
     files().file("/home/u/pics/missed.jpg", ""); // an event that never came
@@ -308,13 +354,34 @@ TEST_F(FileIndexTest, aDriveIsWalkedOnItsOwnAndDelaysNothing) {
     EXPECT_EQ(volumes.status("/media/u/Stick"), "0 folders and 1 files indexed");
 
     create("/media/u/Stick/later.mkv"); // the root itself changed: a walk among the others
-    time().advance(Seconds{60});
+    time().advance(Seconds{100});       // held for half a minute, then a minute of walking
     EXPECT_THAT(found("later"), ElementsAre("/media/u/Stick/later.mkv"));
     EXPECT_THAT(found("stick"), ElementsAre("/media/u/Stick"));
 
     mounts.unmount("/media/u/Stick");
     time().settle();
     EXPECT_THAT(found("film"), IsEmpty());
+}
+
+TEST_F(FileIndexTest, aDriveThatHangsOnALaterWalkHoldsUpNothing) {
+    files().file("/media/u/Share/film.mkv", "");
+    mounts.mount("/media/u/Share");
+    start();
+    ASSERT_THAT(found("film"), ElementsAre("/media/u/Share/film.mkv"));
+    services.platform.work.apartDuration = Seconds{1e6};
+    trees.fire({"/media/u/Share", "/media/u/Share/below"});
+    index->rebuild(FileIndex::Force::yes);
+    create("/home/u/docs/old/quick.txt");
+    time().advance(Seconds{21});
+    EXPECT_THAT(found("quick"), ElementsAre("/home/u/docs/old/quick.txt"));
+    EXPECT_FALSE(index->isBuilding());
+    // It is replaced by one that answers.
+    mounts.unmount("/media/u/Share");
+    services.platform.work.apartDuration = Seconds{1};
+    files().file("/media/u/Share/other.mkv", "");
+    mounts.mount("/media/u/Share");
+    time().advance(Seconds{2});
+    EXPECT_THAT(found("other"), ElementsAre("/media/u/Share/other.mkv"));
 }
 
 TEST_F(FileIndexTest, aDriveThatLeavesOrRefusesGivesNothing) {

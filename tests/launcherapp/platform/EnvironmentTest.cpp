@@ -56,6 +56,19 @@ TEST(Environment, localesFollowTheirOrder) {
     EXPECT_EQ(read({{"LC_ALL", ""}, {"LANG", "de_DE"}}).messagesLocale, "de_DE");
 }
 
+TEST(Environment, userFoldersAreCalledAsTheUserCallsThem) {
+    const Environment environment{.home = "/home/u"};
+    const auto folders = userFolders(environment,
+                                     "# a comment\n"
+                                     "XDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n"
+                                     "XDG_DOWNLOAD_DIR=\"/data/My \\$tuff/\"\n"
+                                     "XDG_DOCUMENTS_DIR=\"$HOME/\"\n"   // turned off
+                                     "XDG_DESKTOP_DIR=\"relative\"\n"); // no path at all
+    EXPECT_EQ(folders,
+              (UserFolders{.downloads = "/data/My $tuff", .desktop = "/home/u/Schreibtisch"}));
+    EXPECT_EQ(userFolders(environment, "").documents, "/home/u/Documents");
+}
+
 TEST(Environment, tildeIsTheHomeFolderOnlyAtTheFront) {
     const auto environment = read({{"HOME", "/home/u"}});
     EXPECT_EQ(expandingTilde(environment, "~"), "/home/u");

@@ -33,7 +33,11 @@ struct Start {
 
     Diagnostics diagnostics;
     DefaultsStore store;
-    Environment environment{.home = "/home/u", .messagesLocale = "de_DE.UTF-8"};
+    Environment environment{.home = "/home/u",
+                            .userFolders = {.downloads = "/home/u/Downloads",
+                                            .desktop = "/home/u/Desktop",
+                                            .documents = ""}, // turned off
+                            .messagesLocale = "de_DE.UTF-8"};
     Prefs prefs{store, environment};
 };
 
@@ -58,7 +62,9 @@ TEST_F(PrefsTest, aFirstStartHasTheDefaultsAndStoresNoneOfThem) {
     EXPECT_EQ(start.prefs.resultRows(), 9);
     EXPECT_TRUE(start.prefs.learnFromUse());
     EXPECT_EQ(start.prefs.resultOrder(), Prefs::defaultOrder());
-    EXPECT_EQ(start.prefs.searchFolders().front(), "/home/u/Downloads");
+    EXPECT_EQ(
+        start.prefs.searchFolders(),
+        (std::vector<std::string>{"/home/u/Downloads", "/home/u/Desktop", "/home/u/Developer"}));
     EXPECT_EQ(start.prefs.homeCurrency(), "EUR");
     EXPECT_EQ(start.prefs.clipRetention().keep, 500);
     // Only the device's id and the mark of the change made once.

@@ -1,0 +1,39 @@
+#include "LauncherCore/text/Paths.h"
+
+#include <gtest/gtest.h>
+
+namespace tessarine {
+namespace {
+
+TEST(Paths, areTakenApartAtTheirSlashes) {
+    const struct {
+        const char* path;
+        const char* tidied;
+        const char* parent;
+        const char* last;
+    } cases[] = {
+        {"/a/b", "/a/b", "/a", "b"},
+        {"/a", "/a", "/", "a"},
+        {"/", "/", "/", ""},
+        {"/a/b//", "/a/b", "/a", "b"},
+    };
+
+    for (const auto& [path, tidied, parent, last] : cases) {
+        const auto tidy = Paths::withoutEndSlashes(path);
+        EXPECT_EQ(tidy, tidied);
+        EXPECT_EQ(Paths::parent(tidy), parent);
+        EXPECT_EQ(Paths::lastPart(tidy), last);
+    }
+}
+
+TEST(Paths, aSiblingThatBeginsAlikeIsNotBelow) {
+    EXPECT_TRUE(Paths::isAtOrBelow("/a/b", "/a"));
+    EXPECT_TRUE(Paths::isAtOrBelow("/a", "/a"));
+    EXPECT_TRUE(Paths::isAtOrBelow("/a", "/a/"));
+    EXPECT_TRUE(Paths::isAtOrBelow("/a", "/"));
+    EXPECT_FALSE(Paths::isAtOrBelow("/ab", "/a"));
+    EXPECT_FALSE(Paths::isAtOrBelow("/a", "/a/b"));
+}
+
+} // namespace
+} // namespace tessarine
