@@ -149,11 +149,19 @@ void IndexSoak::pokeOnce() {
 
 void IndexSoak::settle() {
     trial_->timer.end();
-    doors_.queue.postAfter(settling, [this] {
-        trial_->publishedBefore = trial_->index.published();
-        trial_->index.rebuild(FileIndex::Force::no);
-        awaitPublication();
-    });
+    doors_.queue.postAfter(settling, [this] { rebuildAtLast(); });
+}
+
+/// Once no rebuild runs any more: one that began before the last changes proves nothing.
+void IndexSoak::rebuildAtLast() {
+    auto& index = trial_->index;
+    if (index.isBuilding()) {
+        doors_.queue.postAfter(publicationCheck, [this] { rebuildAtLast(); });
+        return;
+    }
+    trial_->publishedBefore = index.published();
+    index.rebuild(FileIndex::Force::no);
+    awaitPublication();
 }
 
 void IndexSoak::awaitPublication() {

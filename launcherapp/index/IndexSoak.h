@@ -45,6 +45,7 @@ private:
     void poke();
     void pokeOnce();
     void settle();
+    void rebuildAtLast();
     void awaitPublication();
     bool finds(const std::string& path) const;
     void finish();

@@ -357,7 +357,10 @@ int App::run() {
         std::fputs("Tessarine is running. It has no panel and no hotkey yet: see the README for "
                    "what works today. Control-C ends it.\n",
                    stderr);
-    return QCoreApplication::exec();
+    const int status = QCoreApplication::exec();
+    // Waiting saves and log lines use services that go before the queues do.
+    services.work.finish();
+    return status;
 }
 
 } // namespace tessarine

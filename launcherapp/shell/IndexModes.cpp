@@ -8,7 +8,6 @@
 #include "launcherapp/index/TreeWatchSelftest.h"
 #include "launcherapp/index/VolumesSelftest.h"
 #include "launcherapp/index/WalkerDiff.h"
-// WD
 #include "launcherapp/index/WalkerSelftests.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/Modes.h"
@@ -20,6 +19,7 @@
 #include <ctime>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace tessarine {
 
@@ -146,21 +146,29 @@ void IndexModes::driveProbe(ModeContext& context, const std::string&) {
         context.finish(2);
         return;
     }
-    context.indexing->work.runApart(
-        [walker = context.indexing->walker, drives] {
-            std::vector<ProbedDrive> probed;
-            for (const auto& drive : drives)
-                probed.push_back(probe(*walker, drive));
-            return probed;
-        },
-        [&context](const std::vector<ProbedDrive>& probed) {
-            bool anyOpened = false;
-            for (const auto& drive : probed) {
-                context.print(drive.line);
-                anyOpened = anyOpened || drive.opened;
-            }
-            context.finish(anyOpened ? 0 : 2);
-        });
+    // Each on its own: one that hangs keeps none of the others from being told.
+    constexpr Seconds patience{60};
+    const auto waiting = std::make_shared<std::set<std::string>>();
+    const auto opened = std::make_shared<bool>(false);
+    for (const auto& drive : drives)
+        waiting->insert(drive.path);
+    for (const auto& drive : drives) {
+        context.indexing->work.runApart(
+            [walker = context.indexing->walker, drive] { return probe(*walker, drive); },
+            [&context, waiting, opened, path = drive.path](const ProbedDrive& probed) {
+                context.print(probed.line);
+                *opened = *opened || probed.opened;
+                waiting->erase(path);
+                if (waiting->empty())
+                    context.finish(*opened ? 0 : 2);
+            });
+    }
+    context.queue.postAfter(patience, [&context, waiting, opened] {
+        for (const auto& path : *waiting)
+            context.print(
+                fmt::format("drive-probe: {}: NOT MEASURED, no answer within a minute", path));
+        context.finish(*opened ? 0 : 2);
+    });
 }
 
 } // namespace tessarine

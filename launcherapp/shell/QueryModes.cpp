@@ -2,10 +2,12 @@
 
 #include "LauncherCore/query/Matcher.h"
 #include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/index/FileIndex.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/query/rows/AppRows.h"
 #include "launcherapp/query/rows/CommandRows.h"
 #include "launcherapp/query/rows/WebRows.h"
+#include "launcherapp/shell/IndexModes.h"
 #include "launcherapp/shell/Modes.h"
 #include "launcherapp/shell/Prefs.h"
 
@@ -106,8 +108,7 @@ void QueryModes::bench(ModeContext& context, const std::string& query) {
         times.push_back(millisOf(context.queue, [&] { context.model.setQuery(query); }));
     }
     std::ranges::sort(times);
-    // No file index is built yet, so it holds nothing.
-    constexpr std::size_t indexItems = 0;
+    const auto indexItems = context.indexing ? context.indexing->index.items()->size() : 0;
     context.print(fmt::format(
         "bench {}: median {:.2f} ms, best {:.2f} ms, rows {}, index {} items, catalog {} apps",
         query,

@@ -129,9 +129,10 @@ private:
     std::atomic<std::size_t> watched_ = 0;
     std::atomic<std::size_t> polled_ = 0;
 
-    /// Held for the length of a hand-over alone.
+    /// Held for the length of a hand-over alone; also while `report_` is called, so that its owner
+    /// hears nothing once it has taken it back.
     mutable std::mutex mutex_;
-    std::function<void(TreeChanges)> report_; ///< none once the owner has gone
+    std::function<void(TreeChanges)> report_; ///< only posts; none once the owner has gone
     std::vector<Cover> covers_;
 
     // The thread's own from here on.

@@ -3,6 +3,7 @@
 #include "launcherapp/platform/MainQueue.h"
 
 #include <algorithm>
+#include <ranges>
 #include <sched.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -43,6 +44,10 @@ ThreadPoolWorkQueues::Lane::Lane(std::size_t threads, Niceness niceness, AtEnd a
 }
 
 ThreadPoolWorkQueues::Lane::~Lane() {
+    finish();
+}
+
+void ThreadPoolWorkQueues::Lane::finish() {
     std::deque<std::function<void()>> dropped;
     {
         const std::lock_guard lock(mutex_);
@@ -53,11 +58,14 @@ ThreadPoolWorkQueues::Lane::~Lane() {
     arrived_.notify_all();
     for (auto& thread : threads_)
         thread.join();
+    threads_.clear();
 }
 
 void ThreadPoolWorkQueues::Lane::submit(std::function<void()> job) {
     {
         const std::lock_guard lock(mutex_);
+        if (ending_)
+            return;
         waiting_.push_back(std::move(job));
     }
     arrived_.notify_one();
@@ -87,7 +95,17 @@ ThreadPoolWorkQueues::ThreadPoolWorkQueues(MainQueue& mainQueue)
     wayBack_->queue = &mainQueue;
 }
 
+void ThreadPoolWorkQueues::finish() {
+    // First those whose jobs may still add to the documents and the log.
+    userInitiated_.finish();
+    utility_.finish();
+    // The log's queue is the first made, and the others' jobs may have something for it.
+    for (auto& [name, lane] : std::views::reverse(serial_))
+        lane->finish();
+}
+
 ThreadPoolWorkQueues::~ThreadPoolWorkQueues() {
+    finish();
     const std::lock_guard lock(wayBack_->mutex);
     wayBack_->queue = nullptr;
 }
@@ -108,12 +126,13 @@ void ThreadPoolWorkQueues::submitApart(std::function<void()> job,
 
 SerialQueue& ThreadPoolWorkQueues::serial(std::string_view name) {
     requireMainThread(mainQueue_);
-    const auto found = serial_.find(name);
+    const auto found =
+        std::ranges::find_if(serial_, [name](const auto& each) { return each.first == name; });
     if (found != serial_.end())
         return *found->second;
     // A save must not wait behind other programs for long: somebody may be about to end us.
     auto lane = std::make_unique<Lane>(1, Lane::Niceness::normal, Lane::AtEnd::runWaiting);
-    return *serial_.emplace(name, std::move(lane)).first->second;
+    return *serial_.emplace_back(name, std::move(lane)).second;
 }
 
 void ThreadPoolWorkQueues::submit(WorkPriority priority,

@@ -5,11 +5,11 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tessarine {
@@ -25,6 +25,10 @@ public:
     ~ThreadPoolWorkQueues() override;
     ThreadPoolWorkQueues(const ThreadPoolWorkQueues&) = delete;
     ThreadPoolWorkQueues& operator=(const ThreadPoolWorkQueues&) = delete;
+
+    /// Ends as the destruction does; what is submitted from now on is dropped. For the end of the
+    /// program, while what the waiting jobs use still lives. Main thread.
+    void finish();
 
     SerialQueue& serial(std::string_view name) override;
     void submit(WorkPriority priority,
@@ -46,6 +50,9 @@ private:
 
         void submit(std::function<void()> job) override;
 
+        /// Waits for the threads; a second call does nothing.
+        void finish();
+
     private:
         void work(Niceness niceness);
 
@@ -66,7 +73,7 @@ private:
 
     MainQueue& mainQueue_;
     std::shared_ptr<WayBack> wayBack_ = std::make_shared<WayBack>();
-    std::map<std::string, std::unique_ptr<Lane>, std::less<>> serial_;
+    std::vector<std::pair<std::string, std::unique_ptr<Lane>>> serial_; ///< in order of creation
     Lane userInitiated_;
     Lane utility_;
 };
