@@ -1,6 +1,7 @@
 #include "LauncherCore/index/ItemList.h"
 
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/Paths.h"
 
 #include <algorithm>
 #include <cassert>
@@ -203,11 +204,7 @@ void ItemList::store(std::uint32_t place, std::string_view name, std::string_vie
 std::uint32_t ItemList::directoryOf(std::string_view path) {
     // A walk goes down and comes back up, so the directory is that of the last item or one above
     // it; where it is neither, it is stored once more.
-    const auto leadsTo = [path](std::string_view above) {
-        return path.starts_with(above) &&
-               (path.size() == above.size() || path[above.size()] == '/');
-    };
-    while (!trail_.empty() && !leadsTo(directoryPath(trail_.back())))
+    while (!trail_.empty() && !Paths::isAtOrBelow(path, directoryPath(trail_.back())))
         trail_.pop_back();
     if (trail_.empty() || directoryPath(trail_.back()) != path)
         trail_.push_back(addDirectory(path));

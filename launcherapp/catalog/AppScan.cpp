@@ -6,6 +6,7 @@
 #include "LauncherCore/catalog/MimeApps.h"
 #include "LauncherCore/text/Collation.h"
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/Paths.h"
 
 #include <algorithm>
 #include <optional>
@@ -238,8 +239,7 @@ std::vector<std::string> AppScan::roots(const Environment& environment,
         roots.push_back(expandingTilde(environment, folder));
     std::vector<std::string> unique;
     for (auto& root : roots) {
-        while (root.size() > 1 && root.ends_with('/'))
-            root.pop_back();
+        root = Paths::withoutEndSlashes(root);
         if (root.starts_with('/') && std::ranges::count(unique, root) == 0)
             unique.push_back(std::move(root));
     }

@@ -1,6 +1,7 @@
 #include "launcherapp/catalog/FileOpener.h"
 
 #include "LauncherCore/catalog/AppRegistry.h"
+#include "LauncherCore/text/Paths.h"
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppLauncher.h"
@@ -42,8 +43,7 @@ void FileOpener::reveal(const std::string& path) {
         if (!problem)
             return;
         doors_.diagnostics.log(fmt::format("reveal: {}: {}; its folder is opened", path, *problem));
-        const auto slash = path.rfind('/');
-        open(slash == 0 ? "/" : path.substr(0, slash));
+        open(std::string(Paths::parent(path)));
     });
 }
 

@@ -1,6 +1,7 @@
 #include "launcherapp/index/IndexRebuild.h"
 
 #include "LauncherCore/query/Matcher.h"
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/index/IndexRoots.h"
 
 #include <fmt/format.h>
@@ -17,9 +18,8 @@ using namespace IndexRebuild;
 
 /// The last part of a path, as a root is called in the log.
 std::string nameOf(const std::string& root) {
-    const auto start = IndexRoots::normalized(root);
-    const auto slash = start.rfind('/');
-    return slash + 1 < start.size() ? start.substr(slash + 1) : start;
+    const auto name = Paths::lastPart(Paths::withoutEndSlashes(root));
+    return name.empty() ? root : std::string(name);
 }
 
 /// How many ids only one of the two lists has, told by their hashes: the ids themselves would take

@@ -1,6 +1,7 @@
 #include "launcherapp/index/IndexRoots.h"
 
 #include "LauncherCore/text/Graphemes.h"
+#include "LauncherCore/text/Paths.h"
 
 #include <algorithm>
 
@@ -10,12 +11,6 @@ namespace {
 
 constexpr double holdFactor = 12; // a duty of at most 1/13, some 7.7 %
 constexpr double shortestHold = 30;
-
-bool isAtOrBelow(std::string_view path, std::string_view root) {
-    if (!path.starts_with(root))
-        return false;
-    return path.size() == root.size() || root.ends_with('/') || path[root.size()] == '/';
-}
 
 } // namespace
 
@@ -71,18 +66,15 @@ IndexWalker::Policy IndexRoots::policy(Kind kind, std::int64_t budget) {
     return policy;
 }
 
-std::string IndexRoots::normalized(std::string path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.pop_back();
-    return path;
+std::string IndexRoots::normalized(std::string_view path) {
+    return std::string(Paths::withoutEndSlashes(path));
 }
 
 std::vector<std::string> IndexRoots::joined(std::vector<std::string> first,
                                             std::span<const std::string> drives) {
     for (const auto& drive : drives) {
-        const bool isListed = std::ranges::any_of(first, [&](const std::string& root) {
-            return drive == root || drive.starts_with(root + "/");
-        });
+        const bool isListed = std::ranges::any_of(
+            first, [&](const std::string& root) { return Paths::isAtOrBelow(drive, root); });
         if (!isListed)
             first.push_back(drive);
     }
@@ -94,7 +86,7 @@ std::optional<std::string> IndexRoots::rootOf(std::string_view path,
     const std::string* longest = nullptr;
     std::size_t longestLength = 0;
     for (const auto& root : roots) {
-        if (root.empty() || !isAtOrBelow(path, root))
+        if (root.empty() || !Paths::isAtOrBelow(path, root))
             continue;
         const auto length = Graphemes::count(root);
         if (!longest || length > longestLength) {

@@ -32,7 +32,7 @@ Kind kindOf(const std::string& root,
 IndexWalker::Policy policy(Kind kind, std::int64_t budget);
 
 /// The path without slashes at its end.
-std::string normalized(std::string path);
+std::string normalized(std::string_view path);
 
 /// `first`, and of `drives` each that is neither one of them nor below one.
 std::vector<std::string> joined(std::vector<std::string> first,

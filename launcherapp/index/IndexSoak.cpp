@@ -1,6 +1,7 @@
 #include "launcherapp/index/IndexSoak.h"
 
 #include "LauncherCore/query/UsageLog.h"
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/index/MountedVolumes.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
@@ -109,7 +110,7 @@ void IndexSoak::start(double seconds, std::function<void(std::string_view)> prin
 }
 
 void IndexSoak::write(const std::string& path) {
-    doors_.files.makeDirectories(path.substr(0, path.rfind('/')));
+    doors_.files.makeDirectories(std::string(Paths::parent(path)));
     doors_.files.append(path, "x");
 }
 
@@ -174,7 +175,7 @@ void IndexSoak::awaitPublication() {
 }
 
 bool IndexSoak::finds(const std::string& path) const {
-    const auto name = path.substr(path.rfind('/') + 1);
+    const std::string name(Paths::lastPart(path));
     const auto found = trial_->index.search({.query = name, .limit = 6}, UsageLog());
     return std::ranges::any_of(found, [&](const auto& each) { return each.item.id == path; });
 }

@@ -1,6 +1,7 @@
 #include "launcherapp/index/IndexWalker.h"
 
 #include "LauncherCore/query/Matcher.h"
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/index/ListRepair.h"
 #include "launcherapp/platform/DirectoryReader.h"
 
@@ -32,12 +33,6 @@ std::string normalised(std::string_view path) {
 /// What stands before "/" and a name: nothing for the root of the file system.
 std::string_view beforeSlash(std::string_view path) {
     return path == "/" ? std::string_view() : path;
-}
-
-bool isAtOrBelow(std::string_view path, std::string_view directory) {
-    directory = beforeSlash(directory);
-    return path.starts_with(directory) &&
-           (path.size() == directory.size() || path[directory.size()] == '/');
 }
 
 /// A directory that is neither an item nor opened.
@@ -234,7 +229,7 @@ IndexWalker::Reconciled IndexWalker::reconcile(const std::string& root,
 std::optional<int>
 IndexWalker::place(const std::string& path, const std::string& root, const Policy& policy) const {
     const auto begin = beforeSlash(root).size() + 1;
-    if (path.size() <= begin || !isAtOrBelow(path, root))
+    if (path.size() <= begin || !Paths::isAtOrBelow(path, root))
         return std::nullopt;
     std::vector<std::string> above; // each directory from the root's child down to `path`
     for (auto from = begin; from <= path.size();) {
@@ -269,7 +264,7 @@ void IndexWalker::readmit(std::span<const std::string> paths) {
 bool IndexWalker::isAborted(std::string_view start) const {
     const std::lock_guard lock(abortLock_);
     return std::ranges::any_of(
-        aborting_, [start](const std::string& path) { return isAtOrBelow(start, path); });
+        aborting_, [start](const std::string& path) { return Paths::isAtOrBelow(start, path); });
 }
 
 } // namespace tessarine

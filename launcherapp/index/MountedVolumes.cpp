@@ -1,5 +1,6 @@
 #include "launcherapp/index/MountedVolumes.h"
 
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/index/IndexWalker.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/shell/Prefs.h"
@@ -48,10 +49,6 @@ bool isDrivePath(std::string_view path) {
     });
 }
 
-std::string nameOf(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);
-}
-
 /// "A, B mounted; C left"
 std::string reasonFor(const std::vector<MountedDrive>& arrived,
                       const std::vector<MountedDrive>& departed) {
@@ -87,8 +84,9 @@ std::vector<MountedDrive> MountedVolumes::drivesAmong(std::span<const Mount> mou
             continue;
         byPath.erase(mount.path); // hidden by this one, whatever this one is
         if (std::ranges::find(pseudoTypes, mount.type) == pseudoTypes.end())
-            byPath[mount.path] = {
-                .path = mount.path, .name = nameOf(mount.path), .source = mount.source};
+            byPath[mount.path] = {.path = mount.path,
+                                  .name = std::string(Paths::lastPart(mount.path)),
+                                  .source = mount.source};
     }
     std::vector<MountedDrive> drives;
     drives.reserve(byPath.size());
@@ -98,10 +96,9 @@ std::vector<MountedDrive> MountedVolumes::drivesAmong(std::span<const Mount> mou
 }
 
 bool MountedVolumes::isExcluded(const MountedDrive& drive, std::span<const std::string> excluded) {
-    return std::ranges::any_of(excluded, [&drive](std::string entry) {
-        while (entry.size() > 1 && entry.ends_with('/'))
-            entry.pop_back();
-        return entry == drive.path || entry == drive.name;
+    return std::ranges::any_of(excluded, [&drive](std::string_view entry) {
+        const auto named = Paths::withoutEndSlashes(entry);
+        return named == drive.path || named == drive.name;
     });
 }
 

@@ -1,5 +1,7 @@
 #include "launcherapp/platform/Environment.h"
 
+#include "LauncherCore/text/Paths.h"
+
 #include <initializer_list>
 #include <utility>
 
@@ -20,16 +22,14 @@ std::vector<std::string> split(std::string_view text, char separator) {
     return parts;
 }
 
-/// Without slashes at the end, so that joining gives one.
-std::string tidied(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
+/// So that joining gives one slash.
+std::string tidied(std::string_view path) {
+    return std::string(Paths::withoutEndSlashes(path));
 }
 
 std::string folder(const Variable& variable, std::string_view name, const std::string& otherwise) {
     auto value = variable(name).value_or("");
-    return value.starts_with('/') ? tidied(std::move(value)) : otherwise;
+    return value.starts_with('/') ? tidied(value) : otherwise;
 }
 
 std::vector<std::string>

@@ -3,6 +3,7 @@
 #include "LauncherCore/catalog/AppNaming.h"
 #include "LauncherCore/catalog/AppRegistry.h"
 #include "LauncherCore/catalog/DesktopEntry.h"
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppScan.h"
 #include "launcherapp/catalog/StandInApps.h"
@@ -86,10 +87,7 @@ ResolvedCredit CreditResolver::credited(const std::string& path) {
                     .found = true};
         }
     }
-    auto name = path;
-    while (name.size() > 1 && name.ends_with('/'))
-        name.pop_back();
-    name.erase(0, name.rfind('/') + 1);
+    std::string name(Paths::lastPart(Paths::withoutEndSlashes(path)));
     if (name.size() > bundleExtension.size() && name.ends_with(bundleExtension))
         name.resize(name.size() - bundleExtension.size());
     return {.name = name.empty() ? path : name, .icon = iconOf(""), .found = true};

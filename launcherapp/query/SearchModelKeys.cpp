@@ -3,6 +3,7 @@
 
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Graphemes.h"
+#include "LauncherCore/text/Paths.h"
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/query/SearchModel.h"
@@ -19,11 +20,6 @@ namespace tessarine {
 namespace {
 
 constexpr std::string_view clippingPrefix = "clip:";
-
-std::string parentOf(const std::string& folder) {
-    const auto slash = folder.rfind('/');
-    return slash == 0 || slash == std::string::npos ? "/" : folder.substr(0, slash);
-}
 
 std::string copiedText(const ResultRow& row) {
     if (row.kind == RowKind::file && row.url) {
@@ -213,7 +209,7 @@ bool SearchModel::drillOut() {
         if (atTop)
             browsePath_.reset();
         else
-            browsePath_ = parentOf(*browsePath_);
+            browsePath_ = std::string(Paths::parent(*browsePath_));
     } else if (personPath_) {
         personPath_.reset();
     } else {

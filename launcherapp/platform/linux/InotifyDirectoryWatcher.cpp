@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/InotifyDirectoryWatcher.h"
 
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/platform/linux/FileDescriptor.h"
 
 #include <QObject>
@@ -24,11 +25,6 @@ constexpr std::uint32_t everyChange =
 /// For one above it, in which only an arrival matters.
 constexpr std::uint32_t arrivals = onItself | IN_CREATE | IN_MOVED_TO;
 constexpr std::uint32_t itsEnd = IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT;
-
-std::string parentOf(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
 
 } // namespace
 
@@ -116,7 +112,7 @@ private:
     void place(const std::string& directory, Request& request) {
         if (!kernel_)
             return;
-        for (std::string path = directory;; path = parentOf(path)) {
+        for (std::string path = directory;; path = std::string(Paths::parent(path))) {
             const auto descriptor = kernelWatch(path, path == directory ? everyChange : arrivals);
             if (descriptor) {
                 attach(directory, request, path, *descriptor);

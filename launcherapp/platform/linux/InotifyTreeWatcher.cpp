@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/InotifyTreeWatcher.h"
 
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/platform/linux/RootWatch.h"
 
 #include <algorithm>
@@ -25,12 +26,6 @@ struct WatchedRoot {
     std::shared_ptr<Receiver> receiver;
     std::unique_ptr<RootWatch> watch;
 };
-
-std::string withoutSlashAtEnd(std::string path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.pop_back();
-    return path;
-}
 
 } // namespace
 
@@ -113,7 +108,8 @@ public:
 
     void
     cover(const std::string& root, std::vector<std::string> directories, double readAt) override {
-        const auto found = std::ranges::find(roots_, withoutSlashAtEnd(root), &WatchedRoot::root);
+        const auto found = std::ranges::find(
+            roots_, std::string(Paths::withoutEndSlashes(root)), &WatchedRoot::root);
         if (found != roots_.end())
             found->watch->cover(std::move(directories), readAt);
     }
@@ -156,7 +152,7 @@ InotifyTreeWatcher::watch(const std::vector<std::string>& roots, Seconds latency
     std::vector<WatchedRoot> watched;
     try {
         for (const auto& given : roots) {
-            const auto root = withoutSlashAtEnd(given);
+            const auto root = std::string(Paths::withoutEndSlashes(given));
             if (std::ranges::find(watched, root, &WatchedRoot::root) == watched.end())
                 watched.push_back(state_->makeRoot(root, latency, changed));
         }

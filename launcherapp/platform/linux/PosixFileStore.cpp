@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/PosixFileStore.h"
 
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/platform/linux/FileDescriptor.h"
 
 #include <cerrno>
@@ -27,11 +28,6 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 18;
     throw FileError(path + " could not be " + what + ": " + std::generic_category().message(error));
 }
 
-std::string folderOf(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
-
 /// Where a chain of links leads, whether or not something is there. What can't be followed to its
 /// end stays the link at which it stopped.
 std::string linksTarget(std::string path) {
@@ -41,7 +37,8 @@ std::string linksTarget(std::string path) {
         const auto link = std::filesystem::read_symlink(path, error);
         if (error)
             break; // no link, or nothing at all
-        path = link.is_absolute() ? link.string() : folderOf(path) + '/' + link.string();
+        path = link.is_absolute() ? link.string()
+                                  : std::string(Paths::parent(path)) + '/' + link.string();
     }
     return path;
 }
@@ -135,7 +132,7 @@ struct SaveTarget {
 SaveTarget preparedTarget(const std::string& path, PosixFileStore& files) {
     // A link stays a link: what it leads to is replaced.
     SaveTarget target{.path = linksTarget(path)};
-    files.makeDirectories(folderOf(target.path));
+    files.makeDirectories(std::string(Paths::parent(target.path)));
 
     struct stat old {};
 
@@ -194,7 +191,7 @@ void PosixFileStore::save(const std::string& path, std::string_view bytes) {
         fail(path, "saved", error);
     if (const int error = replacement.takePlaceOf(target.path))
         fail(path, "saved", error);
-    flushFolder(folderOf(target.path));
+    flushFolder(std::string(Paths::parent(target.path)));
 }
 
 bool PosixFileStore::readPieces(const std::string& path,
@@ -299,7 +296,7 @@ void PosixFileStore::makeDirectories(const std::string& path) {
         return;
     if (error != ENOENT || path == "/")
         fail(path, "made", error);
-    makeDirectories(folderOf(path));
+    makeDirectories(std::string(Paths::parent(path)));
     // Another process may have made it in between.
     if (::mkdir(path.c_str(), ownersFolder) != 0 && errno != EEXIST)
         fail(path, "made", errno);

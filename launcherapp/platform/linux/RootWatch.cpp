@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/RootWatch.h"
 
 #include "LauncherCore/index/MountInfo.h"
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/platform/linux/ChangeFold.h"
 #include "launcherapp/platform/linux/MountInfoFile.h"
 #include "launcherapp/platform/linux/TreeWatches.h"
@@ -34,10 +35,6 @@ constexpr int lowestNiceness = 19;
 
 Time::duration ticks(Seconds duration) {
     return std::chrono::duration_cast<Time::duration>(duration);
-}
-
-bool isAtOrBelow(const std::string& path, const std::string& folder) {
-    return path == folder || folder == "/" || path.starts_with(folder + "/");
 }
 
 /// How many to look at together, and how long until the next ones.
@@ -148,7 +145,8 @@ private:
 RootWatch::Thread::Mounts RootWatch::Thread::mounts() const {
     Mounts mounts;
     for (auto& mount : MountInfo::parse(mountInfo_.text())) {
-        if (isAtOrBelow(mount.path, setup_.root) || isAtOrBelow(setup_.root, mount.path))
+        if (Paths::isAtOrBelow(mount.path, setup_.root) ||
+            Paths::isAtOrBelow(setup_.root, mount.path))
             mounts.emplace(mount.path, mount);
     }
     return mounts;

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/TreeWatches.h"
 
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/platform/linux/ChangeFold.h"
 
 #include <algorithm>
@@ -247,9 +248,8 @@ void TreeWatches::rest(int descriptor) {
 }
 
 void TreeWatches::mountChanged(const std::string& path) {
-    const bool isAbove = path == "/" || root_ == path || root_.starts_with(path + "/");
-    const auto slash = path.rfind('/');
-    const auto parent = slash == 0 ? "/" : path.substr(0, slash);
+    const bool isAbove = Paths::isAtOrBelow(root_, path);
+    const std::string parent(Paths::parent(path));
     // Mounts where nobody looks, like those that containers make by the dozen, are no news.
     if (!isAbove && !directories_.find(path) && !directories_.find(parent))
         return;

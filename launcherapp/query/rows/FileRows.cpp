@@ -2,6 +2,7 @@
 
 #include "LauncherCore/query/Matcher.h"
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/Paths.h"
 #include "LauncherCore/text/Urls.h"
 
 #include <algorithm>
@@ -16,11 +17,8 @@ constexpr std::string_view fileSymbol = "doc";
 
 /// The folder of a path as a person writes it.
 std::string shownFolder(std::string_view path, std::string_view home) {
-    auto folder = path.substr(0, path.rfind('/'));
-    if (folder.empty())
-        folder = "/";
-    if (!home.empty() && folder.starts_with(home) &&
-        (folder.size() == home.size() || folder[home.size()] == '/'))
+    const auto folder = Paths::parent(path);
+    if (!home.empty() && Paths::isAtOrBelow(folder, home))
         return "~" + Folding::repairedUtf8(folder.substr(home.size()));
     return Folding::repairedUtf8(folder);
 }
