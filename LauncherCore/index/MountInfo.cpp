@@ -44,7 +44,7 @@ std::optional<Line> parseLine(std::string_view text) {
     const auto dash = std::find(fields.begin() + fieldsBeforeTags, fields.end(), "-");
     const auto id = number(fields[0]);
     const auto parent = number(fields[1]);
-    if (!id || !parent || fields.end() - dash < 3)
+    if (!id || !parent || fields.end() - dash < 3 || !fields[4].starts_with('/'))
         return std::nullopt;
     return Line{.entry = {.id = *id,
                           .path = MountInfo::unescaped(fields[4]),

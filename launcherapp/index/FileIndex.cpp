@@ -215,8 +215,8 @@ void FileIndex::watch() {
                 if (alive.expired() || !stream_)
                     return;
                 // A rebuild that ended meanwhile has told of a newer list.
-                const auto current = perRoot_.find(root);
-                if (current != perRoot_.end() && current->second == list)
+                const auto latest = perRoot_.find(root);
+                if (latest != perRoot_.end() && latest->second == list)
                     stream_->cover(root, std::move(directories), at);
             });
     }

@@ -190,7 +190,7 @@ private:
     std::map<std::string, std::uint64_t> drivesInFlight_; ///< and which of their walks it is
     std::uint64_t lastDriveWalk_ = 0;
     std::map<std::string, std::string> driveSources_; ///< what is mounted where, as last known
-    bool republishNeeded_ = false; ///< `perRoot_` changed outside a rebuild
+    bool republishNeeded_ = false;                    ///< `perRoot_` changed outside a rebuild
     std::set<std::string> dirtyRoots_;
     std::map<std::string, std::set<std::string>> dirtyDirs_;
     std::map<std::string, double> lastFullWalk_; ///< seconds since 1970, UTC
