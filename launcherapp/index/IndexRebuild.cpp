@@ -14,7 +14,9 @@ namespace tessarine {
 
 namespace {
 
-using namespace IndexRebuild;
+using IndexRebuild::Input;
+using IndexRebuild::largestBatch;
+using IndexRebuild::Output;
 
 /// The last part of a path, as a root is called in the log.
 std::string nameOf(const std::string& root) {

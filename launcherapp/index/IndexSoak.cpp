@@ -26,7 +26,7 @@ constexpr double bar = 0.1; ///< of a core
 /// Until the last events have been reported.
 constexpr Seconds settling = FileIndex::streamLatency + Seconds{1};
 constexpr Seconds publicationCheck{0.2};
-constexpr int publicationChecks = 100;
+constexpr Seconds patience{60};
 
 /// No drives: the trial is about one folder.
 class NoMounts : public MountTable {
@@ -41,7 +41,7 @@ public:
 /// One trial while it runs.
 struct IndexSoak::Trial {
     Trial(const FileIndex::Doors& doors,
-          std::shared_ptr<IndexWalker> walker,
+          const std::shared_ptr<IndexWalker>& walker,
           Prefs& prefs,
           std::string scratchFolder)
         : folder(std::move(scratchFolder)), volumes(mounts, prefs, *walker, doors.diagnostics),
@@ -72,8 +72,7 @@ struct IndexSoak::Trial {
     int created = 0;
     std::deque<std::string> files; ///< poked and still there, oldest first
     std::string lastRemoved;
-    std::uint64_t publishedBefore = 0;
-    int checks = 0;
+    Seconds settledAt{0};
 };
 
 IndexSoak::IndexSoak(FileIndex::Doors doors,
@@ -150,34 +149,36 @@ void IndexSoak::pokeOnce() {
 
 void IndexSoak::settle() {
     trial_->timer.end();
-    doors_.queue.postAfter(settling, [this] { rebuildAtLast(); });
+    doors_.queue.postAfter(settling, [this] {
+        trial_->settledAt = doors_.queue.uptime();
+        awaitLastChanges();
+    });
 }
 
-/// Once no rebuild runs any more: one that began before the last changes proves nothing.
-void IndexSoak::rebuildAtLast() {
-    auto& index = trial_->index;
-    if (index.isBuilding()) {
-        doors_.queue.postAfter(publicationCheck, [this] { rebuildAtLast(); });
-        return;
-    }
-    trial_->publishedBefore = index.published();
-    index.rebuild(FileIndex::Force::no);
-    awaitPublication();
-}
-
-void IndexSoak::awaitPublication() {
-    auto& trial = *trial_;
-    if (trial.index.published() > trial.publishedBefore || ++trial.checks > publicationChecks) {
+/// A walk may be held for half a minute after the one before.
+void IndexSoak::awaitLastChanges() {
+    const bool isLate = doors_.queue.uptime() - trial_->settledAt > patience;
+    if (!problem() || isLate) {
         finish();
         return;
     }
-    doors_.queue.postAfter(publicationCheck, [this] { awaitPublication(); });
+    trial_->index.rebuild(FileIndex::Force::no);
+    doors_.queue.postAfter(publicationCheck, [this] { awaitLastChanges(); });
 }
 
 bool IndexSoak::finds(const std::string& path) const {
     const std::string name(Paths::lastPart(path));
     const auto found = trial_->index.search({.query = name, .limit = 6}, UsageLog());
     return std::ranges::any_of(found, [&](const auto& each) { return each.item.id == path; });
+}
+
+std::optional<std::string> IndexSoak::problem() const {
+    const auto& trial = *trial_;
+    if (!finds(trial.files.back()))
+        return trial.files.back() + " is not found";
+    if (!trial.lastRemoved.empty() && finds(trial.lastRemoved))
+        return trial.lastRemoved + " is still found";
+    return std::nullopt;
 }
 
 void IndexSoak::finish() {
@@ -189,18 +190,14 @@ void IndexSoak::finish() {
                                      trial.pokes,
                                      elapsed,
                                      share * 100);
-    std::string problem;
-    if (!finds(trial.files.back()))
-        problem = trial.files.back() + " is not found";
-    else if (!trial.lastRemoved.empty() && finds(trial.lastRemoved))
-        problem = trial.lastRemoved + " is still found";
-    else if (share >= bar)
-        problem = "a tenth of a core was passed";
-    if (problem.empty())
+    auto failure = problem();
+    if (!failure && share >= bar)
+        failure = "a tenth of a core was passed";
+    if (!failure)
         report({.verdict = SelftestResult::Verdict::proved, .report = "index-soak: " + figures});
     else
         report({.verdict = SelftestResult::Verdict::refuted,
-                .report = fmt::format("index-soak FAILED: {} ({})", problem, figures)});
+                .report = fmt::format("index-soak FAILED: {} ({})", *failure, figures)});
 }
 
 void IndexSoak::report(const SelftestResult& result) {

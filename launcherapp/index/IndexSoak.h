@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -45,9 +46,9 @@ private:
     void poke();
     void pokeOnce();
     void settle();
-    void rebuildAtLast();
-    void awaitPublication();
+    void awaitLastChanges();
     bool finds(const std::string& path) const;
+    std::optional<std::string> problem() const; ///< why the last changes are not all found
     void finish();
     void report(const SelftestResult& result);
 

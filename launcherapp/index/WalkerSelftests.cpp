@@ -252,8 +252,10 @@ private:
     }
 
     void checkLargeBatch() {
+        constexpr int count = 250;
         std::vector<std::string> batch;
-        for (int i = 0; i < 250; ++i)
+        batch.reserve(count);
+        for (int i = 0; i < count; ++i)
             batch.push_back(fixture_.path(fmt::format("d1/batch{}", i)));
         const auto result = reconciled(batch);
         lines_.require(result.fullWalkNeeded && result.items == list_,

@@ -104,8 +104,13 @@ void flushFolder(const std::string& folder) {
         (void)::fsync(opened.number());
 }
 
-/// A regular file to be read; none when there is none of this path.
-std::pair<FileDescriptor, std::uint64_t> openedForReading(const std::string& path) {
+struct OpenedFile {
+    FileDescriptor file; ///< none when there is none of the path
+    std::uint64_t sizeBytes = 0;
+};
+
+/// A regular file to be read.
+OpenedFile openedForReading(const std::string& path) {
     // A pipe or a device would make an ordinary open wait, or do something.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file) {
@@ -120,7 +125,7 @@ std::pair<FileDescriptor, std::uint64_t> openedForReading(const std::string& pat
         fail(path, "read", errno);
     if (!S_ISREG(status.st_mode))
         throw FileError(path + " could not be read: it is no regular file");
-    return {std::move(file), static_cast<std::uint64_t>(status.st_size)};
+    return {.file = std::move(file), .sizeBytes = static_cast<std::uint64_t>(status.st_size)};
 }
 
 /// Where a save goes, and the mode that the file keeps.

@@ -3,7 +3,6 @@
 #include "launcherapp/platform/MainQueue.h"
 
 #include <algorithm>
-#include <ranges>
 #include <sched.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -100,8 +99,8 @@ void ThreadPoolWorkQueues::finish() {
     userInitiated_.finish();
     utility_.finish();
     // The log's queue is the first made, and the others' jobs may have something for it.
-    for (auto& [name, lane] : std::views::reverse(serial_))
-        lane->finish();
+    for (auto each = serial_.rbegin(); each != serial_.rend(); ++each)
+        each->second->finish();
 }
 
 ThreadPoolWorkQueues::~ThreadPoolWorkQueues() {
