@@ -108,6 +108,33 @@ TEST_F(PosixFileStoreTest, aSaveThroughALinkMakesWhatItLeadsTo) {
     EXPECT_TRUE(std::filesystem::is_symlink(folder.path("/loop")));
 }
 
+TEST_F(PosixFileStoreTest, largeFilesGoPieceByPiece) {
+    const auto path = folder.write("/large", "old");
+    ::chmod(path.c_str(), 0640);
+    std::vector<std::string> pieces{std::string(600000, 'a'), "", std::string(300000, 'b')};
+    std::size_t at = 0;
+    files.savePieces(path, [&]() -> std::optional<std::string_view> {
+        return at < pieces.size() ? std::optional<std::string_view>(pieces[at++]) : std::nullopt;
+    });
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms{0640});
+    std::string whole;
+    EXPECT_TRUE(files.readPieces(path, [&](std::string_view piece) {
+        whole += piece;
+        return true;
+    }));
+    EXPECT_EQ(whole, pieces[0] + pieces[2]);
+    int taken = 0;
+    EXPECT_TRUE(files.readPieces(path, [&](std::string_view) { return ++taken < 2; }));
+    EXPECT_EQ(taken, 2); // the reader had enough
+    EXPECT_FALSE(files.readPieces(folder.path("/none"), [](std::string_view) { return true; }));
+    const auto broken = [&]() -> std::optional<std::string_view> {
+        throw std::runtime_error("no more");
+    };
+    EXPECT_THROW(files.savePieces(path, broken), std::runtime_error);
+    EXPECT_EQ(folder.text("/large").size(), 900000u); // the old content stands
+    EXPECT_EQ(fileCount(), 1u);
+}
+
 TEST_F(PosixFileStoreTest, aSaveThatFailsLeavesTheOldContentAndNothingElse) {
     folder.write("/file", "old");
     folder.folder("/folder");

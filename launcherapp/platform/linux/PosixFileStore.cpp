@@ -156,8 +156,8 @@ SaveTarget preparedTarget(const std::string& path, PosixFileStore& files) {
 
 std::optional<std::string> PosixFileStore::read(const std::string& path,
                                                 std::size_t limitBytes) const {
-    const auto [file, sizeBytes] = openedForReading(path);
-    if (!file)
+    const auto opened = openedForReading(path);
+    if (!opened.file)
         return std::nullopt;
 
     // One byte more than the size tells that the file has grown meanwhile.
@@ -168,11 +168,11 @@ std::optional<std::string> PosixFileStore::read(const std::string& path,
             throw FileError(path + " could not be read: it is larger than " +
                             std::to_string(limitBytes) + " bytes");
         if (length == bytes.size())
-            bytes.resize(
-                length == 0
-                    ? static_cast<std::size_t>(std::min<std::uint64_t>(sizeBytes, limitBytes)) + 1
-                    : length * 2);
-        const auto got = ::read(file.number(), bytes.data() + length, bytes.size() - length);
+            bytes.resize(length == 0 ? static_cast<std::size_t>(
+                                           std::min<std::uint64_t>(opened.sizeBytes, limitBytes)) +
+                                           1
+                                     : length * 2);
+        const auto got = ::read(opened.file.number(), bytes.data() + length, bytes.size() - length);
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
@@ -201,12 +201,12 @@ void PosixFileStore::save(const std::string& path, std::string_view bytes) {
 
 bool PosixFileStore::readPieces(const std::string& path,
                                 const std::function<bool(std::string_view)>& take) const {
-    const auto [file, sizeBytes] = openedForReading(path);
-    if (!file)
+    const auto opened = openedForReading(path);
+    if (!opened.file)
         return false;
     std::string piece(pieceBytes, '\0');
     for (;;) {
-        const auto got = ::read(file.number(), piece.data(), piece.size());
+        const auto got = ::read(opened.file.number(), piece.data(), piece.size());
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
