@@ -36,7 +36,7 @@ struct FileIndex::DriveWalk {
 };
 
 void FileIndex::noteUnreadableDrive(const DriveJob& job) {
-    volumes_.setReadable(job.path, false);
+    volumes_.noteUnreadable(job.path);
     volumes_.setStatus(job.path, "Tessarine needs permission to read this drive");
     doors_.diagnostics.log(
         fmt::format("file index: drive {} could not be opened (Removable Volumes "
@@ -130,7 +130,7 @@ void FileIndex::publishDrive(const DriveJob& job, DriveWalk walk) {
     }
     if (walk.fullWalkNeeded)
         dirtyRoots_.insert(job.path);
-    volumes_.setReadable(job.path, true);
+    volumes_.noteReadable(job.path);
     volumes_.setStatus(
         job.path,
         fmt::format("{} folders and {} files indexed", walk.counts.folders, walk.counts.files));

@@ -38,6 +38,7 @@ std::shared_ptr<const DirectoryListing> FolderListings::listing(const std::strin
 }
 
 void FolderListings::forget() {
+    requireMainThread(queue_);
     listings_.clear();
     reading_.clear();
     unreadable_.clear();

@@ -179,11 +179,12 @@ void MountedVolumes::setStatus(const std::string& path, std::string status) {
     statuses_[path] = std::move(status);
 }
 
-void MountedVolumes::setReadable(const std::string& path, bool readable) {
-    if (readable)
-        unreadable_.erase(path);
-    else
-        unreadable_.insert(path);
+void MountedVolumes::noteReadable(const std::string& path) {
+    unreadable_.erase(path);
+}
+
+void MountedVolumes::noteUnreadable(const std::string& path) {
+    unreadable_.insert(path);
 }
 
 } // namespace tessarine

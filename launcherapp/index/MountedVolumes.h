@@ -64,7 +64,8 @@ public:
 
     const std::set<std::string>& unreadable() const { return unreadable_; }
 
-    void setReadable(const std::string& path, bool readable);
+    void noteReadable(const std::string& path);
+    void noteUnreadable(const std::string& path);
 
 private:
     void refresh();

@@ -101,7 +101,7 @@ TEST_F(MountedVolumesTest, aDriveThatLeavesTakesItsWalksAndItsStatusWithIt) {
     mounts.mount("/media/u/AB");
     start();
     volumes->setStatus("/media/u/A", "indexing…");
-    volumes->setReadable("/media/u/A", false);
+    volumes->noteUnreadable("/media/u/A");
 
     mounts.unmount("/media/u/A");
     EXPECT_TRUE(abortedAtReport);
