@@ -2,7 +2,7 @@
 // ms in a process that has read none of them before.
 
 #include "launcherapp/catalog/AppScan.h"
-#include "launcherapp/platform/linux/PosixFileStore.h"
+#include "launcherapp/platform/linux/files/PosixFileStore.h"
 
 #include <benchmark/benchmark.h>
 

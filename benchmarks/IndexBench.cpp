@@ -15,7 +15,7 @@
 #include "benchmarks/Machine.h"
 #include "benchmarks/TreeGenerator.h"
 #include "launcherapp/index/IndexCache.h"
-#include "launcherapp/platform/linux/PosixFileStore.h"
+#include "launcherapp/platform/linux/files/PosixFileStore.h"
 #include "launcherapp/query/rows/FileRows.h"
 
 #include <algorithm>

@@ -6,8 +6,8 @@
 // removed at the end.
 
 #include "benchmarks/TreeGenerator.h"
-#include "launcherapp/index/IndexWalker.h"
-#include "launcherapp/platform/linux/PosixDirectoryReader.h"
+#include "launcherapp/index/walk/IndexWalker.h"
+#include "launcherapp/platform/linux/files/PosixDirectoryReader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LauncherCore/index/NameIndex.h"
-#include "launcherapp/index/IndexWalker.h"
+#include "launcherapp/index/walk/IndexWalker.h"
 
 #include <cstdint>
 #include <functional>

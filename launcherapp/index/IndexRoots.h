@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcherapp/index/IndexWalker.h"
+#include "launcherapp/index/walk/IndexWalker.h"
 
 #include <cstdint>
 #include <map>

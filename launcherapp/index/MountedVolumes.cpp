@@ -1,7 +1,7 @@
 #include "launcherapp/index/MountedVolumes.h"
 
 #include "LauncherCore/text/Paths.h"
-#include "launcherapp/index/IndexWalker.h"
+#include "launcherapp/index/walk/IndexWalker.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/shell/Prefs.h"
 

@@ -1,8 +1,8 @@
 #include "LauncherCore/text/Folding.h"
-#include "launcherapp/platform/linux/ProcessEnvironment.h"
-#include "launcherapp/platform/linux/QtApplication.h"
+#include "launcherapp/platform/linux/desktop/QtApplication.h"
+#include "launcherapp/platform/linux/processes/ProcessEnvironment.h"
 #include "launcherapp/shell/App.h"
-#include "launcherapp/shell/Modes.h"
+#include "launcherapp/shell/modes/Modes.h"
 
 #include <QCoreApplication>
 #include <cstdio>

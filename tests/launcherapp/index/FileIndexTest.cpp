@@ -1,8 +1,8 @@
 #include "launcherapp/index/FileIndex.h"
 
 #include "LauncherCore/query/UsageLog.h"
-#include "launcherapp/index/IndexWalker.h"
 #include "launcherapp/index/MountedVolumes.h"
+#include "launcherapp/index/walk/IndexWalker.h"
 #include "tests/fakes/FakeMountTable.h"
 #include "tests/fakes/FakeServices.h"
 #include "tests/fakes/FakeTreeWatcher.h"

@@ -1,7 +1,7 @@
 #include "launcherapp/index/MountedVolumes.h"
 
-#include "launcherapp/index/IndexWalker.h"
-#include "launcherapp/index/VolumesSelftest.h"
+#include "launcherapp/index/proof/VolumesSelftest.h"
+#include "launcherapp/index/walk/IndexWalker.h"
 #include "launcherapp/platform/DirectoryReader.h"
 #include "tests/fakes/FakeMountTable.h"
 #include "tests/fakes/FakeServices.h"

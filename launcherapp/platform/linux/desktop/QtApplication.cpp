@@ -1,0 +1,67 @@
+#include "launcherapp/platform/linux/desktop/QtApplication.h"
+
+#include <xcb/xcb.h>
+
+#include <QGuiApplication>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <langinfo.h>
+#include <optional>
+#include <string>
+
+namespace tessarine {
+
+namespace {
+
+/// Sets LC_ALL to a UTF-8 locale for as long as Qt starts, when the user's locale is another or is
+/// broken: Qt would say so on standard error and then do the same. Programs started later see the
+/// user's own setting.
+class Utf8LocaleWhileStarting {
+public:
+    Utf8LocaleWhileStarting() {
+        std::setlocale(LC_ALL, "");
+        if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0)
+            return;
+        changed_ = true;
+        if (const char* value = std::getenv("LC_ALL"))
+            before_ = value;
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+    }
+
+    ~Utf8LocaleWhileStarting() {
+        if (!changed_)
+            return;
+        if (before_)
+            ::setenv("LC_ALL", before_->c_str(), 1);
+        else
+            ::unsetenv("LC_ALL");
+    }
+
+    Utf8LocaleWhileStarting(const Utf8LocaleWhileStarting&) = delete;
+    Utf8LocaleWhileStarting& operator=(const Utf8LocaleWhileStarting&) = delete;
+
+private:
+    bool changed_ = false;
+    std::optional<std::string> before_;
+};
+
+/// Qt ends the process when the display it is told of doesn't answer, so it is asked first.
+bool x11Answers() {
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    const bool answers = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return answers;
+}
+
+} // namespace
+
+std::unique_ptr<QCoreApplication>
+makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment) {
+    const Utf8LocaleWhileStarting locale;
+    if (surface == QtSurface::windows && environment.hasX11 && x11Answers())
+        return std::make_unique<QGuiApplication>(argc, argv);
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+} // namespace tessarine

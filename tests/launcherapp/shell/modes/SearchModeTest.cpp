@@ -1,0 +1,95 @@
+#include "launcherapp/shell/modes/SearchMode.h"
+
+#include "launcherapp/query/CreditResolver.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/modes/Modes.h"
+#include "tests/fakes/FakeServices.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class SearchModeTest : public testing::Test {
+protected:
+    void schedule() {
+        services.catalog.start();
+        Modes::schedule(context);
+    }
+
+    FakeServices services;
+    std::unique_ptr<SearchModel> model = services.makeModel();
+    CreditResolver credits{
+        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    CommandLine commandLine{{"--search", "pad"}};
+    std::vector<std::string> lines;
+    std::optional<int> status;
+    ModeContext context{.commandLine = commandLine,
+                        .environment = services.environment,
+                        .queue = services.platform.queue,
+                        .files = services.platform.files,
+                        .catalog = services.catalog,
+                        .prefs = services.prefs,
+                        .model = *model,
+                        .credits = credits,
+                        .print = [this](std::string_view line) { lines.emplace_back(line); },
+                        .finish = [this](int value) { status = value; }};
+};
+
+TEST_F(SearchModeTest, printsOneObjectARowOnceTheServicesHaveSettled) {
+    services.install("a", "Launch \"Pad\" \\ café");
+    services.install("b", "Pad");
+    schedule();
+    services.platform.time.advance(Seconds{2.4});
+    EXPECT_EQ(status, std::nullopt);
+    services.platform.time.advance(Seconds{0.2});
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(
+        lines,
+        ElementsAre(
+            R"({"id":"/usr/share/applications/b.desktop","kind":"app","group":"apps","title":"Pad","subtitle":""})",
+            R"({"id":"/usr/share/applications/a.desktop","kind":"app","group":"apps","title":"Launch \"Pad\" \\ café","subtitle":""})"));
+}
+
+TEST_F(SearchModeTest, nothingOnTheMachineIsNoFailure) {
+    schedule();
+    services.platform.time.advance(Seconds{3});
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(lines, ElementsAre(HasSubstr(R"("id":"web")")));
+}
+
+TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
+    services.install("b", "Pad");
+    services.platform.work.duration = Seconds{10};
+    schedule();
+    services.platform.time.advance(Seconds{10.1});
+    EXPECT_EQ(lines.size(), 1u);
+
+    lines.clear();
+    status.reset();
+    FakeServices slow;
+    slow.platform.work.duration = Seconds{100};
+    const auto slowModel = slow.makeModel();
+    ModeContext slowContext{.commandLine = commandLine,
+                            .environment = slow.environment,
+                            .queue = slow.platform.queue,
+                            .files = slow.platform.files,
+                            .catalog = slow.catalog,
+                            .prefs = slow.prefs,
+                            .model = *slowModel,
+                            .credits = credits,
+                            .print = context.print,
+                            .finish = context.finish};
+    slow.catalog.start();
+    Modes::schedule(slowContext);
+    slow.platform.time.advance(Seconds{18});
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(lines,
+                ElementsAre(HasSubstr(R"({"note":"NOT MEASURED: )"), HasSubstr(R"("id":"web")")));
+}
+
+} // namespace
+} // namespace tessarine
