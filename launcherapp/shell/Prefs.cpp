@@ -134,7 +134,7 @@ Prefs::Prefs(DefaultsStore& store, const Environment& environment)
       voiceEnabled(store, "voiceEnabled", true, changed_),
       autoHideFooter(store, "autoHideFooter", false, changed_),
       companionLinks(store, "companionLinks", {}, changed_),
-      angleMode(store, "angleMode", AngleMode::degrees, changed_),
+      angleMode(store, "angleMode", Calc::AngleMode::degrees, changed_),
       calcHistoryEnabled(store, "calcHistoryEnabled", true, changed_),
       calcShowRecent(store, "calcShowRecent", true, changed_),
       zonesFollowPerchbar(store, "zonesFollowPerchbar", true, changed_),

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LauncherCore/answers/Calc.h"
+#include "LauncherCore/answers/MeasureSystem.h"
 #include "LauncherCore/query/Keywords.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/Observers.h"
@@ -40,8 +42,6 @@ enum class PanelPosition { center, upper, remembered };
 enum class EmptyMode { clean, recents, mostUsed };
 enum class RateSource { ecb, open };
 enum class ClipPreviewPlacement { right, left, below };
-enum class AngleMode { degrees, radians };
-enum class MeasureSystem { usCustomary, imperial, metric };
 
 template <> struct StoredNames<AppearancePreset> {
     static constexpr auto names = std::to_array<std::string_view>({
@@ -90,7 +90,7 @@ template <> struct StoredNames<ClipPreviewPlacement> {
     static constexpr auto names = std::to_array<std::string_view>({"right", "left", "below"});
 };
 
-template <> struct StoredNames<AngleMode> {
+template <> struct StoredNames<Calc::AngleMode> {
     static constexpr auto names = std::to_array<std::string_view>({"degrees", "radians"});
 };
 
@@ -170,7 +170,7 @@ public:
     Preference<bool> voiceEnabled;
     Preference<bool> autoHideFooter;
     Preference<std::map<std::string, bool>> companionLinks;
-    Preference<AngleMode> angleMode;
+    Preference<Calc::AngleMode> angleMode;
     Preference<bool> calcHistoryEnabled;
     Preference<bool> calcShowRecent;
     Preference<bool> zonesFollowPerchbar;
