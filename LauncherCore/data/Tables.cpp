@@ -21,6 +21,11 @@ std::vector<std::string_view> parted(std::string_view text, char divider) {
     }
 }
 
+/// Not every line that begins with the sign: a keycap may be a row's first character.
+bool isComment(std::string_view line) {
+    return line == "#" || line.starts_with("# ");
+}
+
 } // namespace
 
 std::vector<Tables::Row> Tables::rows(std::string_view name) {
@@ -31,7 +36,7 @@ std::vector<Tables::Row> Tables::rows(std::string_view name) {
         return {};
     std::vector<Row> rows;
     for (const auto line : parted(table->text, '\n'))
-        if (!line.empty() && line.front() != '#')
+        if (!line.empty() && !isComment(line))
             rows.push_back(parted(line, '|'));
     return rows;
 }

@@ -4,8 +4,8 @@
 #include <vector>
 
 /// The tables that come with the program: the text files of this folder, which the build compiles
-/// in. A line is a row and its fields are parted by "|"; empty lines and lines that begin with "#"
-/// are for the reader. Pure; any thread.
+/// in. A line is a row and its fields are parted by "|"; empty lines and lines that begin
+/// with "# " are for the reader. Pure; any thread.
 namespace tessarine::Tables {
 
 using Row = std::vector<std::string_view>;

@@ -141,6 +141,12 @@ std::string Formats::decimal(double value, int maximumFraction) const {
     return formatted(state_->decimal(maximumFraction), value);
 }
 
+std::string Formats::whole(std::int64_t value) const {
+    const std::lock_guard lock(state_->oneAtATime);
+    UErrorCode error = U_ZERO_ERROR;
+    return encoded(state_->decimal(0).formatInt(value, error).toString(error));
+}
+
 std::string Formats::scientific(double value, int maximumFraction) const {
     const std::lock_guard lock(state_->oneAtATime);
     return formatted(state_->exponential(maximumFraction), value);

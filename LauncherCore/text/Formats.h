@@ -2,6 +2,7 @@
 
 #include "LauncherCore/text/Zone.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,6 +30,9 @@ public:
 
     /// Grouped, at most so many fraction digits, no trailing zeros, halves to even.
     std::string decimal(double value, int maximumFraction) const;
+
+    /// Grouped, with every digit of 64 bits.
+    std::string whole(std::int64_t value) const;
 
     /// As in "1.5e15", at most so many fraction digits.
     std::string scientific(double value, int maximumFraction) const;

@@ -1,0 +1,41 @@
+#include "launcherapp/query/rows/EmojiRows.h"
+
+#include "LauncherCore/answers/Emoji.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tessarine {
+
+namespace {
+
+/// Above whatever else the answers give to a text with a leading colon.
+constexpr std::int64_t bestScore = 9900;
+
+} // namespace
+
+std::vector<ResultRow> emojiRows(std::string_view query, std::size_t limit, const RowVerbs& verbs) {
+    std::vector<ResultRow> rows;
+    for (const auto& entry : Emoji::search(query.substr(1), limit)) {
+        const std::string emoji(entry.emoji);
+        rows.push_back({
+            .id = "emoji:" + emoji,
+            .kind = RowKind::calc,
+            .title = std::string(entry.name),
+            .subtitle = "emoji",
+            .symbol = "face.smiling",
+            .primary =
+                [copy = verbs.copyText, emoji] {
+                    if (copy)
+                        copy(emoji);
+                },
+            .primaryLabel = "copy",
+            .group = std::string(RowGroup::answers),
+            .glyph = emoji,
+            .score = bestScore - static_cast<std::int64_t>(rows.size()),
+        });
+    }
+    return rows;
+}
+
+} // namespace tessarine
