@@ -121,7 +121,8 @@ std::optional<Request> question(std::string_view text) {
         return checked({.subject = text.substr(0, at),
                         .target = Folding::trimmed(text.substr(at + middle.size()))});
     // A text that begins with a unit has no amount before a target.
-    if (Answers::readUnit(firstWord(text), MeasureSystem::usCustomary))
+    if (text.find(' ') != std::string_view::npos &&
+        Answers::readUnit(firstWord(text), MeasureSystem::usCustomary))
         return countingRequest(text);
     return std::nullopt;
 }
