@@ -5,6 +5,7 @@
 #include <charconv>
 #include <deque>
 #include <unordered_map>
+#include <vector>
 
 namespace tessarine {
 

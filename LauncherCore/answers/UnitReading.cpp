@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
+#include <utility>
 
 namespace tessarine {
 

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <deque>
 #include <unordered_map>
+#include <vector>
 
 namespace tessarine {
 
