@@ -261,7 +261,8 @@ std::optional<double> Calc::factorial(double value) {
     if (!(value >= 0 && value <= largestFactorial) || value != std::trunc(value))
         return std::nullopt;
     double product = 1;
-    for (double factor = 2; factor <= value; ++factor)
+    const int last = static_cast<int>(value);
+    for (int factor = 2; factor <= last; ++factor)
         product *= factor;
     return product;
 }

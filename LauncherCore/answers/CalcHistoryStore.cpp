@@ -3,7 +3,6 @@
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace tessarine {
@@ -93,9 +92,10 @@ std::vector<CalcEntry> CalcHistoryStore::search(std::string_view query, std::siz
 
 Calc::Variables CalcHistoryStore::variables() const {
     Calc::Variables result;
-    for (const auto& entry : entries_ | std::views::reverse) {
-        if (entry.name)
-            result[*entry.name] = entry.value;
+    // From the oldest on, so that the newest stays.
+    for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
+        if (entry->name)
+            result[*entry->name] = entry->value;
     }
     if (!entries_.empty())
         result["ans"] = entries_.front().value;
