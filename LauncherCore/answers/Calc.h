@@ -53,7 +53,7 @@ struct Token {
     };
     Kind kind = Kind::number;
     double value = 0; ///< of a number or constant
-    std::string name; ///< of a variable, function, operator or postfix operator
+    std::string name; ///< of a variable, function, call, operator or postfix operator
 
     bool operator==(const Token&) const = default;
 };

@@ -45,6 +45,14 @@ std::string Calc::format(double value, const Formats& formats) {
     return formats.decimal(value, value == std::trunc(value) ? 0 : decimals);
 }
 
+std::string Calc::plain(double value) {
+    // English whatever the user's language, so that the figures are read back as they were meant.
+    static const Formats english(Formats::Locales{}, Zone::utc());
+    auto text = format(value, english);
+    std::erase(text, ',');
+    return text;
+}
+
 std::optional<std::string> Calc::inBase(double value, int radix) {
     if (value != std::trunc(value) || !(std::abs(value) < wholeNumberLimit))
         return std::nullopt;
