@@ -15,7 +15,9 @@ refuse() {
 }
 
 system='Q[A-Z]|X11/|xcb/|wayland|gio/|glib|dbus/|unistd|fcntl|sys/|linux/|dlfcn|spawn'
-refuse LauncherCore "$system|launcherapp/|filesystem|fstream|thread|mutex" "LauncherCore knows values alone"
+# Two values hide machinery of ICU's that changes while it is used; a lock makes them any thread's.
+refuse LauncherCore "$system|launcherapp/|filesystem|fstream|thread|mutex" "LauncherCore knows values alone" \
+    --exclude=Pattern.cpp --exclude=Formats.cpp
 refuse launcherapp "$system" "only platform/linux, App and main reach the system" \
     --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
 refuse launcherapp "launcherapp/platform/linux/" "services know the doors, not what is behind them" \
