@@ -48,6 +48,16 @@ icu::DecimalFormatSymbols symbolsWithSmallExponent(const icu::Locale& locale) {
     return symbols;
 }
 
+/// What a currency is called in English; its code when it isn't called anything.
+std::string currencyText(std::string_view code, UCurrNameStyle style) {
+    auto terminated = decoded(code);
+    UErrorCode error = U_ZERO_ERROR;
+    std::int32_t length = 0;
+    const auto* name =
+        ucurr_getName(terminated.getTerminatedBuffer(), "en_US", style, nullptr, &length, &error);
+    return encoded(icu::UnicodeString(name, length));
+}
+
 /// Minus zero counts as zero.
 std::string formatted(const LocalizedNumberFormatter& formatter, double value) {
     UErrorCode error = U_ZERO_ERROR;
@@ -165,12 +175,11 @@ int Formats::fractionDigits(std::string_view code) {
 }
 
 std::string Formats::currencyName(std::string_view code) {
-    auto terminated = decoded(code);
-    UErrorCode error = U_ZERO_ERROR;
-    std::int32_t length = 0;
-    const auto* name = ucurr_getName(
-        terminated.getTerminatedBuffer(), "en_US", UCURR_LONG_NAME, nullptr, &length, &error);
-    return encoded(icu::UnicodeString(name, length));
+    return currencyText(code, UCURR_LONG_NAME);
+}
+
+std::string Formats::currencySign(std::string_view code) {
+    return currencyText(code, UCURR_NARROW_SYMBOL_NAME);
 }
 
 std::string Formats::date(double at, std::string_view pattern) const {

@@ -47,6 +47,9 @@ public:
     /// The currency's English name ("Japanese Yen"); its code for one that has none.
     static std::string currencyName(std::string_view code);
 
+    /// The sign it goes by at home ("$" for CAD); its code for one that has none.
+    static std::string currencySign(std::string_view code);
+
     /// A time (seconds since 1970) in a Unicode date pattern ("EEEE, MMMM d, yyyy"), by the clocks
     /// of `zone`, or of the user's.
     std::string date(double at, std::string_view pattern) const;

@@ -2,6 +2,7 @@
 
 #include "LauncherCore/answers/Calc.h"
 #include "LauncherCore/answers/MeasureSystem.h"
+#include "LauncherCore/answers/RateSource.h"
 #include "LauncherCore/query/Keywords.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/Observers.h"
@@ -40,7 +41,6 @@ enum class PanelWidth { compact, standard, wide };
 enum class TextScale { regular, large };
 enum class PanelPosition { center, upper, remembered };
 enum class EmptyMode { clean, recents, mostUsed };
-enum class RateSource { ecb, open };
 enum class ClipPreviewPlacement { right, left, below };
 
 template <> struct StoredNames<AppearancePreset> {
