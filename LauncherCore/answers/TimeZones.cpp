@@ -1,7 +1,9 @@
 #include "LauncherCore/answers/TimeZones.h"
 
 #include "LauncherCore/answers/zones/ZoneFamilies.h"
+#include "LauncherCore/answers/zones/ZonePlaces.h"
 #include "LauncherCore/answers/zones/ZoneWords.h"
+#include "LauncherCore/text/Formats.h"
 
 #include <array>
 #include <cmath>
@@ -35,6 +37,20 @@ TimeZones::answers(std::string_view text, const Context& context, const Formats&
             return rows;
     }
     return {};
+}
+
+void TimeZones::prepare() {
+    ZonePlaces::prepare();
+    // A question of each family compiles its patterns.
+    const ZoneClock clock{.name = "UTC", .identifier = "Etc/UTC"};
+    const Context context{.home = clock, .here = clock, .primary = {clock}};
+    const Formats formats({}, Zone::utc());
+    for (const auto* question : {"how many hours ahead of utc is gmt+1",
+                                 "utc in 2 hours",
+                                 "9:15 utc in gmt",
+                                 "9 in utc",
+                                 "time in utc"})
+        answers(question, context, formats);
 }
 
 } // namespace tessarine

@@ -28,7 +28,6 @@ constexpr auto openings = std::to_array<std::string_view>({
     "when it is",
     "when it's",
     "when its",
-    "what time is",
     "what is",
     "what's",
     "whats",
@@ -140,8 +139,9 @@ resolved(StatedClock clock, Sides sides, DayPhrase day, const Context& context) 
 bool isClock(const StatedClock& bareHour, const Sides& sides) {
     if (bareHour.rest.empty())
         return true;
-    return sides.connector == " in " &&
-           (sides.source.empty() || ZonePlaces::isZoneName(sides.source));
+    DayPhrase day;
+    const auto source = withoutDay(sides.source, day);
+    return sides.connector == " in " && (source.empty() || ZonePlaces::isZoneName(source));
 }
 
 /// "athens at 3pm et".
@@ -161,10 +161,14 @@ targetsFirst(std::string_view text, const DayPhrase& day, const Context& context
     return std::nullopt;
 }
 
+std::string_view withoutAsk(std::string_view text) {
+    const auto ask = ZoneWords::stripped(text, ZoneWords::askPrefixes());
+    return ZoneWords::withoutAllOf(ask ? ask->rest : text, openings);
+}
+
 std::optional<Stated> stated(std::string_view text, const Context& context) {
     DayPhrase day;
-    text = ZoneWords::withoutAllOf(text, openings);
-    text = ZoneWords::withoutAllOf(withoutDay(text, day), openings);
+    text = withoutAsk(withoutDay(withoutAsk(text), day));
     if (auto clock = TimeZones::leadingClock(text)) {
         const auto rest = joinedAtMiddle(clock->rest);
         return resolved(std::move(*clock), atLastConnector(rest), day, context);
@@ -176,8 +180,6 @@ std::optional<Stated> stated(std::string_view text, const Context& context) {
             return std::nullopt;
         return resolved(std::move(*clock), sides, day, context);
     }
-    if (const auto ask = ZoneWords::stripped(text, ZoneWords::askPrefixes()))
-        text = ask->rest;
     if (auto found = targetsFirst(text, day, context))
         return found;
     auto clock = TimeZones::trailingClock(text);

@@ -39,11 +39,11 @@ const std::array<Shape, 5>& shapes() {
     static const std::string span =
         R"((\d+(?:\.\d+)?)\s*(h|hr|hrs|hour|hours|m|min|mins|minute|minutes))";
     static const std::array<Shape, 5> all{
+        Shape{Pattern(R"(^now\s*\+\s*)" + span + "$"), 1, 0},
+        Shape{Pattern(R"(^(?:in\s+)?)" + span + R"(\s+from\s+now$)"), 1, 0},
         Shape{Pattern(R"(^(?:in\s+)?)" + span + R"((?:\s+from\s+now)?\s+(?:in|at)\s+(.+)$)"), 1, 3},
         Shape{Pattern(R"(^now\s*\+\s*)" + span + R"(\s+(?:in\s+)?(.+)$)"), 1, 3},
         Shape{Pattern(R"(^(.+?)\s+(?:in\s+|\+\s*))" + span + R"((?:\s+from\s+now)?$)"), 2, 1},
-        Shape{Pattern(R"(^now\s*\+\s*)" + span + "$"), 1, 0},
-        Shape{Pattern(R"(^(?:in\s+)?)" + span + R"(\s+from\s+now$)"), 1, 0},
     };
     return all;
 }
@@ -83,10 +83,16 @@ bool holdsDigit(std::string_view text) {
     return text.find_first_of("0123456789") != std::string_view::npos;
 }
 
-/// The question without "time in" and the like before it.
-std::string_view withoutAsk(std::string_view text) {
+/// The question with "time in" and the like before it taken off: then a span alone will do.
+std::optional<Asked> ofAsk(std::string_view text) {
+    static const Pattern span(R"(^(?:in\s+)?(\d+(?:\.\d+)?)\s*(h|hr|hrs|hour|hours|m|min|mins)"
+                              R"(|minute|minutes)$)");
     const auto ask = ZoneWords::stripped(text, ZoneWords::askPrefixes());
-    return ask && ask->prefix != "now in" ? ask->rest : text;
+    if (!ask)
+        return asked(text);
+    if (const auto match = span.match(ask->rest))
+        return Asked{.count = (*match)[1], .unit = (*match)[2]};
+    return asked(ask->rest);
 }
 
 std::vector<ZonePlaces::Place> places(const Asked& asked, const Context& context) {
@@ -101,7 +107,7 @@ std::vector<Answer>
 ZoneFamilies::relative(std::string_view text, const Context& context, const Formats& formats) {
     if (!holdsDigit(text))
         return {};
-    const auto question = asked(withoutAsk(text));
+    const auto question = ofAsk(text);
     const auto span = question ? seconds(*question) : std::nullopt;
     if (!span)
         return {};

@@ -228,8 +228,11 @@ std::optional<Zone> ZonePlaces::zone(const ZoneClock& clock) {
 }
 
 std::optional<std::string> ZonePlaces::flag(const ZoneClock& clock) {
-    const auto flag = Places::flagOfRegion(ZoneTables::region(clock.identifier));
-    return flag.empty() ? std::nullopt : std::optional(flag);
+    std::string region(ZoneTables::region(clock.identifier));
+    if (region.empty()) // an older name, which the table of today's zones doesn't list
+        region = Zone::region(clock.identifier).value_or("");
+    auto flag = Places::flagOfRegion(region);
+    return flag.empty() ? std::nullopt : std::optional(std::move(flag));
 }
 
 void ZonePlaces::prepare() {
@@ -250,10 +253,6 @@ std::optional<ZoneClock> TimeZones::resolvePlace(std::string_view word, const Co
     if (!found)
         return std::nullopt;
     return found->clock;
-}
-
-void TimeZones::prepare() {
-    ZonePlaces::prepare();
 }
 
 } // namespace tessarine
