@@ -6,6 +6,7 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tessarine {
@@ -77,6 +78,17 @@ std::vector<std::string> Zone::identifiers() {
     }
     std::ranges::sort(result);
     return result;
+}
+
+std::optional<std::string> Zone::region(std::string_view identifier) {
+    constexpr std::size_t countryLength = 2; // "001" is the world
+    std::array<char, 8> region{};
+    UErrorCode error = U_ZERO_ERROR;
+    const auto length = icu::TimeZone::getRegion(
+        decoded(identifier), region.data(), static_cast<std::int32_t>(region.size()), error);
+    if (U_FAILURE(error) || length != countryLength)
+        return std::nullopt;
+    return std::string(region.data(), countryLength);
 }
 
 const std::string& Zone::identifier() const {

@@ -32,6 +32,9 @@ public:
     /// Every zone's IANA name, sorted; without the "Etc/", "SystemV/" and three-letter ones.
     static std::vector<std::string> identifiers();
 
+    /// The ISO 3166 country of a zone; nothing for one of no country or a name that isn't known.
+    static std::optional<std::string> region(std::string_view identifier);
+
     const std::string& identifier() const;
 
     /// How far the zone's clocks are ahead of UTC at a moment; negative to the west.
