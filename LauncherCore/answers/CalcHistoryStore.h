@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LauncherCore/answers/Answer.h"
 #include "LauncherCore/answers/Calc.h"
 
 #include <cstddef>
@@ -12,7 +13,7 @@ namespace tessarine {
 
 /// One calculation that the user kept.
 struct CalcEntry {
-    enum class Kind { math, unit, currency, date };
+    using Kind = AnswerKind;
 
     std::string id;                    ///< unique within the history
     std::string expression;            ///< what was typed

@@ -81,8 +81,7 @@ Answer whichIngredient(std::string detail) {
     return {.value = "Which ingredient?",
             .detail = std::move(detail),
             .symbol = std::string(symbol),
-            .source = {},
-            .glyph = {}};
+            .kind = AnswerKind::unit};
 }
 
 Answer needsIngredient(const UnitQuantity& amount, const Formats& formats) {
@@ -128,8 +127,8 @@ std::optional<Answer> known(const Question& question,
                             Calc::format(ingredient.gramsPerCup, formats) + " g per US cup" +
                             std::string(UnitPrinting::note(measure)),
                   .symbol = std::string(symbol),
-                  .source = {},
-                  .glyph = {}};
+                  .kind = AnswerKind::unit,
+                  .number = value};
 }
 
 } // namespace

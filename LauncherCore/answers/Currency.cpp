@@ -84,7 +84,8 @@ Answer withoutTable(std::string_view code, std::string_view place) {
                   "; the table is fetched once and cached, so check the connection";
     return {.value = "Rates have not loaded yet",
             .detail = std::move(detail),
-            .symbol = std::string(symbol)};
+            .symbol = std::string(symbol),
+            .kind = AnswerKind::currency};
 }
 
 Answer withoutRate(std::string_view code, std::string_view place) {
@@ -96,7 +97,8 @@ Answer withoutRate(std::string_view code, std::string_view place) {
             : fmt::format("{}, which this table does not carry. {}", spends(place, code), wider);
     return {.value = "No rate for the " + Answers::currencyName(code),
             .detail = std::move(detail),
-            .symbol = std::string(symbol)};
+            .symbol = std::string(symbol),
+            .kind = AnswerKind::currency};
 }
 
 std::string placeName(const ResolvedCurrency& currency) {
@@ -154,7 +156,9 @@ std::optional<Answer> conversion(
                                         Answers::ageText(rates.fetched, now)),
                   .symbol = std::string(symbol),
                   .source = source(rates),
-                  .glyph = flag(sides.to)};
+                  .glyph = flag(sides.to),
+                  .kind = AnswerKind::currency,
+                  .number = result->amount};
 }
 
 } // namespace
@@ -209,7 +213,9 @@ std::vector<Answer> Answers::currencyFan(std::string_view text,
                                               ageText(rates->fetched, now)),
                         .symbol = std::string(symbol),
                         .source = source(*rates),
-                        .glyph = flag({.code = std::string(code), .place = std::nullopt})});
+                        .glyph = flag({.code = std::string(code), .place = std::nullopt}),
+                        .kind = AnswerKind::currency,
+                        .number = result->amount});
     }
     return rows;
 }

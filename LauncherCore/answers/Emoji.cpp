@@ -107,7 +107,7 @@ std::vector<Emoji::Entry> Emoji::search(std::string_view text, std::size_t limit
     return result;
 }
 
-void Emoji::prepare() {
+void Emoji::warm() {
     table();
 }
 

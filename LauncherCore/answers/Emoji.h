@@ -24,6 +24,6 @@ struct Entry {
 std::vector<Entry> search(std::string_view text, std::size_t limit);
 
 /// Builds the table, some milliseconds, so that the first search need not.
-void prepare();
+void warm();
 
 } // namespace tessarine::Emoji

@@ -143,6 +143,11 @@ std::optional<Place> Places::home(std::string_view ofCurrency) {
     return found(homes, std::string(ofCurrency));
 }
 
+void Places::warm() {
+    resolve({});
+    home({});
+}
+
 std::string Places::flagOfRegion(std::string_view region) {
     const auto isLetter = [](char c) { return c >= 'A' && c <= 'Z'; };
     if (region.size() != 2 || !std::ranges::all_of(region, isLetter))

@@ -27,6 +27,9 @@ std::string key(std::string_view word);
 /// code's first letters name, else the first of the table that uses it; nothing for none.
 std::optional<Place> home(std::string_view ofCurrency);
 
+/// Builds the tables, under a millisecond, so that the first question need not.
+void warm();
+
 /// The flag of a region's two letters; empty for anything else.
 std::string flagOfRegion(std::string_view region);
 std::string flagOfCurrency(std::string_view code);

@@ -39,7 +39,7 @@ TimeZones::answers(std::string_view text, const Context& context, const Formats&
     return {};
 }
 
-void TimeZones::prepare() {
+void TimeZones::warm() {
     ZonePlaces::prepare();
     // A question of each family compiles its patterns.
     const ZoneClock clock{.name = "UTC", .identifier = "Etc/UTC"};

@@ -64,6 +64,6 @@ std::string nowValue(const ZoneClock& clock, const Context& context, const Forma
 std::string cityName(std::string_view identifier);
 
 /// Builds the tables, some milliseconds of work that the first question would wait for otherwise.
-void prepare();
+void warm();
 
 } // namespace tessarine::TimeZones

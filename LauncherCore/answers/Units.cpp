@@ -64,8 +64,8 @@ std::optional<Answer> conversion(const UnitQuantity& source,
     return Answer{.value = Calc::format(value, formats) + " " + std::string(label),
                   .detail = detail(source, label, {source.unit, target}, measure, formats),
                   .symbol = std::string(UnitTables::symbol(target.kind)),
-                  .source = {},
-                  .glyph = {}};
+                  .kind = AnswerKind::unit,
+                  .number = value};
 }
 
 /// "350 degrees in c": whoever asks for one scale has the other.
@@ -161,8 +161,8 @@ std::optional<Answer> conversion(const UnitQuantity& source,
                            Calc::format(rest, formats) + " " + std::string(restLabel),
                   .detail = detail(source, label, {source.unit, larger, smaller}, measure, formats),
                   .symbol = std::string(UnitTables::symbol(smaller.kind)),
-                  .source = {},
-                  .glyph = {}};
+                  .kind = AnswerKind::unit,
+                  .number = converted(source.value, source.unit, larger)};
 }
 
 /// Words that begin or end as a quantity does but are typed for something else: "a m…", "1st".

@@ -36,7 +36,7 @@ std::string encoded(const icu::UnicodeString& text) {
 
 /// "C" and "POSIX" say nothing of a language: plain English figures.
 icu::Locale localeNamed(const std::string& name) {
-    if (name == "C" || name == "POSIX" || name.starts_with("C."))
+    if (name.empty() || name == "C" || name == "POSIX" || name.starts_with("C."))
         return icu::Locale::getUS();
     return icu::Locale::createCanonical(name.c_str());
 }

@@ -47,4 +47,8 @@ bool Scalars::isLetter(char32_t scalar) {
     return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & U_GC_L_MASK) != 0;
 }
 
+bool Scalars::isDigit(char32_t scalar) {
+    return u_isdigit(static_cast<UChar32>(scalar)) != 0;
+}
+
 } // namespace tessarine

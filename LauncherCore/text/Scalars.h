@@ -21,4 +21,7 @@ Scalar before(std::string_view text, std::size_t end);
 /// General category L.
 bool isLetter(char32_t scalar);
 
+/// General category Nd: the decimal digits of every script.
+bool isDigit(char32_t scalar);
+
 } // namespace tessarine::Scalars

@@ -97,6 +97,9 @@ Environment readEnvironment(const Variable& variable, std::string_view accountHo
     environment.desktops = split(variable("XDG_CURRENT_DESKTOP").value_or(""), ':');
     environment.languagePriority = variable("LANGUAGE").value_or("");
     environment.messagesLocale = locale(variable, {"LC_ALL", "LC_MESSAGES", "LANG"});
+    environment.numbersLocale = locale(variable, {"LC_ALL", "LC_NUMERIC", "LANG"});
+    environment.moneyLocale = locale(variable, {"LC_ALL", "LC_MONETARY", "LANG"});
+    environment.datesLocale = locale(variable, {"LC_ALL", "LC_TIME", "LANG"});
     environment.collationLocale = locale(variable, {"LC_ALL", "LC_COLLATE", "LANG"});
     environment.terminal = variable("TERMINAL").value_or("");
     environment.userFolders = userFolders(environment, "");

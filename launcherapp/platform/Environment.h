@@ -33,6 +33,9 @@ struct Environment {
     std::string languagePriority;      ///< LANGUAGE; may be empty
     std::string messagesLocale;        ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set
     std::string collationLocale;       ///< of LC_ALL, LC_COLLATE, LANG; "C" when none is set
+    std::string numbersLocale;             ///< of LC_ALL, LC_NUMERIC, LANG
+    std::string moneyLocale;               ///< of LC_ALL, LC_MONETARY, LANG
+    std::string datesLocale;               ///< of LC_ALL, LC_TIME, LANG
     std::string terminal;              ///< TERMINAL; may be empty
     bool hasX11 = false;               ///< DISPLAY is set
     bool hasWayland = false;           ///< WAYLAND_DISPLAY is set

@@ -32,7 +32,7 @@ std::optional<T> number(const StoredNumbers& numbers, const std::string& key) {
 }
 
 std::string localeCurrency(const Environment& environment) {
-    return LocaleFacts::currency(environment.messagesLocale).value_or("USD");
+    return LocaleFacts::currency(environment.moneyLocale).value_or("USD");
 }
 
 std::vector<std::string> usualFolders(const Environment& environment) {

@@ -37,7 +37,7 @@ struct Start {
                             .userFolders = {.downloads = "/home/u/Downloads",
                                             .desktop = "/home/u/Desktop",
                                             .documents = ""}, // turned off
-                            .messagesLocale = "de_DE.UTF-8"};
+                            .moneyLocale = "de_DE.UTF-8"};
     Prefs prefs{store, environment};
 };
 
