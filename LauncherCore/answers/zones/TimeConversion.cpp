@@ -161,6 +161,18 @@ targetsFirst(std::string_view text, const DayPhrase& day, const Context& context
     return std::nullopt;
 }
 
+/// "pst est" without a connector: two zones, the first of them the clock's.
+Sides sidesOf(std::string_view rest) {
+    const auto sides = atLastConnector(rest);
+    const auto blank = rest.find(' ');
+    if (!sides.connector.empty() || blank == std::string_view::npos || ZonePlaces::isZoneName(rest))
+        return sides;
+    const auto second = rest.substr(blank + 1);
+    if (ZonePlaces::isZoneName(rest.substr(0, blank)) && ZonePlaces::isZoneName(second))
+        return {.source = rest.substr(0, blank), .targets = second};
+    return sides;
+}
+
 std::string_view withoutAsk(std::string_view text) {
     const auto ask = ZoneWords::stripped(text, ZoneWords::askPrefixes());
     return ZoneWords::withoutAllOf(ask ? ask->rest : text, openings);
@@ -171,7 +183,7 @@ std::optional<Stated> stated(std::string_view text, const Context& context) {
     text = withoutAsk(withoutDay(withoutAsk(text), day));
     if (auto clock = TimeZones::leadingClock(text)) {
         const auto rest = joinedAtMiddle(clock->rest);
-        return resolved(std::move(*clock), atLastConnector(rest), day, context);
+        return resolved(std::move(*clock), sidesOf(rest), day, context);
     }
     if (auto clock = TimeZones::bareHour(text)) {
         const auto rest = clock->rest;

@@ -84,8 +84,8 @@ struct ClockShape {
     Readings (*readings)(const Pattern::Match&);
 };
 
-const std::array<ClockShape, 5>& clockShapes() {
-    static const std::array<ClockShape, 5> shapes{
+const std::array<ClockShape, 6>& clockShapes() {
+    static const std::array<ClockShape, 6> shapes{
         ClockShape{Pattern(R"(^(noon|midday|midnight)(?:\s+(.*))?$)"), 2, namedClock},
         ClockShape{Pattern(R"(^(half past|quarter past|quarter to)\s+(\d{1,2}|one|two|three|four)"
                            R"(|five|six|seven|eight|nine|ten|eleven|twelve)(?:\s+(.*))?$)"),
@@ -99,6 +99,8 @@ const std::array<ClockShape, 5>& clockShapes() {
                    4,
                    clockWithHalf},
         ClockShape{Pattern(R"(^(\d{1,2}):(\d{2})(?:\s+(.*))?$)"), 3, clockOfDigits},
+        // As the British write it; without its half it would be a figure.
+        ClockShape{Pattern(R"(^(\d{1,2})\.(\d{2})\s*(am|pm)(?:\s+(.*))?$)"), 4, clockWithHalf},
     };
     return shapes;
 }

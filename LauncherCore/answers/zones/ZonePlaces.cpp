@@ -186,8 +186,10 @@ ZonePlaces::resolveAll(std::string_view text, const Context& context, Unknown un
     for (std::size_t part = 0; part < ends.size();) {
         std::size_t taken = 0;
         for (std::size_t count = std::min(mostParts, ends.size() - part); count > 0; --count) {
-            const auto words = text.substr(start, ends[part + count - 1].first - start);
-            auto found = resolve(ZoneWords::trimmed(words), context);
+            const auto words =
+                ZoneWords::trimmed(text.substr(start, ends[part + count - 1].first - start));
+            // "in tokyo and in paris"
+            auto found = resolve(ZoneWords::after(words, "in").value_or(words), context);
             if (!found)
                 continue;
             add(places, std::move(*found));

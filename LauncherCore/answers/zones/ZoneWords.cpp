@@ -53,6 +53,7 @@ constexpr auto heads = std::to_array<std::string_view>({
     "time difference to",
     "how far behind is",
     "how many hours is",
+    "time diff between",
     "how far ahead is",
     "time difference",
     "how many hours",
@@ -63,6 +64,7 @@ constexpr auto heads = std::to_array<std::string_view>({
     "gmt offset",
     "utc offset",
     "offset for",
+    "time diff",
     "offset",
 });
 

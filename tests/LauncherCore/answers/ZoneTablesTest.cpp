@@ -13,7 +13,6 @@
 namespace tessarine {
 namespace {
 
-using testing::Contains;
 using testing::SizeIs;
 
 std::string key(std::string_view word) {

@@ -10,9 +10,8 @@
 namespace tessarine {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Field;
+
 using testing::SizeIs;
 
 class ZoneStoreTest : public testing::Test {
