@@ -40,8 +40,10 @@ std::string withoutStop(std::string_view text) {
     return Folding::fold(text);
 }
 
-/// 1 to 12.
-std::optional<unsigned> monthNamed(std::string_view word, const Formats& formats) {
+/// 1 to 12 for a name; a number as it stands.
+std::optional<unsigned> monthOf(const std::string& word, const Formats& formats) {
+    if (word.front() >= '0' && word.front() <= '9')
+        return static_cast<unsigned>(number(word));
     const auto name = withoutStop(word);
     for (unsigned month = 0; month < englishMonths.size(); ++month)
         if (name == englishMonths[month] || name == englishMonths[month].substr(0, shortMonth))
@@ -60,23 +62,23 @@ std::optional<unsigned> monthNamed(std::string_view word, const Formats& formats
 }
 
 struct Written {
-    std::string year; ///< empty when it was left out
-    std::optional<unsigned> month;
+    std::string year;  ///< empty when it was left out
+    std::string month; ///< its name or number
     std::string day;
 };
 
-std::optional<Written> read(std::string_view text, const Formats& formats) {
+std::optional<Written> read(std::string_view text) {
     static const Pattern monthFirst(
         R"(^(\p{L}+\.?)\s+(\d{1,2})(?:st|nd|rd|th)?(?:(?:\s*,\s*|\s+)(\d{4}))?$)");
     static const Pattern dayFirst(
         R"(^(\d{1,2})(?:st|nd|rd|th|\.)?\s+(?:of\s+)?(\p{L}+\.?)(?:(?:\s*,\s*|\s+)(\d{4}))?$)");
     static const Pattern numbers(R"(^(\d{4})-(\d{1,2})-(\d{1,2})$)");
     if (const auto match = monthFirst.match(text))
-        return Written{(*match)[3], monthNamed((*match)[1], formats), (*match)[2]};
+        return Written{(*match)[3], (*match)[1], (*match)[2]};
     if (const auto match = dayFirst.match(text))
-        return Written{(*match)[3], monthNamed((*match)[2], formats), (*match)[1]};
+        return Written{(*match)[3], (*match)[2], (*match)[1]};
     if (const auto match = numbers.match(text))
-        return Written{(*match)[1], static_cast<unsigned>(number((*match)[2])), (*match)[3]};
+        return Written{(*match)[1], (*match)[2], (*match)[3]};
     return std::nullopt;
 }
 
@@ -101,13 +103,16 @@ std::optional<year_month_day> DateWords::date(std::string_view text,
                                               const year_month_day& today,
                                               Year missing,
                                               const Formats& formats) {
-    const auto written = read(text, formats);
-    if (!written || !written->month)
+    const auto written = read(text);
+    if (!written || (written->year.empty() && missing == Year::stated))
         return std::nullopt;
-    const std::chrono::month_day day{std::chrono::month(*written->month),
+    const auto month = monthOf(written->month, formats);
+    if (!month)
+        return std::nullopt;
+    const std::chrono::month_day day{std::chrono::month(*month),
                                      std::chrono::day(static_cast<unsigned>(number(written->day)))};
     if (written->year.empty())
-        return missing == Year::stated || !day.ok() ? std::nullopt : nearest(day, today, missing);
+        return day.ok() ? nearest(day, today, missing) : std::nullopt;
     const auto date = std::chrono::year(number(written->year)) / day;
     return date.ok() ? std::optional(date) : std::nullopt;
 }
