@@ -22,6 +22,11 @@ public:
     /// A directory itself; a link to one is none.
     bool isDirectory(std::size_t index) const { return entries_[index].isDirectory; }
 
+    /// The reading broke off: there may be more than these.
+    bool isPartial() const { return partial_; }
+
+    void markPartial() { partial_ = true; }
+
     /// Makes room, so that adding as much as this allocates nothing.
     void reserve(std::size_t entryCount, std::size_t nameBytes) {
         entries_.reserve(entryCount);
@@ -63,6 +68,7 @@ private:
 
     std::string names_;
     std::vector<Entry> entries_;
+    bool partial_ = false;
 };
 
 } // namespace tessarine

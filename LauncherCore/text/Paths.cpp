@@ -8,6 +8,18 @@ std::string_view Paths::withoutEndSlashes(std::string_view path) {
     return path;
 }
 
+std::string Paths::normalized(std::string_view path) {
+    std::string result;
+    result.reserve(path.size());
+    for (const char c : path) {
+        if (c != '/' || !result.ends_with('/'))
+            result += c;
+    }
+    if (result.size() > 1 && result.ends_with('/'))
+        result.pop_back();
+    return result;
+}
+
 std::string_view Paths::parent(std::string_view path) {
     const auto slash = path.rfind('/');
     return slash == 0 || slash == std::string_view::npos ? "/" : path.substr(0, slash);

@@ -9,6 +9,9 @@ namespace tessarine::Paths {
 /// Without slashes at its end; "/" stays.
 std::string_view withoutEndSlashes(std::string_view path);
 
+/// Without slashes at its end, nor two in a row; "/" stays.
+std::string normalized(std::string_view path);
+
 /// The folder that holds it; "/" for one at the top, and for "/" itself.
 std::string_view parent(std::string_view path);
 

@@ -11,6 +11,7 @@
 #include "launcherapp/platform/WorkQueues.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -26,6 +27,12 @@ constexpr auto driveFolders = std::to_array<std::string_view>({"/media/", "/run/
 bool isBelowAny(std::string_view id, std::span<const std::string> folders) {
     return std::ranges::any_of(
         folders, [&](const std::string& folder) { return Paths::isAtOrBelow(id, folder); });
+}
+
+/// An empty path would be taken for "/", and a relative one for a place below wherever the program
+/// was started.
+bool isFullPath(const std::string& path) {
+    return path.starts_with('/');
 }
 
 } // namespace
@@ -53,7 +60,7 @@ void FileIndex::start() {
         [&files = std::as_const(doors_.files),
          path = cachePath_,
          trusted = Trusted{.mountedDrives = volumes_.mountedDrivePaths(),
-                           .searchFolders = settings_.searchFolders()}] {
+                           .searchFolders = searchFolders()}] {
             return loadCache(files, path, trusted);
         },
         [this, alive = std::weak_ptr(alive_)](const Cached& cached) {
@@ -148,11 +155,30 @@ void FileIndex::writeCache() {
         });
 }
 
-std::vector<std::string> FileIndex::roots() const {
+std::vector<std::string> FileIndex::searchFolders() const {
     std::vector<std::string> folders;
-    for (const auto& folder : settings_.searchFolders())
-        folders.push_back(IndexRoots::normalized(folder));
-    return IndexRoots::joined(std::move(folders), volumes_.indexRoots());
+    for (const auto& folder : settings_.searchFolders()) {
+        if (isFullPath(folder))
+            folders.push_back(Paths::normalized(folder));
+    }
+    return folders;
+}
+
+std::vector<std::string> FileIndex::roots() const {
+    return IndexRoots::joined(searchFolders(), volumes_.indexRoots());
+}
+
+/// Once for each list of them.
+void FileIndex::tellOfSkippedFolders() {
+    auto skipped = settings_.searchFolders();
+    std::erase_if(skipped, isFullPath);
+    if (skipped == skippedBefore_)
+        return;
+    if (!skipped.empty())
+        doors_.diagnostics.log(fmt::format("file index: search folders that are no full path are "
+                                           "skipped: \"{}\"",
+                                           fmt::join(skipped, "\", \"")));
+    skippedBefore_ = std::move(skipped);
 }
 
 std::vector<NameIndex::Found> FileIndex::search(const NameIndex::Question& question,
@@ -185,6 +211,7 @@ Subscription FileIndex::onPublished(std::function<void()> published) {
 }
 
 void FileIndex::watch() {
+    tellOfSkippedFolders();
     stream_.reset();
     const auto current = roots();
     if (current.empty())
@@ -261,7 +288,7 @@ void FileIndex::noteChanges(const std::vector<TreeChanges::Event>& events) {
         const auto root = IndexRoots::rootOf(event.path, current);
         if (!root)
             continue;
-        const auto path = IndexRoots::normalized(event.path);
+        const auto path = Paths::normalized(event.path);
         if (path == *root)
             dirtyRoots_.insert(*root);
         else

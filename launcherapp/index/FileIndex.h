@@ -90,7 +90,7 @@ public:
     /// The generation in use; never null.
     const std::shared_ptr<const NameIndex>& items() const { return index_; }
 
-    /// Search folders, then the drives that are indexed.
+    /// Search folders that are full paths, then the drives that are indexed.
     std::vector<std::string> roots() const;
 
     /// What was found, best first; see `NameIndex::search`.
@@ -131,6 +131,10 @@ private:
     void adopt(std::shared_ptr<const NameIndex> index);
     void writeCache();
     void tellOfPolling();
+    void tellOfSkippedFolders();
+
+    /// Those of the user's that are full paths.
+    std::vector<std::string> searchFolders() const;
 
     // Watching.
     void watch();
@@ -204,6 +208,7 @@ private:
     bool cacheIsWritten_ = false; ///< right now, in the background
     bool cacheIsStale_ = false;   ///< a newer generation waits to be written
     std::size_t polledBefore_ = 0;
+    std::vector<std::string> skippedBefore_; ///< search folders that were told of
     Observers<> observers_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(); ///< for what comes back later
 };

@@ -22,6 +22,7 @@ struct FileIndex::DriveJob {
     std::uint64_t number = 0;         ///< of this walk: a later one's result counts alone
     std::vector<std::string> changed; ///< directories to look at again; none: a whole walk
     SharedItems items;                ///< what is known of the drive, for those
+    bool isKnown = false;             ///< its files were read before
     IndexWalker::Policy policy;
     double startedAt = 0; ///< seconds since 1970, UTC
     std::shared_ptr<std::atomic<bool>> opened = std::make_shared<std::atomic<bool>>(false);
@@ -56,6 +57,7 @@ void FileIndex::walkDrive(const std::string& path) {
     volumes_.setStatus(path, "indexing…");
     DriveJob job{.path = path,
                  .name = volumes_.indexedNames().at(path),
+                 .isKnown = held > 0,
                  .policy = IndexRoots::policy(IndexRoots::Kind::drive, budget)};
     doors_.queue.postAfter(
         driveNotice,
@@ -82,6 +84,7 @@ void FileIndex::repairDrive(const std::string& path) {
               .name = volumes_.indexedNames().at(path),
               .changed = {dirty.mapped().begin(), dirty.mapped().end()},
               .items = known,
+              .isKnown = true,
               .policy = IndexRoots::policy(IndexRoots::Kind::drive, budget)});
 }
 
@@ -101,7 +104,8 @@ void FileIndex::runApart(DriveJob job) {
             } else {
                 *job.opened = walker->opens(job.path);
                 const auto walked = walker->walkTree(job.path, 1, job.policy);
-                if (!walked.opened)
+                // A part of the files must not take the place of all.
+                if (!walked.opened || (walked.partial && job.isKnown))
                     return walk;
                 walk.millis = walked.millis;
                 walk.items = IndexRebuild::withDriveItself(job.path, job.name, walked.items);

@@ -96,12 +96,17 @@ private:
 
     void walk(const std::string& root) {
         const auto policy = policyOf(root, total_);
-        auto result = walker_.walkTree(IndexRoots::normalized(root), 1, policy);
+        auto result = walker_.walkTree(root, 1, policy);
         const auto before = known(root);
-        if (!result.opened) {
-            reports_.push_back(fmt::format(
-                "{}: could not open; kept {}", nameOf(root), before ? before->size() : 0));
-            total_ += before ? before->size() : 0;
+        const auto held = before ? before->size() : 0;
+        // A part of the files must not pass for all of them; it is better than none, though.
+        const bool isWorse = result.partial && held > 0;
+        if (!result.opened || isWorse) {
+            reports_.push_back(fmt::format("{}: {}; kept {}",
+                                           nameOf(root),
+                                           isWorse ? "reading it broke off" : "could not open",
+                                           held));
+            total_ += held;
             return;
         }
         result.items.shrink();
@@ -134,11 +139,15 @@ private:
         auto result = walker_.reconcile(root, directories, policy, *before, largestBatch);
         if (result.fullWalkNeeded) {
             output_.marked.push_back(root);
-            reports_.push_back(fmt::format(
-                "{}: {} dir(s) named the root or exceeded the batch cap; full walk next",
-                nameOf(root),
-                directories.size()));
-            return;
+            const auto reason =
+                result.dirsUnread > 0
+                    ? fmt::format("{} dir(s) could not be read and keep what they held",
+                                  result.dirsUnread)
+                    : fmt::format("{} dir(s) named the root or exceeded the batch cap",
+                                  directories.size());
+            reports_.push_back(fmt::format("{}: {}; full walk next", nameOf(root), reason));
+            if (result.dirsWalked == 0)
+                return;
         }
         reports_.push_back(fmt::format("{}: delta +{} -{} over {} dir(s) in {:.0f} ms",
                                        nameOf(root),

@@ -41,7 +41,7 @@ IndexRoots::Kind IndexRoots::kindOf(const std::string& root,
     if (drives.contains(root))
         return Kind::drive;
     const bool foldersOnly = std::ranges::any_of(
-        foldersOnlyRoots, [&](const std::string& each) { return normalized(each) == root; });
+        foldersOnlyRoots, [&](const std::string& each) { return Paths::normalized(each) == root; });
     return foldersOnly ? Kind::foldersOnly : Kind::searchFolder;
 }
 
@@ -64,10 +64,6 @@ IndexWalker::Policy IndexRoots::policy(Kind kind, std::int64_t budget) {
         break;
     }
     return policy;
-}
-
-std::string IndexRoots::normalized(std::string_view path) {
-    return std::string(Paths::withoutEndSlashes(path));
 }
 
 std::vector<std::string> IndexRoots::joined(std::vector<std::string> first,
@@ -111,8 +107,9 @@ IndexRoots::Split IndexRoots::splitFirstDriveWalks(std::span<const std::string> 
 std::vector<std::string> IndexRoots::openedDirectories(const std::string& root,
                                                        const ItemList& items,
                                                        const IndexWalker::Policy& policy) {
-    const auto start = normalized(root);
-    const auto slashes = static_cast<std::size_t>(std::ranges::count(start, '/'));
+    const auto start = Paths::normalized(root);
+    const auto slashes =
+        start == "/" ? 0 : static_cast<std::size_t>(std::ranges::count(start, '/'));
     std::vector<std::string> directories{start};
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (!items.isFolder(i) || items.isItself(i))

@@ -31,9 +31,6 @@ Kind kindOf(const std::string& root,
 /// How a root of this kind is walked, with `budget` items to spend.
 IndexWalker::Policy policy(Kind kind, std::int64_t budget);
 
-/// The path without slashes at its end.
-std::string normalized(std::string_view path);
-
 /// `first`, and of `drives` each that is neither one of them nor below one.
 std::vector<std::string> joined(std::vector<std::string> first,
                                 std::span<const std::string> drives);

@@ -136,6 +136,12 @@ void MountedVolumes::refresh() {
         here.push_back(drive.path);
     walker_.readmit(here);
     changed_(reasonFor(arrived, departed));
+    std::vector<std::string> left;
+    left.reserve(departed.size());
+    for (const auto& drive : departed)
+        left.push_back(drive.path);
+    // A folder of the user's may stand where the drive was mounted, and is walked like any other.
+    walker_.readmitWhenIdle(left);
 }
 
 void MountedVolumes::leave(const MountedDrive& drive) {

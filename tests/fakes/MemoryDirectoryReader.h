@@ -4,6 +4,7 @@
 #include "tests/fakes/MemoryFileStore.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 
 namespace tessarine {
@@ -15,14 +16,17 @@ public:
 
     std::optional<DirectoryListing> list(const std::string& path) const override {
         ++listings;
-        const auto directory = path.ends_with("/.") ? path.substr(0, path.size() - 2) : path;
-        const auto entries = directory == path && isLink(path)
-                                 ? std::nullopt
-                                 : files_.entries(directory.empty() ? "/" : directory);
+        const auto directory = withoutDot(path);
+        const auto entries =
+            directory == path && isLink(path) ? std::nullopt : files_.entries(directory);
         if (!entries)
             return std::nullopt;
         DirectoryListing listing;
         for (const auto& entry : *entries) {
+            if (broken.contains(directory) && listing.size() == 1) {
+                listing.markPartial();
+                break;
+            }
             if (!entry.name.starts_with('.'))
                 listing.add(entry.name, entry.kind == FileKind::directory && !entry.isLink);
         }
@@ -38,9 +42,23 @@ public:
                });
     }
 
-    mutable int listings = 0; ///< directories asked for so far
+    bool isGone(const std::string& path) const override {
+        const auto directory = withoutDot(path);
+        const auto what = files_.info(directory);
+        return (directory == path && isLink(path)) || !what || what->kind != FileKind::directory;
+    }
+
+    mutable int listings = 0;     ///< directories asked for so far
+    std::set<std::string> broken; ///< directories whose listing breaks off after an entry
 
 private:
+    static std::string withoutDot(const std::string& path) {
+        if (!path.ends_with("/."))
+            return path;
+        const auto directory = path.substr(0, path.size() - 2);
+        return directory.empty() ? "/" : directory;
+    }
+
     const MemoryFileStore& files_;
 };
 

@@ -6,6 +6,7 @@
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -51,11 +52,19 @@ public:
             fail(failure);
     }
 
+    void requireNone(const std::optional<std::string>& failure) {
+        if (failure)
+            fail(*failure);
+    }
+
     void fail(std::string_view line);
 
     bool passed() const { return passed_; }
 
     SelftestResult result() const;
+
+    /// The test could not go on: what had failed until then stays a failure.
+    SelftestResult brokenOff(std::string_view reason);
 
 private:
     std::string prefix_;

@@ -17,16 +17,14 @@ constexpr double millisPerSecond = 1000;
 constexpr int depthBelowRoot = 1;
 constexpr std::int64_t mostRoom = 400000; ///< items, as many as the whole index may have
 
-/// Without a slash at its end nor two in a row; "/" stays.
-std::string normalised(std::string_view path) {
-    std::string result;
-    result.reserve(path.size());
-    for (const char c : path) {
-        if (c != '/' || !result.ends_with('/'))
-            result += c;
-    }
-    if (result.size() > 1 && result.ends_with('/'))
-        result.pop_back();
+/// The spelling of a directory that opens it even where it is a link.
+std::string throughLink(const std::string& path) {
+    return path + "/.";
+}
+
+std::vector<std::string> normalized(std::span<const std::string> paths) {
+    std::vector<std::string> result(paths.size());
+    std::ranges::transform(paths, result.begin(), Paths::normalized);
     return result;
 }
 
@@ -169,19 +167,25 @@ bool IndexWalker::opens(const std::string& path) const {
 IndexWalker::Result
 IndexWalker::walkTree(const std::string& start, int childDepth, const Policy& policy) const {
     const double began = clock_();
-    const auto root = normalised(start);
+    const auto root = Paths::normalized(start);
+    // Any other would be read from wherever the program works, and an empty one as "/".
+    if (!root.starts_with('/'))
+        return {};
+    const WalkAborts::Running running(aborts_, root);
     const bool isWholeTree = childDepth == depthBelowRoot;
     // A folder that the user chose may itself be a link; none below it is ever followed.
-    auto listing = reader_->list(isWholeTree ? root + "/." : root);
+    auto listing = reader_->list(isWholeTree ? throughLink(root) : root);
     // A drive that has just left can't be read either, which doesn't mean that it is empty.
     if (!listing)
         return {.aborted = isAborted(root)};
+    const bool isPartial = listing->isPartial();
     Walk walk(*reader_, *this, policy, root);
     if (isWholeTree)
         walk.makeRoom();
     auto result = walk.run(std::move(*listing), childDepth);
     if (isWholeTree && result.items.size() < mostRoom / 2)
         result.items.shrink();
+    result.partial = result.opened && isPartial;
     result.millis = (clock_() - began) * millisPerSecond;
     return result;
 }
@@ -192,12 +196,12 @@ IndexWalker::Reconciled IndexWalker::reconcile(const std::string& root,
                                                const ItemList& items,
                                                std::size_t maxDirs) const {
     const double began = clock_();
-    const auto rootPath = normalised(root);
+    const auto rootPath = Paths::normalized(root);
     std::vector<PlacedDirectory> placed;
     if (changed.size() > maxDirs)
         return {.items = items, .fullWalkNeeded = true};
     for (const auto& given : changed) {
-        auto path = normalised(given);
+        auto path = Paths::normalized(given);
         if (path == rootPath)
             return {.items = items, .fullWalkNeeded = true};
         if (const auto depth = place(path, rootPath, policy))
@@ -207,27 +211,45 @@ IndexWalker::Reconciled IndexWalker::reconcile(const std::string& root,
     if (kept.empty())
         return {.items = items};
 
+    const WalkAborts::Running running(aborts_, rootPath);
     std::vector<std::string> directories(kept.size());
     std::ranges::transform(kept, directories.begin(), &PlacedDirectory::path);
     ListRepair repair(items, std::move(directories));
-    for (std::size_t i = 0; i < kept.size(); ++i) {
+    std::size_t walked = 0;
+    bool aborted = false;
+    for (std::size_t i = 0; i < kept.size() && !aborted; ++i) {
         auto remaining = policy;
         remaining.budget = std::max<std::int64_t>(0, policy.budget - repair.countBeside(i));
         auto walk = walkTree(kept[i].path, kept[i].depth + 1, remaining);
-        if (walk.aborted)
-            return {.items = items, .fullWalkNeeded = true};
+        aborted = walk.aborted;
+        if (!isConclusive(walk, kept[i].path, rootPath))
+            continue;
         repair.replace(i, std::move(walk.items));
+        ++walked;
     }
     auto repaired = repair.finish();
     return {.items = std::move(repaired.items),
             .removed = repaired.removed,
             .added = repaired.added,
-            .dirsWalked = kept.size(),
+            .fullWalkNeeded = walked < kept.size(),
+            .dirsWalked = walked,
+            .dirsUnread = kept.size() - walked,
             .millis = (clock_() - began) * millisPerSecond};
 }
 
+/// Whether a walk of a changed directory tells all there is below it now.
+bool IndexWalker::isConclusive(const Result& walk,
+                               const std::string& directory,
+                               const std::string& root) const {
+    if (walk.opened)
+        return !walk.partial;
+    // One that went together with its root is no news: a root that can't be opened keeps its list.
+    return !walk.aborted && reader_->isGone(directory) && !reader_->isGone(throughLink(root));
+}
+
 std::optional<int>
-IndexWalker::place(const std::string& path, const std::string& root, const Policy& policy) const {
+IndexWalker::place(const std::string& given, const std::string& root, const Policy& policy) const {
+    const auto path = Paths::normalized(given);
     const auto begin = beforeSlash(root).size() + 1;
     if (path.size() <= begin || !Paths::isAtOrBelow(path, root))
         return std::nullopt;
@@ -251,20 +273,19 @@ IndexWalker::place(const std::string& path, const std::string& root, const Polic
 }
 
 void IndexWalker::abort(const std::string& path) {
-    const std::lock_guard lock(abortLock_);
-    aborting_.insert(normalised(path));
+    aborts_.add(Paths::normalized(path));
 }
 
 void IndexWalker::readmit(std::span<const std::string> paths) {
-    const std::lock_guard lock(abortLock_);
-    for (const auto& path : paths)
-        aborting_.erase(normalised(path));
+    aborts_.readmit(normalized(paths));
+}
+
+void IndexWalker::readmitWhenIdle(std::span<const std::string> paths) {
+    aborts_.readmitWhenIdle(normalized(paths));
 }
 
 bool IndexWalker::isAborted(std::string_view start) const {
-    const std::lock_guard lock(abortLock_);
-    return std::ranges::any_of(
-        aborting_, [start](const std::string& path) { return Paths::isAtOrBelow(start, path); });
+    return aborts_.contains(start);
 }
 
 } // namespace tessarine

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "LauncherCore/index/ItemList.h"
+#include "launcherapp/index/walk/WalkAborts.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <span>
@@ -37,17 +37,19 @@ public:
     struct Result {
         ItemList items;       ///< in the order of the walk, with their digest
         bool opened = false;  ///< the start could be read, and the walk was not aborted
+        bool partial = false; ///< reading the start broke off: it may hold more than `items`
         bool aborted = false; ///< the walk was ended since its drive is leaving; then not `opened`
         bool capped = false;  ///< the budget stopped the walk
         double millis = 0;
     };
 
     struct Reconciled {
-        ItemList items; ///< the repaired list, with its digest
+        ItemList items; ///< the list as far as it was repaired, with its digest
         std::size_t removed = 0;
         std::size_t added = 0;
-        bool fullWalkNeeded = false; ///< then `items` is as it was given
+        bool fullWalkNeeded = false;
         std::size_t dirsWalked = 0;
+        std::size_t dirsUnread = 0; ///< there, but not to be read just now: they keep their items
         double millis = 0;
     };
 
@@ -60,11 +62,13 @@ public:
 
     /// Walks below `start`, depth first, each directory's entries by name. `childDepth` is the
     /// depth of its direct children: 1 for a root, one more than its own for a changed directory.
+    /// A start that is no absolute path is not opened.
     Result walkTree(const std::string& start, int childDepth, const Policy& policy) const;
 
     /// Repairs a root's list after `changed` directories, so that it holds exactly what a fresh
     /// walk would find. The order stays, with what is new at the end. Asks for a full walk when
-    /// the root itself is named, when there are more than `maxDirs`, or when a walk was aborted.
+    /// the root itself is named or there are more than `maxDirs`, with nothing repaired, and when
+    /// a directory could not be read though it isn't gone, or the walk was aborted.
     Reconciled reconcile(const std::string& root,
                          std::span<const std::string> changed,
                          const Policy& policy,
@@ -76,19 +80,25 @@ public:
     std::optional<int>
     place(const std::string& path, const std::string& root, const Policy& policy) const;
 
-    /// Ends the walks at or below `path` before their next directory.
+    /// Ends the walks at or below `path` before their next directory, also those that begin until
+    /// it is readmitted.
     void abort(const std::string& path);
 
-    /// The path is no longer being left.
+    /// The paths are no longer being left.
     void readmit(std::span<const std::string> paths);
+
+    /// The paths have been left: each is readmitted once no walk at or below it is under way.
+    void readmitWhenIdle(std::span<const std::string> paths);
 
     bool isAborted(std::string_view start) const;
 
 private:
+    bool
+    isConclusive(const Result& walk, const std::string& directory, const std::string& root) const;
+
     const std::shared_ptr<const DirectoryReader> reader_;
     std::function<double()> clock_;
-    mutable std::mutex abortLock_; ///< held for the length of a look-up alone
-    std::set<std::string, std::less<>> aborting_;
+    mutable WalkAborts aborts_;
 };
 
 } // namespace tessarine

@@ -14,67 +14,93 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int attempts = 3;
-
 /// By path with "/" before all else, which puts what a directory holds right after it.
 bool comesBefore(const IndexedItem& left, const IndexedItem& right) {
     const auto rank = [](char c) { return c == '/' ? 0 : static_cast<unsigned char>(c); };
     return std::ranges::lexicographical_compare(left.id, right.id, {}, rank, rank);
 }
 
-/// Everything the rules admit but for the budget, in no order; nothing when the enumeration broke
-/// off, as it does when a directory goes while it is entered.
-std::optional<std::vector<IndexedItem>> enumerated(const std::string& root,
-                                                   const IndexWalker::Policy& policy) {
-    std::vector<IndexedItem> items;
-    std::error_code error;
-    fs::recursive_directory_iterator entry(
-        root, fs::directory_options::skip_permission_denied, error);
-    if (error)
-        return items;
-    for (; entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        const auto name = entry->path().filename().string();
-        const int depth = entry.depth() + 1;
-        std::error_code vanished;
-        const bool isDirectory = !entry->is_symlink(vanished) && entry->is_directory(vanished);
-        const bool isPackage = isDirectory && IndexRules::isPackage(name);
-        const bool isFolder = isDirectory && !isPackage;
-        if (!isFolder || depth >= policy.folderDepth)
-            entry.disable_recursion_pending();
+/// Everything the rules admit, in no order until the end. One directory is open at a time, so that
+/// the depth of the tree costs no descriptors.
+class Enumeration {
+public:
+    explicit Enumeration(const IndexWalker::Policy& policy)
+        : policy_(policy),
+          budget_(static_cast<std::size_t>(std::max<std::int64_t>(0, policy.budget))) {}
 
-        const bool isHidden = name.starts_with('.');
-        const bool isSkipped = isDirectory && (name.ends_with(".noindex") ||
-                                               (policy.skipDirs && policy.skipDirs->count(name)));
-        if (isHidden || isSkipped) {
-            entry.disable_recursion_pending();
-            continue;
+    std::optional<std::vector<IndexedItem>> run(const std::string& root) {
+        std::error_code error;
+        read(fs::directory_iterator(root, error), 1);
+        if (error)
+            return std::nullopt;
+        while (!waiting_.empty()) {
+            const auto [path, depth] = std::move(waiting_.back());
+            waiting_.pop_back();
+            // One that can't be read, for whatever reason, hides nothing but what it holds.
+            read(fs::directory_iterator(path, error), depth);
         }
-        if (!isFolder && (policy.foldersOnly || depth > policy.fileDepth))
-            continue;
-        auto extension = isFolder ? std::string() : fs::path(name).extension().string();
-        items.push_back({.id = entry->path().string(),
-                         .name = name,
-                         .norm = Matcher::normalize(name),
-                         .isFolder = isFolder,
-                         .ext = Folding::lowercase(
-                             std::string_view(extension).substr(extension.empty() ? 0 : 1))});
+        keepFirst();
+        std::ranges::sort(items_, comesBefore);
+        return std::move(items_);
     }
-    return error ? std::nullopt : std::optional(std::move(items));
-}
+
+private:
+    struct Waiting {
+        fs::path path;
+        int depth = 0; ///< of its entries
+    };
+
+    void read(fs::directory_iterator entry, int depth) {
+        std::error_code brokeOff; // then what was read stands
+        for (; entry != fs::directory_iterator(); entry.increment(brokeOff))
+            take(*entry, depth);
+        // What comes after so many can't be among the first any more.
+        if (items_.size() / 2 > budget_)
+            keepFirst();
+    }
+
+    void take(const fs::directory_entry& entry, int depth) {
+        const auto name = entry.path().filename().string();
+        if (name.starts_with('.'))
+            return;
+        std::error_code vanished;
+        const bool isDirectory = !entry.is_symlink(vanished) && entry.is_directory(vanished);
+        if (isDirectory &&
+            (name.ends_with(".noindex") || (policy_.skipDirs && policy_.skipDirs->count(name))))
+            return;
+        const bool isFolder = isDirectory && !IndexRules::isPackage(name);
+        if (!isFolder && (policy_.foldersOnly || depth > policy_.fileDepth))
+            return;
+        if (isFolder && depth < policy_.folderDepth)
+            waiting_.push_back({.path = entry.path(), .depth = depth + 1});
+        const auto extension = isFolder ? std::string() : fs::path(name).extension().string();
+        items_.push_back({.id = entry.path().string(),
+                          .name = name,
+                          .norm = Matcher::normalize(name),
+                          .isFolder = isFolder,
+                          .ext = Folding::lowercase(
+                              std::string_view(extension).substr(extension.empty() ? 0 : 1))});
+    }
+
+    void keepFirst() {
+        if (items_.size() <= budget_)
+            return;
+        const auto end = items_.begin() + static_cast<std::ptrdiff_t>(budget_);
+        std::ranges::nth_element(items_, end, comesBefore);
+        items_.erase(end, items_.end());
+    }
+
+    const IndexWalker::Policy& policy_;
+    const std::size_t budget_;
+    std::vector<IndexedItem> items_;
+    std::vector<Waiting> waiting_;
+};
 
 } // namespace
 
-std::vector<IndexedItem> legacyWalk(const std::string& root, const IndexWalker::Policy& policy) {
-    std::optional<std::vector<IndexedItem>> items;
-    for (int i = 0; i < attempts && !items; ++i)
-        items = enumerated(root, policy);
-    if (!items)
-        return {};
-    std::ranges::sort(*items, comesBefore);
-    const auto budget = static_cast<std::size_t>(std::max<std::int64_t>(0, policy.budget));
-    if (items->size() > budget)
-        items->resize(budget);
-    return *std::move(items);
+std::optional<std::vector<IndexedItem>> legacyWalk(const std::string& root,
+                                                   const IndexWalker::Policy& policy) {
+    return Enumeration(policy).run(root);
 }
 
 } // namespace tessarine

@@ -26,6 +26,13 @@ TEST(Paths, areTakenApartAtTheirSlashes) {
     }
 }
 
+TEST(Paths, oneFolderHasOneSpelling) {
+    const char* const cases[][2] = {
+        {"//a///b//", "/a/b"}, {"/a/b", "/a/b"}, {"///", "/"}, {"", ""}, {"a//b", "a/b"}};
+    for (const auto& [path, normalized] : cases)
+        EXPECT_EQ(Paths::normalized(path), normalized);
+}
+
 TEST(Paths, aSiblingThatBeginsAlikeIsNotBelow) {
     EXPECT_TRUE(Paths::isAtOrBelow("/a/b", "/a"));
     EXPECT_TRUE(Paths::isAtOrBelow("/a", "/a"));

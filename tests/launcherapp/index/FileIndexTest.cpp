@@ -332,6 +332,75 @@ TEST_F(FileIndexTest, aFolderThatCannotBeReadKeepsWhatItHad) {
     EXPECT_THAT(services.log(), HasSubstr("docs: could not open; kept 3"));
 }
 
+TEST_F(FileIndexTest, aSearchFolderThatIsNoFullPathIsSkippedAndToldOfOnce) {
+    folders = {"", "pics", "/home//u/docs//"};
+    start();
+    EXPECT_THAT(index->roots(), ElementsAre("/home/u/docs"));
+    EXPECT_THAT(trees.streams[0]->roots, ElementsAre("/home/u/docs"));
+    EXPECT_EQ(index->items()->size(), 3u);
+    index->rootsChanged();
+    EXPECT_EQ(logged("search folders that are no full path are skipped: \"\", \"pics\""), 1u);
+    create("/home/u/docs/old/fresh.txt");
+    time().advance(Seconds{20.1});
+    EXPECT_THAT(found("fresh"), ElementsAre("/home/u/docs/old/fresh.txt"));
+}
+
+TEST_F(FileIndexTest, anEmptySearchFolderTrustsNoDriveThatLeft) {
+    files().file(cachePath,
+                 R"([{"id":"/media/u/Gone/a","name":"a","norm":"a","isFolder":true,"ext":""}])");
+    folders = {""};
+    start(FileIndex::Run::headless);
+    EXPECT_EQ(index->items()->size(), 0u);
+}
+
+TEST_F(FileIndexTest, belowTheRootOfTheFileSystemNoMoreIsWatchedThanWasOpened) {
+    files().folder("/1/2/3/4/5/6");
+    folders = {"/"};
+    start();
+    const auto& watched = trees.streams[0]->covers[0].directories;
+    EXPECT_THAT(watched, Contains("/1/2/3/4/5"));
+    EXPECT_THAT(watched, Not(Contains("/1/2/3/4/5/6")));
+}
+
+TEST_F(FileIndexTest, aListingThatBreaksOffTakesNothingAway) {
+    files().file("/media/u/Stick/a.mkv", "");
+    files().file("/media/u/Stick/b.mkv", "");
+    mounts.mount("/media/u/Stick");
+    start();
+    reader->broken = {"/home/u/docs", "/media/u/Stick"};
+    index->rebuild(FileIndex::Force::yes);
+    time().settle();
+    EXPECT_THAT(found("report"), ElementsAre("/home/u/docs/report.txt"));
+    EXPECT_THAT(found("b.mkv"), ElementsAre("/media/u/Stick/b.mkv"));
+    EXPECT_EQ(logged("docs: reading it broke off; kept 3"), 1u);
+
+    // Where nothing was known before, a part is better than nothing.
+    files().file("/home/u/new/1.txt", "");
+    files().file("/home/u/new/2.txt", "");
+    reader->broken = {"/home/u/new"};
+    folders.push_back("/home/u/new");
+    index->rootsChanged();
+    time().settle();
+    EXPECT_THAT(found("1.txt"), ElementsAre("/home/u/new/1.txt"));
+}
+
+TEST_F(FileIndexTest, aChangedFolderThatCannotBeReadKeepsItsItemsUntilAFullWalk) {
+    start();
+    files().forbid("/home/u/docs/old");
+    trees.fire({"/home/u/docs/old"});
+    create("/home/u/docs/more/x.txt");
+    trees.fire({"/home/u/docs/more"});
+    time().advance(Seconds{20.1});
+    EXPECT_THAT(found("notes"), ElementsAre("/home/u/docs/old/notes.md"));
+    EXPECT_EQ(logged("docs: 1 dir(s) could not be read and keep what they held; full walk next"),
+              1u);
+    EXPECT_THAT(found("x.txt"), ElementsAre("/home/u/docs/more/x.txt"));
+    files().allow("/home/u/docs/old");
+    files().file("/home/u/docs/old/unseen.txt", "");
+    time().advance(Seconds{31}); // for which the walk is held
+    EXPECT_THAT(found("unseen"), ElementsAre("/home/u/docs/old/unseen.txt"));
+}
+
 TEST_F(FileIndexTest, aRootMayBeForFoldersAlone) {
     foldersOnly = {"/home/u/docs/"};
     start();

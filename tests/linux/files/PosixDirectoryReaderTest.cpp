@@ -6,12 +6,15 @@
 #include "launcherapp/index/walk/LegacyWalk.h"
 #include "launcherapp/platform/linux/files/PosixFileStore.h"
 #include "tests/linux/EventLoop.h"
+#include "tests/linux/MountNamespace.h"
 
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <cstring>
 #include <fcntl.h>
 #include <random>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -38,11 +41,13 @@ protected:
 
     IndexWalker::Result walk() const { return walker.walkTree(folder.path(), 1, everything); }
 
+    /// With every field, and in the same order.
     void expectAsLegacy(const IndexWalker::Policy& policy) const {
-        ItemList legacy;
-        for (const auto& item : legacyWalk(folder.path(), policy))
-            legacy.add(item);
-        EXPECT_TRUE(walker.walkTree(folder.path(), 1, policy).items == legacy);
+        const auto list = walker.walkTree(folder.path(), 1, policy).items;
+        std::vector<IndexedItem> items;
+        for (std::size_t i = 0; i < list.size(); ++i)
+            items.push_back(list.item(i));
+        EXPECT_TRUE(legacyWalk(folder.path(), policy) == items);
     }
 
     ScratchFolder folder;
@@ -68,6 +73,67 @@ TEST_F(PosixDirectoryReaderTest, listsByBytesAndTellsDirectoriesFromLinksToThem)
     EXPECT_TRUE(reader.isLink(folder.path("/loop")));
     EXPECT_FALSE(reader.isLink(folder.path("/dir")));
     EXPECT_FALSE(reader.isLink(folder.path("/gone")));
+}
+
+TEST_F(PosixDirectoryReaderTest, onlyWhatIsNoDirectoryForCertainIsGone) {
+    folder.folder("/dir");
+    folder.write("/file", "");
+    ::symlink("dir", folder.path("/link").c_str());
+    const std::string tooLong = "/" + std::string(300, 'x');
+    std::string far; // beyond what the kernel takes at once
+    for (int i = 0; i < 20; ++i)
+        far += "/" + std::string(250, 'x');
+
+    const struct {
+        std::string path;
+        bool isGone;
+    } cases[] = {
+        {"/dir", false},
+        {"/link/.", false},
+        {"/link", true},
+        {"/file", true},
+        {"/file/.", true},
+        {"/file/below", true},
+        {"/none", true},
+        {"/none/below", true},
+        {far, true},
+        {tooLong, false}, // the answer is a failure of another kind
+    };
+
+    for (const auto& [path, isGone] : cases)
+        EXPECT_EQ(reader.isGone(folder.path(path)), isGone) << path;
+}
+
+/// Mounts a file system whose program has ended: whatever it is asked, it fails.
+std::string mountDead(const std::string& path) {
+    const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
+    const auto options = "fd=" + std::to_string(device) + ",rootmode=40000,user_id=0,group_id=0";
+    const bool works =
+        device >= 0 && ::mount("dead", path.c_str(), "fuse", 0, options.c_str()) == 0;
+    const std::string reason = works ? "" : std::strerror(errno);
+    ::close(device);
+    return reason;
+}
+
+TEST_F(PosixDirectoryReaderTest, aDeadShareInsideATreeHidesNothingElseAndKeepsItsItems) {
+    const MountNamespace mounts;
+    if (!mounts.works())
+        GTEST_SKIP() << "NOT MEASURED: no mounts of our own: " << mounts.reason();
+    for (const auto* path : {"/a", "/dead/in", "/z/in"})
+        folder.folder(path);
+    const auto before = walk().items;
+    if (const auto reason = mountDead(folder.path("/dead")); !reason.empty())
+        GTEST_SKIP() << "NOT MEASURED: no file system of our own: " << reason;
+
+    EXPECT_THAT(names(folder.path("/dead")), ElementsAre("(nothing)"));
+    EXPECT_FALSE(reader.isGone(folder.path("/dead")));
+    EXPECT_EQ(walk().items.size(), 4u);
+    expectAsLegacy(everything);
+    const std::vector<std::string> changed{folder.path("/dead")};
+    const auto after = walker.reconcile(folder.path(), changed, everything, before, 200);
+    EXPECT_EQ(after.items, before);
+    EXPECT_TRUE(after.fullWalkNeeded);
+    ::umount(folder.path("/dead").c_str());
 }
 
 TEST_F(PosixDirectoryReaderTest, aDirectoryOfAnySizeIsSorted) {
@@ -135,7 +201,7 @@ TEST_F(PosixDirectoryReaderTest, whatMayNotBeReadHidesNothingElse) {
         if (::geteuid() == 0 && ::setuid(nobody) != 0)
             ::_exit(2);
         ::_exit(walk().opened && walk().items.size() == 3 &&
-                        legacyWalk(folder.path(), everything).size() == 3
+                        legacyWalk(folder.path(), everything)->size() == 3
                     ? 0
                     : 1);
     }
@@ -192,7 +258,8 @@ public:
 
 TEST_F(PosixDirectoryReaderTest, theSelftestsProveThisReaderAndRefuteAWrongOne) {
     PosixFileStore files;
-    const Environment environment{.temporaryDir = folder.path()};
+    // With a slash more than the ids of the walk have.
+    const Environment environment{.temporaryDir = "//" + folder.path()};
     for (const auto& selftest : {walkerSelftest, deltaSelftest}) {
         const auto result = selftest(walker, files, environment);
         EXPECT_EQ(result.verdict, SelftestResult::Verdict::proved) << result.report;
@@ -201,7 +268,8 @@ TEST_F(PosixDirectoryReaderTest, theSelftestsProveThisReaderAndRefuteAWrongOne) 
 
     const IndexWalker wrong(std::make_shared<WrongReader>(), [] { return 0.0; });
     EXPECT_THAT(walkerSelftest(wrong, files, environment).report,
-                HasSubstr("legacy walker disagrees on the fixture: only-legacy d1/d2/d3/f3;"));
+                HasSubstr("\nselftest-walker: legacy walker disagrees on the fixture: only-legacy "
+                          "d1/d2/d3/f3;"));
     folder.write("/f3", "");
     const std::vector<WalkerDiffRoot> roots{{.path = folder.path(), .policy = everything}};
     EXPECT_EQ(walkerDiff(wrong, roots, [] { return 0.0; }).report,
@@ -215,6 +283,63 @@ TEST_F(PosixDirectoryReaderTest, theSelftestsProveThisReaderAndRefuteAWrongOne) 
 
     const Environment nowhere{.temporaryDir = "/proc/none"};
     EXPECT_EQ(deltaSelftest(walker, files, nowhere).verdict, SelftestResult::Verdict::notMeasured);
+}
+
+/// Can't rename.
+class FailingStore : public PosixFileStore {
+public:
+    void rename(const std::string& from, const std::string&) override {
+        throw FileError(from + " could not be renamed");
+    }
+};
+
+TEST_F(PosixDirectoryReaderTest, aSelftestThatBreaksOffStillReportsWhatHadFailed) {
+    FailingStore files;
+    const Environment environment{.temporaryDir = folder.path()};
+    for (const auto& selftest : {walkerSelftest, deltaSelftest}) {
+        const auto result = selftest(walker, files, environment);
+        EXPECT_EQ(result.verdict, SelftestResult::Verdict::notMeasured);
+        EXPECT_THAT(result.report, HasSubstr(": NOT MEASURED, "));
+    }
+    const IndexWalker wrong(std::make_shared<WrongReader>(), [] { return 0.0; });
+    const auto refuted = walkerSelftest(wrong, files, environment);
+    EXPECT_EQ(refuted.verdict, SelftestResult::Verdict::refuted);
+    EXPECT_THAT(refuted.report, HasSubstr("selftest-walker: the fixture: missing d1/d2/d3/f3;"));
+    EXPECT_THAT(refuted.report, HasSubstr("could not be renamed"));
+}
+
+TEST_F(PosixDirectoryReaderTest, aRootThatCannotBeOpenedIsNeverAgreement) {
+    const auto clock = [] { return 0.0; };
+    const WalkerDiffRoot gone{.path = folder.path("/gone"), .policy = everything};
+    const std::vector alone{gone};
+    const auto nothing = walkerDiff(walker, alone, clock);
+    EXPECT_EQ(nothing.verdict, SelftestResult::Verdict::notMeasured);
+    EXPECT_EQ(nothing.report,
+              "walker-diff: " + gone.path +
+                  ": NOT MEASURED, it could not be opened\n"
+                  "walker-diff: 0 roots, 0 items; tree churn between walks 0; only-new 0; "
+                  "only-legacy 0\nwalker-diff: NOT MEASURED, no root was compared");
+    EXPECT_EQ(walkerDiff(walker, {}, clock).verdict, SelftestResult::Verdict::notMeasured);
+
+    folder.write("/file", "");
+    const std::vector both{gone, {.path = folder.path(), .policy = everything}};
+    const auto one = walkerDiff(walker, both, clock);
+    EXPECT_EQ(one.verdict, SelftestResult::Verdict::proved);
+    EXPECT_THAT(one.report, HasSubstr("NOT MEASURED"));
+    EXPECT_THAT(one.report, HasSubstr("walker-diff: 1 roots, 1 items;"));
+}
+
+TEST_F(PosixDirectoryReaderTest, theRootsOfADiffShareABudget) {
+    for (const auto* path : {"/a", "/b", "/c"})
+        folder.write(path, "");
+    auto policy = everything;
+    policy.budget = 5;
+    const std::vector roots(3, WalkerDiffRoot{.path = folder.path(), .policy = policy});
+    const auto diff = walkerDiff(walker, roots, [] { return 0.0; });
+    EXPECT_EQ(diff.verdict, SelftestResult::Verdict::proved);
+    EXPECT_THAT(diff.report, HasSubstr("new 3 items"));
+    EXPECT_THAT(diff.report, HasSubstr("new 2 items in 0 ms (again: 0 ms); legacy 2 items"));
+    EXPECT_THAT(diff.report, HasSubstr("NOT MEASURED, those before it have filled the index"));
 }
 
 } // namespace

@@ -26,8 +26,10 @@ FileDescriptor openInPieces(std::string_view path, int flags) {
     path.remove_prefix(1);
     while (above && path.size() >= PATH_MAX) {
         const auto cut = path.rfind('/', PATH_MAX - 2);
-        if (cut == std::string_view::npos)
+        if (cut == std::string_view::npos) {
+            errno = ENAMETOOLONG;
             return {};
+        }
         const std::string piece(path.substr(0, cut));
         above = FileDescriptor(
             ::openat(above.number(), piece.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -65,9 +67,12 @@ std::optional<DirectoryListing> PosixDirectoryReader::list(const std::string& pa
         const auto filled = ::getdents64(directory.number(), buffer, sizeof buffer);
         if (filled < 0 && errno == EINTR)
             continue;
-        // A listing that broke off would read as one of which half the files are gone.
-        if (filled < 0)
-            return std::nullopt;
+        if (filled < 0) {
+            if (listing.size() == 0)
+                return std::nullopt;
+            listing.markPartial();
+            break;
+        }
         if (filled == 0)
             break;
         if (listing.size() == 0)
@@ -94,6 +99,17 @@ bool PosixDirectoryReader::isLink(const std::string& path) const {
     struct stat status {};
 
     return file && ::fstat(file.number(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+bool PosixDirectoryReader::isGone(const std::string& path) const {
+    const auto file = openPath(path, O_PATH);
+    // Any other failure is of the way there: out of descriptors, not permitted, no answer.
+    if (!file)
+        return errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+
+    struct stat status {};
+
+    return ::fstat(file.number(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
 } // namespace tessarine

@@ -10,6 +10,7 @@ class PosixDirectoryReader : public DirectoryReader {
 public:
     std::optional<DirectoryListing> list(const std::string& path) const override;
     bool isLink(const std::string& path) const override;
+    bool isGone(const std::string& path) const override;
 };
 
 } // namespace tessarine

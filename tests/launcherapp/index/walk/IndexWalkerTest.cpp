@@ -132,6 +132,13 @@ TEST_F(IndexWalkerTest, theRootOfTheFileSystemIsWalked) {
     EXPECT_EQ(walker.reconcile("/", changed, policy, items, mostDirs).added, 1u);
 }
 
+TEST_F(IndexWalkerTest, aStartThatIsNoFullPathIsNotOpened) {
+    files.file("/r/file", "");
+    for (const auto* start : {"", "r", "./r"}) // the first was once taken for "/"
+        EXPECT_FALSE(walker.walkTree(start, 1, policy).opened) << start;
+    EXPECT_TRUE(walker.walkTree("//r//", 1, policy).opened);
+}
+
 TEST_F(IndexWalkerTest, onlyDirectoriesThatAWalkWouldOpenArePlaced) {
     files.folder("/r/a/b/c");
     files.link("/r/link", "/r/a");
@@ -142,6 +149,7 @@ TEST_F(IndexWalkerTest, onlyDirectoriesThatAWalkWouldOpenArePlaced) {
     } cases[] = {
         {"/r/a", 1},
         {"/r/a/b/c", 3},
+        {"/r//a/", 1},
         {"/r/gone/b", 2}, // what went is to be found gone
         {"/r/1/2/3/4/5", 5},
         {"/r/1/2/3/4/5/6", std::nullopt},
@@ -237,6 +245,59 @@ TEST_F(IndexWalkerTest, fullWalksAreAskedForWhereADeltaCannotTell) {
     EXPECT_EQ(reconcile(std::vector<std::string>(mostDirs, "/r/a"), before).added, 1u);
 }
 
+TEST_F(IndexWalkerTest, onlyADirectoryThatIsGoneLosesItsItems) {
+    const struct {
+        const char* what;
+        std::function<void()> happen;
+        std::vector<std::string> left; ///< of what "a" holds
+        std::size_t unread;
+    } cases[] = {
+        {"removed", [&] { files.remove("/r/a"); }, {}, 0},
+        {"a file now", [&] { files.remove("/r/a"), files.file("/r/a", ""); }, {}, 0},
+        {"can't be listed", [&] { files.forbid("/r/a"); }, {"a/1", "a/2"}, 1},
+        {"breaks off", [&] { reader->broken.insert("/r/a"); }, {"a/1", "a/2"}, 1},
+    };
+
+    for (const auto& [what, happen, left, unread] : cases) {
+        SCOPED_TRACE(what);
+        for (const auto* path : {"/r/a/1", "/r/a/2", "/r/b/1"})
+            files.file(path, "");
+        const auto before = walk().items;
+        files.file("/r/b/2", "");
+        happen();
+        const auto after = reconcile({"/r/a", "/r/b"}, before);
+        auto expected = left;
+        expected.insert(expected.begin(), "a/");
+        expected.insert(expected.end(), {"b/", "b/1", "b/2"}); // its neighbour is repaired
+        EXPECT_THAT(shape(after.items), ElementsAreArray(expected));
+        EXPECT_EQ(after.dirsUnread, unread);
+        EXPECT_EQ(after.fullWalkNeeded, unread > 0);
+        files.allow("/r/a");
+        files.remove("/r");
+        reader->broken.clear();
+    }
+}
+
+TEST_F(IndexWalkerTest, whatGoesTogetherWithItsRootIsKept) {
+    files.file("/r/a/1", "");
+    const auto before = walk().items;
+    files.remove("/r");
+    const auto after = reconcile({"/r/a"}, before);
+    EXPECT_EQ(after.items, before);
+    EXPECT_TRUE(after.fullWalkNeeded); // which will not open the root, and keep its list
+}
+
+TEST_F(IndexWalkerTest, aListingThatBreaksOffGivesWhatWasRead) {
+    for (const auto* path : {"/r/a/1", "/r/a/2", "/r/b/1"})
+        files.file(path, "");
+    reader->broken = {"/r/a"};
+    EXPECT_THAT(shape(walk().items), ElementsAre("a/", "a/1", "b/", "b/1"));
+    EXPECT_FALSE(walk().partial); // that is told of the start alone
+    reader->broken = {"/r"};
+    EXPECT_THAT(shape(walk().items), ElementsAre("a/", "a/1", "a/2"));
+    EXPECT_TRUE(walk().opened && walk().partial);
+}
+
 TEST_F(IndexWalkerTest, aDriveThatLeavesKeepsItsItemsUntilItIsWalkedAgain) {
     files.file("/r/a/b/1", "");
     files.file("/rest/b/1", "");
@@ -255,6 +316,7 @@ TEST_F(IndexWalkerTest, aDriveThatLeavesKeepsItsItemsUntilItIsWalkedAgain) {
     EXPECT_EQ(gone.items, before);
 
     walker.readmit(std::vector<std::string>{"/r"});
+    files.folder("/r"); // where it was mounted stands empty
     EXPECT_THAT(shape(reconcile({"/r/a"}, before).items), ElementsAre("a/"));
 }
 
@@ -266,6 +328,26 @@ TEST_F(IndexWalkerTest, anAbortEndsAWalkThatIsUnderWay) {
             walker.abort("/r");
     };
     EXPECT_TRUE(walk().aborted);
+}
+
+TEST_F(IndexWalkerTest, anAbortIsClearedOnceTheWalksItEndsHaveEnded) {
+    const std::vector<std::string> left{"/r/"};
+    files.file("/r/a/1", "");
+    files.file("/r/b/1", "");
+    files.beforeEntries = [&](const std::string& path) {
+        if (path == "/r/a") {
+            walker.abort("/r");
+            walker.readmitWhenIdle(left);
+        }
+    };
+    EXPECT_TRUE(walk().aborted);
+    files.beforeEntries = nullptr;
+    EXPECT_TRUE(walk().opened);
+
+    walker.abort("/r");
+    EXPECT_TRUE(walk().aborted); // it is still leaving
+    walker.readmitWhenIdle(left);
+    EXPECT_FALSE(walker.isAborted("/r"));
 }
 
 /// Random changes to a tree in memory, each telling which directories a watch would report.
