@@ -100,6 +100,7 @@ Environment readEnvironment(const Variable& variable, std::string_view accountHo
     environment.numbersLocale = locale(variable, {"LC_ALL", "LC_NUMERIC", "LANG"});
     environment.moneyLocale = locale(variable, {"LC_ALL", "LC_MONETARY", "LANG"});
     environment.datesLocale = locale(variable, {"LC_ALL", "LC_TIME", "LANG"});
+    environment.timeZone = variable("TZ");
     environment.collationLocale = locale(variable, {"LC_ALL", "LC_COLLATE", "LANG"});
     environment.terminal = variable("TERMINAL").value_or("");
     environment.userFolders = userFolders(environment, "");

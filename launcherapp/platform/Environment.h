@@ -28,17 +28,18 @@ struct Environment {
     std::optional<std::string> runtimeDir; ///< XDG_RUNTIME_DIR; nothing outside a login session
     std::vector<std::string> programDirs;  ///< PATH, in order
     UserFolders userFolders;
-    std::string temporaryDir = "/tmp"; ///< TMPDIR
-    std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
-    std::string languagePriority;      ///< LANGUAGE; may be empty
-    std::string messagesLocale;        ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set
-    std::string collationLocale;       ///< of LC_ALL, LC_COLLATE, LANG; "C" when none is set
-    std::string numbersLocale;             ///< of LC_ALL, LC_NUMERIC, LANG
-    std::string moneyLocale;               ///< of LC_ALL, LC_MONETARY, LANG
-    std::string datesLocale;               ///< of LC_ALL, LC_TIME, LANG
-    std::string terminal;              ///< TERMINAL; may be empty
-    bool hasX11 = false;               ///< DISPLAY is set
-    bool hasWayland = false;           ///< WAYLAND_DISPLAY is set
+    std::string temporaryDir = "/tmp";   ///< TMPDIR
+    std::vector<std::string> desktops;   ///< XDG_CURRENT_DESKTOP, in order
+    std::string languagePriority;        ///< LANGUAGE; may be empty
+    std::string messagesLocale;          ///< of LC_ALL, LC_MESSAGES, LANG; "C" when none is set
+    std::string collationLocale;         ///< of LC_ALL, LC_COLLATE, LANG; "C" when none is set
+    std::string numbersLocale;           ///< of LC_ALL, LC_NUMERIC, LANG
+    std::string moneyLocale;             ///< of LC_ALL, LC_MONETARY, LANG
+    std::string datesLocale;             ///< of LC_ALL, LC_TIME, LANG
+    std::optional<std::string> timeZone; ///< TZ
+    std::string terminal;                ///< TERMINAL; may be empty
+    bool hasX11 = false;                 ///< DISPLAY is set
+    bool hasWayland = false;             ///< WAYLAND_DISPLAY is set
 
     bool operator==(const Environment&) const = default;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LauncherCore/answers/CurrencyReading.h"
 #include "LauncherCore/catalog/CatalogApp.h"
 #include "LauncherCore/commands/CommandSpec.h"
 #include "launcherapp/query/ResultRow.h"
@@ -36,6 +37,7 @@ struct AnswerRows {
     Rows unitFan;
     Rows zones;
     Rows earlier; ///< calculations made before, shown below a calculation
+    std::optional<CurrencyReading> currencyReading; ///< an amount of money and nothing else
 };
 
 /// One entry of the clipboard's filter menu.
@@ -76,7 +78,7 @@ struct RowFamilies {
     ModeFamily people;
     Family windows;
     Family dictation;
-    Family calcHistory;
+    ModeFamily calcHistory;
     Family snippets;       ///< set while its companion is live
     Family farsillDevices; ///< set while its companion is live
     Family laneryGroups;   ///< set while its companion is live

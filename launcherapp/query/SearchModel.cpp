@@ -146,6 +146,7 @@ Rows SearchModel::builtRows() {
     const auto query = query_;
     const std::string q(Folding::trimmed(query));
     engaged_.reset();
+    currencyReading_.reset();
     if (auto rows = modeRows(q))
         return *std::move(rows);
     if (auto rows = keywordRows(q))
@@ -208,7 +209,7 @@ std::optional<Rows> SearchModel::keywordRows(std::string_view q) {
         return rowsOf(families.agenda, *argument);
     }
     if (const auto argument = keywords.argument(BuiltinKeyword::calcHistory, q))
-        return rowsOf(families.calcHistory, *argument);
+        return rowsOf(families.calcHistory, *argument, ListMode::keyword);
     // These three are modes only while their companion is live.
     const auto ofCompanion = [&](BuiltinKeyword keyword,
                                  const RowFamilies::Family& family) -> std::optional<Rows> {
@@ -332,11 +333,12 @@ void SearchModel::addAnswersAndSources(Rows& rows, std::string_view q) {
         rows.push_back(*std::move(answers.main));
     else if (answers.graph)
         rows.push_back(*std::move(answers.graph));
+    currencyReading_ = std::move(answers.currencyReading);
     append(rows, std::move(answers.currencyFan));
     append(rows, std::move(answers.unitFan));
     append(rows, std::move(answers.zones));
     append(rows, std::move(answers.earlier));
-    append(rows, rowsOf(families.calcHistory, q));
+    append(rows, rowsOf(families.calcHistory, q, ListMode::mixed));
     append(rows, rowsOf(families.snippets, q));
     append(rows, rowsOf(families.farsillDevices, q));
     append(rows, rowsOf(families.laneryGroups, q));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LauncherCore/answers/CurrencyReading.h"
 #include "LauncherCore/commands/CommandSpec.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/Observers.h"
@@ -79,6 +80,9 @@ public:
     const ResultRow* selectedRow() const; ///< null for an empty list
 
     const std::optional<CommandSpec>& engaged() const { return engaged_; }
+
+    /// The amount of money that the text is; nothing when it is anything else.
+    const std::optional<CurrencyReading>& currencyReading() const { return currencyReading_; }
 
     double lastMillis() const { return lastMillis_; }
 
@@ -171,6 +175,7 @@ private:
     std::size_t selection_ = 0;
     std::vector<ResultRow> rows_;
     std::optional<CommandSpec> engaged_;
+    std::optional<CurrencyReading> currencyReading_;
     double lastMillis_ = 0;
     bool clipboardMode_ = false;
     std::optional<std::string> clipFilter_;

@@ -22,6 +22,8 @@
 #include "launcherapp/platform/linux/files/PosixFileStore.h"
 #include "launcherapp/platform/linux/files/ProcMountTable.h"
 #include "launcherapp/platform/linux/files/QtFileTypes.h"
+#include "launcherapp/platform/linux/files/SystemZone.h"
+#include "launcherapp/platform/linux/network/QtHttpClient.h"
 #include "launcherapp/platform/linux/processes/LocalDictionary.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "launcherapp/platform/linux/processes/QtProcessLauncher.h"
@@ -31,6 +33,7 @@
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/query/UsageStore.h"
+#include "launcherapp/query/rows/EmojiRows.h"
 #include "launcherapp/query/rows/FileRows.h"
 #include "launcherapp/shell/DefaultsStore.h"
 #include "launcherapp/shell/Prefs.h"
@@ -39,6 +42,10 @@
 #include "launcherapp/shell/SupportDirectory.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/Modes.h"
+#include "launcherapp/sources/AnswerService.h"
+#include "launcherapp/sources/CalcStore.h"
+#include "launcherapp/sources/Rates.h"
+#include "launcherapp/sources/ZoneStore.h"
 
 #include <fmt/format.h>
 
@@ -121,6 +128,7 @@ struct App::Services {
     InotifyTreeWatcher trees{queue};
     QtFileTypes fileTypes;
     DesktopFileManager fileManager{queue};
+    QtHttpClient web;
 
     // The services, in start-up order.
     Demonstration demonstration{commandLine.has("--demo")};
@@ -188,6 +196,28 @@ struct App::Services {
                      [this] { return prefs.learnFromUse(); },
                      [](std::string_view) { return false; }}; // no commands of the user's yet
     SearchModel model{modelServices()};
+    Rates rates{queue, web, diagnostics, stateFile("rates.json"), rateProviders(), [this] {
+                    return prefs.rateSource();
+                }};
+    Subscription rateEdits = prefs.onChange([this](std::string_view key) {
+        if (key == prefs.rateSource.key())
+            rates.refreshIfStale(Rates::Force::no);
+    });
+    ZoneStore zones{queue,
+                    prefs,
+                    {.read = [this] { return prefs.timeHome(); },
+                     .write = [this](const std::string& zone) { rememberHome(zone); }},
+                    [zone = SystemZone(environment.timeZone)] { return zone.identifier(); }};
+    CalcStore calculations{
+        queue, stateFile("calc-history.json"), [this] { return prefs.calcHistoryEnabled(); }};
+    AnswerService answers{{.queue = queue,
+                           .prefs = prefs,
+                           .rates = rates,
+                           .zones = zones,
+                           .calculations = calculations},
+                          {.numbers = environment.numbersLocale,
+                           .money = environment.moneyLocale,
+                           .dates = environment.datesLocale}};
     CreditResolver credits{catalog, icons, files, environment};
     RecentApps recent{running, catalog};
 
@@ -206,6 +236,7 @@ struct App::Services {
         .prefs = prefs,
         .model = model,
         .credits = credits,
+        .answers = &answers,
         .indexing = &indexing,
         .freshModel = [this] { return std::make_unique<SearchModel>(modelServices()); },
         .print = printLine,
@@ -231,6 +262,10 @@ struct App::Services {
     FileIndex::Run indexRun() const;
     void wireModel();
     void wireFiles();
+    void wireAnswers();
+    void startAnswers();
+    RateProviders rateProviders() const;
+    void rememberHome(const std::string& zone);
     Rows browse(const std::string& folder, std::string_view query);
 
     FileRowSources fileRowSources() const {
@@ -256,6 +291,7 @@ void App::Services::wireModel() {
     model.verbs.quitProgram = [] { QCoreApplication::exit(0); };
     model.verbs.lookUpWord = [this](const std::string& word) { openDictionary(word); };
     wireFiles();
+    wireAnswers();
     model.families.recentApps = [this] { return recent.recent(catalog.apps()); };
     model.families.lookUp = [this](const std::string& word,
                                    const std::function<void(std::string)>& found) {
@@ -317,6 +353,54 @@ void App::Services::wireFiles() {
     };
 }
 
+/// Where rates are asked for; the preferences may name other servers that speak alike.
+RateProviders App::Services::rateProviders() const {
+    RateProviders providers;
+    if (const auto address = prefs.ecbRatesAddress(); !address.empty())
+        providers.ecb = {.address = address, .page = address};
+    if (const auto address = prefs.openRatesAddress(); !address.empty())
+        providers.open = {.address = address, .page = address};
+    return providers;
+}
+
+/// A mode that ends by itself leaves the settings alone.
+void App::Services::rememberHome(const std::string& zone) {
+    if (!endsByItself)
+        prefs.timeHome.set(zone);
+}
+
+void App::Services::startAnswers() {
+    // What is typed into a mode that ends by itself is answered from the last run's rates.
+    if (endsByItself || demonstration.isOn())
+        rates.load();
+    else
+        rates.start();
+    zones.start();
+    AnswerService::warm(work);
+}
+
+void App::Services::wireAnswers() {
+    const CalcHistoryVerbs history{
+        .typeText = [this](const std::string& text) { model.setQuery(text); },
+        .pin = [this](const std::string& id) { calculations.pin(id); },
+        .unpin = [this](const std::string& id) { calculations.unpin(id); },
+        .remove = [this](const std::string& id) { calculations.remove(id); }};
+    model.families.answers = [this, history](std::string_view query) {
+        return answers.rows(query, model.verbs, history);
+    };
+    model.families.calcHistory = [this, history](std::string_view argument, ListMode mode) {
+        return mode == ListMode::keyword ? answers.historyRows(argument, model.verbs, history)
+                                         : Rows{};
+    };
+    model.families.menuActions = [this, history](const ResultRow& row) {
+        return answers.historyActions(row, model.verbs, history);
+    };
+    model.families.emoji = [this](std::string_view query) { return emojiRows(query, model.verbs); };
+    model.families.copyText = [this](const ResultRow& row) {
+        return row.id.starts_with(emojiRowPrefix) ? row.glyph : answers.historyCopyText(row);
+    };
+}
+
 /// What a folder holds, read anew each time it is gone into.
 Rows App::Services::browse(const std::string& folder, std::string_view query) {
     if (folder != browsed)
@@ -352,6 +436,7 @@ int App::run() {
     services.volumes.start(
         [&index = services.index](std::string_view reason) { index.volumesChanged(reason); });
     services.index.start();
+    services.startAnswers();
     Modes::schedule(services.modes);
     if (services.isResident)
         std::fputs("Tessarine is running. It has no panel and no hotkey yet: see the README for "

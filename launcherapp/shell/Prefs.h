@@ -175,10 +175,13 @@ public:
     Preference<bool> calcShowRecent;
     Preference<bool> zonesFollowPerchbar;
     Preference<bool> timeHomeFollowsMac;
+    Preference<std::string> timeHome; ///< an IANA zone; empty until the first start
     Preference<std::int64_t> calcRecentRows;
     Preference<std::string> homeCurrency; ///< an ISO 4217 code
     Preference<Texts> favoriteCurrencies;
     Preference<RateSource> rateSource;
+    Preference<std::string> ecbRatesAddress;  ///< scheme and host; empty: the program's own
+    Preference<std::string> openRatesAddress; ///< likewise
     Preference<MeasureSystem> measureSystem;
     Preference<std::map<std::string, std::string>> builtinKeywordWords;
     Preference<Texts> builtinKeywordsDisabled;

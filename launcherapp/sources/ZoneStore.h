@@ -46,6 +46,9 @@ public:
     /// Where the list comes from, for the settings.
     std::string_view sourceText() const { return sourceText_; }
 
+    /// Where the computer is.
+    const ZoneClock& here() const { return here_; }
+
     /// What `TimeZones` answers by; `now` in seconds since 1970.
     TimeZones::Context context(double now) const;
 

@@ -2,6 +2,7 @@
 
 #include "LauncherCore/answers/Emoji.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -9,17 +10,18 @@ namespace tessarine {
 
 namespace {
 
+constexpr std::size_t limit = 12;
 /// Above whatever else the answers give to a text with a leading colon.
 constexpr std::int64_t bestScore = 9900;
 
 } // namespace
 
-std::vector<ResultRow> emojiRows(std::string_view query, std::size_t limit, const RowVerbs& verbs) {
+std::vector<ResultRow> emojiRows(std::string_view query, const RowVerbs& verbs) {
     std::vector<ResultRow> rows;
     for (const auto& entry : Emoji::search(query.substr(1), limit)) {
         const std::string emoji(entry.emoji);
         rows.push_back({
-            .id = "emoji:" + emoji,
+            .id = std::string(emojiRowPrefix) + emoji,
             .kind = RowKind::calc,
             .title = std::string(entry.name),
             .subtitle = "emoji",

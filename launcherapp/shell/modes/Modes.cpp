@@ -30,7 +30,6 @@ constexpr std::string_view people = "the contacts source";
 constexpr std::string_view voice = "voice search";
 constexpr std::string_view statusItem = "the status item";
 constexpr std::string_view commands = "the commands";
-constexpr std::string_view answers = "the answers";
 constexpr std::string_view toast = "the copied toast";
 constexpr std::string_view graph = "the graph";
 constexpr std::string_view wizard = "the permission wizard";
@@ -75,7 +74,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-index", none, Seconds{3}, {}, IndexModes::selftestIndex},
     {"--selftest-recompute", none, Seconds{3}, {}, QueryModes::selftestRecompute},
     {"--bench-favorites", none, {}, {}, QueryModes::benchFavorites},
-    {"--bench-answers", next, {}, answers},
+    {"--bench-answers", next, {}, {}, QueryModes::benchAnswers},
     {"--bench-stages", next, Seconds{8}, {}, QueryModes::benchStages},
     {"--actions-check", next, Seconds{2.5}, {}, QueryModes::actionsCheck},
     {"--people-check", next, Seconds{6}, people},
@@ -123,7 +122,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--jump-press-probe", next, Seconds{0.3}, commands},
     {"--search", next, Seconds{2.5}, {}, SearchMode::run},
     {"--selftest-slack", none, Seconds{2.5}, chat},
-    {"--selftest-get-sun-mode", none, Seconds{2.5}, answers},
+    {"--selftest-get-sun-mode", none, Seconds{2.5}, "the companion bridges"},
     {"--selftest-contact-verbs", none, Seconds{2.5}, people},
     {"--selftest-chrome-profiles", none, Seconds{2.5}, "the browser profiles source"},
     {"--slack-refresh", none, {}, chat},

@@ -14,6 +14,7 @@
 
 namespace tessarine {
 
+class AnswerService;
 class AppCatalog;
 class CreditResolver;
 class FileStore;
@@ -32,6 +33,7 @@ struct ModeContext {
     Prefs& prefs;
     SearchModel& model;
     CreditResolver& credits;
+    AnswerService* answers = nullptr;                         ///< null where none run
     const IndexModeServices* indexing = nullptr;              ///< null where no index runs
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output

@@ -10,6 +10,7 @@
 #include "launcherapp/shell/Prefs.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/Modes.h"
+#include "launcherapp/sources/AnswerService.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -27,6 +28,7 @@ namespace {
 
 constexpr int benchRounds = 7;
 constexpr int stageRounds = 20;
+constexpr int notMeasured = 2;
 constexpr double frameMillis = 16.0; ///< one frame at 60 Hz
 
 double millisOf(const MainQueue& clock, const std::function<void()>& work) {
@@ -117,6 +119,26 @@ void QueryModes::bench(ModeContext& context, const std::string& query) {
         context.model.rows().size(),
         indexItems,
         context.catalog.apps().size()));
+    context.finish(0);
+}
+
+void QueryModes::benchAnswers(ModeContext& context, const std::string& query) {
+    if (!context.answers) {
+        context.print("bench-answers: NOT MEASURED, no answers run here");
+        context.finish(notMeasured);
+        return;
+    }
+    constexpr int calls = 2000;
+    std::optional<Answer> answer;
+    const auto millis = millisOf(context.queue, [&] {
+        for (int i = 0; i < calls; ++i)
+            answer = context.answers->answer(query);
+    });
+    context.print(fmt::format("answers \"{}\": {:.3f} ms/call over {} calls -> {}",
+                              query,
+                              millis / calls,
+                              calls,
+                              answer ? answer->value : "no answer"));
     context.finish(0);
 }
 

@@ -10,6 +10,7 @@ struct ModeContext;
 namespace QueryModes {
 
 void bench(ModeContext& context, const std::string& query);
+void benchAnswers(ModeContext& context, const std::string& query);
 void benchStages(ModeContext& context, const std::string& query);
 void benchFavorites(ModeContext& context, const std::string& value);
 void actionsCheck(ModeContext& context, const std::string& query);

@@ -180,7 +180,9 @@ TEST_F(SearchModelTest, modesAndKeywordsHaveTheListToThemselves) {
     };
     model.families.clearClipboard = saying("clear");
     model.families.agenda = saying("agenda");
-    model.families.calcHistory = saying("calc");
+    model.families.calcHistory = [&](std::string_view query, ListMode mode) {
+        return mode == ListMode::keyword ? saying("calc")(query) : Rows{};
+    };
     model.families.tabs = [](std::string_view query, ListMode mode) {
         return mode == ListMode::keyword
                    ? Rows{row("tabs:" + std::string(query), RowKind::web, "tabs", 1)}
