@@ -75,7 +75,8 @@ TEST(DictionaryText, isTheFirstDefinitionOnOneLine) {
     EXPECT_EQ(dictDefinition("151 a\r\nfirst\r\n.\r\n151 b\r\nsecond\r\n.\r\n"), "first");
     EXPECT_EQ(dictDefinition("151 a\r\ncut short"), "cut short");
     const auto longOne = dictDefinition("151 a\r\n" + std::string(299, 'x') + "ééé\r\n.\r\n");
-    EXPECT_EQ(*longOne, std::string(299, 'x').append("…")); // cut before the letter that doesn't fit
+    EXPECT_EQ(*longOne,
+              std::string(299, 'x').append("…")); // cut before the letter that doesn't fit
     EXPECT_EQ(wordNetDefinition("\nOverview of noun dog\n\nThe noun dog has 7 senses\n"
                                 "1. (42) dog, domestic dog -- (a member)\n2. frump"),
               "(42) dog, domestic dog -- (a member)");
