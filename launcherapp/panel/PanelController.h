@@ -31,11 +31,13 @@ public:
         const Hotkey& hotkey;
     };
 
+    /// Becomes the window's and the model's: it hears of what happens to the one, and hides the
+    /// panel for the other.
     explicit PanelController(Services services);
     PanelController(const PanelController&) = delete;
     PanelController& operator=(const PanelController&) = delete;
 
-    /// Starts the warm passes.
+    /// Starts the warm passes; the first comes as soon as the program has nothing else to do.
     void start();
 
     void show();
@@ -43,6 +45,10 @@ public:
     void showClipboard();
     void hide();
     void toggle();
+    /// Hides the clipboard's list if that is what is up, else shows it.
+    void toggleClipboard();
+    /// What the panel's own chord does: a toggle, noted in the log.
+    void hotkeyFired();
     /// Puts the window into the height that its rows want; nothing happens while it is hidden.
     void relayout();
     /// Runs the first row with no list to be seen: for a command's own chord.
@@ -67,16 +73,24 @@ private:
     void relayoutBody();
     void place();
     void warm();
+    void painted();
     void windowMoved(const Rectangle& frame);
+    void rememberDrag();
+    void putWindow(const Rectangle& frame);
     double desiredHeight() const;
+    double milliseconds(Seconds from) const;
 
     Services services_;
+    std::optional<AppWindow> previousApp_;
+    std::optional<Seconds> shownAt_;       ///< when the last show began
+    bool isMeasured_ = true;               ///< the last show's time is noted
+    std::optional<Seconds> countedPress_;  ///< the last press that says nothing of a later show
+    std::optional<Seconds> lastVisibleAt_; ///< when the panel was last seen up
+    std::optional<Rectangle> lastFrame_;   ///< as the program put it last
+    std::optional<Point> draggedTo_;       ///< not stored yet
+    bool placing_ = false;                 ///< the program itself moves the window
     Subscription modelChanges_;
     Subscription warmTimer_;
-    std::optional<AppWindow> previousApp_;
-    std::optional<double> shownAt_;
-    std::optional<double> lastVisibleAt_;
-    bool placing_ = false;
 };
 
 } // namespace tessarine

@@ -30,12 +30,17 @@ double desiredHeight(const Contents& contents);
 /// The screen to come up on: the pointer's, else the main one, else the first. Nothing for none.
 std::optional<Screen> screen(std::span<const Screen> screens, const std::optional<Point>& pointer);
 
-/// The panel's frame on a screen's work area. `remembered` holds the top left that a drag left, two
-/// numbers or none.
+/// The panel's frame on a screen's work area, in whole pixels and no wider than the area.
+/// `remembered` holds the top left that a drag left, two numbers or none; without them the panel
+/// stands as at `upper`. Only `remembered` is pulled into the area.
 Rectangle frame(const Rectangle& workArea,
                 PanelPosition position,
                 double width,
                 double height,
                 const std::vector<double>& remembered);
+
+/// As much of the height as there is room for below `top`, so that a list which grows scrolls
+/// before it leaves the screen; at least `emptyHeight`.
+double fittingHeight(const Rectangle& workArea, double top, double height);
 
 } // namespace tessarine::PanelPlacement

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/commands/HotkeyBinding.h"
+#include "launcherapp/platform/MainQueue.h"
 
 #include <cstdint>
 #include <functional>
@@ -26,13 +27,21 @@ class HotkeyRegistrar {
 public:
     struct Press {
         std::uint32_t id = 0;
-        double at = 0; ///< seconds by the main queue's clock when the key went down
+        Seconds at{0}; ///< by the main queue's uptime, when the key went down
+    };
+
+    struct Events {
+        /// A chord was pressed; not called again for a key that is held down.
+        std::function<void(const Press&)> pressed;
+        /// The chords' keys are others now, as after a change of the keyboard's layout: what was
+        /// taken stands for the old ones until it is taken again.
+        std::function<void()> keysChanged;
     };
 
     virtual ~HotkeyRegistrar() = default;
 
-    /// Called for each press of a registered chord; set once.
-    virtual void setHandler(std::function<void(const Press&)> pressed) = 0;
+    /// Set once, before the first chord.
+    virtual void setEvents(Events events) = 0;
 
     /// Takes the chord for `id`, which holds none. Waits for the display's answer.
     virtual HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) = 0;
