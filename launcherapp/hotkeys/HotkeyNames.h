@@ -18,14 +18,6 @@ inline constexpr std::uint32_t firstCommand = 4; ///< and above: commands of the
 std::string name(std::uint32_t id);
 } // namespace HotkeyIDs
 
-/// The bits of a binding's modifiers. Command is the Super key here, Option is Alt.
-namespace HotkeyModifiers {
-inline constexpr std::uint32_t command = 0x100;
-inline constexpr std::uint32_t shift = 0x200;
-inline constexpr std::uint32_t option = 0x800;
-inline constexpr std::uint32_t control = 0x1000;
-} // namespace HotkeyModifiers
-
 /// How chords read. Pure; any thread.
 namespace HotkeyNames {
 

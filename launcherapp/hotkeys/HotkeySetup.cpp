@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 namespace tessarine {
 
@@ -63,34 +64,38 @@ void HotkeySetup::registerPanel(Report report) {
         return;
     }
     const auto before = hotkey.binding(HotkeyIDs::panel);
-    const auto say = [&](const std::string& text) {
-        if (report == Report::everything || hotkey.binding(HotkeyIDs::panel) != before)
-            services_.diagnostics.log(text);
-    };
-    auto chord = wanted;
-    if (const auto rival = chordIsLeftTo()) {
-        chord = fallback;
+    const auto rival = chordIsLeftTo();
+    if (rival)
         services_.diagnostics.log(
             fmt::format("{} is running; leaving {} to it and using {} until you take it over in "
                         "Settings",
                         *rival,
                         HotkeyNames::display(wanted),
                         HotkeyNames::display(fallback)));
-    }
-    if (hotkey.add(chord, HotkeyIDs::panel, actions_.panel))
+    // What is left to another launcher is asked for after all where nothing else can be had: that
+    // launcher may use other keys, and without any the panel can't be summoned.
+    std::vector<HotkeyBinding> chords{wanted};
+    if (wanted != fallback)
+        chords.insert(rival ? chords.begin() : chords.end(), fallback);
+
+    std::vector<std::string> news;
+    const auto taken = std::ranges::find_if(chords, [&](const HotkeyBinding& chord) {
+        const bool registered = hotkey.add(chord, HotkeyIDs::panel, actions_.panel);
+        if (!registered)
+            news.push_back(hotkey.status());
+        return registered;
+    });
+    if (taken == chords.end() && chords.back() != wanted)
+        hotkey.add(wanted, HotkeyIDs::panel, std::nullopt); // its status is what the user asks for
+    if (taken != chords.end() && taken != chords.begin())
+        news.push_back(rival ? fmt::format("using {} after all", HotkeyNames::display(*taken))
+                             : fmt::format("fell back to {} until {} is free",
+                                           HotkeyNames::display(*taken),
+                                           HotkeyNames::display(wanted)));
+    if (report == Report::changes && hotkey.binding(HotkeyIDs::panel) == before)
         return;
-    const auto refusal = hotkey.status();
-    if (chord != fallback && hotkey.add(fallback, HotkeyIDs::panel, std::nullopt)) {
-        say(refusal);
-        say(fmt::format("fell back to {} until {} is free",
-                        HotkeyNames::display(fallback),
-                        HotkeyNames::display(chord)));
-        return;
-    }
-    // Asked once more, so that the status is about the chord that the user knows of.
-    if (chord != fallback && hotkey.add(chord, HotkeyIDs::panel, std::nullopt))
-        return;
-    say(hotkey.status());
+    for (const auto& line : news)
+        services_.diagnostics.log(line);
 }
 
 void HotkeySetup::registerOptional(std::uint32_t id,

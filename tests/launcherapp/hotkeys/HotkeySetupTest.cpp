@@ -89,6 +89,14 @@ TEST_F(HotkeySetupTest, fallsBackWhenItsChordIsHeld) {
     EXPECT_EQ(hotkey.binding(1), commandSpace);
 }
 
+TEST_F(HotkeySetupTest, aLauncherThatUsesTheFallbackItselfLeavesTheChordToUs) {
+    rivals.names = {"KRunner"};
+    registrar.heldByOthers = {optionSpace};
+    setup.registerHotkey();
+    EXPECT_EQ(hotkey.binding(1), commandSpace);
+    EXPECT_THAT(services.log(), HasSubstr(" using ⌘Space after all\n"));
+}
+
 TEST_F(HotkeySetupTest, withoutAnyChordTheStatusTellsOfTheOneThatWasWanted) {
     registrar.heldByOthers = {commandSpace, optionSpace, commandShiftV, controlF5};
     prefs.voiceHotkey.set(controlF5);

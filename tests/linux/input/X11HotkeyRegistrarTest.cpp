@@ -1,6 +1,5 @@
 #include "launcherapp/platform/linux/input/X11HotkeyRegistrar.h"
 
-#include "launcherapp/hotkeys/HotkeyNames.h"
 #include "launcherapp/platform/linux/input/NoHotkeyRegistrar.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "tests/linux/EventLoop.h"

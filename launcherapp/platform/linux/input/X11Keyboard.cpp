@@ -1,6 +1,6 @@
 #include "launcherapp/platform/linux/input/X11Keyboard.h"
 
-#include "launcherapp/hotkeys/HotkeyNames.h"
+#include "LauncherCore/commands/HotkeyBinding.h"
 
 #include <X11/keysym.h>
 #include <xcb/xcb.h>
@@ -71,8 +71,7 @@ X11Keyboard X11Keyboard::read(xcb_connection_t* connection) {
     keyboard.firstKeyCode_ = setup->min_keycode;
     keyboard.symbolsPerKey_ = mapping->keysyms_per_keycode;
     const auto* typed = xcb_get_keyboard_mapping_keysyms(mapping.get());
-    keyboard.symbols_.assign(typed,
-                             typed + xcb_get_keyboard_mapping_keysyms_length(mapping.get()));
+    keyboard.symbols_.assign(typed, typed + xcb_get_keyboard_mapping_keysyms_length(mapping.get()));
 
     const auto* keyCodes = xcb_get_modifier_mapping_keycodes(modifiers.get());
     const std::size_t perModifier = modifiers->keycodes_per_modifier;
