@@ -32,6 +32,7 @@ std::string inWords(const Rectangle& frame) {
 
 std::string inWords(const std::vector<Screen>& screens) {
     std::vector<std::string> each;
+    each.reserve(screens.size());
     for (const auto& screen : screens)
         each.push_back(screen.name + " " + inWords(screen.frame));
     return fmt::format("{}", fmt::join(each, "; "));
