@@ -34,6 +34,12 @@ std::string oneLine(std::string_view message) {
     return line;
 }
 
+void keep(std::deque<double>& samples, double milliseconds) {
+    samples.push_back(milliseconds);
+    if (samples.size() > keptSamples)
+        samples.pop_front();
+}
+
 } // namespace
 
 /// The file's side, touched by the serial queue's jobs alone.
@@ -76,10 +82,16 @@ Diagnostics::Diagnostics(MainQueue& queue,
       log_(std::make_shared<Log>(
           Log{.files = files, .supportDir = std::move(supportDir), .run = run})) {}
 
+void Diagnostics::recordShow(double milliseconds) {
+    keep(showTimes_, milliseconds);
+}
+
+void Diagnostics::recordPress(double milliseconds) {
+    keep(pressTimes_, milliseconds);
+}
+
 void Diagnostics::recordSearch(double milliseconds) {
-    searchTimes_.push_back(milliseconds);
-    if (searchTimes_.size() > keptSamples)
-        searchTimes_.pop_front();
+    keep(searchTimes_, milliseconds);
 }
 
 std::optional<double> Diagnostics::median(std::vector<double> values) {

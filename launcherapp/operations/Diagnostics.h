@@ -37,8 +37,14 @@ public:
                 std::function<std::string()> supportDir,
                 Run run);
 
-    /// How long the last recomputes of the list took, in milliseconds; the newest 50. Main thread.
-    void recordSearch(double milliseconds);
+    // How long things took, in milliseconds; the newest 50 of each are kept. Main thread.
+    void recordShow(double milliseconds);   ///< from the call to the panel drawn
+    void recordPress(double milliseconds);  ///< from the hotkey's key to the panel drawn
+    void recordSearch(double milliseconds); ///< one recompute of the list
+
+    const std::deque<double>& showTimes() const { return showTimes_; }
+
+    const std::deque<double>& pressTimes() const { return pressTimes_; }
 
     const std::deque<double>& searchTimes() const { return searchTimes_; }
 
@@ -53,6 +59,8 @@ private:
     MainQueue& queue_;
     SerialQueue& logQueue_;
     std::shared_ptr<Log> log_;
+    std::deque<double> showTimes_;
+    std::deque<double> pressTimes_;
     std::deque<double> searchTimes_;
 };
 

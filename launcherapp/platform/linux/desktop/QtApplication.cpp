@@ -2,7 +2,7 @@
 
 #include <xcb/xcb.h>
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -60,7 +60,7 @@ std::unique_ptr<QCoreApplication>
 makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment) {
     const Utf8LocaleWhileStarting locale;
     if (surface == QtSurface::windows && environment.hasX11 && x11Answers())
-        return std::make_unique<QGuiApplication>(argc, argv);
+        return std::make_unique<QApplication>(argc, argv);
     return std::make_unique<QCoreApplication>(argc, argv);
 }
 

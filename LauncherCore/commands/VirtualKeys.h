@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The keys that chords are made of: numbers as bindings store them, and the names that people
+/// write. Pure; any thread.
+namespace tessarine::VirtualKeys {
+
+/// The key of a name in lower case ("v", "space", "f5"); nothing for an unknown one.
+std::optional<std::uint32_t> code(std::string_view name);
+
+/// The name of a key, of two the one that comes first in the table ("return" before "enter");
+/// nothing for a key without one.
+std::optional<std::string_view> name(std::uint32_t code);
+
+/// The name as it is shown: with a capital at its start ("V", "Space"); "key 200" for a key
+/// without one.
+std::string label(std::uint32_t code);
+
+} // namespace tessarine::VirtualKeys

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "LauncherCore/commands/HotkeyBinding.h"
+#include "launcherapp/hotkeys/HotkeyNames.h"
+#include "launcherapp/platform/HotkeyRegistrar.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace tessarine {
+
+class Diagnostics;
+class RivalLaunchers;
+
+/// The chords that summon the program from anywhere, by whom they are for. Main thread only.
+class Hotkey {
+public:
+    struct Services {
+        HotkeyRegistrar& registrar;
+        const RivalLaunchers& rivals; ///< named where a chord turns out to be another's
+        Diagnostics& diagnostics;
+    };
+
+    explicit Hotkey(Services services);
+    Hotkey(const Hotkey&) = delete;
+    Hotkey& operator=(const Hotkey&) = delete;
+
+    /// Takes the chord for `id`, in place of one it has. An absent action keeps the present one.
+    /// False when the desktop refuses; `status` then says why, and `id` holds no chord.
+    bool add(const HotkeyBinding& binding,
+             std::uint32_t id,
+             std::optional<std::function<void()>> action);
+
+    /// Gives the chord back and forgets the action; nothing happens for an unknown id.
+    void remove(std::uint32_t id);
+
+    /// Takes every chord again, in ascending order of id, and logs how that went. One that is lost
+    /// by it is asked for the next time too.
+    std::map<std::uint32_t, bool> reassertAll(std::string_view reason);
+
+    /// One line for the settings and the doctor; "not registered" for an unknown id.
+    std::string status(std::uint32_t id = HotkeyIDs::panel) const;
+
+    /// The chord that `id` holds; nothing while it holds none.
+    std::optional<HotkeyBinding> binding(std::uint32_t id) const;
+
+    /// When the key of the last press handled went down, by the main queue's uptime; nothing
+    /// before the first.
+    std::optional<Seconds> lastPressEventTime() const { return lastPressEventTime_; }
+
+private:
+    void pressed(const HotkeyRegistrar::Press& press);
+    bool take(const HotkeyBinding& binding, std::uint32_t id);
+    void letGo(std::uint32_t id);
+    std::string refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const;
+    std::string suspects() const;
+
+    Services services_;
+    std::map<std::uint32_t, std::function<void()>> actions_;
+    std::map<std::uint32_t, HotkeyBinding> bindings_; ///< those to take again at a reassert
+    std::set<std::uint32_t> held_;                    ///< which of them are ours now
+    std::map<std::uint32_t, std::string> statuses_;
+    std::optional<Seconds> lastPressEventTime_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,58 @@
+#include "launcherapp/hotkeys/HotkeyNames.h"
+
+#include "LauncherCore/commands/VirtualKeys.h"
+
+#include <array>
+#include <string_view>
+
+namespace tessarine {
+
+namespace {
+
+struct Modifier {
+    std::uint32_t bit;
+    std::string_view text;
+};
+
+constexpr auto glyphs = std::to_array<Modifier>({{HotkeyModifiers::control, "⌃"},
+                                                 {HotkeyModifiers::option, "⌥"},
+                                                 {HotkeyModifiers::shift, "⇧"},
+                                                 {HotkeyModifiers::command, "⌘"}});
+constexpr auto words = std::to_array<Modifier>({{HotkeyModifiers::command, "Super+"},
+                                                {HotkeyModifiers::control, "Ctrl+"},
+                                                {HotkeyModifiers::option, "Alt+"},
+                                                {HotkeyModifiers::shift, "Shift+"}});
+
+std::string written(const HotkeyBinding& binding, const std::array<Modifier, 4>& modifiers) {
+    std::string text;
+    for (const auto& modifier : modifiers) {
+        if (binding.carbonModifiers & modifier.bit)
+            text += modifier.text;
+    }
+    return text + VirtualKeys::label(binding.keyCode);
+}
+
+} // namespace
+
+std::string HotkeyIDs::name(std::uint32_t id) {
+    switch (id) {
+    case panel:
+        return "panel";
+    case clipboard:
+        return "clipboard";
+    case voice:
+        return "voice";
+    default:
+        return "command " + std::to_string(id);
+    }
+}
+
+std::string HotkeyNames::display(const HotkeyBinding& binding) {
+    return written(binding, glyphs);
+}
+
+std::string HotkeyNames::onKeyboard(const HotkeyBinding& binding) {
+    return written(binding, words);
+}
+
+} // namespace tessarine

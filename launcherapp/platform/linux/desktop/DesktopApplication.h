@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace tessarine {
+
+/// The program as the desktop addresses it on the session bus: the name it is known by, with the
+/// object that the Desktop Entry Specification asks for ("D-Bus Activation"). A key of the
+/// desktop's own summons the panel through it, also where programs can take no keys. Main thread
+/// only, with Qt's event loop.
+class DesktopApplication {
+public:
+    struct Handlers {
+        std::function<void()> activate;
+        /// What "ActivateAction" can name. Opening files is no business of the program.
+        std::map<std::string, std::function<void()>> actions;
+        /// A sentence about why the desktop can't reach the program.
+        std::function<void(const std::string&)> problem;
+    };
+
+    /// Asks for the name, "com.example.Program", without waiting for the answer.
+    DesktopApplication(const std::string& busName, Handlers handlers);
+    ~DesktopApplication();
+    DesktopApplication(const DesktopApplication&) = delete;
+    DesktopApplication& operator=(const DesktopApplication&) = delete;
+
+private:
+    class Object;
+    std::unique_ptr<Object> object_; ///< null without a session bus
+};
+
+} // namespace tessarine

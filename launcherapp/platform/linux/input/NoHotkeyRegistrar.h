@@ -1,0 +1,27 @@
+#pragma once
+
+#include "launcherapp/platform/HotkeyRegistrar.h"
+
+#include <string>
+#include <utility>
+
+namespace tessarine {
+
+/// The registrar of a desktop where programs can take no chords, with the reason why.
+class NoHotkeyRegistrar : public HotkeyRegistrar {
+public:
+    explicit NoHotkeyRegistrar(std::string reason) : reason_(std::move(reason)) {}
+
+    void setEvents(Events) override {}
+
+    HotkeyOutcome grab(std::uint32_t, const HotkeyBinding&) override {
+        return {.kind = HotkeyOutcome::Kind::refused, .reason = reason_};
+    }
+
+    void release(std::uint32_t) override {}
+
+private:
+    std::string reason_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,323 @@
+#include "launcherapp/platform/linux/input/X11HotkeyRegistrar.h"
+
+#include "launcherapp/platform/linux/input/FreezeLimit.h"
+#include "launcherapp/platform/linux/input/NoHotkeyRegistrar.h"
+#include "launcherapp/platform/linux/input/X11Keyboard.h"
+
+#include <xcb/xcb.h>
+
+#include <QAbstractNativeEventFilter>
+#include <QGuiApplication>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::chrono::milliseconds keyLook{50};      ///< how often a key is looked at while down
+constexpr std::chrono::milliseconds mappingRest{100}; ///< a new layout comes in several steps
+
+// The X Keyboard Extension's events of a changed keyboard.
+constexpr std::uint8_t xkbNewKeyboard = 0;
+constexpr std::uint8_t xkbMap = 1;
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
+
+xcb_connection_t* qtConnection() {
+    const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+    const auto* x11 =
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
+}
+
+/// When the key went down. A display on this machine counts milliseconds by the same clock as the
+/// main queue, in 32 bits; any other's clock tells nothing, and then the event's arrival stands in.
+Seconds pressedAt(xcb_timestamp_t time, Seconds now) {
+    using std::chrono::milliseconds;
+    constexpr std::int32_t rounding = 10;      // its clock may be ahead by a tick
+    constexpr std::int32_t longestWay = 30000; // an event that waited longer is no press any more
+    const auto nowMilliseconds =
+        static_cast<std::uint32_t>(std::chrono::floor<milliseconds>(now).count());
+    const auto age = static_cast<std::int32_t>(nowMilliseconds - time);
+    if (age < -rounding || age > longestWay)
+        return now;
+    return now - milliseconds(std::max(age, 0));
+}
+
+/// What one chord is on this keyboard.
+struct Chord {
+    std::vector<std::uint8_t> keyCodes;
+    std::uint16_t modifiers = 0;
+    std::vector<std::uint16_t> lockStates;
+
+    bool operator==(const Chord&) const = default;
+};
+
+} // namespace
+
+class X11HotkeyRegistrar::Keys : public QAbstractNativeEventFilter {
+public:
+    explicit Keys(MainQueue& queue)
+        : queue_(queue), connection_(qtConnection()),
+          root_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root),
+          keyboard_(X11Keyboard::read(connection_)), xkbEvent_(xkbEvent()) {
+        QObject::connect(&mapping_, &QTimer::timeout, &mapping_, [this] { readMapping(); });
+        mapping_.setSingleShot(true);
+        QObject::connect(&look_, &QTimer::timeout, &look_, [this] { forgetReleasedKeys(); });
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+
+    ~Keys() override {
+        QCoreApplication::instance()->removeNativeEventFilter(this);
+        for (const auto& [id, held] : chords_)
+            ungrab(held.chord);
+        thaw();
+    }
+
+    Keys(const Keys&) = delete;
+    Keys& operator=(const Keys&) = delete;
+
+    HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) {
+        const auto modifiers = keyboard_.modifiers(binding.carbonModifiers);
+        const Chord chord{.keyCodes = keyboard_.keyCodes(binding.keyCode),
+                          .modifiers = modifiers.value_or(0),
+                          .lockStates = keyboard_.lockStates()};
+        if (chord.keyCodes.empty())
+            return refused("no keyboard has that key");
+        if (!modifiers)
+            return refused("a modifier of it is on no key of this keyboard");
+        if (const auto error = grabAll(chord)) {
+            ungrab(chord); // what was granted before the refusal
+            if (*error == XCB_ACCESS)
+                return {.kind = HotkeyOutcome::Kind::heldByAnother,
+                        .reason = "another program holds it"};
+            return refused("X11 error " + std::to_string(*error));
+        }
+        chords_[id] = {binding, chord};
+        if (!limit_)
+            limit_.emplace([connection = connection_] { thaw(connection); });
+        return {};
+    }
+
+    void release(std::uint32_t id) {
+        const auto found = chords_.find(id);
+        if (found == chords_.end())
+            return;
+        ungrab(found->second.chord);
+        chords_.erase(found);
+    }
+
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr*) override {
+        if (type != "xcb_generic_event_t")
+            return false;
+        const auto* event = static_cast<const xcb_generic_event_t*>(message);
+        const auto kind = event->response_type & 0x7f;
+        if (kind == XCB_KEY_PRESS)
+            return keyPressed(*reinterpret_cast<const xcb_key_press_event_t*>(event));
+        if (kind == XCB_KEY_RELEASE)
+            return keyReleased(*reinterpret_cast<const xcb_key_release_event_t*>(event));
+        // Both kinds: which of them the display sends depends on what Qt has told it.
+        if (kind == XCB_MAPPING_NOTIFY ||
+            (xkbEvent_ && kind == *xkbEvent_ &&
+             (event->pad0 == xkbNewKeyboard || event->pad0 == xkbMap)))
+            mapping_.start(mappingRest);
+        return false;
+    }
+
+    Events events;
+
+private:
+    struct Held {
+        HotkeyBinding binding;
+        Chord chord;
+    };
+
+    static HotkeyOutcome refused(std::string reason) {
+        return {.kind = HotkeyOutcome::Kind::refused, .reason = std::move(reason)};
+    }
+
+    static void thaw(xcb_connection_t* connection) {
+        xcb_allow_events(connection, XCB_ALLOW_ASYNC_KEYBOARD, XCB_CURRENT_TIME);
+        xcb_flush(connection);
+    }
+
+    /// Lets the held-back keys go. Nothing happens when none are, as after the panel's own grab.
+    void thaw() { thaw(connection_); }
+
+    std::optional<int> xkbEvent() {
+        constexpr std::string_view name = "XKEYBOARD";
+        const auto cookie =
+            xcb_query_extension(connection_, static_cast<std::uint16_t>(name.size()), name.data());
+        const Owned<xcb_query_extension_reply_t> reply(
+            xcb_query_extension_reply(connection_, cookie, nullptr));
+        return reply && reply->present ? std::optional<int>(reply->first_event) : std::nullopt;
+    }
+
+    /// The first error, or none. All are asked for before the first answer is waited for.
+    std::optional<std::uint8_t> grabAll(const Chord& chord) {
+        std::vector<xcb_void_cookie_t> cookies;
+        for (const auto keyCode : chord.keyCodes) {
+            for (const auto locks : chord.lockStates)
+                cookies.push_back(
+                    xcb_grab_key_checked(connection_,
+                                         0,
+                                         root_,
+                                         static_cast<std::uint16_t>(chord.modifiers | locks),
+                                         keyCode,
+                                         XCB_GRAB_MODE_ASYNC,
+                                         XCB_GRAB_MODE_SYNC));
+        }
+        std::optional<std::uint8_t> first;
+        for (const auto cookie : cookies) {
+            const Owned<xcb_generic_error_t> error(xcb_request_check(connection_, cookie));
+            if (error && !first)
+                first = error->error_code;
+        }
+        return first;
+    }
+
+    void ungrab(const Chord& chord) {
+        for (const auto keyCode : chord.keyCodes) {
+            for (const auto locks : chord.lockStates)
+                xcb_ungrab_key(connection_,
+                               keyCode,
+                               root_,
+                               static_cast<std::uint16_t>(chord.modifiers | locks));
+        }
+        xcb_flush(connection_);
+    }
+
+    std::optional<std::uint32_t> holder(const xcb_key_press_event_t& event) const {
+        constexpr std::uint16_t modifierBits = 0xff; // above them are layouts and mouse buttons
+        const auto state = event.state & modifierBits & ~keyboard_.locks();
+        for (const auto& [id, held] : chords_) {
+            if (held.chord.modifiers == state &&
+                std::ranges::count(held.chord.keyCodes, event.detail) > 0)
+                return id;
+        }
+        return std::nullopt;
+    }
+
+    /// Whatever window it is for: while the panel holds the keyboard, chords arrive there.
+    bool keyPressed(const xcb_key_press_event_t& event) {
+        const bool taken = takePress(event);
+        if (event.event == root_)
+            thaw();
+        return taken;
+    }
+
+    bool takePress(const xcb_key_press_event_t& event) {
+        if (isRepeat(event))
+            return true;
+        const auto id = holder(event);
+        if (!id)
+            return false;
+        down_[event.detail] = std::nullopt;
+        look_.start(keyLook);
+        if (events.pressed)
+            events.pressed({.id = *id, .at = pressedAt(event.time, queue_.uptime())});
+        return true;
+    }
+
+    /// A key that is held down comes as releases and presses of the same time, and goes on when the
+    /// modifiers are up already.
+    bool isRepeat(const xcb_key_press_event_t& event) {
+        const auto key = down_.find(event.detail);
+        if (key == down_.end())
+            return false;
+        auto& released = key->second;
+        if (released && *released != event.time) {
+            down_.erase(key);
+            return false;
+        }
+        released.reset();
+        return true;
+    }
+
+    bool keyReleased(const xcb_key_release_event_t& event) {
+        const auto key = down_.find(event.detail);
+        if (key == down_.end())
+            return false;
+        key->second = event.time;
+        return true;
+    }
+
+    /// A release may have gone to another program, as the panel's keyboard does when it is hidden
+    /// by its chord; without a look at the keys the next press would pass for a repetition.
+    void forgetReleasedKeys() {
+        const auto cookie = xcb_query_keymap(connection_);
+        const Owned<xcb_query_keymap_reply_t> reply(
+            xcb_query_keymap_reply(connection_, cookie, nullptr));
+        std::erase_if(down_, [&](const auto& key) {
+            return !reply || !(reply->keys[key.first / 8] & (1u << (key.first % 8)));
+        });
+        if (down_.empty())
+            look_.stop();
+    }
+
+    /// Programs that type by giving spare keys a meaning change the mapping all the time; only what
+    /// concerns a chord is told.
+    void readMapping() {
+        keyboard_ = X11Keyboard::read(connection_);
+        const auto lockStates = keyboard_.lockStates();
+        const bool changed = std::ranges::any_of(chords_, [&](const auto& each) {
+            const auto& [binding, chord] = each.second;
+            return Chord{.keyCodes = keyboard_.keyCodes(binding.keyCode),
+                         .modifiers = keyboard_.modifiers(binding.carbonModifiers).value_or(0),
+                         .lockStates = lockStates} != chord;
+        });
+        if (changed && events.keysChanged)
+            events.keysChanged();
+    }
+
+    MainQueue& queue_;
+    xcb_connection_t* connection_;
+    xcb_window_t root_;
+    X11Keyboard keyboard_;
+    std::optional<int> xkbEvent_; ///< the number of its events; nothing without the extension
+    std::map<std::uint32_t, Held> chords_;
+    /// Keys of chords that may still be down, with the time of a release that may be a
+    /// repetition's.
+    std::map<std::uint8_t, std::optional<xcb_timestamp_t>> down_;
+    QTimer look_;
+    QTimer mapping_;
+    std::optional<FreezeLimit> limit_;
+};
+
+X11HotkeyRegistrar::X11HotkeyRegistrar(MainQueue& queue) : keys_(std::make_unique<Keys>(queue)) {}
+
+X11HotkeyRegistrar::~X11HotkeyRegistrar() = default;
+
+void X11HotkeyRegistrar::setEvents(Events events) {
+    keys_->events = std::move(events);
+}
+
+HotkeyOutcome X11HotkeyRegistrar::grab(std::uint32_t id, const HotkeyBinding& binding) {
+    return keys_->grab(id, binding);
+}
+
+void X11HotkeyRegistrar::release(std::uint32_t id) {
+    keys_->release(id);
+}
+
+std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue) {
+    if (qtConnection())
+        return std::make_unique<X11HotkeyRegistrar>(queue);
+    return std::make_unique<NoHotkeyRegistrar>(
+        "without X11 the desktop's own settings must give a key to the command \"gapplication "
+        "action com.corvane.tessarine toggle\"");
+}
+
+} // namespace tessarine

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "launcherapp/platform/HotkeyRegistrar.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+/// A keyboard on which other programs hold the chords that a test says.
+class FakeHotkeyRegistrar : public HotkeyRegistrar {
+public:
+    void setEvents(Events events) override { events_ = std::move(events); }
+
+    HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) override {
+        ++grabs;
+        if (!problem.empty())
+            return {.kind = HotkeyOutcome::Kind::refused, .reason = problem};
+        for (const auto& other : heldByOthers) {
+            if (other == binding)
+                return {.kind = HotkeyOutcome::Kind::heldByAnother, .reason = "held"};
+        }
+        held[id] = binding;
+        return {};
+    }
+
+    void release(std::uint32_t id) override { held.erase(id); }
+
+    /// Whoever holds the chord hears of it.
+    void press(const HotkeyBinding& binding, Seconds at) {
+        const auto holders = held;
+        for (const auto& [id, each] : holders) {
+            if (each == binding)
+                events_.pressed({.id = id, .at = at});
+        }
+    }
+
+    void changeKeys() { events_.keysChanged(); }
+
+    std::vector<HotkeyBinding> heldByOthers;
+    std::string problem; ///< why no chord can be taken; empty when it can
+    std::map<std::uint32_t, HotkeyBinding> held;
+    int grabs = 0;
+
+private:
+    Events events_;
+};
+
+} // namespace tessarine
