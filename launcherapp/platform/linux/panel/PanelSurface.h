@@ -37,7 +37,7 @@ public:
     /// Brings the widget up above everything and takes the keyboard, trying for a moment while
     /// another holds it.
     virtual void show() = 0;
-    /// Takes it away and gives the keyboard back to whoever has the focus.
+    /// Takes it away and gives the keyboard back to whoever has the focus, who has it on return.
     virtual void hide() = 0;
     virtual bool hasKeyboard() const = 0;
 

@@ -65,8 +65,8 @@ void X11PanelSurface::prepare(QWidget& widget, Events events) {
     describeWindow();
 }
 
-/// What compositors and taskbars judge a window by. Qt tells nothing of one that bypasses the
-/// window manager.
+/// What compositors and taskbars judge a window by. Qt names it for the executable, and takes its
+/// type for that of an ordinary window.
 void X11PanelSurface::describeWindow() {
     const auto set = [&](X11Connection::Atom property,
                          X11Connection::Atom type,
@@ -87,6 +87,7 @@ void X11PanelSurface::describeWindow() {
     const auto utility = display_.atom("_NET_WM_WINDOW_TYPE_UTILITY");
     set(display_.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &utility);
     set(display_.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 32, 1, &allDesktops);
+    xcb_flush(qt());
     watch_.takeQueuedEvents();
 }
 
@@ -122,7 +123,9 @@ void X11PanelSurface::hide() {
     widget_->hide();
     if (held)
         xcb_ungrab_keyboard(qt(), XCB_CURRENT_TIME);
-    xcb_flush(qt());
+    // Who pastes into the window in front does so over another connection, and would else find the
+    // keyboard still here.
+    finishDrawing();
 }
 
 bool X11PanelSurface::hasKeyboard() const {

@@ -83,12 +83,12 @@ template <typename Event> const Event& as(const void* event) {
 
 /// Events since they were last acted upon; several of a kind are acted upon once.
 struct X11PanelWatch::Noted {
-    bool press = false;
+    bool pressOutside = false;
     bool activeChange = false;
     bool compositorChange = false;
     std::set<Window> moved; ///< top-level windows that were mapped or restacked
 
-    bool any() const { return press || activeChange || compositorChange || !moved.empty(); }
+    bool any() const { return pressOutside || activeChange || compositorChange || !moved.empty(); }
 };
 
 X11PanelWatch::X11PanelWatch(X11Connection& display, Events events)
@@ -150,28 +150,35 @@ void X11PanelWatch::begin(Window panel) {
     if (!display_.answers() || panel_ == panel)
         return;
     panel_ = panel;
-    beganAt_ = selectRootEvents(whileUp);
+    *noted_ = {.compositorChange = noted_->compositorChange};
+    pointerInside_.reset();
+    beganAt_ = select(display_.root(), whileUp);
+    select(panel_, XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW);
     selectPresses(presses);
-    // Asked after events are wanted, so no change can fall between; the answer is read when it is
-    // needed.
+    // Asked after events are wanted, so no change can fall between; the answers are read when they
+    // are needed.
     activeQuestion_ = askActive();
+    pointerQuestion_ = xcb_query_pointer(display_.xcb(), display_.root()).sequence;
     xcb_flush(display_.xcb());
 }
 
 void X11PanelWatch::end() {
     if (!display_.answers() || panel_ == 0)
         return;
-    panel_ = 0;
-    if (const auto question = std::exchange(activeQuestion_, std::nullopt))
-        xcb_discard_reply(display_.xcb(), *question);
-    selectRootEvents(XCB_EVENT_MASK_NO_EVENT);
+    for (auto* question : {&activeQuestion_, &pointerQuestion_}) {
+        if (*question)
+            xcb_discard_reply(display_.xcb(), **question);
+        question->reset();
+    }
+    select(display_.root(), XCB_EVENT_MASK_NO_EVENT);
+    select(std::exchange(panel_, XCB_WINDOW_NONE), XCB_EVENT_MASK_NO_EVENT);
     selectPresses(0);
     xcb_flush(display_.xcb());
 }
 
-unsigned X11PanelWatch::selectRootEvents(std::uint32_t mask) {
-    return xcb_change_window_attributes(display_.xcb(), display_.root(), XCB_CW_EVENT_MASK, &mask)
-        .sequence;
+/// The number of the request.
+unsigned X11PanelWatch::select(Window window, std::uint32_t mask) {
+    return xcb_change_window_attributes(display_.xcb(), window, XCB_CW_EVENT_MASK, &mask).sequence;
 }
 
 void X11PanelWatch::selectPresses(std::uint32_t mask) {
@@ -218,6 +225,12 @@ void X11PanelWatch::note(const void* event) {
         if (as<xcb_property_notify_event_t>(event).atom == activeAtom_)
             noted_->activeChange = true;
         return;
+    case XCB_ENTER_NOTIFY:
+        pointerInside_ = true;
+        return;
+    case XCB_LEAVE_NOTIFY:
+        pointerInside_ = false;
+        return;
     case XCB_MAP_NOTIFY:
         noted_->moved.insert(as<xcb_map_notify_event_t>(event).window);
         return;
@@ -235,7 +248,7 @@ void X11PanelWatch::note(const void* event) {
         const auto button = as<xcb_input_raw_button_press_event_t>(event).detail;
         if (input.event_type == XCB_INPUT_RAW_TOUCH_BEGIN ||
             (input.event_type == XCB_INPUT_RAW_BUTTON_PRESS && (button < 4 || button > 7)))
-            noted_->press = true;
+            noted_->pressOutside = noted_->pressOutside || !isPointerInside();
         return;
     }
     default:
@@ -247,7 +260,7 @@ void X11PanelWatch::act() {
     const auto noted = std::exchange(*noted_, {});
     if (noted.compositorChange && std::exchange(mixes_, compositorOwns()) != mixes_)
         events_.mixesChanged();
-    if (panel_ != 0 && noted.press && isPressOutside())
+    if (panel_ != 0 && noted.pressOutside)
         events_.pressedOutside();
     if (panel_ != 0 && noted.activeChange) {
         if (const auto question = std::exchange(activeQuestion_, std::nullopt))
@@ -275,18 +288,18 @@ Window X11PanelWatch::answered(unsigned question) const {
     return *static_cast<const Window*>(xcb_get_property_value(reply.get()));
 }
 
-bool X11PanelWatch::isPressOutside() const {
-    const auto cookie = xcb_query_pointer(display_.xcb(), display_.root());
-    const auto panel = extents(display_.xcb(), {panel_}).front();
-    const XcbOwned<xcb_query_pointer_reply_t> pointer(
-        xcb_query_pointer_reply(display_.xcb(), cookie, nullptr));
-    if (!pointer || !panel)
-        return false;
-    const Extent at{.left = pointer->root_x,
-                    .top = pointer->root_y,
-                    .right = pointer->root_x + 1,
-                    .bottom = pointer->root_y + 1};
-    return !pointer->same_screen || !panel->overlaps(at);
+/// As of the last event noted. A press itself doesn't tell where, and by the time that it is read
+/// the pointer may be elsewhere.
+bool X11PanelWatch::isPointerInside() {
+    if (!pointerInside_) {
+        pointerInside_ = false;
+        if (const auto question = std::exchange(pointerQuestion_, std::nullopt)) {
+            const XcbOwned<xcb_query_pointer_reply_t> reply(
+                xcb_query_pointer_reply(display_.xcb(), {*question}, nullptr));
+            pointerInside_ = reply && reply->child == panel_;
+        }
+    }
+    return *pointerInside_;
 }
 
 /// Tells of those among the windows that stand above the panel and over it. Others that do stood

@@ -50,14 +50,14 @@ private:
 
     void prepareInput();
     void watchCompositor();
-    unsigned selectRootEvents(std::uint32_t mask);
+    unsigned select(X11Connection::Window window, std::uint32_t mask);
     void selectPresses(std::uint32_t mask);
     void readEvents();
     void note(const void* event);
     void act();
     unsigned askActive() const;
     X11Connection::Window answered(unsigned question) const;
-    bool isPressOutside() const;
+    bool isPointerInside();
     void lookAbove(const std::set<X11Connection::Window>& moved);
     bool compositorOwns() const;
 
@@ -73,7 +73,10 @@ private:
     X11Connection::Window panel_ = 0; ///< none while nothing is watched
     unsigned beganAt_ = 0;            ///< events of earlier requests are an earlier time's
     X11Connection::Window activeBefore_ = 0;
-    std::optional<unsigned> activeQuestion_; ///< asked at `begin`, and not answered yet
+    std::optional<bool> pointerInside_; ///< by the crossings that were told; nothing before any
+    // Asked at `begin`, and not answered yet.
+    std::optional<unsigned> activeQuestion_;
+    std::optional<unsigned> pointerQuestion_;
 };
 
 } // namespace tessarine
