@@ -1,0 +1,397 @@
+// What a user feels of the panel: how long after a key it is there. Presses real keys on the
+// display it is run on and watches the panel's window from outside, over a connection of its own;
+// the clock runs from just before the press is sent until the display has told of the drawing.
+//
+// tests/desktop/with-desktop PanelProbe [OPTION VALUE]... [PROGRAM [ARGUMENT]...]
+//   --chord super+space   what summons the program
+//   --names 0             how many files stand in its home folder
+//   --settle 3            seconds that it has for itself after its start
+//   --rounds 200          presses and keys
+//   --starts 9            measured starts
+//   --soak 0              shows between two looks at its memory
+//   --idle 0              seconds without a key, to see what it costs
+//
+// PanelProbeSubject, the least that a panel can be, is measured before the program in the same run.
+
+#include "benchmarks/PanelProbeDisplay.h"
+#include "benchmarks/TreeGenerator.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ;
+
+namespace tessarine {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = PanelProbeDisplay::Clock;
+using Sight = PanelProbeDisplay::Sight;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+constexpr std::uint32_t keysymEscape = 0xff1b;
+constexpr std::uint32_t keysymBackSpace = 0xff08;
+constexpr int fieldHeight = 58; ///< of the panel's first row, which holds the field
+constexpr auto quiet = 25ms;    ///< without any drawing: what was asked for is there
+constexpr auto patience = 2s;
+
+/// What is measured, and the bars: design figures for two cores without vertical sync.
+struct Bar {
+    const char* what;
+    double median;
+    double worst; ///< 0 for no bar
+};
+
+constexpr Bar pressBar{"hotkey press to first painted panel", 6, 16};
+constexpr Bar keyBar{"typed key to painted list", 8, 16};
+constexpr Bar startBar{"start to hotkey registered", 90, 0};
+
+struct Options {
+    std::map<std::string, std::string> values{{"--chord", "super+space"},
+                                              {"--names", "0"},
+                                              {"--settle", "3"},
+                                              {"--rounds", "200"},
+                                              {"--starts", "9"},
+                                              {"--soak", "0"},
+                                              {"--idle", "0"}};
+    std::vector<std::string> program;
+
+    int number(const std::string& name) const { return std::atoi(values.at(name).c_str()); }
+};
+
+double median(std::vector<double> values) {
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+/// Prints the figures with their ratios to the bar; whether they are within it.
+bool report(const Bar& bar, const std::vector<double>& values, int missing) {
+    if (values.empty() || missing > 0)
+        std::printf("  %s: %d of %zu never came\n",
+                    bar.what,
+                    missing,
+                    values.size() + static_cast<std::size_t>(missing));
+    if (values.empty())
+        return false;
+    const double middle = median(values);
+    const double worst = std::ranges::max(values);
+    std::printf(
+        "  %s: median %.2f ms, worst %.2f ms over %zu", bar.what, middle, worst, values.size());
+    std::printf("; of the bar %.2f", middle / bar.median);
+    if (bar.worst > 0)
+        std::printf(" and %.2f", worst / bar.worst);
+    std::printf("\n");
+    return missing == 0 && middle <= bar.median && (bar.worst == 0 || worst <= bar.worst);
+}
+
+/// The program under the probe, ended with this.
+class Subject {
+public:
+    explicit Subject(const std::vector<std::string>& command) {
+        std::vector<char*> words;
+        for (const auto& word : command)
+            words.push_back(const_cast<char*>(word.c_str()));
+        words.push_back(nullptr);
+        startedAt = Clock::now();
+        if (::posix_spawnp(&process_, words[0], nullptr, nullptr, words.data(), environ) != 0) {
+            std::perror(words[0]);
+            std::exit(1);
+        }
+    }
+
+    ~Subject() {
+        ::kill(process_, SIGTERM);
+        ::waitpid(process_, nullptr, 0);
+    }
+
+    Subject(const Subject&) = delete;
+    Subject& operator=(const Subject&) = delete;
+
+    /// Resident memory in MB.
+    double memory() const {
+        std::ifstream file("/proc/" + std::to_string(process_) + "/statm");
+        double total = 0;
+        double resident = 0;
+        file >> total >> resident;
+        return resident * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1e6;
+    }
+
+    /// Processor time in seconds.
+    double processorTime() const {
+        std::ifstream file("/proc/" + std::to_string(process_) + "/stat");
+        std::string text((std::istreambuf_iterator<char>(file)), {});
+        text.erase(0, text.rfind(')') + 1); // the name before may hold anything
+        double user = 0;
+        double system = 0;
+        std::sscanf(
+            text.c_str(), " %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lf %lf", &user, &system);
+        return (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+    }
+
+    Clock::time_point startedAt;
+
+private:
+    pid_t process_ = 0;
+};
+
+class Probe {
+public:
+    Probe(const Options& options, PanelProbeDisplay& display)
+        : options_(options), display_(display),
+          chord_(*display.chord(options.values.at("--chord"))) {}
+
+    bool measure(const std::vector<std::string>& command) {
+        bool isWithin = measureStarts(command);
+        const Subject subject(command);
+        if (!awaitRegistration(subject))
+            return false;
+        std::this_thread::sleep_for(std::chrono::seconds(options_.number("--settle")));
+        if (!show()) {
+            std::printf("  the panel never came\n");
+            return false;
+        }
+        hide();
+        isWithin = measurePresses() && isWithin;
+        isWithin = measureKeys() && isWithin;
+        isWithin = typeBlind(10ms) && isWithin;
+        typeBlind(0ms); // no bar: nobody's second key follows the first at once
+        measureMemory(subject);
+        measureIdle(subject);
+        return isWithin;
+    }
+
+private:
+    /// Milliseconds until the chord was taken; nothing when that never happens.
+    std::optional<double> awaitRegistration(const Subject& subject) {
+        while (!display_.isTaken(chord_)) {
+            if (Clock::now() - subject.startedAt > 10s) {
+                std::printf("  the hotkey was never registered\n");
+                return std::nullopt;
+            }
+            std::this_thread::sleep_for(500us);
+        }
+        return Milliseconds(Clock::now() - subject.startedAt).count();
+    }
+
+    bool measureStarts(const std::vector<std::string>& command) {
+        std::vector<double> times;
+        int missing = 0;
+        for (int i = 0; i < options_.number("--starts"); ++i) {
+            const Subject subject(command);
+            if (const auto time = awaitRegistration(subject))
+                times.push_back(*time);
+            else
+                ++missing;
+        }
+        return report(startBar, times, missing);
+    }
+
+    /// Milliseconds from the press until half of the panel was drawn; nothing when it never was.
+    std::optional<double> show() {
+        display_.forget();
+        const auto pressed = display_.press(chord_);
+        const auto deadline = pressed + patience;
+        bool isMapped = false;
+        long drawn = 0;
+        while (const auto seen = display_.next(deadline)) {
+            isMapped = isMapped || seen->kind == Sight::Kind::mapped;
+            if (!isMapped || seen->kind != Sight::Kind::drawn)
+                continue;
+            drawn += static_cast<long>(seen->width) * (seen->bottom - seen->top);
+            const auto panel = display_.panel();
+            if (2 * drawn >= static_cast<long>(panel.width) * panel.height)
+                return Milliseconds(seen->at - pressed).count();
+        }
+        return std::nullopt;
+    }
+
+    /// Until nothing is drawn any more.
+    void settle() {
+        while (display_.next(Clock::now() + quiet)) {
+        }
+    }
+
+    /// Escape may first clear what was typed.
+    void hide() {
+        for (int i = 0; i < 3; ++i) {
+            const auto pressed = display_.pressKeysym(keysymEscape);
+            while (const auto seen = display_.next(pressed + 300ms)) {
+                if (seen->kind == Sight::Kind::unmapped)
+                    return;
+            }
+        }
+        std::printf("  the panel doesn't go away\n");
+        std::exit(1);
+    }
+
+    bool measurePresses() {
+        std::vector<double> times;
+        int missing = 0;
+        for (int i = 0; i < options_.number("--rounds"); ++i) {
+            if (const auto time = show())
+                times.push_back(*time);
+            else
+                ++missing;
+            settle();
+            hide();
+            settle();
+        }
+        return report(pressBar, times, missing);
+    }
+
+    /// Milliseconds until the list below the field was drawn to its end; nothing when it wasn't.
+    std::optional<double> typeLetter(char letter) {
+        display_.forget();
+        const auto pressed = display_.pressLetter(letter);
+        auto deadline = pressed + 500ms;
+        std::optional<double> time;
+        while (const auto seen = display_.next(deadline)) {
+            if (seen->kind != Sight::Kind::drawn || seen->bottom <= fieldHeight)
+                continue;
+            time = Milliseconds(seen->at - pressed).count();
+            deadline = seen->at + quiet;
+        }
+        return time;
+    }
+
+    bool measureKeys() {
+        const std::string words[] = {"report", "image", "music", "photo", "text", "settings"};
+        std::vector<double> times;
+        int missing = 0;
+        show();
+        for (int typed = 0, i = 0; typed < options_.number("--rounds"); ++i) {
+            const auto& word = words[static_cast<std::size_t>(i) % std::size(words)];
+            for (const char letter : word) {
+                if (const auto time = typeLetter(letter))
+                    times.push_back(*time);
+                else
+                    ++missing;
+                ++typed;
+            }
+            for (std::size_t k = 0; k < word.size(); ++k) {
+                display_.pressKeysym(keysymBackSpace);
+                settle();
+            }
+        }
+        hide();
+        return report(keyBar, times, missing);
+    }
+
+    /// A hundred letters every ten milliseconds from the press on, the first so long after it.
+    bool typeBlind(std::chrono::milliseconds first) {
+        constexpr int count = 100;
+        std::string letters;
+        for (int i = 0; i < count; ++i)
+            letters.push_back(static_cast<char>('a' + (i * 7) % 26));
+        display_.forget();
+        auto due = display_.press(chord_) + first;
+        for (const char letter : letters) {
+            std::this_thread::sleep_until(due);
+            display_.pressLetter(letter);
+            due += 10ms;
+        }
+        settle();
+        const auto panel = display_.panel();
+        display_.click(panel.x + panel.width / 3, panel.y + fieldHeight / 2, 3);
+        std::this_thread::sleep_for(100ms);
+        const auto text = display_.selectedText();
+        hide();
+        std::printf("  %d keys typed blind, the first %d ms after the press: %s\n",
+                    count,
+                    static_cast<int>(first.count()),
+                    text == letters ? "all in the field, in order" : text.c_str());
+        return text == letters;
+    }
+
+    void measureMemory(const Subject& subject) {
+        const int shows = options_.number("--soak");
+        if (shows == 0)
+            return;
+        const double before = subject.memory();
+        for (int i = 0; i < shows; ++i) {
+            show();
+            hide();
+        }
+        std::printf(
+            "  memory: %.1f MB before %d shows, %.1f MB after\n", before, shows, subject.memory());
+    }
+
+    void measureIdle(const Subject& subject) {
+        const int seconds = options_.number("--idle");
+        if (seconds == 0)
+            return;
+        const double before = subject.processorTime();
+        std::this_thread::sleep_for(std::chrono::seconds(seconds));
+        std::printf("  idle for %d s: %.3f %% of a core; the bar is 0.3\n",
+                    seconds,
+                    100 * (subject.processorTime() - before) / seconds);
+    }
+
+    const Options& options_;
+    PanelProbeDisplay& display_;
+    PanelProbeDisplay::Chord chord_;
+};
+
+Options optionsOf(int argc, char** argv) {
+    Options options;
+    int i = 1;
+    for (; i + 1 < argc && options.values.contains(argv[i]); i += 2)
+        options.values[argv[i]] = argv[i + 1];
+    options.program.assign(argv + i, argv + argc);
+    return options;
+}
+
+/// A home folder of that many files, so that the user's own counts for nothing.
+void furnish(const std::filesystem::path& home, int names) {
+    std::filesystem::create_directories(home / "Documents");
+    ::setenv("HOME", home.c_str(), 1);
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+        ::unsetenv(name);
+    if (names > 0)
+        makeTree(home / "Documents", plannedTree(static_cast<std::size_t>(names)));
+}
+
+int run(int argc, char** argv) {
+    const auto options = optionsOf(argc, argv);
+    PanelProbeDisplay display;
+    if (!display.chord(options.values.at("--chord"))) {
+        std::printf("no such chord: %s\n", options.values.at("--chord").c_str());
+        return 2;
+    }
+    const auto own = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    auto scratch = (std::filesystem::temp_directory_path() / "tessarine-probe-XXXXXX").string();
+    if (!::mkdtemp(scratch.data()))
+        return 1;
+    furnish(scratch, options.number("--names"));
+
+    auto limit = options;
+    limit.values["--chord"] = "super+space";
+    limit.values["--settle"] = limit.values["--soak"] = limit.values["--idle"] = "0";
+    std::printf("the least that a panel can be:\n");
+    bool isWithin = Probe(limit, display).measure({own / "PanelProbeSubject"});
+    if (!options.program.empty()) {
+        std::printf("%s:\n", options.program.front().c_str());
+        isWithin = Probe(options, display).measure(options.program) && isWithin;
+    }
+    std::filesystem::remove_all(scratch);
+    return isWithin ? 0 : 1;
+}
+
+} // namespace
+} // namespace tessarine
+
+int main(int argc, char** argv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    return tessarine::run(argc, argv);
+}

@@ -1,0 +1,96 @@
+#include "launcherapp/platform/linux/panel/PlainPanelSurface.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <cmath>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+Rectangle rectangle(const QRect& rect) {
+    return {.x = static_cast<double>(rect.x()),
+            .y = static_cast<double>(rect.y()),
+            .width = static_cast<double>(rect.width()),
+            .height = static_cast<double>(rect.height())};
+}
+
+} // namespace
+
+void PlainPanelSurface::prepare(QWidget& widget, Events events) {
+    widget_ = &widget;
+    events_ = std::move(events);
+    widget.setWindowFlags(widget.windowFlags() | Qt::Window | Qt::FramelessWindowHint |
+                          Qt::WindowStaysOnTopHint);
+    widget.winId(); // makes the native window
+    QObject::connect(
+        qApp, &QGuiApplication::focusWindowChanged, &lifetime_, [this] { focusMoved(); });
+}
+
+void PlainPanelSurface::setFrame(const Rectangle& frame) {
+    widget_->setGeometry(static_cast<int>(std::lround(frame.x)),
+                         static_cast<int>(std::lround(frame.y)),
+                         static_cast<int>(std::lround(frame.width)),
+                         static_cast<int>(std::lround(frame.height)));
+}
+
+void PlainPanelSurface::show() {
+    if (!widget_)
+        return;
+    hadKeyboard_ = false;
+    widget_->show();
+    widget_->raise();
+    widget_->activateWindow();
+    focusMoved();
+}
+
+void PlainPanelSurface::hide() {
+    hadKeyboard_ = false;
+    if (widget_)
+        widget_->hide();
+}
+
+bool PlainPanelSurface::hasKeyboard() const {
+    return widget_ && widget_->isVisible() &&
+           QGuiApplication::focusWindow() == widget_->windowHandle();
+}
+
+void PlainPanelSurface::focusMoved() {
+    if (!widget_ || !widget_->isVisible())
+        return;
+    if (hasKeyboard()) {
+        hadKeyboard_ = true;
+        return;
+    }
+    if (std::exchange(hadKeyboard_, false) && events_.lostKeyboard)
+        events_.lostKeyboard();
+}
+
+void PlainPanelSurface::finishDrawing() {}
+
+bool PlainPanelSurface::startDrag() {
+    return widget_->windowHandle()->startSystemMove();
+}
+
+bool PlainPanelSurface::mixes() const {
+    return true; // the displays without X11 all do
+}
+
+std::vector<Screen> PlainPanelSurface::screens() const {
+    std::vector<Screen> result;
+    for (const auto* screen : QGuiApplication::screens())
+        result.push_back({.name = screen->name().toStdString(),
+                          .frame = rectangle(screen->geometry()),
+                          .workArea = rectangle(screen->availableGeometry()),
+                          .isMain = screen == QGuiApplication::primaryScreen()});
+    return result;
+}
+
+std::optional<Point> PlainPanelSurface::pointer() const {
+    return std::nullopt;
+}
+
+} // namespace tessarine

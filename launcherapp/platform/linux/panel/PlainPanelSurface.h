@@ -1,0 +1,36 @@
+#pragma once
+
+#include "launcherapp/platform/linux/panel/PanelSurface.h"
+
+#include <QObject>
+#include <QPointer>
+
+class QWidget;
+
+namespace tessarine {
+
+/// The panel as an ordinary undecorated window, on displays that offer nothing better: it becomes
+/// the active window while it is up, and stands where the display puts it. Main thread only.
+class PlainPanelSurface : public PanelSurface {
+public:
+    void prepare(QWidget& widget, Events events) override;
+    void setFrame(const Rectangle& frame) override;
+    void show() override;
+    void hide() override;
+    bool hasKeyboard() const override;
+    void finishDrawing() override;
+    bool startDrag() override;
+    bool mixes() const override;
+    std::vector<Screen> screens() const override;
+    std::optional<Point> pointer() const override;
+
+private:
+    void focusMoved();
+
+    QPointer<QWidget> widget_;
+    Events events_;
+    bool hadKeyboard_ = false; ///< at some time since it came up
+    QObject lifetime_;
+};
+
+} // namespace tessarine

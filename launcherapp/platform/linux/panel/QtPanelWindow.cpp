@@ -1,0 +1,254 @@
+#include "launcherapp/platform/linux/panel/QtPanelWindow.h"
+
+#include "launcherapp/platform/linux/panel/PanelSurface.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QWidget>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+template <typename... Arguments>
+void tell(const std::function<void(Arguments...)>& event, const Arguments&... arguments) {
+    if (event)
+        event(arguments...);
+}
+
+} // namespace
+
+/// What happens to the widget, and the window's state that follows from it.
+class QtPanelWindow::Watch : public QObject {
+public:
+    Watch(QWidget& widgetToWatch,
+          QWidget& fieldToFocus,
+          std::unique_ptr<PanelSurface> surfaceBelow,
+          QtPanelWindow& window)
+        : widget(widgetToWatch), field(fieldToFocus), surface(std::move(surfaceBelow)) {
+        const auto geometry = widget.geometry();
+        frame = {.x = static_cast<double>(geometry.x()),
+                 .y = static_cast<double>(geometry.y()),
+                 .width = static_cast<double>(geometry.width()),
+                 .height = static_cast<double>(geometry.height())};
+        widget.setAttribute(Qt::WA_QuitOnClose, false);
+        surface->prepare(widget,
+                         {.lostKeyboard = [this] { loseKeyboard(); },
+                          .mixesChanged = [&window] { tell(window.mixesChanged); }});
+        widget.installEventFilter(this);
+        watchScreens();
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        switch (event->type()) {
+        case QEvent::Paint:
+            awaitFlush();
+            return false;
+        case QEvent::MouseButtonPress:
+            beginDrag(static_cast<const QMouseEvent&>(*event));
+            return false;
+        case QEvent::MouseMove:
+            drag(static_cast<const QMouseEvent&>(*event));
+            return false;
+        case QEvent::MouseButtonRelease:
+            endDrag();
+            return false;
+        case QEvent::Close:
+            // The window lives as long as the program: somebody else's wish that it close is a
+            // wish that it go away.
+            event->ignore();
+            loseKeyboard();
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    void place(const Rectangle& wanted) {
+        const bool moves = frame.x != wanted.x || frame.y != wanted.y;
+        frame = wanted;
+        surface->setFrame(frame);
+        if (moves)
+            tell(events.moved, frame);
+    }
+
+    void show() {
+        losesOnce = true;
+        paintsOnce = true;
+        field.setFocus(Qt::OtherFocusReason);
+        if (widget.isVisible())
+            widget.update(); // nothing else would draw, and `painted` is due after each show
+        surface->show();
+    }
+
+    void hide() {
+        losesOnce = false;
+        paintsOnce = false;
+        endDrag();
+        surface->hide();
+    }
+
+    QWidget& widget;
+    QWidget& field;
+    std::unique_ptr<PanelSurface> surface;
+    Events events;
+    /// What was asked for or dragged to. The widget's own geometry goes back for a moment when the
+    /// display confirms an earlier change after a later one was made.
+    Rectangle frame;
+
+private:
+    void loseKeyboard() {
+        if (std::exchange(losesOnce, false))
+            tell(events.lostKeyboard);
+    }
+
+    /// The flush follows in the same call of Qt's that sends the paint event, so what is posted
+    /// here finds it done.
+    void awaitFlush() {
+        if (!std::exchange(paintsOnce, false))
+            return;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (!widget.isVisible())
+                    return;
+                surface->finishDrawing();
+                tell(events.painted);
+            },
+            Qt::QueuedConnection);
+    }
+
+    // The window is dragged by whatever part of it doesn't want the press: Qt hands such a press up
+    // to the top-level widget. No window manager knows the window, so it moves itself.
+    void beginDrag(const QMouseEvent& press) {
+        if (press.button() != Qt::LeftButton || surface->startDrag())
+            return;
+        const auto at = press.globalPosition();
+        heldAt = at;
+        grip = at - QPointF(frame.x, frame.y);
+    }
+
+    void drag(const QMouseEvent& move) {
+        if (!heldAt)
+            return;
+        const auto at = move.globalPosition();
+        if (!dragged && (at - *heldAt).manhattanLength() < QApplication::startDragDistance())
+            return;
+        dragged = true;
+        const auto topLeft = at - grip;
+        frame.x = topLeft.x();
+        frame.y = topLeft.y();
+        surface->setFrame(frame);
+    }
+
+    void endDrag() {
+        heldAt.reset();
+        // Told once, since whoever listens keeps the place in a file.
+        if (std::exchange(dragged, false))
+            tell(events.moved, frame);
+    }
+
+    void watchScreens() {
+        connect(qApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
+            watchScreen(screen);
+            tellScreens();
+        });
+        connect(qApp, &QGuiApplication::screenRemoved, this, [this] { tellScreens(); });
+        connect(qApp, &QGuiApplication::primaryScreenChanged, this, [this] { tellScreens(); });
+        for (const auto* screen : QGuiApplication::screens())
+            watchScreen(screen);
+    }
+
+    void watchScreen(const QScreen* screen) {
+        connect(screen, &QScreen::geometryChanged, this, [this] { tellScreens(); });
+        connect(screen, &QScreen::availableGeometryChanged, this, [this] { tellScreens(); });
+    }
+
+    /// One change of the layout comes as several signals, the first of them while the list of
+    /// screens is still the old one.
+    void tellScreens() {
+        if (std::exchange(screensDue, true))
+            return;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                screensDue = false;
+                tell(events.screensChanged);
+            },
+            Qt::QueuedConnection);
+    }
+
+    bool losesOnce = false;  ///< shown, and the loss of the keyboard not told yet
+    bool paintsOnce = false; ///< shown, and not drawn yet
+    bool screensDue = false;
+    std::optional<QPointF> heldAt; ///< where the button went down
+    QPointF grip;                  ///< the same from the window's top left
+    bool dragged = false;
+};
+
+QtPanelWindow::QtPanelWindow(QWidget& widget, QWidget& field, std::unique_ptr<PanelSurface> surface)
+    : watch_(std::make_unique<Watch>(widget, field, std::move(surface), *this)) {}
+
+QtPanelWindow::~QtPanelWindow() {
+    watch_->surface->hide();
+}
+
+void QtPanelWindow::setEvents(Events events) {
+    watch_->events = std::move(events);
+}
+
+std::vector<Screen> QtPanelWindow::screens() const {
+    return watch_->surface->screens();
+}
+
+std::optional<Point> QtPanelWindow::pointer() const {
+    return watch_->surface->pointer();
+}
+
+Rectangle QtPanelWindow::frame() const {
+    return watch_->frame;
+}
+
+void QtPanelWindow::setFrame(const Rectangle& frame) {
+    watch_->place(frame);
+}
+
+void QtPanelWindow::show() {
+    watch_->show();
+}
+
+void QtPanelWindow::hide() {
+    watch_->hide();
+}
+
+bool QtPanelWindow::isVisible() const {
+    return watch_->widget.isVisible();
+}
+
+bool QtPanelWindow::hasKeyboard() const {
+    return watch_->surface->hasKeyboard();
+}
+
+/// Draws into an image: it lays out, shapes text and fills the caches of glyphs and icons as the
+/// window itself would, and can neither flash on a display that doesn't mix nor take a key.
+void QtPanelWindow::drawHidden() {
+    auto& widget = watch_->widget;
+    if (widget.isVisible())
+        return;
+    const double scale = widget.devicePixelRatioF();
+    QImage image((QSizeF(widget.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return; // a widget without a size has nothing to draw
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    widget.render(&image);
+}
+
+bool QtPanelWindow::mixes() const {
+    return watch_->surface->mixes();
+}
+
+} // namespace tessarine

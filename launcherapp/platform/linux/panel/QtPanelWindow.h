@@ -1,0 +1,49 @@
+#pragma once
+
+#include "launcherapp/platform/PanelWindow.h"
+
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace tessarine {
+
+class PanelSurface;
+
+/// The panel's window: a top-level widget on a surface. The widget draws; this brings it up with
+/// its field focused, moves it when it is dragged by its background, and tells when it is on the
+/// display. Main thread only, with Qt's event loop.
+class QtPanelWindow : public PanelWindow {
+public:
+    /// `widget` is hidden and stays so until `show`; `field` is in it and gets the keys. Both
+    /// outlive the window.
+    QtPanelWindow(QWidget& widget, QWidget& field, std::unique_ptr<PanelSurface> surface);
+    ~QtPanelWindow() override;
+    QtPanelWindow(const QtPanelWindow&) = delete;
+    QtPanelWindow& operator=(const QtPanelWindow&) = delete;
+
+    void setEvents(Events events) override;
+    std::vector<Screen> screens() const override;
+    std::optional<Point> pointer() const override;
+    Rectangle frame() const override;
+    void setFrame(const Rectangle& frame) override;
+    void show() override;
+    void hide() override;
+    bool isVisible() const override;
+    bool hasKeyboard() const override;
+    void drawHidden() override;
+
+    /// Whether transparent pixels let through what is below the window; where they don't, the view
+    /// draws none.
+    bool mixes() const;
+
+    /// Called when `mixes` has changed.
+    std::function<void()> mixesChanged;
+
+private:
+    class Watch;
+    std::unique_ptr<Watch> watch_;
+};
+
+} // namespace tessarine
