@@ -38,7 +38,8 @@ struct Palette {
     Color selectedTitle;
     Color selectedSubtitle;
     Color selectedMatched;
-    Color hover; ///< behind the row under the pointer
+    Color selectedTile; ///< as `symbolTile`, in the selected row
+    Color hover;        ///< behind the row under the pointer
 
     Color footerText;
     Color keyCap; ///< behind the name of a key

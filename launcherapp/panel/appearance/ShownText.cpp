@@ -122,4 +122,18 @@ ShownText::Line ShownText::matching(std::string_view text, std::string_view quer
     return line;
 }
 
+std::string ShownText::shortened(std::string_view text, std::size_t characters, Cut cut) {
+    const auto boundaries = Graphemes::boundaries(text);
+    const auto count = boundaries.size() - 1;
+    if (count <= characters)
+        return std::string(text);
+    const auto tail = cut == Cut::middle ? characters / 2 : 0;
+    auto head = text.substr(0, boundaries[characters - tail]);
+    // A name cut after a blank would seem to end in nothing.
+    while (head.ends_with(' '))
+        head.remove_suffix(1);
+    return std::string(head) + std::string(more) +
+           std::string(text.substr(boundaries[count - tail]));
+}
+
 } // namespace tessarine

@@ -19,6 +19,9 @@ struct Range {
     bool operator==(const Range&) const = default;
 };
 
+/// Where a text that has no room is cut.
+enum class Cut { end, middle };
+
 struct Line {
     std::string text;
     std::vector<Range> matched; ///< ascending, never touching each other; empty for no match
@@ -33,5 +36,9 @@ std::string harmless(std::string_view text);
 
 /// The same, with the characters marked that the query names.
 Line matching(std::string_view text, std::string_view query);
+
+/// The text with at most so many of its characters, and an ellipsis where the others were. A
+/// character is never parted from its marks.
+std::string shortened(std::string_view text, std::size_t characters, Cut cut);
 
 } // namespace tessarine::ShownText

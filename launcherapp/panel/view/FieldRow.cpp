@@ -110,6 +110,12 @@ void FieldRow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
 }
 
+void FieldRow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange)
+        place();
+    QWidget::changeEvent(event);
+}
+
 void FieldRow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QRect slot(PanelStyle::edge,

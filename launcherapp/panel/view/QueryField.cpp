@@ -44,6 +44,7 @@ QueryField::QueryField(QWidget* parent) : QLineEdit(parent) {
     setFrame(false);
     setAccessibleName(QStringLiteral("Search"));
     setMaxLength(longestText);
+    align();
     // Its menu would be a popup of the toolkit, which takes the keyboard away from the panel.
     setContextMenuPolicy(Qt::NoContextMenu);
     setAcceptDrops(false);
@@ -135,6 +136,20 @@ void QueryField::focusOutEvent(QFocusEvent* event) {
     if (commandHeld)
         commandHeld(false);
     QLineEdit::focusOutEvent(event);
+}
+
+void QueryField::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange)
+        align();
+    QLineEdit::changeEvent(event);
+}
+
+/// At the panel's leading side whatever is typed: the toolkit would send a word of the other
+/// direction to the far end.
+void QueryField::align() {
+    const bool isMirrored = layoutDirection() == Qt::RightToLeft;
+    setAlignment((isMirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute |
+                 Qt::AlignVCenter);
 }
 
 bool QueryField::focusNextPrevChild(bool) {

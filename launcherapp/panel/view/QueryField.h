@@ -43,12 +43,14 @@ protected:
     void keyReleaseEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
     /// Tab is the panel's.
     bool focusNextPrevChild(bool next) override;
 
 private:
     bool offer(const QKeyEvent& event);
     void edited(const QString& text);
+    void align();
 
     QString preedit_;
     bool awaitsNextKey_ = false;   ///< a dead or Compose key is pending in the toolkit

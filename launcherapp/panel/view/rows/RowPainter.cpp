@@ -54,7 +54,7 @@ void RowPainter::draw(QPainter& painter,
                       RowLines& lines) const {
     drawBackground(painter, look);
     const auto slot = part(look, PanelStyle::edge, PanelStyle::edge + PanelStyle::iconSide);
-    drawIcon(painter, row, middle(slot, PanelStyle::iconSide));
+    drawIcon(painter, row, look, middle(slot, PanelStyle::iconSide));
     drawDigit(painter, look);
     const int credited = drawCredit(painter, row, credit, look, lines.credit);
     const int room = look.rectangle.width() - PanelStyle::textStart - digitEdge - digitWidth - gap -
@@ -72,7 +72,10 @@ void RowPainter::drawBackground(QPainter& painter, const RowLook& look) const {
             painter, shape, PanelStyle::rowRadius, toQt(style_.palette.hover));
 }
 
-void RowPainter::drawIcon(QPainter& painter, const ResultRow& row, const QRect& slot) const {
+void RowPainter::drawIcon(QPainter& painter,
+                          const ResultRow& row,
+                          const RowLook& look,
+                          const QRect& slot) const {
     if (row.image && !row.image->isEmpty() && !row.image->isMask) {
         const auto picture = RowImages::toQt(*row.image);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
@@ -87,7 +90,7 @@ void RowPainter::drawIcon(QPainter& painter, const ResultRow& row, const QRect& 
     else if (row.kind == RowKind::app)
         drawMonogram(painter, row, slot);
     else
-        drawSymbolTile(painter, row, slot);
+        drawSymbolTile(painter, row, look, slot);
 }
 
 /// For an application without an icon: its first letter, on a colour that is always the same.
@@ -103,10 +106,15 @@ void RowPainter::drawMonogram(QPainter& painter, const ResultRow& row, const QRe
     painter.drawText(slot, Qt::AlignCenter, letter);
 }
 
-void RowPainter::drawSymbolTile(QPainter& painter, const ResultRow& row, const QRect& slot) const {
+void RowPainter::drawSymbolTile(QPainter& painter,
+                                const ResultRow& row,
+                                const RowLook& look,
+                                const QRect& slot) const {
     const auto& palette = style_.palette;
-    Drawing::roundedRectangle(
-        painter, QRectF(slot).adjusted(1, 1, -1, -1), tileRadius, toQt(palette.symbolTile));
+    Drawing::roundedRectangle(painter,
+                              QRectF(slot).adjusted(1, 1, -1, -1),
+                              tileRadius,
+                              toQt(look.isSelected ? palette.selectedTile : palette.symbolTile));
     if (row.glyph) {
         auto font = style_.title;
         font.setPixelSize(slot.height() * 3 / 5);
@@ -178,10 +186,11 @@ void RowPainter::drawTexts(QPainter& painter,
                      .query = showsMatch(row) ? query : std::string(),
                      .font = titleFont,
                      .width = static_cast<qreal>(room - runningRoom)});
-    lines.subtitle.set({.text = row.subtitle,
-                        .font = style_.subtitle,
-                        .width = static_cast<qreal>(room),
-                        .elide = row.kind == RowKind::file ? Qt::ElideMiddle : Qt::ElideRight});
+    lines.subtitle.set(
+        {.text = row.subtitle,
+         .font = style_.subtitle,
+         .width = static_cast<qreal>(room),
+         .cut = row.kind == RowKind::file ? ShownText::Cut::middle : ShownText::Cut::end});
     const bool hasSubtitle = !lines.subtitle.isEmpty();
     auto upper = part(look, PanelStyle::textStart, PanelStyle::textStart + room);
     auto lower = upper;

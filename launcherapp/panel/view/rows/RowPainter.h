@@ -47,9 +47,13 @@ public:
 
 private:
     void drawBackground(QPainter& painter, const RowLook& look) const;
-    void drawIcon(QPainter& painter, const ResultRow& row, const QRect& slot) const;
+    void
+    drawIcon(QPainter& painter, const ResultRow& row, const RowLook& look, const QRect& slot) const;
     void drawMonogram(QPainter& painter, const ResultRow& row, const QRect& slot) const;
-    void drawSymbolTile(QPainter& painter, const ResultRow& row, const QRect& slot) const;
+    void drawSymbolTile(QPainter& painter,
+                        const ResultRow& row,
+                        const RowLook& look,
+                        const QRect& slot) const;
     void drawDigit(QPainter& painter, const RowLook& look) const;
     /// The logical width that it took.
     int drawCredit(QPainter& painter,

@@ -1,10 +1,9 @@
 #include "launcherapp/panel/view/rows/TextLine.h"
 
-#include "launcherapp/panel/appearance/ShownText.h"
+#include "LauncherCore/text/Graphemes.h"
 #include "launcherapp/panel/view/Drawing.h"
 
 #include <QFontMetricsF>
-#include <QTextBoundaryFinder>
 #include <QTextOption>
 #include <algorithm>
 #include <cmath>
@@ -13,11 +12,9 @@ namespace tessarine {
 
 namespace {
 
-constexpr qreal underlineThickness = 1.5;
+constexpr qreal underlineThickness = 1.25;
 constexpr qreal underlineDistance = 2.5; ///< below the baseline
-constexpr qreal underlineStrength = 0.6;
-
-const QString ellipsis = QStringLiteral("…");
+constexpr qreal underlineStrength = 0.5;
 
 } // namespace
 
@@ -27,72 +24,57 @@ void TextLine::set(Content content) {
     content_ = std::move(content);
     matched_.clear();
     const auto line = ShownText::matching(content_.text, content_.query);
+    auto shown = line.text;
+    shape(shown);
+    if (width_ > content_.width) {
+        shown = cut(shown);
+        shape(shown);
+    }
+    const bool isCut = shown != line.text;
+    // Only a cut at the end leaves positions as they were; the ellipsis stands for what was there.
+    if (isCut && content_.cut != ShownText::Cut::end)
+        return;
+    const auto kept = isCut ? shown.size() - std::string_view("…").size() : shown.size();
     const auto units = [&](std::size_t bytes) {
-        return static_cast<int>(Drawing::toQt(std::string_view(line.text).substr(0, bytes)).size());
+        return static_cast<int>(
+            Drawing::toQt(std::string_view(shown).substr(0, std::min(bytes, kept))).size());
     };
-    for (const auto& range : line.matched)
-        matched_.push_back({units(range.begin), units(range.end) - units(range.begin)});
-    shape(Drawing::toQt(line.text));
+    for (const auto& range : line.matched) {
+        if (range.begin < kept)
+            matched_.push_back({units(range.begin), units(range.end) - units(range.begin)});
+    }
 }
 
-void TextLine::shape(const QString& text) {
+void TextLine::shape(const std::string& text) {
     if (!layout_)
         layout_ = std::make_unique<QTextLayout>();
     QTextOption option;
     option.setTextDirection(Qt::LayoutDirectionAuto);
     option.setWrapMode(QTextOption::NoWrap);
-    option.setUseDesignMetrics(false);
     layout_->setTextOption(option);
     layout_->setFont(content_.font);
     layout_->setCacheEnabled(true);
-    layout_->setText(text);
+    layout_->setText(Drawing::toQt(text));
     layout_->beginLayout();
-    auto line = layout_->createLine();
+    const auto line = layout_->createLine();
     layout_->endLayout();
     width_ = line.isValid() ? line.naturalTextWidth() : 0;
-    if (width_ <= content_.width || text.size() <= 1)
-        return;
-    const auto shorter = cut(text);
-    if (shorter == text)
-        return;
-    const auto kept = static_cast<int>(shorter.size()) - 1;
-    // Only a cut at the end leaves positions as they were.
-    if (content_.elide != Qt::ElideRight)
-        matched_.clear();
-    std::erase_if(matched_, [&](const Piece& piece) { return piece.start >= kept; });
-    for (auto& piece : matched_)
-        piece.length = std::min(piece.length, kept - piece.start);
-    shape(shorter);
 }
 
 /// As many whole characters as fit beside the ellipsis, by halves.
-QString TextLine::cut(const QString& text) const {
-    std::vector<qsizetype> ends{0};
-    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
-    while (characters.toNextBoundary() != -1)
-        ends.push_back(characters.position());
+std::string TextLine::cut(const std::string& text) const {
     const QFontMetricsF metrics(content_.font);
-    const auto shortened = [&](std::size_t kept) {
-        if (content_.elide == Qt::ElideRight)
-            return text.left(ends[kept]) + ellipsis;
-        const auto tail = kept / 2;
-        return text.left(ends[kept - tail]) + ellipsis + text.mid(ends[ends.size() - 1 - tail]);
-    };
     std::size_t fits = 0;
-    std::size_t tooMany = ends.size() - 1;
+    auto tooMany = Graphemes::count(text);
     while (tooMany - fits > 1) {
         const auto middle = (fits + tooMany) / 2;
-        if (metrics.horizontalAdvance(shortened(middle)) <= content_.width)
+        const auto shorter = ShownText::shortened(text, middle, content_.cut);
+        if (metrics.horizontalAdvance(Drawing::toQt(shorter)) <= content_.width)
             fits = middle;
         else
             tooMany = middle;
     }
-    // A name cut after a blank would seem to end in nothing.
-    auto result = shortened(fits);
-    while (content_.elide == Qt::ElideRight && result.size() > 2 &&
-           result.at(result.size() - 2).isSpace())
-        result.remove(result.size() - 2, 1);
-    return result;
+    return ShownText::shortened(text, fits, content_.cut);
 }
 
 void TextLine::draw(QPainter& painter,

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "launcherapp/panel/appearance/ShownText.h"
+
 #include <QFont>
 #include <QPainter>
 #include <QString>
 #include <QTextLayout>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tessarine {
@@ -21,7 +22,7 @@ public:
         std::string query; ///< what is marked; empty for nothing
         QFont font;
         qreal width = 0; ///< room that it has; more is cut by whole characters
-        Qt::TextElideMode elide = Qt::ElideRight;
+        ShownText::Cut cut = ShownText::Cut::end;
 
         bool operator==(const Content&) const = default;
     };
@@ -53,8 +54,8 @@ private:
         int length = 0;
     };
 
-    void shape(const QString& text);
-    QString cut(const QString& text) const;
+    void shape(const std::string& text);
+    std::string cut(const std::string& text) const;
 
     Content content_;
     std::unique_ptr<QTextLayout> layout_;
