@@ -14,13 +14,26 @@ class Icons {
 public:
     virtual ~Icons() = default;
 
-    /// A name in the desktop's icon theme, or an absolute path, drawn as a square of `sizePoints`.
-    /// Nothing when the theme, or the path, has no such picture.
-    virtual std::optional<Image> icon(std::string_view nameOrPath, int sizePoints) = 0;
+    /// Crisp on screens of double density, and scales down well for others: for callers that
+    /// don't know the screen yet.
+    static constexpr double defaultScale = 2;
 
-    /// A symbol by the name that rows use ("magnifyingglass", "app.dashed"). One that has no
-    /// drawing is drawn as a plain placeholder.
-    virtual Image symbol(std::string_view name, int sizePoints) = 0;
+    /// A name in the desktop's icon theme, or an absolute path, drawn as a square of `sizePoints`
+    /// with `scale` pixels a point. Nothing when the theme, or the path, has no such picture.
+    virtual std::optional<Image>
+    icon(std::string_view nameOrPath, int sizePoints, double scale) = 0;
+
+    /// A symbol by the name that rows use ("magnifyingglass", "app.dashed"), as a mask. One that
+    /// has no drawing is drawn as a plain placeholder.
+    virtual Image symbol(std::string_view name, int sizePoints, double scale) = 0;
+
+    std::optional<Image> icon(std::string_view nameOrPath, int sizePoints) {
+        return icon(nameOrPath, sizePoints, defaultScale);
+    }
+
+    Image symbol(std::string_view name, int sizePoints) {
+        return symbol(name, sizePoints, defaultScale);
+    }
 };
 
 } // namespace tessarine

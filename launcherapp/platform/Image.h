@@ -10,7 +10,8 @@ namespace tessarine {
 struct Image {
     int widthPixels = 0;
     int heightPixels = 0;
-    double scale = 1; ///< pixels per point
+    double scale = 1;    ///< pixels per point
+    bool isMask = false; ///< only its opacity counts: it takes the colour of the text beside it
     /// 0xAARRGGBB, premultiplied, row after row; null for an empty image.
     std::shared_ptr<const std::vector<std::uint32_t>> pixels;
 

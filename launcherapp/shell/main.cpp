@@ -27,11 +27,10 @@ int runProgram(int argc, char** argv) {
         return ending->status;
     }
     auto environment = processEnvironment();
-    const auto application =
-        makeQtApplication(argc,
-                          argv,
-                          Modes::endsByItself(commandLine) ? QtSurface::none : QtSurface::windows,
-                          environment);
+    const auto surface = Modes::draws(commandLine)          ? QtSurface::pictures
+                         : Modes::endsByItself(commandLine) ? QtSurface::none
+                                                            : QtSurface::windows;
+    const auto application = makeQtApplication(argc, argv, surface, environment);
     return App(std::move(commandLine), std::move(environment)).run();
 }
 

@@ -10,7 +10,10 @@ namespace tessarine {
 /// A theme of the icons in `known`; each is a single pixel. Notes what was drawn.
 class FakeIcons : public Icons {
 public:
-    std::optional<Image> icon(std::string_view nameOrPath, int sizePoints) override {
+    using Icons::icon;
+    using Icons::symbol;
+
+    std::optional<Image> icon(std::string_view nameOrPath, int sizePoints, double) override {
         if (!known.contains(std::string(nameOrPath)))
             return std::nullopt;
         drawn.push_back(std::string(nameOrPath));
@@ -18,10 +21,12 @@ public:
         return pixel(0xff112233);
     }
 
-    Image symbol(std::string_view name, int sizePoints) override {
+    Image symbol(std::string_view name, int sizePoints, double) override {
         symbols.push_back(std::string(name));
         sizes.push_back(sizePoints);
-        return pixel(0xff445566);
+        auto image = pixel(0xff445566);
+        image.isMask = true;
+        return image;
     }
 
     std::set<std::string> known;

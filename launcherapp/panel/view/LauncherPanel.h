@@ -1,18 +1,87 @@
 #pragma once
 
+#include "launcherapp/panel/view/PanelRoot.h"
+#include "launcherapp/panel/view/PanelShadow.h"
+#include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/platform/Subscription.h"
+#include "launcherapp/query/PanelKeys.h"
+
 #include <QWidget>
+#include <functional>
+#include <string_view>
 
 namespace tessarine {
 
-/// The panel's top-level widget: frameless, translucent where the display can mix, with one view
-/// tree inside. It decides nothing: keys go to its hooks, the controller places it. Main thread
-/// only.
+class QueryField;
+enum class CaretPlace;
+enum class FieldCommand;
+
+/// The panel's top-level widget: frameless, with one view tree inside. It decides nothing: keys go
+/// to the model or to its hooks, the controller places it. Where the display mixes, it is larger
+/// than the panel by its contents margins, which hold the shadow; where not, they are nothing. Main
+/// thread only.
 class LauncherPanel : public QWidget {
     Q_OBJECT
 
 public:
-    LauncherPanel();
+    explicit LauncherPanel(PanelViewServices services);
     ~LauncherPanel() override;
+
+    // What keys and clicks ask for. Each does what it says to the model until it is set otherwise;
+    // those marked (none) do nothing until then.
+    std::function<void()> onEscape;
+    std::function<void()> onCommandReturn;
+    std::function<void(int digit)> onDigit;
+    std::function<void()> onPreview; ///< (none)
+    std::function<void()> onActions; ///< opens the menu, or closes it
+    std::function<void()> onFavorite;
+    std::function<void()> onCopy;      ///< and hides the panel when something was copied
+    std::function<void()> onCopyToTop; ///< the same among clippings
+    std::function<void()> onCopyField; ///< of a person's card
+    std::function<void()> onSettings;
+    std::function<void()> onShortcuts; ///< shows the sheet, or takes it away
+    std::function<void()> onResignKey; ///< (none) a press beside the panel
+    /// (none) `rowHeight` or `heightBeyondRows` has changed.
+    std::function<void()> onHeights;
+
+    QueryField& field() { return root_->field(); }
+
+    PanelRoot& root() { return *root_; }
+
+    /// Without mixing the panel is square and opaque and has no shadow.
+    void setBlending(PanelRoot::Blending blending);
+
+    /// Height of a row as it is drawn now.
+    int rowHeight() const { return root_->style().rowHeight; }
+
+    /// What is wanted beyond rows, field and footer: for an open menu, the sheet, a preview.
+    int heightBeyondRows() const { return root_->heightBeyondRows(); }
+
+    /// The panel itself, in this widget's coordinates.
+    QRect panelRectangle() const { return contentsRect(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void setHooks();
+    void chordPressed(const PanelChord& chord);
+    bool perform(FieldCommand command, CaretPlace caret);
+    void restyle();
+    void preferenceChanged(std::string_view key);
+
+    PanelViewServices services_;
+    PanelRoot* root_; ///< the widget tree owns it
+    PanelShadow shadow_;
+    PanelRoot::Blending blending_ = PanelRoot::Blending::mixed;
+    int usualCursorFlash_;
+    Subscription modelChanges_;
+    Subscription appearanceChanges_;
+    Subscription desktopChanges_;
+    Subscription prefsChanges_;
 };
 
 } // namespace tessarine

@@ -1,8 +1,10 @@
 #include "launcherapp/shell/modes/Modes.h"
 
 #include "launcherapp/catalog/AppCatalogSelftest.h"
+#include "launcherapp/panel/appearance/AppearanceSelftest.h"
 #include "launcherapp/shell/ProductInfo.h"
 #include "launcherapp/shell/modes/IndexModes.h"
+#include "launcherapp/shell/modes/PanelModes.h"
 #include "launcherapp/shell/modes/QueryModes.h"
 #include "launcherapp/shell/modes/SearchMode.h"
 
@@ -46,6 +48,21 @@ void runAppCatalogSelftest(ModeContext& context, const std::string&) {
     print(context, appCatalogSelftest(context.files, context.environment));
 }
 
+void runAppearanceSelftest(ModeContext& context, const std::string&) {
+    print(context, appearanceSelftest());
+}
+
+/// A mode of the panel's view, if this run has one.
+template <PanelModes::Run PanelModes::*mode>
+void drawing(ModeContext& context, const std::string& value) {
+    if (context.panel && context.panel->*mode) {
+        (context.panel->*mode)(context, value);
+        return;
+    }
+    context.print("panel: NOT MEASURED, nothing can be drawn in this run");
+    context.finish(static_cast<int>(SelftestResult::Verdict::notMeasured));
+}
+
 constexpr std::string_view versionFlag = "--version";
 
 constexpr auto earlyModes = std::to_array<Mode>({
@@ -63,8 +80,8 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-fsevents", none, {}, {}, IndexModes::selftestFsevents},
     {"--show", none, {}, panel},
     {"--selftest-show", none, Seconds{1.5}, panel},
-    {"--render-sheet", next, Seconds{1}, panel},
-    {"--render-shortcuts", next, Seconds{1.5}, panel},
+    {"--render-sheet", next, Seconds{1}, {}, drawing<&PanelModes::renderSheet>},
+    {"--render-shortcuts", next, Seconds{1.5}, {}, drawing<&PanelModes::renderShortcuts>},
     {"--render-settings", next, Seconds{1.5}, settings},
     {"--pasteboard-types", none, {}, clipboard},
     {"--settings-sync-probe", none, {}, settingsSync},
@@ -81,9 +98,9 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--mic-check", none, {}, voice},
     {"--mic-request", none, {}, voice},
     {"--clip-groups", none, {}, clipboard},
-    {"--selftest-appearance", none, {}, panel},
-    {"--selftest-render-purity", none, {}, panel},
-    {"--selftest-shortcut", none, {}, panel},
+    {"--selftest-appearance", none, {}, {}, runAppearanceSelftest},
+    {"--selftest-render-purity", none, {}, {}, drawing<&PanelModes::selftestRenderPurity>},
+    {"--selftest-shortcut", none, {}, {}, drawing<&PanelModes::selftestShortcut>},
     {"--selftest-settings", none, {}, {}, QueryModes::selftestSettings},
     {"--menubar-sheet", next, Seconds{0.4}, statusItem},
     {"--menubar-variants", next, Seconds{0.3}, statusItem},
@@ -126,7 +143,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-contact-verbs", none, Seconds{2.5}, people},
     {"--selftest-chrome-profiles", none, Seconds{2.5}, "the browser profiles source"},
     {"--slack-refresh", none, {}, chat},
-    {"--render", next, Seconds{2.5}, panel},
+    {"--render", next, Seconds{2.5}, {}, drawing<&PanelModes::render>},
 });
 
 /// Options that only qualify a mode of the tables above, or the whole run.
@@ -223,6 +240,14 @@ bool Modes::isAsked(const Mode& mode, const CommandLine& commandLine) {
         return !commandLine.arguments().empty() && commandLine.arguments().front() == mode.flag;
     return mode.value == none ? commandLine.has(mode.flag)
                               : commandLine.value(mode.flag).has_value();
+}
+
+bool Modes::draws(const CommandLine& commandLine) {
+    static constexpr auto drawn = std::to_array<std::string_view>(
+        {"--render", "--render-sheet", "--render-shortcuts", "--selftest-render-purity"});
+    return std::ranges::any_of(resident(), [&](const Mode& mode) {
+        return std::ranges::count(drawn, mode.flag) > 0 && isAsked(mode, commandLine);
+    });
 }
 
 bool Modes::endsByItself(const CommandLine& commandLine) {

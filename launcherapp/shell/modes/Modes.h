@@ -21,6 +21,7 @@ class FileStore;
 class Prefs;
 class SearchModel;
 struct IndexModeServices;
+struct PanelModes;
 
 /// What a mode may use: the services of the running program, and the way out.
 /// Main thread only; the references live until the process ends.
@@ -35,6 +36,7 @@ struct ModeContext {
     CreditResolver& credits;
     AnswerService* answers = nullptr;                         ///< null where none run
     const IndexModeServices* indexing = nullptr;              ///< null where no index runs
+    const PanelModes* panel = nullptr;                        ///< null where nothing can be drawn
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output
     std::function<void(int status)> finish; ///< ends the process, once it gets there
@@ -86,6 +88,9 @@ std::optional<Ending> endEarly(const CommandLine& commandLine);
 
 /// Whether the command line has this mode, with its value if it takes one.
 bool isAsked(const Mode& mode, const CommandLine& commandLine);
+
+/// Whether a mode is asked for that draws the panel, and so needs windows, if only offscreen.
+bool draws(const CommandLine& commandLine);
 
 /// Whether any mode is asked for that ends the process; without one the program stays resident.
 bool endsByItself(const CommandLine& commandLine);

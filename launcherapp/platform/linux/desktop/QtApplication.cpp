@@ -46,6 +46,8 @@ private:
     std::optional<std::string> before_;
 };
 
+constexpr auto platformVariable = "QT_QPA_PLATFORM";
+
 /// Qt ends the process when the display it is told of doesn't answer, so it is asked first.
 bool x11Answers() {
     xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
@@ -59,8 +61,17 @@ bool x11Answers() {
 std::unique_ptr<QCoreApplication>
 makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment) {
     const Utf8LocaleWhileStarting locale;
-    if (surface == QtSurface::windows && environment.hasX11 && x11Answers())
+    if (surface != QtSurface::none && environment.hasX11 && x11Answers())
         return std::make_unique<QApplication>(argc, argv);
+    if (surface == QtSurface::pictures) {
+        // For this process alone: what it starts is to see the display that there is.
+        const bool isSet = qEnvironmentVariableIsSet(platformVariable);
+        const auto before = qgetenv(platformVariable);
+        qputenv(platformVariable, "offscreen");
+        auto application = std::make_unique<QApplication>(argc, argv);
+        isSet ? qputenv(platformVariable, before) : qunsetenv(platformVariable);
+        return application;
+    }
     return std::make_unique<QCoreApplication>(argc, argv);
 }
 

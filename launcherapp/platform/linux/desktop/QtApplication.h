@@ -9,8 +9,9 @@ class QCoreApplication;
 namespace tessarine {
 
 enum class QtSurface {
-    none,    ///< an event loop alone: works without any display
-    windows, ///< windows and icons too, where a display answers
+    none,     ///< an event loop alone: works without any display
+    pictures, ///< widgets drawn into pictures: on a display where one answers, else without any
+    windows,  ///< windows and icons too, where a display answers
 };
 
 /// The application object that Qt needs one of, made before anything else of Qt. Falls back to

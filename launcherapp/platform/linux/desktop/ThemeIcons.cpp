@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/desktop/ThemeIcons.h"
 
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/linux/desktop/SymbolDrawing.h"
 
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -10,7 +11,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -18,47 +19,16 @@ namespace tessarine {
 
 namespace {
 
-/// Drawn at twice the size in points, which is crisp on screens of double density and scales down
-/// well on others.
-constexpr int pixelsPerPoint = 2;
 /// A picture that would take more memory than this is no icon.
 constexpr int allocationLimitMegabytes = 64;
 /// The theme every other one falls back to (Icon Theme Specification).
 constexpr auto lastTheme = "hicolor";
 
-struct SymbolIcon {
-    std::string_view symbol;
-    const char* iconName;
-};
-
-/// What icon themes call the symbols that rows use (Icon Naming Specification 0.8.90).
-constexpr auto symbolIcons = std::to_array<SymbolIcon>({
-    {"app", "application-x-executable"},
-    {"arrow.up.forward.app", "go-jump"},
-    {"calendar", "x-office-calendar"},
-    {"character.book.closed", "accessories-dictionary"},
-    {"desktopcomputer", "computer"},
-    {"doc", "text-x-generic"},
-    {"eject", "media-eject"},
-    {"equal.circle", "accessories-calculator"},
-    {"exclamationmark.triangle.fill", "dialog-warning"},
-    {"folder", "folder"},
-    {"gearshape", "preferences-system"},
-    {"link", "insert-link"},
-    {"list.bullet", "view-list"},
-    {"lock", "system-lock-screen"},
-    {"magnifyingglass", "system-search"},
-    {"star", "starred"},
-    {"star.slash", "non-starred"},
-    {"terminal", "utilities-terminal"},
-    {"trash", "user-trash"},
-});
-
 bool canDraw() {
     return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
-Image fromQt(const QImage& picture) {
+Image fromQt(const QImage& picture, double scale) {
     const auto converted = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (converted.isNull())
         return {};
@@ -71,7 +41,7 @@ Image fromQt(const QImage& picture) {
                     width * sizeof(std::uint32_t));
     return {.widthPixels = converted.width(),
             .heightPixels = converted.height(),
-            .scale = pixelsPerPoint,
+            .scale = scale,
             .pixels = std::make_shared<const std::vector<std::uint32_t>>(std::move(pixels))};
 }
 
@@ -87,48 +57,30 @@ QImage squared(const QImage& picture, int side) {
     return square;
 }
 
-std::optional<Image> fromFile(const QString& path, int side) {
+QImage fromFile(const QString& path, int side) {
     // Opening a pipe or a device would wait, or do something.
     if (!QFileInfo(path).isFile())
-        return std::nullopt;
+        return {};
     QImageReader reader(path);
     reader.setAutoTransform(true);
     // A drawing is rendered at the size wanted; a photograph is scaled while it is read.
     const auto natural = reader.size();
     if (natural.isValid())
         reader.setScaledSize(natural.scaled(side, side, Qt::KeepAspectRatio));
-    const auto picture = reader.read();
-    if (picture.isNull())
-        return std::nullopt;
-    return fromQt(squared(picture, side));
+    return reader.read();
 }
 
-std::optional<Image> fromTheme(const QString& name, int side) {
-    const auto icon = QIcon::fromTheme(name);
-    if (icon.isNull())
-        return std::nullopt;
-    const auto picture = icon.pixmap(QSize(side, side), 1.0).toImage();
-    if (picture.isNull())
-        return std::nullopt;
-    return fromQt(squared(picture, side));
+QImage fromTheme(QString name, int side) {
+    // Older entries name a file of the pixmaps folder with its ending.
+    for (const auto* ending : {".png", ".svg", ".xpm"}) {
+        if (name.endsWith(QLatin1String(ending)))
+            name.chop(4);
+    }
+    return QIcon::fromTheme(name).pixmap(QSize(side, side), 1.0).toImage();
 }
 
-/// For a symbol without an icon: a rounded square, dashed for what is missing.
-Image placeholder(std::string_view name, int side) {
-    QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal stroke = side / 16.0;
-    QPen pen(QColor(128, 128, 128), stroke);
-    if (name.ends_with(".dashed"))
-        pen.setStyle(Qt::DashLine);
-    painter.setPen(pen);
-    const qreal inset = side / 8.0;
-    painter.drawRoundedRect(
-        QRectF(0, 0, side, side).adjusted(inset, inset, -inset, -inset), side / 5.0, side / 5.0);
-    painter.end();
-    return fromQt(picture);
+int pixels(int sizePoints, double scale) {
+    return std::max(1, static_cast<int>(std::lround(sizePoints * scale)));
 }
 
 } // namespace
@@ -156,31 +108,25 @@ ThemeIcons::ThemeIcons(const Environment& environment) {
         QIcon::setThemeName(QLatin1String(lastTheme));
 }
 
-std::optional<Image> ThemeIcons::icon(std::string_view nameOrPath, int sizePoints) {
+std::optional<Image> ThemeIcons::icon(std::string_view nameOrPath, int sizePoints, double scale) {
     if (nameOrPath.empty() || !canDraw())
         return std::nullopt;
-    const int side = sizePoints * pixelsPerPoint;
-    auto name = QString::fromUtf8(nameOrPath.data(), static_cast<qsizetype>(nameOrPath.size()));
-    if (name.startsWith(QLatin1Char('/')))
-        return fromFile(name, side);
-    // Older entries name a file of the pixmaps folder with its ending.
-    for (const auto* ending : {".png", ".svg", ".xpm"}) {
-        if (name.endsWith(QLatin1String(ending)))
-            name.chop(4);
-    }
-    return fromTheme(name, side);
+    const int side = pixels(sizePoints, scale);
+    const auto name =
+        QString::fromUtf8(nameOrPath.data(), static_cast<qsizetype>(nameOrPath.size()));
+    const auto picture =
+        name.startsWith(QLatin1Char('/')) ? fromFile(name, side) : fromTheme(name, side);
+    if (picture.isNull())
+        return std::nullopt;
+    return fromQt(squared(picture, side), scale);
 }
 
-Image ThemeIcons::symbol(std::string_view name, int sizePoints) {
+Image ThemeIcons::symbol(std::string_view name, int sizePoints, double scale) {
     if (!canDraw())
         return {};
-    const int side = sizePoints * pixelsPerPoint;
-    const auto known = std::ranges::find(symbolIcons, name, &SymbolIcon::symbol);
-    if (known != symbolIcons.end()) {
-        if (auto picture = fromTheme(QLatin1String(known->iconName), side))
-            return *std::move(picture);
-    }
-    return placeholder(name, side);
+    auto image = fromQt(SymbolDrawing::mask(name, pixels(sizePoints, scale)), scale);
+    image.isMask = true;
+    return image;
 }
 
 } // namespace tessarine

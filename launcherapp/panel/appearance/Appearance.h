@@ -1,0 +1,46 @@
+#pragma once
+
+#include "launcherapp/panel/appearance/Palette.h"
+#include "launcherapp/platform/Observers.h"
+#include "launcherapp/platform/Subscription.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <functional>
+#include <optional>
+
+namespace tessarine {
+
+class DesktopAppearance;
+
+/// Which palette holds now: the user's dark or light preset, as the settings say or as the desktop
+/// has it. Reads the settings and never writes them. Main thread only.
+class Appearance {
+public:
+    /// Follows both from now on.
+    Appearance(Prefs& prefs, DesktopAppearance& desktop);
+    Appearance(const Appearance&) = delete;
+    Appearance& operator=(const Appearance&) = delete;
+
+    AppearancePreset preset() const;
+
+    const Palette& palette() const { return Palettes::palette(preset()); }
+
+    /// Shows another preset for as long as it is set: for pictures alone, it is stored nowhere.
+    void setOverride(std::optional<AppearancePreset> preset);
+
+    /// Calls `changed` after each change of the palette.
+    Subscription onChange(std::function<void()> changed);
+
+private:
+    void reconsider();
+
+    const Prefs& prefs_;
+    const DesktopAppearance& desktop_;
+    std::optional<AppearancePreset> override_;
+    AppearancePreset shown_;
+    Subscription prefsChanges_;
+    Subscription desktopChanges_;
+    Observers<> observers_;
+};
+
+} // namespace tessarine

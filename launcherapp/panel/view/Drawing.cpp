@@ -1,0 +1,62 @@
+#include "launcherapp/panel/view/Drawing.h"
+
+#include <QImage>
+#include <cmath>
+
+namespace tessarine {
+
+double Drawing::scale(const QPainter& painter) {
+    // Of the device that is drawn to in the end: a widget drawn into a picture has its own.
+    return painter.deviceTransform().m11();
+}
+
+QPointF Drawing::aligned(const QPainter& painter, QPointF place) {
+    const auto transform = painter.deviceTransform();
+    const auto device = transform.map(place);
+    return transform.inverted().map(QPointF(std::round(device.x()), std::round(device.y())));
+}
+
+QImage Drawing::tinted(const QImage& mask, const QColor& color) {
+    auto picture = mask;
+    QPainter painter(&picture);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(QRectF(QPointF(), picture.deviceIndependentSize()), color);
+    return picture;
+}
+
+void Drawing::centred(QPainter& painter, const QRectF& rectangle, const QImage& picture) {
+    const auto size = picture.deviceIndependentSize();
+    const QPointF corner(rectangle.center().x() - size.width() / 2,
+                         rectangle.center().y() - size.height() / 2);
+    painter.drawImage(aligned(painter, corner), picture);
+}
+
+void Drawing::roundedRectangle(QPainter& painter,
+                               const QRectF& rectangle,
+                               qreal radius,
+                               const QColor& fill) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(rectangle, radius, radius);
+    painter.restore();
+}
+
+void Drawing::roundedFrame(QPainter& painter,
+                           const QRectF& rectangle,
+                           qreal radius,
+                           const QColor& color) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(rectangle.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+    painter.restore();
+}
+
+QString Drawing::toQt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace tessarine

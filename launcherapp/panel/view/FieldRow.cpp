@@ -1,0 +1,164 @@
+#include "launcherapp/panel/view/FieldRow.h"
+
+#include "LauncherCore/text/Paths.h"
+#include "launcherapp/panel/appearance/ShownText.h"
+#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/panel/view/rows/RowImages.h"
+#include "launcherapp/query/SearchModel.h"
+
+#include <QFontMetrics>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyle>
+#include <algorithm>
+
+namespace tessarine {
+
+namespace {
+
+constexpr int symbolSide = 22;
+constexpr int chipHeight = 26;
+constexpr int chipPadding = 10;
+constexpr int chipArrowSide = 12;
+constexpr int mostChipWidth = 200;
+/// The editor's own margin inside its frame (qlineedit_p.h).
+constexpr int editorMargin = 2;
+
+/// What is searched at the moment.
+struct Mode {
+    std::string symbol = "magnifyingglass";
+    std::string name; ///< empty for the ordinary one
+    QString placeholder = QStringLiteral("Search or type a command");
+};
+
+std::string filterTitle(const SearchModel& model) {
+    const auto key = model.clipFilter().value_or(std::string(FilterMenuItem::everything));
+    const auto items = model.filterMenuItems();
+    const auto found = std::ranges::find(items, key, &FilterMenuItem::key);
+    if (found != items.end())
+        return found->title;
+    return model.clipFilter().value_or("Everything");
+}
+
+Mode modeOf(const SearchModel& model) {
+    if (model.clipboardMode())
+        return {"doc.on.clipboard", filterTitle(model), QStringLiteral("Search the clipboard")};
+    if (model.personPath())
+        return {"person.crop.circle", "", QStringLiteral("Search this card")};
+    if (model.browsePath()) {
+        const auto name = ShownText::harmless(Paths::lastPart(*model.browsePath()));
+        return {"folder",
+                name.empty() ? "/" : name,
+                QStringLiteral("Search in %1").arg(Drawing::toQt(name.empty() ? "/" : name))};
+    }
+    if (model.engaged())
+        return {model.engaged()->defaultSymbol(), model.engaged()->name, {}};
+    return {};
+}
+
+} // namespace
+
+FieldRow::FieldRow(QWidget* parent, SearchModel& model, const PanelStyle& style, RowImages& images)
+    : QWidget(parent), model_(model), style_(style), images_(images), field_(new QueryField(this)) {
+    setFocusProxy(field_);
+}
+
+void FieldRow::refresh() {
+    field_->show(model_.query());
+    const auto mode = modeOf(model_);
+    const auto chip = Drawing::toQt(ShownText::harmless(mode.name));
+    field_->setPlaceholderText(mode.placeholder);
+    if (chip == chip_ && mode.symbol == symbol_)
+        return;
+    chip_ = chip;
+    symbol_ = mode.symbol;
+    place();
+    update();
+}
+
+void FieldRow::restyle() {
+    field_->restyle(style_);
+    place();
+    update();
+}
+
+QRect FieldRow::chipRectangle() const {
+    if (chip_.isEmpty())
+        return {};
+    const int text = QFontMetrics(style_.subtitle).horizontalAdvance(chip_);
+    const int arrow = model_.clipboardMode() ? chipArrowSide + 4 : 0;
+    const int width = std::min(text + 2 * chipPadding + arrow, mostChipWidth);
+    const QRect chip(
+        this->width() - PanelStyle::edge - width, (height() - chipHeight) / 2, width, chipHeight);
+    return QStyle::visualRect(layoutDirection(), rect(), chip);
+}
+
+void FieldRow::place() {
+    const int left = PanelStyle::textStart - editorMargin;
+    const int end = PanelStyle::edge + (chip_.isEmpty() ? 0 : chipRectangle().width() + 12);
+    const QRect field(left,
+                      (height() - PanelStyle::fieldRowHeight) / 2,
+                      width() - left - end,
+                      PanelStyle::fieldRowHeight);
+    field_->setGeometry(QStyle::visualRect(layoutDirection(), rect(), field));
+}
+
+void FieldRow::resizeEvent(QResizeEvent* event) {
+    place();
+    QWidget::resizeEvent(event);
+}
+
+void FieldRow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange)
+        place();
+    QWidget::changeEvent(event);
+}
+
+void FieldRow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect slot(PanelStyle::edge,
+                     (height() - PanelStyle::iconSide) / 2,
+                     PanelStyle::iconSide,
+                     PanelStyle::iconSide);
+    if (const auto* drawing = images_.symbol(
+            symbol_, {symbolSide, Drawing::scale(painter)}, toQt(style_.palette.placeholder)))
+        Drawing::centred(painter, QStyle::visualRect(layoutDirection(), rect(), slot), *drawing);
+    if (!chip_.isEmpty())
+        drawChip(painter);
+}
+
+void FieldRow::drawChip(QPainter& painter) const {
+    const auto& palette = style_.palette;
+    const auto chip = chipRectangle();
+    Drawing::roundedRectangle(painter, chip, chipHeight / 2.0, toQt(palette.keyCap));
+    auto inside = QRect(chipPadding, 0, chip.width() - 2 * chipPadding, chip.height());
+    const auto onPanel = [&](const QRect& part) {
+        return QStyle::visualRect(layoutDirection(), QRect(0, 0, chip.width(), chip.height()), part)
+            .translated(chip.topLeft());
+    };
+    if (model_.clipboardMode()) {
+        const QRect arrow(
+            inside.right() + 1 - chipArrowSide, inside.top(), chipArrowSide, inside.height());
+        inside.setRight(arrow.left() - 4);
+        if (const auto* drawing = images_.symbol(
+                "chevron.down", {chipArrowSide, Drawing::scale(painter)}, toQt(palette.keyCapText)))
+            Drawing::centred(painter, onPanel(arrow), *drawing);
+    }
+    painter.setFont(style_.subtitle);
+    painter.setPen(toQt(palette.keyCapText));
+    painter.drawText(
+        onPanel(inside),
+        Qt::AlignCenter | Qt::TextSingleLine,
+        QFontMetrics(style_.subtitle).elidedText(chip_, Qt::ElideMiddle, inside.width()));
+}
+
+void FieldRow::mouseReleaseEvent(QMouseEvent* event) {
+    if (model_.clipboardMode() && chipRectangle().contains(event->position().toPoint()))
+        model_.filterMenuTab(SearchModel::TabDirection::forward);
+    else
+        QWidget::mouseReleaseEvent(event);
+}
+
+} // namespace tessarine

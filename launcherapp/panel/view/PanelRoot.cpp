@@ -1,0 +1,273 @@
+#include "launcherapp/panel/view/PanelRoot.h"
+
+#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/panel/appearance/Appearance.h"
+#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/FieldRow.h"
+#include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/panel/view/ShortcutSheet.h"
+#include "launcherapp/panel/view/menus/PanelMenus.h"
+#include "launcherapp/panel/view/rows/RowList.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <QApplication>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QStyle>
+#include <algorithm>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr int menuMargin = 8; ///< from an open menu to the field row, the footer and the sides
+
+} // namespace
+
+PanelRoot::PanelRoot(QWidget* parent, PanelViewServices services)
+    : QWidget(parent), services_(services),
+      style_(services.appearance.palette(), services.prefs.textScale(), QApplication::font()),
+      images_(services.icons, services.catalog),
+      fieldRow_(new FieldRow(this, services.model, style_, images_)),
+      list_(new RowList(this,
+                        {.model = services.model,
+                         .prefs = services.prefs,
+                         .credits = services.credits,
+                         .images = images_,
+                         .style = style_})),
+      footer_(new Footer(this, services.model, services.prefs, style_)),
+      actions_(new ActionsMenuView(this, services.model, style_, images_)),
+      filter_(new FilterMenuView(this, services.model, style_, images_)),
+      sheet_(new ShortcutSheet(this, style_)) {
+    setFocusProxy(fieldRow_);
+    for (auto* view : {static_cast<ItemView*>(list_),
+                       static_cast<ItemView*>(actions_),
+                       static_cast<ItemView*>(filter_)})
+        view->setController(&fieldRow_->field());
+    images_.arrived = [this] { update(); };
+    fieldRow_->restyle();
+    refresh();
+}
+
+PanelRoot::~PanelRoot() = default;
+
+QueryField& PanelRoot::field() {
+    return fieldRow_->field();
+}
+
+void PanelRoot::refresh() {
+    fieldRow_->refresh();
+    list_->refresh();
+    footer_->refresh();
+    actions_->refresh();
+    filter_->refresh();
+    if (services_.model.actions().empty())
+        menuPlace_.reset();
+    place();
+    if (std::exchange(toldHeight_, wantedHeight()) != toldHeight_ && heightChanged)
+        heightChanged();
+}
+
+void PanelRoot::restyle() {
+    style_ = PanelStyle(services_.appearance.palette(),
+                        heldTextScale_.value_or(services_.prefs.textScale()),
+                        QApplication::font());
+    fieldRow_->restyle();
+    list_->restyle();
+    refresh();
+    update();
+}
+
+void PanelRoot::setBlending(Blending blending) {
+    if (std::exchange(blending_, blending) != blending)
+        update();
+}
+
+void PanelRoot::setTextScale(std::optional<TextScale> scale) {
+    heldTextScale_ = scale;
+    restyle();
+}
+
+void PanelRoot::settle(double scale) {
+    // A picture that has come may be what shows that another is wanted: a symbol for an icon that
+    // there is not.
+    constexpr int rounds = 4;
+    QImage screen((QSizeF(size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    screen.setDevicePixelRatio(scale);
+    for (int i = 0; i < rounds; ++i) {
+        render(&screen, QPoint(), QRegion(), QWidget::DrawChildren);
+        list_->lookUpCredits();
+        images_.readAll();
+    }
+}
+
+void PanelRoot::setCommandHeld(bool held) {
+    list_->setCommandHeld(held);
+    footer_->setCommandHeld(held);
+}
+
+QWidget* PanelRoot::accessory(Slot slot) const {
+    return accessories_[static_cast<std::size_t>(slot)];
+}
+
+void PanelRoot::setAccessory(Slot slot, QWidget* accessory) {
+    accessories_[static_cast<std::size_t>(slot)] = accessory;
+    if (accessory) {
+        accessory->setParent(this);
+        accessory->stackUnder(actions_);
+        accessory->show();
+    }
+    refresh();
+}
+
+void PanelRoot::setSheetShown(bool shown) {
+    sheet_->setVisible(shown);
+    refresh();
+}
+
+bool PanelRoot::isSheetShown() const {
+    return !sheet_->isHidden();
+}
+
+int PanelRoot::ordinaryHeight() const {
+    const int rows = list_->wantedHeight();
+    const int separator = rows > 0 ? PanelStyle::separatorHeight : 0;
+    return PanelStyle::headerHeight + separator + rows + PanelStyle::footerHeight;
+}
+
+int PanelRoot::accessoryHeight(Slot slot) const {
+    const auto* part = accessory(slot);
+    return part ? part->sizeHint().height() + PanelStyle::separatorHeight : 0;
+}
+
+/// What an open menu or the sheet needs below the field; 0 for none.
+int PanelRoot::overlayHeight() const {
+    int height = 0;
+    for (const auto* menu :
+         {static_cast<const MenuView*>(actions_), static_cast<const MenuView*>(filter_)}) {
+        if (!menu->isHidden())
+            height = std::max(height, menu->wantedSize().height());
+    }
+    if (isSheetShown())
+        height = std::max(height, sheet_->wantedSize().height());
+    return height == 0 ? 0 : height + 2 * menuMargin;
+}
+
+int PanelRoot::wantedHeight() const {
+    const int parts =
+        ordinaryHeight() + accessoryHeight(Slot::aboveList) + accessoryHeight(Slot::belowList);
+    return std::max(parts, PanelStyle::headerHeight + overlayHeight() + PanelStyle::footerHeight);
+}
+
+int PanelRoot::heightBeyondRows() const {
+    return wantedHeight() - ordinaryHeight();
+}
+
+void PanelRoot::place() {
+    fieldRow_->setGeometry(0, 0, width(), PanelStyle::headerHeight);
+    footer_->setGeometry(0, height() - PanelStyle::footerHeight, width(), PanelStyle::footerHeight);
+    placeList(QRect(0,
+                    PanelStyle::headerHeight + PanelStyle::separatorHeight,
+                    width(),
+                    footer_->y() - PanelStyle::headerHeight - PanelStyle::separatorHeight));
+    placeMenus();
+}
+
+void PanelRoot::placeList(QRect room) {
+    if (auto* above = accessory(Slot::aboveList)) {
+        above->setGeometry(room.x(), room.y(), room.width(), above->sizeHint().height());
+        room.setTop(room.top() + accessoryHeight(Slot::aboveList));
+    }
+    if (auto* below = accessory(Slot::belowList)) {
+        const int height = below->sizeHint().height();
+        below->setGeometry(room.x(), room.bottom() + 1 - height, room.width(), height);
+        room.setBottom(room.bottom() - accessoryHeight(Slot::belowList));
+    }
+    if (auto* beside = accessory(Slot::besideList)) {
+        const bool isLeft = services_.prefs.clipPreviewPlacement() == ClipPreviewPlacement::left;
+        const int width = room.width() / 2;
+        beside->setGeometry(
+            isLeft ? room.x() : room.right() + 1 - width, room.y(), width, room.height());
+        if (isLeft)
+            room.setLeft(room.left() + width + PanelStyle::separatorHeight);
+        else
+            room.setRight(room.right() - width - PanelStyle::separatorHeight);
+    }
+    list_->setGeometry(room);
+    list_->setVisible(list_->itemCount() > 0);
+}
+
+void PanelRoot::placeMenus() {
+    const int top = PanelStyle::headerHeight;
+    const int bottom = footer_->y() - menuMargin;
+    const auto inside = [&](const QPoint& corner, QSize size) {
+        size.setHeight(std::min(size.height(), bottom - top));
+        const int x = std::clamp(
+            corner.x(), menuMargin, std::max(menuMargin, width() - menuMargin - size.width()));
+        const int y = std::clamp(corner.y(), top, std::max(top, bottom - size.height()));
+        return QRect(QPoint(x, y), size);
+    };
+    const auto farEnd = [&](const QSize& size) {
+        return layoutDirection() == Qt::RightToLeft ? menuMargin
+                                                    : width() - menuMargin - size.width();
+    };
+    if (!actions_->isHidden()) {
+        const auto size = actions_->wantedSize();
+        const auto row = list_->itemRectangle(std::max(0, list_->currentItem()));
+        const QPoint beside(farEnd(size), list_->y() + row.top());
+        actions_->setGeometry(inside(menuPlace_.value_or(beside), size));
+        actions_->raise();
+    }
+    if (!filter_->isHidden()) {
+        const auto size = filter_->wantedSize();
+        filter_->setGeometry(inside(QPoint(farEnd(size), top), size));
+        filter_->raise();
+    }
+    if (isSheetShown()) {
+        auto size = sheet_->wantedSize();
+        size.setWidth(std::min(size.width(), width() - 2 * menuMargin));
+        sheet_->setGeometry(inside(QPoint((width() - size.width()) / 2, top), size));
+        sheet_->raise();
+    }
+}
+
+void PanelRoot::resizeEvent(QResizeEvent* event) {
+    place();
+    QWidget::resizeEvent(event);
+}
+
+void PanelRoot::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange)
+        place();
+    QWidget::changeEvent(event);
+}
+
+void PanelRoot::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    const auto& palette = style_.palette;
+    const int radius = static_cast<int>(PanelStyle::cornerRadius);
+    const bool isOpaque = blending_ == Blending::opaque;
+    const auto ground = toQt(isOpaque ? palette.panel.withAlpha(255) : palette.panel);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    // A repaint of rows touches no corner, and a plain fill costs a tenth of a rounded one.
+    if (isOpaque || rect().adjusted(1, radius, -1, -radius).contains(event->rect()))
+        painter.fillRect(event->rect(), ground);
+    else
+        Drawing::roundedRectangle(painter, rect(), PanelStyle::cornerRadius, ground);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+
+    if (list_->itemCount() > 0)
+        painter.fillRect(QRect(PanelStyle::edge,
+                               PanelStyle::headerHeight,
+                               width() - 2 * PanelStyle::edge,
+                               PanelStyle::separatorHeight),
+                         toQt(palette.separator));
+    if (isOpaque)
+        Drawing::roundedFrame(painter, rect(), 0.5, toQt(palette.border));
+    else
+        Drawing::roundedFrame(painter, rect(), PanelStyle::cornerRadius, toQt(palette.border));
+}
+
+} // namespace tessarine

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "launcherapp/panel/view/Footer.h"
+#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/panel/view/rows/RowImages.h"
+
+#include <QPoint>
+#include <QPointer>
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <optional>
+
+namespace tessarine {
+
+class ActionsMenuView;
+class FieldRow;
+class FilterMenuView;
+class QueryField;
+class RowList;
+class ShortcutSheet;
+
+/// The tree of the panel's parts, drawn from the model: field row, list, footer, and what lies over
+/// them. It shows and never decides. Main thread only.
+class PanelRoot : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Where a part that comes with a mode is put.
+    enum class Slot {
+        aboveList,  ///< the strip of currencies, the head of a person's card
+        besideList, ///< a clipping's preview, on the side that the settings say
+        belowList,  ///< the same, below
+    };
+
+    /// How the panel meets the desktop behind it.
+    enum class Blending {
+        mixed, ///< rounded, and letting a little of it through
+        opaque,
+    };
+
+    PanelRoot(QWidget* parent, PanelViewServices services);
+    ~PanelRoot() override;
+
+    /// The wanted height has changed.
+    std::function<void()> heightChanged;
+
+    QueryField& field();
+
+    RowList& list() { return *list_; }
+
+    Footer& footer() { return *footer_; }
+
+    RowImages& images() { return images_; }
+
+    const PanelStyle& style() const { return style_; }
+
+    /// Takes over what the model has now.
+    void refresh();
+    /// Takes over palette, text size and font.
+    void restyle();
+
+    void setBlending(Blending blending);
+    /// Holds the text at one size, for a picture; nothing lets it follow the settings.
+    void setTextScale(std::optional<TextScale> scale);
+    /// Draws until all pictures are there that a screen of this density shows.
+    void settle(double scale);
+    void setCommandHeld(bool held);
+
+    /// Puts a part into a slot, which owns nothing; null empties it. Its size hint counts.
+    void setAccessory(Slot slot, QWidget* accessory);
+
+    void setSheetShown(bool shown);
+    bool isSheetShown() const;
+
+    /// Opens at `place`, in this widget's coordinates, the next time that the actions menu opens.
+    void setMenuPlace(const QPoint& place) { menuPlace_ = place; }
+
+    /// Height of all parts, and how much of it is more than the rows, field and footer.
+    int wantedHeight() const;
+    int heightBeyondRows() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    int ordinaryHeight() const;
+    int overlayHeight() const;
+    int accessoryHeight(Slot slot) const;
+    QWidget* accessory(Slot slot) const;
+    void place();
+    void placeList(QRect room);
+    void placeMenus();
+
+    PanelViewServices services_;
+    PanelStyle style_;
+    RowImages images_;
+    FieldRow* fieldRow_;
+    RowList* list_;
+    Footer* footer_;
+    ActionsMenuView* actions_;
+    FilterMenuView* filter_;
+    ShortcutSheet* sheet_;
+    std::array<QPointer<QWidget>, 3> accessories_;
+    std::optional<QPoint> menuPlace_;
+    Blending blending_ = Blending::mixed;
+    std::optional<TextScale> heldTextScale_;
+    int toldHeight_ = 0;
+};
+
+} // namespace tessarine

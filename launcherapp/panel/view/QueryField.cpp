@@ -1,0 +1,159 @@
+#include "launcherapp/panel/view/QueryField.h"
+
+#include "launcherapp/panel/appearance/ShownText.h"
+#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/KeyTranslation.h"
+#include "launcherapp/panel/view/PanelStyle.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QPalette>
+#include <QSignalBlocker>
+
+namespace tessarine {
+
+namespace {
+
+/// Longer than any query anyone means, and short enough to lay out at every key.
+constexpr int longestText = 10000;
+
+bool beginsComposition(int key) {
+    return key == Qt::Key_Multi_key ||
+           (key >= Qt::Key_Dead_Grave && key <= Qt::Key_Dead_Longsolidusoverlay);
+}
+
+bool isModifier(int key) {
+    return (key >= Qt::Key_Shift && key <= Qt::Key_Alt) || key == Qt::Key_AltGr;
+}
+
+/// Pasted lines become one; what can't be seen can't be searched for either. Joiners and marks of
+/// direction are left, since their language is typed with them.
+QString oneLine(QString text) {
+    for (auto& character : text) {
+        if (character.category() == QChar::Other_Control ||
+            character.category() == QChar::Separator_Line ||
+            character.category() == QChar::Separator_Paragraph)
+            character = QLatin1Char(' ');
+    }
+    return text;
+}
+
+} // namespace
+
+QueryField::QueryField(QWidget* parent) : QLineEdit(parent) {
+    setFrame(false);
+    setAccessibleName(QStringLiteral("Search"));
+    setMaxLength(longestText);
+    align();
+    // Its menu would be a popup of the toolkit, which takes the keyboard away from the panel.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setAcceptDrops(false);
+    connect(this, &QLineEdit::textEdited, this, &QueryField::edited);
+}
+
+void QueryField::show(const std::string& query) {
+    const auto wanted = Drawing::toQt(query);
+    if (wanted == text())
+        return;
+    const QSignalBlocker quiet(this);
+    setText(wanted);
+}
+
+void QueryField::restyle(const PanelStyle& style) {
+    setFont(style.field);
+    auto colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::Text, toQt(style.palette.fieldText));
+    colors.setColor(QPalette::PlaceholderText, toQt(style.palette.placeholder));
+    colors.setColor(QPalette::Highlight, toQt(style.palette.textSelection));
+    colors.setColor(QPalette::HighlightedText, toQt(style.palette.fieldText));
+    setPalette(colors);
+}
+
+void QueryField::edited(const QString& text) {
+    if (const auto clean = oneLine(text); clean != text) {
+        const auto caret = cursorPosition();
+        const QSignalBlocker quiet(this);
+        setText(clean);
+        setCursorPosition(caret);
+    }
+    if (typed)
+        typed(this->text().toStdString());
+}
+
+bool QueryField::offer(const QKeyEvent& event) {
+    if (const auto* chord = KeyTranslation::chord(event)) {
+        // What is selected in the field is what the user means to copy.
+        if (chord->action == PanelKeyAction::copy && hasSelectedText())
+            return false;
+        if (chordPressed)
+            chordPressed(*chord);
+        return true;
+    }
+    const auto command = KeyTranslation::fieldCommand(event, layoutDirection());
+    if (!command || !perform)
+        return false;
+    const bool isAtEnd = !hasSelectedText() && cursorPosition() == text().size();
+    return perform(*command, isAtEnd ? CaretPlace::atEnd : CaretPlace::inside);
+}
+
+void QueryField::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Control && commandHeld)
+        commandHeld(true);
+    // What reaches us in the middle of a composition broke it off: it is no command then.
+    const bool wasComposing = isComposing();
+    if (!isModifier(event->key()))
+        awaitsNextKey_ = false;
+    lastPressed_ = event->key();
+    if (wasComposing || !offer(*event))
+        QLineEdit::keyPressEvent(event);
+    // Nobody around the field has a use for a key that it doesn't know.
+    event->accept();
+}
+
+void QueryField::keyReleaseEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Control && commandHeld)
+        commandHeld(false);
+    // The toolkit keeps the press of a dead key to itself and shows nothing of it; all that is seen
+    // of one is that it was let go, which may be after the key that it went with.
+    const bool isPending =
+        beginsComposition(event->key()) && lastPressed_ != event->key() && !hasJustComposed_;
+    awaitsNextKey_ = awaitsNextKey_ || isPending;
+    if (!beginsComposition(event->key()))
+        hasJustComposed_ = false;
+    QLineEdit::keyReleaseEvent(event);
+}
+
+void QueryField::inputMethodEvent(QInputMethodEvent* event) {
+    preedit_ = event->preeditString();
+    hasJustComposed_ = !event->commitString().isEmpty();
+    awaitsNextKey_ = false;
+    QLineEdit::inputMethodEvent(event);
+}
+
+void QueryField::focusOutEvent(QFocusEvent* event) {
+    awaitsNextKey_ = false;
+    if (commandHeld)
+        commandHeld(false);
+    QLineEdit::focusOutEvent(event);
+}
+
+void QueryField::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange)
+        align();
+    QLineEdit::changeEvent(event);
+}
+
+/// At the panel's leading side whatever is typed: the toolkit would send a word of the other
+/// direction to the far end.
+void QueryField::align() {
+    const bool isMirrored = layoutDirection() == Qt::RightToLeft;
+    setAlignment((isMirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute |
+                 Qt::AlignVCenter);
+}
+
+bool QueryField::focusNextPrevChild(bool) {
+    return false;
+}
+
+} // namespace tessarine

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "launcherapp/query/PanelKeys.h"
+#include "launcherapp/query/SearchModel.h"
+
+#include <QLineEdit>
+#include <functional>
+#include <string>
+
+namespace tessarine {
+
+struct PanelStyle;
+
+/// The field: the toolkit's own editor, with its input methods, dead keys, selection and undo. Each
+/// key is offered to the panel before the editor acts on it; inside a composition all keys are the
+/// input method's. Main thread only.
+class QueryField : public QLineEdit {
+    Q_OBJECT
+
+public:
+    explicit QueryField(QWidget* parent);
+
+    /// False leaves the key to the editor.
+    std::function<bool(FieldCommand command, CaretPlace caret)> perform;
+    std::function<void(const PanelChord& chord)> chordPressed;
+    /// After each change by the user; the text is one line, without control characters.
+    std::function<void(const std::string& text)> typed;
+    /// Ctrl went down or up.
+    std::function<void(bool held)> commandHeld;
+
+    /// Shows the model's text, the caret at its end; nothing happens when it is shown already.
+    void show(const std::string& text);
+
+    void restyle(const PanelStyle& style);
+
+    /// Whether an input method or a dead key is waiting for more keys.
+    bool isComposing() const { return !preedit_.isEmpty() || awaitsNextKey_; }
+
+    using QLineEdit::show;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    /// Tab is the panel's.
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    bool offer(const QKeyEvent& event);
+    void edited(const QString& text);
+    void align();
+
+    QString preedit_;
+    bool awaitsNextKey_ = false;   ///< a dead or Compose key is pending in the toolkit
+    bool hasJustComposed_ = false; ///< and the keys that made it are still on their way up
+    int lastPressed_ = 0;
+};
+
+} // namespace tessarine

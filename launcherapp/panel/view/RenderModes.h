@@ -1,0 +1,50 @@
+#pragma once
+
+#include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/panel/view/RenderRequest.h"
+#include "launcherapp/shell/modes/PanelModes.h"
+
+#include <functional>
+#include <string>
+
+class QImage;
+class QWidget;
+
+namespace tessarine {
+
+class LauncherPanel;
+struct ModeContext;
+
+/// Pictures of the panel, taken of the very widgets that the user sees, and what can be proved by
+/// them. Nothing is shown on a screen. Main thread only; the services outlive it.
+class RenderModes {
+public:
+    explicit RenderModes(PanelViewServices services) : services_(services) {}
+
+    /// The modes that `Modes` runs; they refer to this object.
+    PanelModes modes();
+
+private:
+    void render(ModeContext& context, const std::string& out);
+    void renderOnceScanned(ModeContext& context,
+                           const RenderRequest& request,
+                           const std::string& out,
+                           int attempt);
+    void take(ModeContext& context, const RenderRequest& request, const std::string& out);
+    void renderSheet(ModeContext& context, const std::string& out);
+    void renderShortcuts(ModeContext& context, const std::string& folder);
+    void selftestRenderPurity(ModeContext& context);
+
+    /// Puts the model into the state that is asked for. Why it can't be, in words; empty when it
+    /// is.
+    std::string prepare(const RenderRequest& request);
+    std::string prepareMode(const RenderRequest& request);
+    void prepareMenu(const RenderRequest& request);
+
+    QImage picture(const RenderRequest& request);
+    QImage sheetPicture(double scale);
+
+    PanelViewServices services_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "launcherapp/panel/view/Footer.h"
+#include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace tessarine {
+
+class CommandLine;
+
+/// What `--render` is to show, as its qualifiers say. A value.
+///
+/// Beside those that the list of options names there are some of its own family, for looking at
+/// what a screen would show: `--render-scale <pixels per point>`, `--render-width
+/// <compact|standard|wide>`, `--render-text <regular|large>`, `--render-mirrored` (as in scripts
+/// that run from the right) and `--render-opaque` (as without mixing).
+struct RenderRequest {
+    enum class Mode { ordinary, clipboard, browse, person };
+    enum class Menu { none, actions, panelActions, filter };
+
+    std::string query = "s";
+    Mode mode = Mode::ordinary;
+    Menu menu = Menu::none;
+    std::optional<AppearancePreset> skin;
+    std::optional<std::size_t> selected; ///< a row's position, from 0
+    std::optional<std::string> clipFilter;
+    std::size_t filterRow = 0;
+    std::optional<Footer::FooterState> footer;
+    bool hasMark = false;
+    bool hasPreview = false; ///< a clipping's preview, on any side
+    Seconds settle{0};
+    double scale = 2;
+    std::optional<PanelWidth> width; ///< nothing: as the settings say
+    std::optional<TextScale> text;
+    bool isMirrored = false;
+    bool isOpaque = false;
+};
+
+/// Reads the qualifiers. Nothing, and `problem` in words, when one has a value that it can't have.
+struct ReadRequest {
+    std::optional<RenderRequest> request;
+    std::string problem;
+};
+
+ReadRequest readRenderRequest(const CommandLine& commandLine);
+
+} // namespace tessarine

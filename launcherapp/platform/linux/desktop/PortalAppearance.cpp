@@ -1,0 +1,108 @@
+#include "launcherapp/platform/linux/desktop/PortalAppearance.h"
+
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QMap>
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+// XDG Desktop Portal, "Settings".
+const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
+const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
+const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
+const auto appearance = QStringLiteral("org.freedesktop.appearance");
+const auto colorSchemeKey = QStringLiteral("color-scheme");
+const auto reducedMotionKey = QStringLiteral("reduced-motion");
+// Portals older than the key above pass on GNOME's own, which other desktops have copied.
+const auto gnomeInterface = QStringLiteral("org.gnome.desktop.interface");
+const auto animationsKey = QStringLiteral("enable-animations");
+
+using Settings = QMap<QString, QVariantMap>;
+
+} // namespace
+
+/// Lives on the bus's side: what arrives is noted in the owner.
+class PortalAppearance::Listener : public QObject {
+    Q_OBJECT
+
+public:
+    Listener(PortalAppearance& owner, QDBusConnection bus) : owner_(owner) {
+        // First the signal, so that no change falls between the answer and the listening.
+        bus.connect(service,
+                    path,
+                    interface,
+                    QStringLiteral("SettingChanged"),
+                    this,
+                    SLOT(settingChanged(QString, QString, QDBusVariant)));
+        auto message =
+            QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+        message << QStringList{appearance, gnomeInterface};
+        const auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, &Listener::answered);
+    }
+
+private Q_SLOTS:
+
+    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
+        note(group, key, value.variant());
+    }
+
+private:
+    void answered(QDBusPendingCallWatcher* watcher) {
+        watcher->deleteLater();
+        const QDBusMessage reply = watcher->reply();
+        if (reply.type() != QDBusMessage::ReplyMessage ||
+            reply.signature() != QLatin1String("a{sa{sv}}"))
+            return; // there is no portal, or not one that knows settings
+        const auto settings = qdbus_cast<Settings>(reply.arguments().constFirst());
+        for (auto group = settings.begin(); group != settings.end(); ++group) {
+            for (auto each = group->begin(); each != group->end(); ++each)
+                note(group.key(), each.key(), each.value());
+        }
+    }
+
+    void note(const QString& group, const QString& key, const QVariant& value) {
+        const auto before = std::pair(owner_.colorScheme_, owner_.motion_);
+        if (group == appearance && key == colorSchemeKey) {
+            const auto scheme = value.toUInt();
+            owner_.colorScheme_ = scheme == 1   ? ColorScheme::dark
+                                  : scheme == 2 ? ColorScheme::light
+                                                : ColorScheme::none;
+        } else if (group == appearance && key == reducedMotionKey) {
+            owner_.motion_ = value.toUInt() == 1 ? Motion::reduced : Motion::full;
+        } else if (group == gnomeInterface && key == animationsKey) {
+            owner_.motion_ = value.toBool() ? Motion::full : Motion::reduced;
+        }
+        if (before != std::pair(owner_.colorScheme_, owner_.motion_))
+            owner_.observers_.tell();
+    }
+
+    PortalAppearance& owner_;
+};
+
+PortalAppearance::PortalAppearance() {
+    if (const auto bus = sessionBus())
+        listener_ = std::make_unique<Listener>(*this, *bus);
+}
+
+PortalAppearance::~PortalAppearance() = default;
+
+Subscription PortalAppearance::onChange(std::function<void()> changed) {
+    return observers_.add(std::move(changed));
+}
+
+} // namespace tessarine
+
+#include "PortalAppearance.moc"

@@ -1,0 +1,311 @@
+#include "launcherapp/panel/view/FieldRow.h"
+#include "launcherapp/panel/view/PanelRoot.h"
+#include "launcherapp/panel/view/ShortcutSheet.h"
+#include "launcherapp/panel/view/menus/PanelMenus.h"
+#include "launcherapp/panel/view/rows/TextLine.h"
+#include "tests/panel/PanelFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <QMouseEvent>
+
+namespace tessarine {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PanelViewTest : public PanelFixture {
+protected:
+    /// Everything where two pictures of one size differ.
+    static QRect difference(const QImage& before, const QImage& after) {
+        QRect changed;
+        for (int y = 0; y < before.height(); ++y) {
+            for (int x = 0; x < before.width(); ++x) {
+                if (before.pixel(x, y) != after.pixel(x, y))
+                    changed |= QRect(x, y, 1, 1);
+            }
+        }
+        return changed;
+    }
+
+    template <typename View> View& part() { return *panel.findChild<View*>(); }
+
+    void click(QWidget& widget, const QPoint& place, Qt::MouseButton button = Qt::LeftButton) {
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent event(type, place, widget.mapToGlobal(place), button, button, {});
+            QApplication::sendEvent(&widget, &event);
+        }
+    }
+
+    QPoint fieldPlace() { return field().mapTo(&panel, QPoint()); }
+};
+
+TEST_F(PanelViewTest, theHeightIsThatOfItsParts) {
+    EXPECT_EQ(panel.root().wantedHeight(), 97);
+    for (int i = 1; i <= 12; ++i) {
+        rows.push_back(row("row " + std::to_string(i)));
+        model.setQuery("a");
+        const int shown = std::min(i, 9);
+        EXPECT_EQ(panel.root().wantedHeight(), 67 + 12 + 1 + 30 + shown * panel.rowHeight());
+        EXPECT_EQ(panel.heightBeyondRows(), 0);
+    }
+    services.prefs.resultRows.set(5);
+    EXPECT_EQ(panel.root().wantedHeight(), 67 + 12 + 1 + 30 + 5 * panel.rowHeight());
+    const int before = panel.rowHeight();
+    services.prefs.textScale.set(TextScale::large);
+    EXPECT_GT(panel.rowHeight(), before);
+}
+
+TEST_F(PanelViewTest, theFieldStaysOnItsPixel) {
+    const auto place = fieldPlace();
+    const auto left = field().width();
+    addRows({"alpha", "beta"});
+    const auto settle = [&] {
+        fit();
+        drawn();
+        return fieldPlace();
+    };
+    model.setQuery("a");
+    EXPECT_EQ(settle(), place);
+    model.openActions();
+    EXPECT_EQ(settle(), place);
+    model.closeActions();
+    rows.clear();
+    model.setQuery("b");
+    EXPECT_EQ(settle(), place);
+    panel.root().setSheetShown(true);
+    EXPECT_EQ(settle(), place);
+    EXPECT_EQ(field().width(), left);
+    model.enterClipboardMode(); // with the mode's name at the far end
+    EXPECT_EQ(settle(), place);
+    EXPECT_LT(field().width(), left);
+    // A window that is lower than all this wants is no reason either.
+    panel.resize(panel.width(), 120);
+    EXPECT_EQ(fieldPlace(), place);
+}
+
+TEST_F(PanelViewTest, anIconArrivesInItsPlaceAndMovesNothing) {
+    services.install("atlas", "Atlas", "Icon=atlas-icon\n");
+    services.startCatalog();
+    services.platform.icons.known.insert("atlas-icon");
+    field().clearFocus(); // a caret that blinks is a difference too
+    drawn();
+    panel.root().images().readAll(); // the symbols of the panel itself
+    model.setQuery("atlas");
+    ASSERT_EQ(model.rows().size(), 1u);
+    fit();
+    const auto before = drawn();
+    EXPECT_THAT(services.platform.icons.drawn, IsEmpty());
+    panel.root().images().readAll();
+    EXPECT_THAT(services.platform.icons.drawn, ElementsAre("atlas-icon"));
+    const auto changed = difference(before, drawn());
+    const auto row = list().itemRectangle(0).translated(list().mapTo(&panel, QPoint()));
+    const QRect slot(row.left() + PanelStyle::edge,
+                     row.center().y() - PanelStyle::iconSide / 2,
+                     PanelStyle::iconSide,
+                     PanelStyle::iconSide + 1);
+    EXPECT_FALSE(changed.isEmpty());
+    EXPECT_TRUE(slot.contains(changed))
+        << changed.left() << "," << changed.top() << " " << changed.width() << "x"
+        << changed.height() << " slot " << slot.left() << "," << slot.top();
+}
+
+TEST_F(PanelViewTest, theSelectedRowIsAlwaysSeen) {
+    for (int i = 0; i < 60; ++i)
+        rows.push_back(row("row " + std::to_string(100 + i)));
+    model.setQuery("a");
+    fit();
+    for (int i = 0; i < 59; ++i) {
+        model.moveDown();
+        EXPECT_FALSE(list().itemRectangle(list().currentItem()).isEmpty()) << i;
+    }
+    EXPECT_TRUE(list().itemRectangle(0).isEmpty());
+    for (int i = 0; i < 59; ++i) {
+        model.moveUp();
+        EXPECT_FALSE(list().itemRectangle(list().currentItem()).isEmpty()) << i;
+    }
+    model.select(40);
+    rows.resize(3); // another, shorter list with the same leader
+    model.recompute();
+    EXPECT_FALSE(list().itemRectangle(0).isEmpty());
+}
+
+TEST_F(PanelViewTest, clicksRunRowsAndOpenTheirMenus) {
+    addRows({"alpha", "beta"});
+    model.setQuery("a");
+    fit();
+    click(list(), list().itemRectangle(1).center());
+    EXPECT_THAT(ran, ElementsAre("beta"));
+    EXPECT_EQ(panel.focusWidget(), &field());
+
+    click(list(), list().itemRectangle(0).center(), Qt::RightButton);
+    EXPECT_EQ(model.selection(), 0u);
+    ASSERT_FALSE(model.actions().empty());
+    fit();
+    auto& menu = part<ActionsMenuView>();
+    EXPECT_TRUE(menu.isVisible());
+    EXPECT_TRUE(panel.root().rect().contains(menu.geometry())); // no window of its own
+    EXPECT_EQ(panel.focusWidget(), &field());
+    const auto favorites = services.prefs.favorites().size();
+    click(menu, menu.itemRectangle(0).center());
+    EXPECT_EQ(services.prefs.favorites().size(), favorites + 1);
+    EXPECT_FALSE(menu.isVisible());
+}
+
+TEST_F(PanelViewTest, aMenuHasRoomEvenBesideASingleRow) {
+    addRows({"alpha"});
+    model.families.menuActions = [](const ResultRow&) {
+        std::vector<RowAction> many;
+        for (int i = 0; i < 12; ++i)
+            many.push_back(RowAction::make("Action " + std::to_string(i), [] {}));
+        return many;
+    };
+    int told = 0;
+    panel.onHeights = [&] { ++told; };
+    model.setQuery("a");
+    fit();
+    told = 0;
+    model.openActions();
+    EXPECT_EQ(told, 1);
+    EXPECT_GT(panel.heightBeyondRows(), 0);
+    auto& menu = part<ActionsMenuView>();
+    // Where the screen has no more room it scrolls instead, and the current entry is seen.
+    EXPECT_LT(menu.height(), menu.wantedSize().height());
+    for (int i = 0; i < menu.itemCount(); ++i) {
+        const auto seen = menu.itemRectangle(menu.currentItem());
+        EXPECT_EQ(seen.height(), panel.root().style().menuItemHeight) << i;
+        press(Qt::Key_Down);
+    }
+    fit();
+    EXPECT_EQ(menu.height(), menu.wantedSize().height());
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(panel.heightBeyondRows(), 0);
+}
+
+TEST_F(PanelViewTest, theFooterSaysWhatIsAskedOfIt) {
+    auto& footer = panel.root().footer();
+    const auto said = [&] {
+        std::vector<std::string> result;
+        for (const auto& hint : footer.hints())
+            result.push_back(
+                (hint.keys.join(QLatin1Char('+')) + QLatin1Char(' ') + hint.label).toStdString());
+        return result;
+    };
+    EXPECT_THAT(said(), IsEmpty());
+    auto first = row("alpha");
+    first.secondary = [] {};
+    first.secondaryLabel = "reveal";
+    rows.push_back(first);
+    model.setQuery("a");
+    EXPECT_THAT(said(), ElementsAre("Enter Open"));
+    press(Qt::Key_Control, Qt::ControlModifier);
+    EXPECT_EQ(footer.state(), Footer::FooterState::hints);
+    EXPECT_THAT(
+        said(),
+        ElementsAre("Enter Open", "Ctrl+Enter Reveal", "Ctrl+K Actions", "Ctrl+/ Shortcuts"));
+    release(Qt::Key_Control);
+    services.prefs.autoHideFooter.set(true);
+    EXPECT_THAT(said(), IsEmpty());
+    QApplication::sendEvent(&footer, new QEnterEvent({}, {}, {}));
+    EXPECT_EQ(said().size(), 4u);
+}
+
+TEST_F(PanelViewTest, aPaletteArrivesEverywhereAtOnce) {
+    field().clearFocus();
+    addRows({"alpha"});
+    model.setQuery("");
+    fit();
+    const auto ground = [&] { return drawn().pixelColor(panel.width() / 2, panel.height() / 2); };
+    const auto light = ground();
+    desktop.set(ColorScheme::dark);
+    EXPECT_LT(ground().lightness(), light.lightness());
+    EXPECT_EQ(field().palette().color(QPalette::Text), toQt(appearance.palette().fieldText));
+}
+
+TEST_F(PanelViewTest, withoutMixingItIsSquareAndOpaque) {
+    panel.setBlending(PanelRoot::Blending::opaque);
+    fit();
+    const auto picture = drawn();
+    EXPECT_EQ(panel.size(), panel.root().size());
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            ASSERT_EQ(picture.pixelColor(x, y).alpha(), 255) << x << " " << y;
+    }
+    panel.setBlending(PanelRoot::Blending::mixed);
+    fit();
+    EXPECT_EQ(drawn().pixelColor(0, 0).alpha(), 0);
+}
+
+TEST_F(PanelViewTest, foreignNamesAreDrawnWithinTheirRows) {
+    std::string tower = "a";
+    for (int i = 0; i < 300; ++i)
+        tower += "\u0301";
+    addRows({std::string(5000, 'w'),
+             "\u202Eevil\u202E",
+             tower,
+             "שלום עולם and English, mixed 123",
+             "\x01\x02\x03\n\n\n",
+             "👩\u200D👩\u200D👦\u200D👦 family"});
+    model.setQuery("a");
+    fit();
+    drawn();
+    for (const double width : {0.0, 1.0, 7.0, 100.0, 400.0}) {
+        for (const auto& each : rows) {
+            TextLine line;
+            line.set({.text = each.title, .font = panel.root().style().title, .width = width});
+            const QFontMetricsF metrics(panel.root().style().title);
+            EXPECT_LE(line.width(), std::max(width, metrics.horizontalAdvance(QChar(0x2026))) + 1);
+        }
+    }
+}
+
+TEST_F(PanelViewTest, mirroredItIsTheSamePanelFromTheOtherSide) {
+    addRows({"alpha"});
+    model.setQuery("");
+    model.setQuery("a");
+    fit();
+    panel.setLayoutDirection(Qt::RightToLeft);
+    const auto place = field().geometry();
+    EXPECT_EQ(part<FieldRow>().width() - place.right() - 1, PanelStyle::textStart - 2);
+    EXPECT_TRUE(field().alignment().testFlag(Qt::AlignRight));
+    model.openActions();
+    EXPECT_LT(part<ActionsMenuView>().geometry().center().x(), panel.root().width() / 2);
+}
+
+TEST_F(PanelViewTest, theSheetListsEveryChordOnceByItsLinuxNames) {
+    std::size_t chords = 0;
+    for (const auto& line : ShortcutSheet::lines()) {
+        chords += line.chords.size();
+        for (const auto& keys : line.chords)
+            EXPECT_FALSE(keys.contains(QString())) << line.label.toStdString();
+    }
+    EXPECT_EQ(chords, PanelKeys::chords().size() - 8); // the nine digits stand as one
+    EXPECT_EQ(ShortcutSheet::lines().back().chords.front(),
+              (QStringList{QStringLiteral("Ctrl"),
+                           QStringLiteral("1"),
+                           QStringLiteral("…"),
+                           QStringLiteral("9")}));
+    press(Qt::Key_Slash, Qt::ControlModifier);
+    EXPECT_TRUE(panel.root().isSheetShown());
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(panel.root().isSheetShown());
+    EXPECT_EQ(dismissals, 0);
+}
+
+TEST_F(PanelViewTest, aCreditIsLookedUpOnlyForARowThatIsSeen) {
+    for (int i = 0; i < 20; ++i) {
+        rows.push_back(row("row " + std::to_string(100 + i)));
+        rows.back().credit =
+            RowCreditSpec{RowCreditSpec::App{{"no.such.App"}, "App " + std::to_string(i)}};
+    }
+    model.setQuery("a");
+    fit();
+    drawn();
+    const auto before = services.platform.icons.symbols.size();
+    list().lookUpCredits();
+    EXPECT_EQ(services.platform.icons.symbols.size(), before + 9);
+}
+
+} // namespace
+} // namespace tessarine
