@@ -120,9 +120,11 @@ void X11PanelSurface::hide() {
     heldSince_.reset();
     if (!widget_ || !widget_->isVisible())
         return;
-    widget_->hide();
+    // First of all: once the window is seen to be gone the hotkey may be pressed again, and the
+    // request would end the grab that this press made.
     if (held)
         xcb_ungrab_keyboard(qt(), XCB_CURRENT_TIME);
+    widget_->hide();
     // Who pastes into the window in front does so over another connection, and would else find the
     // keyboard still here.
     finishDrawing();
