@@ -44,6 +44,7 @@ void Hotkey::remove(std::uint32_t id) {
     bindings_.erase(id);
     statuses_.erase(id);
     actions_.erase(id);
+    statusChanges_.tell();
 }
 
 bool Hotkey::take(const HotkeyBinding& binding, std::uint32_t id) {
@@ -59,10 +60,12 @@ bool Hotkey::take(const HotkeyBinding& binding, std::uint32_t id) {
     bindings_[id] = binding;
     if (outcome.kind != HotkeyOutcome::Kind::registered) {
         statuses_[id] = refusal(binding, outcome);
+        statusChanges_.tell();
         return false;
     }
     held_.insert(id);
     statuses_[id] = "registered " + HotkeyNames::display(binding);
+    statusChanges_.tell();
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "LauncherCore/commands/HotkeyBinding.h"
 #include "launcherapp/hotkeys/HotkeyNames.h"
 #include "launcherapp/platform/HotkeyRegistrar.h"
+#include "launcherapp/platform/Observers.h"
 
 #include <cstdint>
 #include <functional>
@@ -53,6 +54,11 @@ public:
     /// before the first.
     std::optional<Seconds> lastPressEventTime() const { return lastPressEventTime_; }
 
+    /// Calls `changed` after each change of a status.
+    Subscription onChange(std::function<void()> changed) {
+        return statusChanges_.add(std::move(changed));
+    }
+
 private:
     void pressed(const HotkeyRegistrar::Press& press);
     bool take(const HotkeyBinding& binding, std::uint32_t id);
@@ -66,6 +72,7 @@ private:
     std::set<std::uint32_t> held_;                    ///< which of them are ours now
     std::map<std::uint32_t, std::string> statuses_;
     std::optional<Seconds> lastPressEventTime_;
+    Observers<> statusChanges_;
 };
 
 } // namespace tessarine

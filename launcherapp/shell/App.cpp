@@ -12,9 +12,12 @@
 #include "launcherapp/index/MountedVolumes.h"
 #include "launcherapp/index/walk/IndexWalker.h"
 #include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/panel/appearance/Appearance.h"
+#include "launcherapp/panel/view/RenderModes.h"
 #include "launcherapp/platform/linux/desktop/DBusApplicationBus.h"
 #include "launcherapp/platform/linux/desktop/DesktopFileManager.h"
 #include "launcherapp/platform/linux/desktop/NoWindowList.h"
+#include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/ThemeIcons.h"
 #include "launcherapp/platform/linux/desktop/X11WindowList.h"
 #include "launcherapp/platform/linux/files/FileResidentCopies.h"
@@ -36,6 +39,7 @@
 #include "launcherapp/query/rows/EmojiRows.h"
 #include "launcherapp/query/rows/FileRows.h"
 #include "launcherapp/shell/DefaultsStore.h"
+#include "launcherapp/shell/DesktopPresence.h"
 #include "launcherapp/shell/Prefs.h"
 #include "launcherapp/shell/ProductInfo.h"
 #include "launcherapp/shell/SingleInstance.h"
@@ -49,6 +53,8 @@
 
 #include <fmt/format.h>
 
+#include <QApplication>
+#include <QClipboard>
 #include <QCoreApplication>
 #include <QTemporaryDir>
 #include <algorithm>
@@ -221,6 +227,19 @@ struct App::Services {
     CreditResolver credits{catalog, icons, files, environment};
     RecentApps recent{running, catalog};
 
+    PortalAppearance desktop;
+    Appearance appearance{prefs, desktop};
+    const PanelViewServices view{.model = model,
+                                 .prefs = prefs,
+                                 .appearance = appearance,
+                                 .desktop = desktop,
+                                 .icons = icons,
+                                 .credits = credits,
+                                 .catalog = catalog};
+    RenderModes rendering{view};
+    PanelModes panelModes = rendering.modes();
+    std::unique_ptr<DesktopPresence> presence = presenceOnDesktop();
+
     const IndexModeServices indexing{.work = work,
                                      .diagnostics = diagnostics,
                                      .trees = trees,
@@ -238,6 +257,7 @@ struct App::Services {
         .credits = credits,
         .answers = &answers,
         .indexing = &indexing,
+        .panel = &panelModes,
         .freshModel = [this] { return std::make_unique<SearchModel>(modelServices()); },
         .print = printLine,
         .finish = [](int status) { QCoreApplication::exit(status); }};
@@ -259,6 +279,9 @@ struct App::Services {
     }
 
     bool becomeResident();
+    std::unique_ptr<DesktopPresence> presenceOnDesktop();
+    void openSettings();
+    void logLaunch();
     FileIndex::Run indexRun() const;
     void wireModel();
     void wireFiles();
@@ -284,11 +307,53 @@ bool App::Services::becomeResident() {
     return identity.has_value();
 }
 
+/// Nothing where Qt has no windows to show.
+std::unique_ptr<DesktopPresence> App::Services::presenceOnDesktop() {
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()) || Modes::draws(commandLine))
+        return nullptr;
+    auto made = std::make_unique<DesktopPresence>(
+        DesktopPresence::Services{.queue = queue,
+                                  .work = work,
+                                  .diagnostics = diagnostics,
+                                  .windows = *windows,
+                                  .view = view,
+                                  .openSettings = [this] { openSettings(); },
+                                  .quit = [] { QCoreApplication::exit(0); }});
+    panelModes.panel = &made->panel();
+    return made;
+}
+
+/// There is no window of settings: the file is made to be edited by hand.
+void App::Services::openSettings() {
+    const auto path = environment.configHome + "/tessarine/preferences.json";
+    try {
+        if (!files.info(path))
+            files.save(path, "{}\n");
+    } catch (const std::exception& error) {
+        diagnostics.log(fmt::format("settings: {}", error.what()));
+    }
+    opener.open(path);
+}
+
+void App::Services::logLaunch() {
+    diagnostics.log(fmt::format("launched {} ({}); hotkey: {}; clipboard: {}; voice:{}",
+                                ProductInfo::version,
+                                ProductInfo::build,
+                                presence ? presence->hotkeyStatus() : "no display",
+                                presence ? presence->clipboardStatus() : "no display",
+                                "not registered"));
+}
+
 /// What rows can have done, and the sources that have landed.
 void App::Services::wireModel() {
     model.verbs.launchApp = [this](const CatalogApp& app) { catalog.launch(app); };
     model.verbs.openUrl = [this](const std::string& url) { openUrl(url); };
     model.verbs.quitProgram = [] { QCoreApplication::exit(0); };
+    model.verbs.openSettings = [this] { openSettings(); };
+    if (presence)
+        model.verbs.copyText = [](const std::string& text) {
+            QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+        };
     model.verbs.lookUpWord = [this](const std::string& word) { openDictionary(word); };
     wireFiles();
     wireAnswers();
@@ -429,6 +494,7 @@ App::App(CommandLine commandLine, Environment environment)
 
 App::~App() = default;
 
+/// Every step returns at once: a service makes its first load on a queue of its own.
 int App::run() {
     Services& services = *services_;
     services.wireModel();
@@ -436,12 +502,19 @@ int App::run() {
     services.volumes.start(
         [&index = services.index](std::string_view reason) { index.volumesChanged(reason); });
     services.index.start();
+    if (services.presence && services.isResident)
+        services.presence->start();
     services.startAnswers();
-    Modes::schedule(services.modes);
-    if (services.isResident)
-        std::fputs("Tessarine is running. It has no panel and no hotkey yet: see the README for "
-                   "what works today. Control-C ends it.\n",
+    if (services.presence && services.isResident) {
+        services.presence->registerHotkey();
+        std::fputs((services.presence->invitation() + "\n").c_str(), stderr);
+    } else if (services.isResident) {
+        std::fputs("Tessarine is running without a display that it can show a panel on: see the "
+                   "README for what works without one. Control-C ends it.\n",
                    stderr);
+    }
+    services.logLaunch();
+    Modes::schedule(services.modes);
     const int status = QCoreApplication::exec();
     // Waiting saves and log lines use services that go before the queues do.
     services.work.finish();

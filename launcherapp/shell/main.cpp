@@ -27,9 +27,9 @@ int runProgram(int argc, char** argv) {
         return ending->status;
     }
     auto environment = processEnvironment();
-    const auto surface = Modes::draws(commandLine)          ? QtSurface::pictures
-                         : Modes::endsByItself(commandLine) ? QtSurface::none
-                                                            : QtSurface::windows;
+    const auto surface = Modes::draws(commandLine)        ? QtSurface::pictures
+                         : Modes::showsPanel(commandLine) ? QtSurface::windows
+                                                          : QtSurface::none;
     const auto application = makeQtApplication(argc, argv, surface, environment);
     return App(std::move(commandLine), std::move(environment)).run();
 }

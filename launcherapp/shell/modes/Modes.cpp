@@ -7,6 +7,7 @@
 #include "launcherapp/shell/modes/PanelModes.h"
 #include "launcherapp/shell/modes/QueryModes.h"
 #include "launcherapp/shell/modes/SearchMode.h"
+#include "launcherapp/shell/modes/ShowModes.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -78,8 +79,8 @@ constexpr auto earlyModes = std::to_array<Mode>({
 
 constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-fsevents", none, {}, {}, IndexModes::selftestFsevents},
-    {"--show", none, {}, panel},
-    {"--selftest-show", none, Seconds{1.5}, panel},
+    {"--show", none, {}, {}, ShowModes::show},
+    {"--selftest-show", none, Seconds{1.5}, {}, ShowModes::selftestShow},
     {"--render-sheet", next, Seconds{1}, {}, drawing<&PanelModes::renderSheet>},
     {"--render-shortcuts", next, Seconds{1.5}, {}, drawing<&PanelModes::renderShortcuts>},
     {"--render-settings", next, Seconds{1.5}, settings},
@@ -134,7 +135,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--wizard-shot", next, Seconds{1.5}, wizard},
     {"--doctor", none, Seconds{2}, doctor},
     {"--bench", next, Seconds{8}, {}, QueryModes::bench},
-    {"--bench-firstshow", none, {}, panel},
+    {"--bench-firstshow", none, {}, {}, ShowModes::benchFirstShow},
     {"--run", next, Seconds{0.3}, commands},
     {"--jump-press-probe", next, Seconds{0.3}, commands},
     {"--search", next, Seconds{2.5}, {}, SearchMode::run},
@@ -250,9 +251,14 @@ bool Modes::draws(const CommandLine& commandLine) {
     });
 }
 
+bool Modes::showsPanel(const CommandLine& commandLine) {
+    return !endsByItself(commandLine) || commandLine.has("--selftest-show");
+}
+
 bool Modes::endsByItself(const CommandLine& commandLine) {
-    return std::ranges::any_of(
-        resident(), [&](const Mode& mode) { return mode.run && isAsked(mode, commandLine); });
+    return std::ranges::any_of(resident(), [&](const Mode& mode) {
+        return mode.run && mode.run != ShowModes::show && isAsked(mode, commandLine);
+    });
 }
 
 bool Modes::isHeadlessRun(const CommandLine& commandLine) {

@@ -89,6 +89,9 @@ std::optional<Ending> endEarly(const CommandLine& commandLine);
 /// Whether the command line has this mode, with its value if it takes one.
 bool isAsked(const Mode& mode, const CommandLine& commandLine);
 
+/// Whether the panel may come up in this run, for which Qt needs a display's windows.
+bool showsPanel(const CommandLine& commandLine);
+
 /// Whether a mode is asked for that draws the panel, and so needs windows, if only offscreen.
 bool draws(const CommandLine& commandLine);
 

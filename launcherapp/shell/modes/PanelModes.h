@@ -6,6 +6,7 @@
 namespace tessarine {
 
 struct ModeContext;
+class PanelController;
 
 /// Modes of the command line that draw. They know the toolkit, which the table of modes does not:
 /// whoever wires the program sets them. An empty one can't be measured in this run.
@@ -17,6 +18,7 @@ struct PanelModes {
     Run renderShortcuts;
     Run selftestRenderPurity;
     Run selftestShortcut;
+    PanelController* panel = nullptr; ///< null where no panel can be shown
 };
 
 } // namespace tessarine

@@ -70,7 +70,7 @@ public:
     void place(const Rectangle& wanted) {
         const bool moves = frame.x != wanted.x || frame.y != wanted.y;
         frame = wanted;
-        surface->setFrame(frame);
+        surface->setFrame(withShadow());
         if (moves)
             tell(events.moved, frame);
     }
@@ -100,6 +100,15 @@ public:
     Rectangle frame;
 
 private:
+    /// The widget's frame: its contents margins hold the shadow around the panel.
+    Rectangle withShadow() const {
+        const auto margins = widget.contentsMargins();
+        return {.x = frame.x - margins.left(),
+                .y = frame.y - margins.top(),
+                .width = frame.width + margins.left() + margins.right(),
+                .height = frame.height + margins.top() + margins.bottom()};
+    }
+
     void loseKeyboard() {
         if (std::exchange(losesOnce, false))
             tell(events.lostKeyboard);
@@ -141,7 +150,7 @@ private:
         const auto topLeft = at - grip;
         frame.x = topLeft.x();
         frame.y = topLeft.y();
-        surface->setFrame(frame);
+        surface->setFrame(withShadow());
     }
 
     void endDrag() {

@@ -16,7 +16,8 @@ class PanelSurface;
 /// display. Main thread only, with Qt's event loop.
 class QtPanelWindow : public PanelWindow {
 public:
-    /// `widget` is hidden and stays so until `show`; `field` is in it and gets the keys. Both
+    /// `widget` is hidden and stays so until `show`; what its contents margins hold (a shadow) is
+    /// around the frames that this speaks of; `field` is in it and gets the keys. Both
     /// outlive the window.
     QtPanelWindow(QWidget& widget, QWidget& field, std::unique_ptr<PanelSurface> surface);
     ~QtPanelWindow() override;
