@@ -18,13 +18,15 @@ system='Q[A-Z]|X11/|xcb/|wayland|gio/|glib|dbus/|unistd|fcntl|sys/|linux/|dlfcn|
 # Two values hide machinery of ICU's that changes while it is used; a lock makes them any thread's.
 refuse LauncherCore "$system|launcherapp/|filesystem|fstream|thread|mutex" "LauncherCore knows values alone" \
     --exclude=Pattern.cpp --exclude=Formats.cpp
-refuse launcherapp "$system" "only platform/linux, App and main reach the system" \
-    --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
+refuse launcherapp "$system" "only platform/linux, the panel's view, App and main reach the system" \
+    --exclude-dir=linux --exclude-dir=view --exclude=App.cpp --exclude=DesktopPresence.cpp --exclude=main.cpp
+refuse launcherapp/panel/view "X11/|xcb/|wayland|gio/|glib|dbus/|unistd|fcntl|sys/|linux/|dlfcn|spawn|QDBus" \
+    "the view draws, and knows no display"
 refuse launcherapp "launcherapp/platform/linux/" "services know the doors, not what is behind them" \
-    --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
+    --exclude-dir=linux --exclude=App.cpp --exclude=DesktopPresence.cpp --exclude=main.cpp
 refuse launcherapp/query/rows "launcherapp/(platform/|catalog/|operations/|shell/|sources/|query/SearchModel)" \
     "a row builder sees values and verbs, and no service or door"
-refuse launcherapp/platform "launcherapp/(catalog|query|operations|shell|sources)/" "the doors know no service"
+refuse launcherapp/platform "launcherapp/(catalog|query|operations|shell|sources|panel|hotkeys)/" "the doors know no service"
 
 # A control: the rule must find an include that is there.
 grep -rqE "#include <(Q[A-Z])" launcherapp/platform/linux || {

@@ -14,7 +14,11 @@ namespace tessarine {
 namespace {
 
 constexpr std::int64_t answerScore = 10'000;
-constexpr std::int64_t fanScore = 9900; ///< and one less each: fans keep the order of their tables
+/// Of a fan's first row, and one less each: fans keep the order of their tables, and stand below
+/// each other. None has as many rows as lie between.
+constexpr std::int64_t moneyScore = 9900;
+constexpr std::int64_t unitScore = 9600;
+constexpr std::int64_t clockScore = 9300;
 
 /// A row that copies the figure and files how it came about.
 ResultRow answerRow(std::string id,
@@ -43,15 +47,18 @@ ResultRow answerRow(std::string id,
             .score = answerScore};
 }
 
-Rows fanRows(std::string_view idPrefix,
-             const std::vector<Answer>& answers,
-             std::string_view query,
-             const AnswerRowSources& sources) {
+struct Fan {
+    std::string_view idPrefix;
+    std::int64_t score = 0;
+    std::vector<Answer> answers;
+};
+
+Rows fanRows(const Fan& fan, std::string_view query, const AnswerRowSources& sources) {
     Rows rows;
-    for (const auto& answer : answers) {
-        auto id = std::string(idPrefix) + answer.value + " " + answer.detail;
+    for (const auto& answer : fan.answers) {
+        auto id = std::string(fan.idPrefix) + answer.value + " " + answer.detail;
         auto& row = rows.emplace_back(answerRow(std::move(id), answer, query, sources));
-        row.score = fanScore - static_cast<std::int64_t>(rows.size());
+        row.score = fan.score - static_cast<std::int64_t>(rows.size());
     }
     return rows;
 }
@@ -73,30 +80,32 @@ AnswerRows answerRows(std::string_view query, const AnswerRowSources& sources) {
     const auto& given = sources.given;
     AnswerRows rows;
     const auto answer = Answers::answer(query, given);
-    if (answer) {
+    if (answer)
         rows.main = answerRow("answer", *answer, query, sources);
+    if (answer && answer->number)
         rows.earlier = earlierCalculationRows(sources.history, query, sources.earlierRows);
-    } else {
-        rows.unitFan = fanRows("unit:", measuresFan(query, given), query, sources);
-    }
+
+    // With a target the fan is the answer itself over again.
+    if (!answer || answer->kind == AnswerKind::math)
+        rows.unitFan = fanRows({"unit:", unitScore, measuresFan(query, given)}, query, sources);
+
     // The money of a figure alone is read in the currency strip, not here: every number would be.
     const auto lowered = Folding::lowercase(query);
     rows.currencyReading = Answers::currencyReading(lowered, given.homeCurrency);
     if (rows.currencyReading && !isMoney(*rows.currencyReading, given.measure))
         rows.currencyReading.reset();
-    if (rows.currencyReading)
-        rows.currencyFan = fanRows("money:",
-                                   Answers::currencyFan(lowered,
-                                                        given.rates,
-                                                        sources.favoriteCurrencies,
-                                                        given.homeCurrency,
-                                                        given.now,
-                                                        Answers::BareNumbers::ignored,
-                                                        given.formats),
-                                   query,
-                                   sources);
-    rows.zones =
-        fanRows("clock:", TimeZones::answers(query, sources.clocks, given.formats), query, sources);
+    if (rows.currencyReading) {
+        auto fan = Answers::currencyFan(lowered,
+                                        given.rates,
+                                        sources.favoriteCurrencies,
+                                        given.homeCurrency,
+                                        given.now,
+                                        Answers::BareNumbers::ignored,
+                                        given.formats);
+        rows.currencyFan = fanRows({"money:", moneyScore, std::move(fan)}, query, sources);
+    }
+    auto clocks = TimeZones::answers(query, sources.clocks, given.formats);
+    rows.zones = fanRows({"clock:", clockScore, std::move(clocks)}, query, sources);
     return rows;
 }
 

@@ -83,6 +83,7 @@ TEST_F(AnswerServiceTest, earlierCalculationsStandBelowACalculation) {
     EXPECT_THAT(titles(rows("3 + 3").earlier), ElementsAre("2 + 2 = 4"));
     EXPECT_THAT(rows("2 + 2").earlier, IsEmpty()) << "but not the very same one";
     EXPECT_THAT(rows("firefox").earlier, IsEmpty());
+    EXPECT_THAT(rows("2 cups in g").earlier, IsEmpty()) << "a question back is no calculation";
     services.prefs.calcShowRecent.set(false);
     EXPECT_THAT(rows("3 + 3").earlier, IsEmpty());
 }
@@ -97,6 +98,9 @@ TEST_F(AnswerServiceTest, anAmountFansOutOnceAsWhatItIsMeantAs) {
     EXPECT_FALSE(cups.currencyReading);
     EXPECT_FALSE(cups.unitFan.empty());
     EXPECT_THAT(rows("5 kg in lb").unitFan, IsEmpty()) << "the answer itself says it";
+    const auto pounds = rows("20 pounds"); // either may be meant: each stands together
+    ASSERT_FALSE(pounds.currencyFan.empty() || pounds.unitFan.empty());
+    EXPECT_GT(pounds.currencyFan.back().score, pounds.unitFan.front().score);
     EXPECT_THAT(titles(rows("a cup of flour").unitFan), ElementsAre("120 g"));
 }
 
