@@ -59,7 +59,7 @@ constexpr std::string_view keywords[] = {
 };
 constexpr std::string_view connectors[] = {" in ", " to ", " as ", " into "};
 constexpr std::string_view askingWords[] = {
-    "how many ", "how much ", "what is ", "what's ", "convert "};
+    "how many ", "how much ", "what is ", "what's ", "what day ", "convert ", "in a ", "in an "};
 constexpr std::string_view moneySigns[] = {"$", "€", "£", "¥"};
 
 bool holds(std::string_view text, std::string_view part) {
@@ -111,11 +111,35 @@ bool namesCalculation(std::string_view text, const Calc::Variables& variables) {
     if (anyWord(
             text, [](char c) { return c != ' '; }, Calc::isVocabulary))
         return true;
-    return holdsAny(text,
-                    std::initializer_list<std::string_view>{"+", "-", "*", "/", "^", "(", "%"}) &&
+    return text.find_first_of("+-*/^(%=&|<>!~") != std::string_view::npos &&
            anyWord(text, isWordCharacter, [&](std::string_view word) {
                return Calc::isVocabulary(word) || variables.contains(word);
            });
+}
+
+int radixNamed(std::string_view word) {
+    if (word.starts_with("hex"))
+        return 16;
+    if (word.starts_with('b'))
+        return 2;
+    return word.starts_with('o') ? 8 : 10;
+}
+
+/// "2^8 in hex": a calculation where `baseConversion` reads a number alone.
+std::optional<Answer> resultInBase(std::string_view text, const Answers::Given& given) {
+    static const Pattern asked(
+        R"(^(.+?)\s+(?:in|to|as|into)\s+(hex|hexadecimal|binary|bin|octal|oct)$)");
+    const auto match = asked.match(text);
+    const auto result = match ? Calc::evaluate((*match)[1], given.calculator) : std::nullopt;
+    if (!result || result->assignedName)
+        return std::nullopt;
+    const auto written = Calc::inBase(result->value, radixNamed((*match)[2]));
+    if (!written)
+        return std::nullopt;
+    return Answer{.value = *written,
+                  .detail = fmt::format("{} → {}", (*match)[1], (*match)[2]),
+                  .symbol = "number",
+                  .number = result->value};
 }
 
 std::optional<Answer> askedOf(std::string_view typed, const Answers::Given& given) {
@@ -136,6 +160,8 @@ std::optional<Answer> askedOf(std::string_view typed, const Answers::Given& give
         return answer;
     if (auto answer = Answers::baseConversion(lowered, given.formats))
         return answer;
+    if (auto answer = resultInBase(lowered, given))
+        return answer;
     if (auto answer = Answers::dates(lowered, given.now, given.formats))
         return answer;
     return Answers::math(lowered, given.calculator, given.formats);
@@ -144,12 +170,38 @@ std::optional<Answer> askedOf(std::string_view typed, const Answers::Given& give
 /// The text without what people put around a question; nothing when there is nothing around it.
 std::optional<std::string> bareQuestion(std::string_view typed) {
     static const Pattern asking(
-        R"(^(?:(?:what(?:'s|’s| is|s| are)|how much (?:is|are)|calculate|compute|convert)\s+)?(.+?)\s*(?:[=?]\s*)*$)",
+        R"(^(?:=\s*)?(?:(?:what(?:'s|’s| is|s| are)|how much (?:is|are)|calculate|compute|convert)\s+)?)"
+        R"((.+?)\s*(?:\bequals\s*)?(?:[=?]\s*)*$)",
         Pattern::Case::ignored);
     auto match = asking.match(typed);
     if (!match || (*match)[1] == typed)
         return std::nullopt;
     return std::move(match->groups[1]);
+}
+
+/// Figures copied from a program that groups with a blank that doesn't break lose it; elsewhere
+/// such a blank is one like any other.
+std::string withPlainBlanks(std::string_view text) {
+    constexpr std::string_view blanks[] = {"\u00a0", "\u202f", "\u2009"};
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const bool isAscii = static_cast<unsigned char>(text[at]) < 0x80;
+        const auto* const blank =
+            isAscii ? std::end(blanks) : std::ranges::find_if(blanks, [&](auto each) {
+                return text.substr(at).starts_with(each);
+            });
+        if (blank == std::end(blanks)) {
+            result += text[at++];
+            continue;
+        }
+        at += blank->size();
+        const bool isInNumber =
+            !result.empty() && isDigit(result.back()) && at < text.size() && isDigit(text[at]);
+        if (!isInNumber)
+            result += ' ';
+    }
+    return result;
 }
 
 std::optional<std::int64_t> wholeNumber(std::string text, int base) {
@@ -169,23 +221,18 @@ std::optional<std::int64_t> writtenNumber(const std::string& text) {
         return wholeNumber(sign + magnitude.substr(2), 16);
     if (magnitude.starts_with("0b"))
         return wholeNumber(sign + magnitude.substr(2), 2);
+    if (magnitude.starts_with("0o"))
+        return wholeNumber(sign + magnitude.substr(2), 8);
     return wholeNumber(text, 10);
-}
-
-int radixNamed(std::string_view word) {
-    if (word.starts_with("hex"))
-        return 16;
-    if (word.starts_with('b'))
-        return 2;
-    return word.starts_with('o') ? 8 : 10;
 }
 
 } // namespace
 
 std::optional<Answer> Answers::answer(std::string_view text, const Given& given) {
-    const auto typed = Folding::trimmed(text);
-    if (typed.empty() || typed.size() > Calc::maximumLength)
+    text = Folding::trimmed(text);
+    if (text.empty() || text.size() > Calc::maximumLength)
         return std::nullopt;
+    const auto typed = withPlainBlanks(text);
     if (!couldBeAnAnswer(Folding::lowercase(typed), given.calculator.variables))
         return std::nullopt;
     if (auto answer = askedOf(typed, given))
@@ -214,8 +261,9 @@ bool Answers::couldBeAnAnswer(std::string_view text, const Calc::Variables& vari
 }
 
 std::optional<Answer> Answers::baseConversion(std::string_view text, const Formats& formats) {
-    static const Pattern conversion(R"(^(-?(?:0x[0-9a-f]+|0b[01]+|[\d,]+))\s+(?:in|to|as|into)\s+)"
-                                    R"((hex|hexadecimal|binary|bin|decimal|dec|octal|oct)$)");
+    static const Pattern conversion(
+        R"(^(-?(?:0x[0-9a-f]+|0b[01]+|0o[0-7]+|[\d,]+))\s+(?:in|to|as|into)\s+)"
+        R"((hex|hexadecimal|binary|bin|decimal|dec|octal|oct)$)");
     const auto match = conversion.match(text);
     if (!match)
         return std::nullopt;

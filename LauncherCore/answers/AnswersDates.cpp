@@ -1,11 +1,13 @@
 #include "LauncherCore/answers/Answers.h"
 #include "LauncherCore/answers/DateWords.h"
+#include "LauncherCore/answers/NumberPhrases.h"
 #include "LauncherCore/text/Pattern.h"
 
 #include <fmt/format.h>
 
 #include <charconv>
 #include <chrono>
+#include <cstdlib>
 #include <string>
 
 namespace tessarine {
@@ -17,6 +19,8 @@ using std::chrono::sys_days;
 using std::chrono::year_month_day;
 
 constexpr std::string_view longForm = "EEEE, MMMM d, yyyy";
+
+constexpr std::int64_t daysOfWeek = 7;
 
 /// Beyond it nobody counts days, and calendars end.
 constexpr std::int64_t longestSpan = 100'000;
@@ -30,6 +34,11 @@ std::optional<std::int64_t> count(const std::string& text) {
     if (error != std::errc{} || stop != end || value > longestSpan)
         return std::nullopt;
     return value;
+}
+
+/// A count, or the article of "a week".
+std::optional<std::int64_t> countOrOne(const std::string& text) {
+    return text.starts_with('a') ? 1 : count(text);
 }
 
 bool isInCalendar(const year_month_day& date) {
@@ -77,17 +86,16 @@ std::string daysText(std::int64_t amount, const Formats& formats) {
 
 std::optional<Answer>
 fromNow(const std::string& text, const year_month_day& today, const Formats& formats) {
-    static const Pattern span(R"(^(\d+|an?)\s*(day|days|week|weeks|month|months|year|years)\s+)"
-                              R"((from now|from today|ago)$)");
-    static const Pattern ahead(
-        R"(^in\s+(\d+|an?)\s*(day|days|week|weeks|month|months|year|years)$)");
+    static const Pattern span(
+        R"(^(\d+|an?)\s*(days?|weeks?|months?|years?)\s+(from now|from today|ago)$)");
+    static const Pattern ahead(R"(^in\s+(\d+|an?)\s*(days?|weeks?|months?|years?)$)");
     auto match = span.match(text);
     const bool isAhead = !match;
     if (isAhead)
         match = ahead.match(text);
     if (!match)
         return std::nullopt;
-    const auto amount = (*match)[1].starts_with('a') ? 1 : count((*match)[1]);
+    const auto amount = countOrOne((*match)[1]);
     if (!amount)
         return std::nullopt;
     const auto direction = isAhead ? "from now" : (*match)[3];
@@ -96,28 +104,76 @@ fromNow(const std::string& text, const year_month_day& today, const Formats& for
                       formats);
 }
 
-Answer daysAnswer(days distance,
-                  std::string_view preposition,
-                  const year_month_day& day,
-                  const Formats& formats) {
-    return {.value = daysText(distance.count(), formats),
-            .detail = std::string(preposition) + written(day, formats),
+/// "5 weeks", "5 weeks 2 days".
+std::string weeksText(std::int64_t days, const Formats& formats) {
+    const auto weeks = days / daysOfWeek;
+    const auto rest = days % daysOfWeek;
+    if (weeks == 0)
+        return daysText(rest, formats);
+    const auto text = fmt::format("{} {}", formats.whole(weeks), weeks == 1 ? "week" : "weeks");
+    return rest == 0 ? text : fmt::format("{} {}", text, daysText(rest, formats));
+}
+
+/// How far a day is, never below zero. A day on the other side than was asked for says so.
+Answer distanceAnswer(std::string_view unit,
+                      std::string_view asked,
+                      const year_month_day& day,
+                      const year_month_day& today,
+                      const Formats& formats) {
+    const auto ahead = (sys_days(day) - sys_days(today)).count();
+    const auto distance = std::abs(ahead);
+    const bool isUntil = asked != "since";
+    auto value = unit == "weeks" ? weeksText(distance, formats) : daysText(distance, formats);
+    if (isUntil && ahead < 0)
+        value += " ago";
+    if (!isUntil && ahead > 0)
+        value = "in " + value;
+    const bool saysUntil = ahead > 0 || (isUntil && ahead == 0);
+    return {.value = std::move(value),
+            .detail = (saysUntil ? "until " : "since ") + written(day, formats),
             .symbol = "calendar",
             .kind = AnswerKind::date,
-            .number = static_cast<double>(distance.count())};
+            .number = static_cast<double>(distance) / (unit == "weeks" ? daysOfWeek : 1)};
 }
 
 std::optional<Answer>
 untilOrSince(const std::string& text, const year_month_day& today, const Formats& formats) {
-    static const Pattern until(R"(^(?:days|how many days)\s+(?:until|till|to)\s+(.+)$)");
-    static const Pattern since(R"(^(?:days|how many days)\s+since\s+(.+)$)");
-    if (const auto match = until.match(text))
-        if (const auto day = DateWords::date((*match)[1], today, DateWords::Year::coming, formats))
-            return daysAnswer(sys_days(*day) - sys_days(today), "until ", *day, formats);
-    if (const auto match = since.match(text))
-        if (const auto day = DateWords::date((*match)[1], today, DateWords::Year::past, formats))
-            return daysAnswer(sys_days(today) - sys_days(*day), "since ", *day, formats);
-    return std::nullopt;
+    static const Pattern distance(
+        R"(^(?:how many\s+)?(days|weeks)\s+(until|till|to|since)\s+(.+)$)");
+    const auto match = distance.match(text);
+    if (!match)
+        return std::nullopt;
+    const auto missing = (*match)[2] == "since" ? DateWords::Year::past : DateWords::Year::coming;
+    const auto day = DateWords::day((*match)[3], today, missing, formats);
+    if (!day)
+        return std::nullopt;
+    return distanceAnswer((*match)[1], (*match)[2], *day, today, formats);
+}
+
+std::string
+distanceFrom(const year_month_day& today, const year_month_day& date, const Formats& formats) {
+    const auto ahead = (sys_days(date) - sys_days(today)).count();
+    if (ahead == 0)
+        return "today";
+    return ahead > 0 ? "in " + daysText(ahead, formats) : daysText(-ahead, formats) + " ago";
+}
+
+/// "what day is december 25", "what's the date".
+std::optional<Answer>
+whatDay(const std::string& text, const year_month_day& today, const Formats& formats) {
+    static const Pattern whatToday(
+        R"(^what(?:'s|’s| is|s)?\s+(?:the date|today's date|(?:the )?(?:day|date) is (?:it|today)))"
+        R"((?: today)?\s*\??$)");
+    static const Pattern what(R"(^what (?:day|date|weekday)(?: of the week)? )"
+                              R"((is|was|will be|falls on)\s+(.+?)\s*\??$)");
+    if (whatToday.match(text))
+        return dateAnswer(today, {}, formats);
+    const auto match = what.match(text);
+    if (!match)
+        return std::nullopt;
+    const auto missing = (*match)[1] == "was" ? DateWords::Year::past : DateWords::Year::coming;
+    const auto day = DateWords::day((*match)[2], today, missing, formats);
+    return day ? dateAnswer(*day, distanceFrom(today, *day, formats), formats) : std::nullopt;
 }
 
 std::optional<Answer>
@@ -132,50 +188,58 @@ namedDay(const std::string& text, const year_month_day& today, const Formats& fo
     const auto date = DateWords::date(text, today, DateWords::Year::stated, formats);
     if (!date)
         return std::nullopt;
-    const auto distance = (sys_days(*date) - sys_days(today)).count();
-    if (distance == 0)
-        return dateAnswer(*date, "today", formats);
-    return dateAnswer(*date,
-                      distance > 0 ? "in " + daysText(distance, formats)
-                                   : daysText(-distance, formats) + " ago",
-                      formats);
+    return dateAnswer(*date, distanceFrom(today, *date, formats), formats);
 }
 
+/// The day that a sum begins at. Without its year a date in figures is this year's, since its
+/// steps may lead either way; one in words is the next, as everywhere else.
+std::optional<year_month_day>
+sumStart(const std::string& text, const year_month_day& today, const Formats& formats) {
+    static const Pattern slashed(R"(^\d{1,2}\/\d{1,2}$)");
+    const bool isOfThisYear = slashed.match(text).has_value();
+    const auto whole = isOfThisYear ? fmt::format("{}/{:04}", text, int(today.year())) : text;
+    const auto day = DateWords::day(whole, today, DateWords::Year::coming, formats);
+    return day && isInCalendar(*day) ? day : std::nullopt;
+}
+
+/// "1/15 + 30 days", "today - 2 weeks", "3 days after dec 25".
 std::optional<Answer>
-daysAfter(const std::string& text, const year_month_day& today, const Formats& formats) {
-    static const Pattern sum(
-        R"(^(\d{1,2})\/(\d{1,2})(?:\/(\d{4}))?\s*(?:\+|plus)\s*(\d+)\s*(day|days)$)");
-    const auto match = sum.match(text);
-    if (!match)
-        return std::nullopt;
-    const auto month = count((*match)[1]);
-    const auto day = count((*match)[2]);
-    const auto year = match->has(3) ? count((*match)[3]) : std::int64_t{int(today.year())};
-    const auto amount = count((*match)[4]);
-    if (!month || !day || !year || !amount)
-        return std::nullopt;
-    const year_month_day from{std::chrono::year(static_cast<int>(*year)),
-                              std::chrono::month(static_cast<unsigned>(*month)),
-                              std::chrono::day(static_cast<unsigned>(*day))};
-    if (!isInCalendar(from))
-        return std::nullopt;
-    return dateAnswer(later(from, *amount, "day"),
-                      fmt::format("{}/{}{}{} + {} {}",
-                                  (*match)[1],
-                                  (*match)[2],
-                                  match->has(3) ? "/" : "",
-                                  (*match)[3],
-                                  (*match)[4],
-                                  (*match)[5]),
-                      formats);
+sum(const std::string& text, const year_month_day& today, const Formats& formats) {
+    static const Pattern signedSteps(
+        R"(^(\S.*?)\s*(\+|-|−|\bplus\b|\bminus\b)\s*(\d+|an?)\s*(days?|weeks?|months?|years?)$)");
+    static const Pattern stepsFrom(
+        R"(^(\d+|an?)\s*(days?|weeks?|months?|years?)\s+(after|from|before)\s+(.+)$)");
+    if (const auto match = signedSteps.match(text)) {
+        const auto from = sumStart((*match)[1], today, formats);
+        const auto amount = countOrOne((*match)[3]);
+        if (!from || !amount)
+            return std::nullopt;
+        const bool isLater = (*match)[2] == "+" || (*match)[2] == "plus";
+        return dateAnswer(
+            later(*from, isLater ? *amount : -*amount, (*match)[4]),
+            fmt::format("{} {} {} {}", (*match)[1], isLater ? "+" : "-", (*match)[3], (*match)[4]),
+            formats);
+    }
+    if (const auto match = stepsFrom.match(text)) {
+        const auto amount = countOrOne((*match)[1]);
+        const auto from = sumStart((*match)[4], today, formats);
+        if (!from || !amount)
+            return std::nullopt;
+        return dateAnswer(
+            later(*from, (*match)[3] == "before" ? -*amount : *amount, (*match)[2]),
+            fmt::format(
+                "{} {} {} {}", (*match)[1], (*match)[2], (*match)[3], written(*from, formats)),
+            formats);
+    }
+    return std::nullopt;
 }
 
 } // namespace
 
 std::optional<Answer> Answers::dates(std::string_view text, double now, const Formats& formats) {
     const auto today = formats.zone().civil(now).date;
-    const std::string typed(text);
-    for (const auto family : {fromNow, untilOrSince, namedDay, daysAfter})
+    const auto typed = NumberPhrases::inDigits(text);
+    for (const auto family : {fromNow, untilOrSince, whatDay, namedDay, sum})
         if (auto answer = family(typed, today, formats))
             return answer;
     return std::nullopt;

@@ -1,23 +1,19 @@
 #include "LauncherCore/answers/AmountWords.h"
+#include "LauncherCore/answers/AnswerPhrases.h"
 #include "LauncherCore/answers/Answers.h"
 #include "LauncherCore/answers/NumberPhrases.h"
 #include "LauncherCore/text/Pattern.h"
+#include "LauncherCore/text/Scalars.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace tessarine {
 
 namespace {
-
-using Match = Pattern::Match;
 
 std::string replacingAll(std::string text, std::string_view from, std::string_view to) {
     for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
@@ -39,129 +35,27 @@ std::string withoutGrouping(std::string_view text) {
     return result.append(text);
 }
 
+/// Amounts of one other currency count like plain numbers; those of two can't be reckoned together.
+std::string withoutMoneySigns(std::string text) {
+    text = replacingAll(std::move(text), "$", "");
+    for (const std::string_view sign : {"€", "£", "¥"})
+        if (text.find(sign) != std::string::npos)
+            return replacingAll(std::move(text), sign, "");
+    return text;
+}
+
+enum class Commas { group, part };
+
 /// What is left when asking words, grouping and a currency's sign are gone.
-std::string bareCalculation(std::string_view text) {
+std::string bareCalculation(std::string_view text, Commas commas) {
     std::string bare(text);
     for (const auto* const asking : {"what is ", "what's ", "calculate "})
         bare = replacingAll(std::move(bare), asking, "");
-    if (bare.find(',') != std::string::npos)
+    if (bare.starts_with("the "))
+        bare.erase(0, std::string_view("the ").size());
+    if (commas == Commas::group && bare.find(',') != std::string::npos)
         bare = withoutGrouping(bare);
-    return replacingAll(std::move(bare), "$", "");
-}
-
-/// A number as digits and points were typed; nothing for one with two points.
-std::optional<double> number(const std::string& text) {
-    double value = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value, std::chars_format::fixed);
-    if (error != std::errc{} || stop != end)
-        return std::nullopt;
-    return value;
-}
-
-struct Figure {
-    double value = 0;
-    std::string detail;
-    std::string unit; ///< behind the figure
-};
-
-/// A question in words and how it is worked out.
-struct Phrase {
-    Pattern pattern;
-    std::string_view symbol;
-    std::optional<Figure> (*figure)(const Match& match);
-};
-
-std::optional<Figure> percentOf(const Match& match) {
-    const auto a = number(match[1]);
-    const auto b = number(match[3]);
-    if (!a || !b)
-        return std::nullopt;
-    return Figure{*a / 100 * *b, fmt::format("{}% of {}", match[1], match[3]), {}};
-}
-
-std::optional<Figure> changeByPercent(const Match& match) {
-    const auto a = number(match[1]);
-    const auto b = number(match[3]);
-    if (!a || !b)
-        return std::nullopt;
-    const double share = *b / 100;
-    return Figure{(match[2] == "+" ? 1 + share : 1 - share) * *a,
-                  fmt::format("{} {} {}%", match[1], match[2], match[3]),
-                  {}};
-}
-
-std::optional<Figure> whatPercentOf(const Match& match) {
-    const auto a = number(match[1]);
-    const auto b = number(match[2]);
-    if (!a || !b || *b == 0)
-        return std::nullopt;
-    return Figure{*a / *b * 100, fmt::format("{} of {}", match[1], match[2]), "%"};
-}
-
-std::optional<Figure> wordOf(const Match& match) {
-    const auto share = AmountWords::amount(match[1]);
-    const auto whole = number(match[2]);
-    if (!share || !whole)
-        return std::nullopt;
-    return Figure{*share * *whole, fmt::format("{} of {}", match[1], match[2]), {}};
-}
-
-std::optional<Figure> percentOff(const Match& match) {
-    const auto share = number(match[1]);
-    const auto price = number(match[2]);
-    if (!share || !price)
-        return std::nullopt;
-    return Figure{(1 - *share / 100) * *price, fmt::format("{}% off {}", match[1], match[2]), {}};
-}
-
-std::optional<Figure> squareRoot(const Match& match) {
-    const auto a = number(match[1]);
-    return a ? std::optional(Figure{std::sqrt(*a), "√" + match[1], {}}) : std::nullopt;
-}
-
-std::optional<Figure> squared(const Match& match) {
-    const auto a = number(match[1]);
-    return a ? std::optional(Figure{*a * *a, match[1] + "²", {}}) : std::nullopt;
-}
-
-std::optional<Figure> cubed(const Match& match) {
-    const auto a = number(match[1]);
-    return a ? std::optional(Figure{*a * *a * *a, match[1] + "³", {}}) : std::nullopt;
-}
-
-const std::array<Phrase, 8>& phrases() {
-    static const std::array<Phrase, 8> all{{
-        {Pattern(R"(^([\d.]+)\s*(%|percent)\s*of\s*([\d.]+)$)"), "percent", percentOf},
-        {Pattern(R"(^([\d.]+)\s*([+\-])\s*([\d.]+)\s*%$)"), "percent", changeByPercent},
-        {Pattern(R"(^([\d.]+)\s*(?:is what|as a)\s*(?:%|percent)\s*of\s*([\d.]+)$)"),
-         "percent",
-         whatPercentOf},
-        {Pattern(R"(^(half|third|quarter|double|triple)\s+(?:of\s+)?([\d.]+)$)"), "divide", wordOf},
-        {Pattern(R"(^(?:sqrt|square root of)\s*\(?([\d.]+)\)?$)"), "x.squareroot", squareRoot},
-        {Pattern(R"(^([\d.]+)\s*(?:squared|\^2)$)"), "function", squared},
-        {Pattern(R"(^([\d.]+)\s*cubed$)"), "function", cubed},
-        {Pattern(R"(^([\d.]+)\s*(?:%|percent)\s*off\s*(?:of\s*)?([\d.]+)$)"),
-         "percent",
-         percentOff},
-    }};
-    return all;
-}
-
-std::optional<Answer> phraseAnswer(const std::string& text, const Formats& formats) {
-    for (const auto& phrase : phrases()) {
-        const auto match = phrase.pattern.match(text);
-        if (!match)
-            continue;
-        auto figure = phrase.figure(*match);
-        if (!figure || !std::isfinite(figure->value))
-            continue;
-        return Answer{.value = Calc::format(figure->value, formats) + figure->unit,
-                      .detail = std::move(figure->detail),
-                      .symbol = std::string(phrase.symbol),
-                      .number = figure->value};
-    }
-    return std::nullopt;
+    return withoutMoneySigns(std::move(bare));
 }
 
 std::string withOperators(std::string text) {
@@ -175,6 +69,8 @@ std::string withOperators(std::string text) {
         {" over ", "/"},
         {" to the power of ", "^"},
         {" mod ", "%"}, // the sign, not the operator: "7 mod 3" is 7% times 3
+        {"²", "^2"},
+        {"³", "^3"},
     };
     for (const auto& [words, sign] : operators)
         text = replacingAll(std::move(text), words, sign);
@@ -209,20 +105,53 @@ detailOf(std::string_view typed, const Calc::Evaluation& result, const std::stri
     return detail;
 }
 
+/// "½" as "0.5", and "1½" as "1.5".
+std::string withDecimalFractions(std::string_view text) {
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto bytes = Scalars::at(text, at).bytes;
+        const auto character = text.substr(at, bytes);
+        at += bytes;
+        const auto fraction =
+            bytes > 1 ? AmountWords::vulgarFraction(character) : std::optional<double>();
+        if (!fraction) {
+            result += character;
+            continue;
+        }
+        const auto decimals = fmt::format("{}", *fraction);
+        const bool isBehindDigit = !result.empty() && result.back() >= '0' && result.back() <= '9';
+        result += isBehindDigit ? decimals.substr(1) : decimals;
+    }
+    return result;
+}
+
+std::optional<Calc::Evaluation> evaluated(const std::string& bare, const Calc::Context& context) {
+    const auto expression = withDecimalFractions(NumberPhrases::inDigits(withOperators(bare)));
+    if (auto result = Calc::evaluate(expression, context))
+        return result;
+    if (auto result = Calc::evaluate(withCrosses(expression), context))
+        return result;
+    if (const auto number = NumberPhrases::wholeText(bare))
+        return Calc::Evaluation{.value = *number};
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<Answer>
 Answers::math(std::string_view text, const Calc::Context& context, const Formats& formats) {
-    const auto bare = bareCalculation(text);
-    if (bare.size() <= maximumQuestion)
-        if (auto answer = phraseAnswer(bare, formats))
+    const auto bare = bareCalculation(text, Commas::group);
+    const bool mayBeQuestion = bare.size() <= maximumQuestion;
+    if (mayBeQuestion)
+        if (auto answer = AnswerPhrases::inDigits(bare, formats))
             return answer;
-    const auto expression = NumberPhrases::inDigits(withOperators(bare));
-    auto result = Calc::evaluate(expression, context);
+    auto result = evaluated(bare, context);
+    // "gcd(100,250)" has no value as one grouped number, but it has one as two.
+    if (!result && bare.find("(") != std::string::npos)
+        if (const auto parted = bareCalculation(text, Commas::part); parted != bare)
+            result = evaluated(parted, context);
     if (!result)
-        result = Calc::evaluate(withCrosses(expression), context);
-    if (!result)
-        return std::nullopt;
+        return mayBeQuestion ? AnswerPhrases::inWords(bare, context, formats) : std::nullopt;
     const auto figure = Calc::format(result->value, formats);
     return Answer{.value = figure,
                   .detail = detailOf(text, *result, figure),

@@ -4,8 +4,11 @@
 #include "LauncherCore/text/Formats.h"
 #include "LauncherCore/text/Pattern.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <map>
+#include <mutex>
 #include <string>
 
 namespace tessarine {
@@ -40,6 +43,36 @@ std::string withoutStop(std::string_view text) {
     return Folding::fold(text);
 }
 
+constexpr const char* monthForms[] = {"MMMM", "MMM", "LLLL", "LLL"};
+using MonthNames = std::array<std::array<std::string, std::size(monthForms)>, 12>;
+
+MonthNames monthNames(const Formats& formats) {
+    MonthNames result;
+    for (unsigned month = 0; month < result.size(); ++month) {
+        const auto middle = std::chrono::year(2000) / static_cast<int>(month + 1) / 15;
+        const auto at = static_cast<double>(
+            std::chrono::sys_seconds(std::chrono::sys_days(middle)).time_since_epoch().count());
+        for (std::size_t form = 0; form < std::size(monthForms); ++form)
+            result[month][form] = withoutStop(formats.date(at, monthForms[form], Zone::utc()));
+    }
+    return result;
+}
+
+/// The names are formatted once a language: 48 texts for each keystroke of a word that is no month
+/// would cost more than all other families together.
+std::optional<unsigned> monthInLanguage(std::string_view name, const Formats& formats) {
+    static std::mutex oneAtATime;
+    static std::map<std::string, MonthNames> names;
+    const std::lock_guard lock(oneAtATime);
+    auto found = names.find(formats.dateLanguage());
+    if (found == names.end())
+        found = names.emplace(formats.dateLanguage(), monthNames(formats)).first;
+    for (unsigned month = 0; month < found->second.size(); ++month)
+        if (std::ranges::find(found->second[month], name) != found->second[month].end())
+            return month + 1;
+    return std::nullopt;
+}
+
 /// 1 to 12 for a name; a number as it stands.
 std::optional<unsigned> monthOf(const std::string& word, const Formats& formats) {
     if (word.front() >= '0' && word.front() <= '9')
@@ -50,15 +83,7 @@ std::optional<unsigned> monthOf(const std::string& word, const Formats& formats)
             return month + 1;
     if (name == "sept")
         return 9;
-    for (unsigned month = 1; month <= englishMonths.size(); ++month) {
-        const auto middle = std::chrono::year(2000) / static_cast<int>(month) / 15;
-        const auto at = static_cast<double>(
-            std::chrono::sys_seconds(std::chrono::sys_days(middle)).time_since_epoch().count());
-        for (const auto* const form : {"MMMM", "MMM", "LLLL", "LLL"})
-            if (name == withoutStop(formats.date(at, form, Zone::utc())))
-                return month;
-    }
-    return std::nullopt;
+    return monthInLanguage(name, formats);
 }
 
 struct Written {
@@ -97,6 +122,71 @@ nearest(std::chrono::month_day wanted, const year_month_day& today, DateWords::Y
     return std::nullopt;
 }
 
+std::optional<std::chrono::weekday> weekdayNamed(std::string_view text) {
+    constexpr std::string_view names[] = {
+        "sunday", "monday", "tuesday", "wednesday", "thursday", "friday", "saturday"};
+    const auto* const found = std::ranges::find(names, text);
+    if (found == std::end(names))
+        return std::nullopt;
+    return std::chrono::weekday(static_cast<unsigned>(found - std::begin(names)));
+}
+
+/// A week away rather than today: who asks for Friday on a Friday knows what day it is.
+year_month_day
+nearest(std::chrono::weekday wanted, const year_month_day& today, DateWords::Year missing) {
+    const auto from = std::chrono::sys_days(today);
+    if (missing == DateWords::Year::past) {
+        const auto back = std::chrono::weekday(from) - wanted;
+        return from - (back.count() == 0 ? std::chrono::days(7) : back);
+    }
+    const auto ahead = wanted - std::chrono::weekday(from);
+    return from + (ahead.count() == 0 ? std::chrono::days(7) : ahead);
+}
+
+std::optional<std::chrono::month_day> feastNamed(std::string_view text) {
+    using std::chrono::day;
+    using std::chrono::month;
+
+    static constexpr struct {
+        std::string_view name;
+        std::chrono::month_day date;
+    } feasts[] = {
+        {"new year", month(1) / day(1)},
+        {"new years", month(1) / day(1)},
+        {"new year's", month(1) / day(1)},
+        {"new year's day", month(1) / day(1)},
+        {"valentine's day", month(2) / day(14)},
+        {"valentines day", month(2) / day(14)},
+        {"halloween", month(10) / day(31)},
+        {"christmas eve", month(12) / day(24)},
+        {"christmas", month(12) / day(25)},
+        {"xmas", month(12) / day(25)},
+        {"christmas day", month(12) / day(25)},
+        {"new year's eve", month(12) / day(31)},
+        {"new years eve", month(12) / day(31)},
+    };
+
+    for (const auto& feast : feasts)
+        if (text == feast.name)
+            return feast.date;
+    return std::nullopt;
+}
+
+/// "12/25" and "1/15/2028", the month first.
+std::optional<year_month_day>
+readSlashed(std::string_view text, const year_month_day& today, DateWords::Year missing) {
+    static const Pattern slashed(R"(^(\d{1,2})\/(\d{1,2})(?:\/(\d{4}))?$)");
+    const auto match = slashed.match(text);
+    if (!match)
+        return std::nullopt;
+    const std::chrono::month_day day{std::chrono::month(static_cast<unsigned>(number((*match)[1]))),
+                                     std::chrono::day(static_cast<unsigned>(number((*match)[2])))};
+    if (!match->has(3))
+        return day.ok() ? nearest(day, today, missing) : std::nullopt;
+    const auto date = std::chrono::year(number((*match)[3])) / day;
+    return date.ok() ? std::optional(date) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<year_month_day> DateWords::date(std::string_view text,
@@ -115,6 +205,25 @@ std::optional<year_month_day> DateWords::date(std::string_view text,
         return day.ok() ? nearest(day, today, missing) : std::nullopt;
     const auto date = std::chrono::year(number(written->year)) / day;
     return date.ok() ? std::optional(date) : std::nullopt;
+}
+
+std::optional<year_month_day> DateWords::day(std::string_view text,
+                                             const year_month_day& today,
+                                             Year missing,
+                                             const Formats& formats) {
+    if (text == "today")
+        return today;
+    if (text == "tomorrow")
+        return std::chrono::sys_days(today) + std::chrono::days(1);
+    if (text == "yesterday")
+        return std::chrono::sys_days(today) - std::chrono::days(1);
+    if (const auto weekday = weekdayNamed(text))
+        return nearest(*weekday, today, missing);
+    if (const auto feast = feastNamed(text))
+        return nearest(*feast, today, missing);
+    if (const auto slashed = readSlashed(text, today, missing))
+        return slashed;
+    return date(text, today, missing, formats);
 }
 
 } // namespace tessarine

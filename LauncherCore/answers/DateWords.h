@@ -25,4 +25,12 @@ std::optional<std::chrono::year_month_day> date(std::string_view text,
                                                 Year missing,
                                                 const Formats& formats);
 
+/// Reads what `date` reads and, in lower case, "12/25", "1/15/2028", "today", "tomorrow",
+/// "yesterday", a weekday's English name (the nearest one that isn't today) and the fixed feasts
+/// that people count days to ("christmas", "new year's eve").
+std::optional<std::chrono::year_month_day> day(std::string_view text,
+                                               const std::chrono::year_month_day& today,
+                                               Year missing,
+                                               const Formats& formats);
+
 } // namespace tessarine::DateWords

@@ -11,7 +11,18 @@ namespace tessarine {
 namespace {
 
 /// How well an entry fits, the best first.
-enum class Fit { emoticon, name, keyword, nameBeginning, word, keywordBeginning, wordBeginning };
+enum class Fit {
+    emoticon,
+    name,
+    plainKind, ///< "red heart" for "heart": a keyword, and what the two words of its name end in
+    keyword,
+    nameBeginning,
+    word,
+    keywordBeginning,
+    wordBeginning,
+    eachWord, ///< each typed word is somewhere in the name and keywords
+    eachWordBeginning,
+};
 
 struct Searchable {
     Emoji::Entry entry;
@@ -49,17 +60,57 @@ bool hasWord(std::string_view text, std::string_view word, WordEnd end) {
     for (auto at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
         const auto after = at + word.size();
         const bool begins = at == 0 || text[at - 1] == ' ' || text[at - 1] == '-';
-        if (begins && (end == WordEnd::anywhere || after == text.size() || text[after] == ' '))
+        if (begins && (end == WordEnd::anywhere || after == text.size() || text[after] == ' ' ||
+                       text[after] == ':' || text[after] == ','))
             return true;
     }
     return false;
 }
 
+/// Whether the name is the text but for the blanks that a short code leaves out: "thumbsup".
+bool isUnparted(std::string_view name, std::string_view text) {
+    if (text.size() >= name.size() || name.find(' ') == std::string_view::npos)
+        return false;
+    std::size_t at = 0;
+    for (const char c : name)
+        if (c != ' ' && (at == text.size() || text[at++] != c))
+            return false;
+    return at == text.size();
+}
+
+bool isPlainKind(std::string_view name, std::string_view text) {
+    return name.ends_with(text) && name.size() > text.size() &&
+           name.find(' ') == name.size() - text.size() - 1;
+}
+
+std::optional<Fit> fitOfEachWord(const Searchable& candidate, std::string_view text) {
+    constexpr std::string_view between = " -";
+    if (text.find_first_of(between) == std::string_view::npos)
+        return std::nullopt;
+    const auto isIn = [&](std::string_view word, WordEnd end) {
+        return hasWord(candidate.name, word, end) ||
+               std::ranges::any_of(candidate.keywords, [&](const std::string& keyword) {
+                   return hasWord(keyword, word, end);
+               });
+    };
+    auto result = Fit::eachWord;
+    while (!text.empty()) {
+        const auto word = text.substr(0, text.find_first_of(between));
+        text.remove_prefix(std::min(text.size(), word.size() + 1));
+        if (word.empty() || isIn(word, WordEnd::here))
+            continue;
+        if (!isIn(word, WordEnd::anywhere))
+            return std::nullopt;
+        result = Fit::eachWordBeginning;
+    }
+    return result;
+}
+
 std::optional<Fit> fit(const Searchable& candidate, std::string_view text) {
-    if (candidate.name == text)
+    if (candidate.name == text || isUnparted(candidate.name, text))
         return Fit::name;
     if (std::ranges::find(candidate.keywords, text) != candidate.keywords.end())
-        return Fit::keyword;
+        return isPlainKind(candidate.name, text) ? Fit::plainKind : Fit::keyword;
     if (candidate.name.starts_with(text))
         return Fit::nameBeginning;
     if (hasWord(candidate.name, text, WordEnd::here))
@@ -71,7 +122,7 @@ std::optional<Fit> fit(const Searchable& candidate, std::string_view text) {
         return Fit::keywordBeginning;
     if (hasWord(candidate.name, text, WordEnd::anywhere))
         return Fit::wordBeginning;
-    return std::nullopt;
+    return fitOfEachWord(candidate, text);
 }
 
 /// The emoji that an emoticon stands for; empty for any other text.

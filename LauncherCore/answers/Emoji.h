@@ -18,9 +18,10 @@ struct Entry {
     bool operator==(const Entry&) const = default;
 };
 
-/// At most `limit`, the best first: by name before by keyword, whole words before beginnings, and
-/// among equals Unicode's order. `text` is what follows the colon that asks for emoji, with or
-/// without a closing one, words parted by blanks or "_"; an empty text gives the table's first.
+/// At most `limit`, the best first: by name before by keyword, whole words before beginnings, then
+/// those that hold every word in any order, and among equals Unicode's order. `text` is what
+/// follows the colon that asks for emoji, with or without a closing one, words parted by blanks or
+/// "_"; an empty text gives the table's first.
 std::vector<Entry> search(std::string_view text, std::size_t limit);
 
 /// Builds the table, some milliseconds, so that the first search need not.

@@ -82,6 +82,7 @@ bool isUnit(double value) {
 /// "five" are not.
 struct Number {
     double finished = 0; ///< what thousands and millions have closed
+    double closedBy = 0; ///< the last of those scales; 0 before the first
     double open = 0;     ///< below the next scale
     double last = 0;     ///< the word just taken
 
@@ -89,7 +90,7 @@ struct Number {
 
     bool takes(double next) const {
         if (isScale(next))
-            return open != 0 && !(last == next);
+            return next != closedBy && next != last && (open != 0 || next > closedBy);
         if (isTens(last) && isUnit(next))
             return true;
         return isScale(last) && next >= 1 && next < last;
@@ -99,7 +100,10 @@ struct Number {
         if (next == 100) {
             open *= next;
         } else if (isScale(next)) {
-            finished = (finished + open) * next;
+            // "One million two hundred thousand" adds its thousands; in "two hundred thousand
+            // million" the larger scale comes behind and multiplies all.
+            finished = next < closedBy ? finished + open * next : (finished + open) * next;
+            closedBy = next;
             open = 0;
         } else {
             open += next;
@@ -113,14 +117,22 @@ struct Run {
     double value = 0;
     std::size_t end = 0;
     bool isWord = false; ///< at least one word took part
+    int parts = 1;       ///< words, and the digits that they stand behind
 };
 
-/// Position of the piece that may go on with the number behind `at`: over blanks, or over one
-/// hyphen without blanks.
-std::size_t following(const std::vector<Piece>& all, std::size_t at, bool mayHyphenate) {
-    if (at + 1 < all.size() && all[at + 1].kind == Piece::Kind::blank)
-        return at + 2;
-    if (mayHyphenate && at + 1 < all.size() && all[at + 1].text == "-")
+bool isBlank(const std::vector<Piece>& all, std::size_t at) {
+    return at < all.size() && all[at].kind == Piece::Kind::blank;
+}
+
+/// Position of the piece that may go on with the number behind `at`: over blanks, over one hyphen
+/// without blanks behind tens, or over the "and" of "two hundred and five".
+std::size_t following(const std::vector<Piece>& all, std::size_t at, double last) {
+    if (isBlank(all, at + 1)) {
+        const bool isJoined = isScale(last) && at + 2 < all.size() && all[at + 2].text == "and" &&
+                              isBlank(all, at + 3);
+        return isJoined ? at + 4 : at + 2;
+    }
+    if (isTens(last) && at + 1 < all.size() && all[at + 1].text == "-")
         return at + 2;
     return all.size();
 }
@@ -137,14 +149,14 @@ std::optional<Run> numberAt(const std::vector<Piece>& all, std::size_t begin) {
     // Digits take scales alone ("2.5 million"): "2 five" is no number.
     const bool isDigits = !word;
     for (auto at = begin;;) {
-        const auto next = following(all, at, isTens(number.last));
+        const auto next = following(all, at, number.last);
         const auto value = next < all.size() ? wordValue(all[next]) : std::nullopt;
         const bool goesOn =
             value && (isDigits && number.last == *first ? isScale(*value) : number.takes(*value));
         if (!goesOn)
             return run;
         number.take(*value);
-        run = {.value = number.value(), .end = next + 1, .isWord = true};
+        run = {.value = number.value(), .end = next + 1, .isWord = true, .parts = run.parts + 1};
         at = next;
     }
 }
@@ -170,6 +182,16 @@ std::string NumberPhrases::inDigits(std::string_view text) {
         }
     }
     return result;
+}
+
+std::optional<double> NumberPhrases::wholeText(std::string_view text) {
+    const auto all = pieces(text);
+    if (all.empty())
+        return std::nullopt;
+    const auto run = numberAt(all, 0);
+    if (!run || run->end != all.size() || run->parts < 2)
+        return std::nullopt;
+    return run->value;
 }
 
 } // namespace tessarine

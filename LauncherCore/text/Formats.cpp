@@ -146,6 +146,10 @@ Formats Formats::in(const Zone& zone) const {
     return elsewhere;
 }
 
+std::string Formats::dateLanguage() const {
+    return state_->dates.getName();
+}
+
 std::string Formats::decimal(double value, int maximumFraction) const {
     const std::lock_guard lock(state_->oneAtATime);
     return formatted(state_->decimal(maximumFraction), value);

@@ -55,6 +55,9 @@ public:
     std::string date(double at, std::string_view pattern) const;
     std::string date(double at, std::string_view pattern, const Zone& zone) const;
 
+    /// ICU's name of the locale that dates are written in ("de_DE"): a key for what is made of it.
+    std::string dateLanguage() const;
+
 private:
     struct State;
     std::shared_ptr<State> state_;

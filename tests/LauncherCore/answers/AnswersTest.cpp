@@ -90,6 +90,57 @@ TEST(Answers, readEveryPhraseWithItsDetail) {
         {"1/15/2028 plus 1 day", "Sunday, January 16, 2028", "1/15/2028 + 1 day", "calendar"},
         {"december 25, 2027", "Saturday, December 25, 2027", "in 400 days", "calendar"},
         {"2026-11-19", "Thursday, November 19, 2026", "1 day ago", "calendar"},
+        {"in a week", "Friday, November 27, 2026", "a week from now", "calendar"},
+        {"two weeks ago", "Friday, November 6, 2026", "2 weeks ago", "calendar"},
+        {"three days from now", "Monday, November 23, 2026", "3 days from now", "calendar"},
+        {"in two weeks", "Friday, December 4, 2026", "2 weeks from now", "calendar"},
+        {"today + 3 days", "Monday, November 23, 2026", "today + 3 days", "calendar"},
+        {"tomorrow plus 2 weeks", "Saturday, December 5, 2026", "tomorrow + 2 weeks", "calendar"},
+        {"1/15 - 3 days", "Monday, January 12, 2026", "1/15 - 3 days", "calendar"},
+        {"1/15 + 2 weeks", "Thursday, January 29, 2026", "1/15 + 2 weeks", "calendar"},
+        {"1/31/2028 + 1 month", "Tuesday, February 29, 2028", "1/31/2028 + 1 month", "calendar"},
+        {"3 days after dec 25",
+         "Monday, December 28, 2026",
+         "3 days after Friday, December 25, 2026",
+         "calendar"},
+        {"a week before dec 25",
+         "Friday, December 18, 2026",
+         "a week before Friday, December 25, 2026",
+         "calendar"},
+        {"days until 12/25", "35 days", "until Friday, December 25, 2026", "calendar"},
+        {"days until tomorrow", "1 day", "until Saturday, November 21, 2026", "calendar"},
+        {"days until friday", "7 days", "until Friday, November 27, 2026", "calendar"},
+        {"days until thursday", "6 days", "until Thursday, November 26, 2026", "calendar"},
+        {"days since thursday", "1 day", "since Thursday, November 19, 2026", "calendar"},
+        {"days until christmas", "35 days", "until Friday, December 25, 2026", "calendar"},
+        {"weeks until dec 25", "5 weeks", "until Friday, December 25, 2026", "calendar"},
+        {"how many weeks until christmas eve",
+         "4 weeks 6 days",
+         "until Thursday, December 24, 2026",
+         "calendar"},
+        {"days until dec 25 2025", "330 days ago", "since Thursday, December 25, 2025", "calendar"},
+        {"days since dec 25 2027", "in 400 days", "until Saturday, December 25, 2027", "calendar"},
+        {"what day is december 25, 2027", "Saturday, December 25, 2027", "in 400 days", "calendar"},
+        {"what day was yesterday", "Thursday, November 19, 2026", "1 day ago", "calendar"},
+        {"what's the date", "Friday, November 20, 2026", "", "calendar"},
+        {"what day is it?", "Friday, November 20, 2026", "", "calendar"},
+        {"half of twelve", "6", "half of twelve", "divide"},
+        {"a third of 9", "3", "third of 9", "divide"},
+        {"two thirds of 9", "6", "two thirds of 9", "divide"},
+        {"1/2 of 8", "4", "1/2 of 8", "divide"},
+        {"½ of 8", "4", "½ of 8", "divide"},
+        {"ten percent of fifty", "5", "ten% of fifty", "percent"},
+        {"what % of 20 is 5", "25%", "5 of 20", "percent"},
+        {"5 is what percentage of 20", "25%", "5 of 20", "percent"},
+        {"two squared", "4", "two²", "function"},
+        {"square root of nine", "3", "√nine", "x.squareroot"},
+        {"what is the square root of 16", "4", "√16", "x.squareroot"},
+        {"sqrt of 16", "4", "√16", "x.squareroot"},
+        {"√16", "4", "√16", "x.squareroot"},
+        {"cube root of 27", "3", "∛27", "x.squareroot"},
+        {"sin 30", "0.5", "sin(30)", "function"},
+        {"0o17 in decimal", "15", "0o17 → decimal", "number"},
+        {"2^8 in hex", "0x100", "2^8 → hex", "number"},
     };
 
     for (const auto& [text, value, detail, symbol] : cases) {
@@ -131,6 +182,32 @@ TEST(Answers, takeTheSameQuestionInOtherWords) {
         {"weight = 80", "80", "eight inside a word is no number"},
         {"7 mod 3", "0.21", "the sign, as the phrase is read"},
         {"0 - 0", "0", "never minus zero"},
+        {"one million two hundred thousand + 0", "1,200,000", "a smaller scale adds"},
+        {"three million five hundred thousand plus one", "3,500,001", "and closes"},
+        {"5 million two hundred thousand + 0", "5,200,000", "behind digits too"},
+        {"one million two thousand + 0", "1,002,000", "with nothing between"},
+        {"two hundred thousand million + 0", "200,000,000,000", "a larger scale multiplies all"},
+        {"two hundred and five plus one", "206", "the and of a written number"},
+        {"one thousand and one", "1,001", "alone"},
+        {"two hundred and five times two", "410", "before another word"},
+        {"one hundred and fifty + 1", "151", "with tens"},
+        {"rent = two hundred and five", "205", "as what a name is from now on"},
+        {"6 and 3", "2", "between digits it is bit by bit"},
+        {"six and three", "2", "and between small words"},
+        {"twenty-five", "25", "a number of two words is a question"},
+        {"two million", "2,000,000", "grouped as it is shown"},
+        {"2.5 million", "2,500,000", "with digits first"},
+        {"gcd(100,250)", "50", "one grouped argument has no value, two have"},
+        {"pow(2,100)", "1.267651e30", "the same"},
+        {"max(100,200)", "100,200", "one grouped number has a value"},
+        {"½ + ½", "1", "a fraction of one character"},
+        {"1½ * 2", "3", "behind a whole number"},
+        {"2³ + 1", "9", "a raised figure"},
+        {"€50 * 3", "150", "a currency's sign that no rate asks for"},
+        {"€5 + £3", "none", "two currencies are no sum"},
+        {"= 2+2", "4", "as in a table's cell"},
+        {"2 + 2 equals", "4", "in words"},
+        {"1\u00a0234\u202f+ 1", "1,235", "blanks that don't break, in and beside a figure"},
     };
 
     for (const auto& [text, value, reason] : cases) {
@@ -150,6 +227,11 @@ TEST(Answers, useWhatWasSavedByName) {
     const auto assigned = asked("y = ans + 1", saved);
     ASSERT_TRUE(assigned);
     EXPECT_EQ(assigned->detail, "y is now 22") << "what a name is now wins over what was read";
+    EXPECT_EQ(figure("total = rent", saved), "1,200");
+    EXPECT_EQ(figure("20% of rent", saved), "240");
+    EXPECT_EQ(figure("half of rent", saved), "600");
+    EXPECT_EQ(asked("sqrt(rent)", saved)->detail, "sqrt(rent), using your last answer")
+        << "an expression before a phrase";
     EXPECT_EQ(figure("rent + rent"), "none") << "a name that nobody saved";
 }
 
@@ -180,6 +262,16 @@ TEST(Answers, leaveOrdinaryWordsAlone) {
         "18446744073709551615 in hex",
         "0x in hex",
         "half life",
+        "half of everything",
+        "20% of everything",
+        "3 of 8",
+        "10% of 45 + 3",
+        "in a silent way",
+        "days until doomsday",
+        "friday",
+        "christmas",
+        "what day is february 30",
+        "the date",
         "1.2.3 squared",
         "12,34",
     };
@@ -211,6 +303,7 @@ TEST(Answers, daysAreThoseOfTheUsersZone) {
     const Formats german({.dates = "de_DE"}, newYork);
     EXPECT_EQ(Answers::dates("today", now, german)->value, "Freitag, November 20, 2026");
     EXPECT_EQ(Answers::dates("days until 3. märz", now, german)->value, "103 days");
+    EXPECT_FALSE(Answers::dates("days until 3. märz", now, english)) << "each its own language";
 }
 
 TEST(Answers, nothingTypedTakesLong) {
@@ -233,6 +326,9 @@ TEST(Answers, nothingTypedTakesLong) {
         {"\xff\xfe 1 in ", 10, "\xff"},
         {"one hundred ", 300, ""},
         {"1,", 2000, "1"},
+        {"half of ", 30, "8"},
+        {"% of ", 50, "8"},
+        {"\u00a0", 1000, "1"},
     };
 
     for (const auto& [repeated, times, tail] : cases) {

@@ -25,6 +25,13 @@ TEST(Emoji, findsByNameAndKeyword) {
         {")", "🙂", "an emoticon"},
         {"'(", "😢", "an emoticon of two signs"},
         {"keycap: #", "#️⃣", "a keycap, whose line begins like a comment"},
+        {"heart", "❤️", "the plain kind before a cat with hearts for eyes"},
+        {"smile", "😃", "a wry cat is no plain kind of smile"},
+        {"heart red", "❤️", "words in any order"},
+        {"flag greece", "🇬🇷", "a name with a sign between its words"},
+        {"flag-greec", "🇬🇷", "a hyphen between words, the last one unfinished"},
+        {"love cat", "😻", "a keyword and a word of the name"},
+        {"thumbsup", "👍", "a name without its blank"},
         {"", "😀", "nothing gives the first"},
     };
 
@@ -36,6 +43,7 @@ TEST(Emoji, findsByNameAndKeyword) {
         EXPECT_LE(found.size(), 12U);
     }
     EXPECT_TRUE(Emoji::search("qqqq", 12).empty());
+    EXPECT_TRUE(Emoji::search("heart qqqq", 12).empty()) << "every word counts";
 }
 
 TEST(Emoji, theTableIsWhole) {
