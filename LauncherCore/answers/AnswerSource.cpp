@@ -18,6 +18,8 @@ constexpr double oldest = 1e15; ///< seconds; keeps a damaged time within an int
 } // namespace
 
 std::string AnswerSource::line(double now, const Formats& formats) const {
+    if (fetched == 0)
+        return host;
     const auto& zone = formats.zone();
     const bool isToday = zone.civil(fetched).date == zone.civil(now).date;
     // The half of the day alone is put in lower case: the month keeps its capital.

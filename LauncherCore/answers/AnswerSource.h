@@ -8,11 +8,12 @@ class Formats;
 
 /// Where a computed figure came from, for the credit under it.
 struct AnswerSource {
-    std::string host;   ///< the data provider's host name, for display
-    std::string url;    ///< a page that shows the same figure
-    double fetched = 0; ///< seconds since 1970, UTC
+    std::string host;   ///< the data provider's host name, or what a chart is called, for display
+    std::string url;    ///< a page that shows the same figure; empty for none
+    double fetched = 0; ///< seconds since 1970, UTC; 0 for a figure that came with the program
 
-    /// The credit, as in "api.example.org · today at 3:07 pm", or with the date of another day.
+    /// The credit, as in "api.example.org · today at 3:07 pm", or with the date of another
+    /// day; the host alone for what came with the program.
     std::string line(double now, const Formats& formats) const;
 
     bool operator==(const AnswerSource&) const = default;

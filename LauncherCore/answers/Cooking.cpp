@@ -31,6 +31,11 @@ struct Question {
     std::string_view typedTarget;
 };
 
+/// Of which kitchens have both: neither length nor temperature.
+bool isKitchenKind(const Unit& unit) {
+    return unit.kind == UnitKind::mass || unit.kind == UnitKind::volume;
+}
+
 bool isMassAndVolume(const Unit& one, const Unit& other) {
     return (one.kind == UnitKind::mass && other.kind == UnitKind::volume) ||
            (one.kind == UnitKind::volume && other.kind == UnitKind::mass);
@@ -56,6 +61,22 @@ std::optional<std::string_view> ingredientWords(std::string_view text) {
     return text.empty() || hasLetter ? std::optional(text) : std::nullopt;
 }
 
+/// "2 sticks of butter": half a US cup each, as the wrapper says.
+std::optional<UnitReading::LeadingQuantity> sticks(std::string_view text) {
+    const auto amount = Answers::leadingAmount(UnitReading::withoutAsking(text));
+    const auto word = amount ? amount->rest.substr(0, amount->rest.find(' ')) : std::string_view();
+    const auto cup = Answers::readUnit("us cup", MeasureSystem::usCustomary);
+    if (!cup ||
+        (!Folding::equalIgnoringCase(word, "stick") && !Folding::equalIgnoringCase(word, "sticks")))
+        return std::nullopt;
+    const auto rest = Folding::trimmed(amount->rest.substr(word.size()));
+    const auto butter = Cooking::ingredient(rest);
+    if (!butter || butter->names.front() != "butter")
+        return std::nullopt;
+    constexpr double cupsOfStick = 0.5;
+    return UnitReading::LeadingQuantity{{amount->value * cupsOfStick, *cup, "us cup", {}}, rest};
+}
+
 /// Of a readable text.
 std::optional<Question> question(std::string_view text, MeasureSystem measure) {
     const auto request = UnitReading::request(text);
@@ -65,6 +86,10 @@ std::optional<Question> question(std::string_view text, MeasureSystem measure) {
         return std::nullopt;
     auto leading = UnitReading::leadingQuantity(request->subject, measure);
     if (!leading)
+        leading = sticks(request->subject);
+    if (!leading)
+        leading = UnitReading::leadingOne(request->subject, measure);
+    if (!leading)
         return std::nullopt;
     const auto words = ingredientWords(leading->rest.empty() ? request->ingredient : leading->rest);
     if (!words)
@@ -72,7 +97,10 @@ std::optional<Question> question(std::string_view text, MeasureSystem measure) {
     auto amount = std::move(leading->quantity);
     if (!words->empty())
         amount = withCups(std::move(amount), measure);
-    if (!isMassAndVolume(amount.unit, *target))
+    const bool needsNoWeight = !words->empty() && isKitchenKind(amount.unit) &&
+                               amount.unit.kind == target->kind &&
+                               Cooking::ingredient(*words).has_value();
+    if (!needsNoWeight && !isMassAndVolume(amount.unit, *target))
         return std::nullopt;
     return Question{std::move(amount), *words, *target, request->target};
 }
@@ -100,6 +128,8 @@ Answer unknownIngredient(std::string_view words) {
 /// In the target's unit.
 double weighed(const Question& question, const Ingredient& ingredient) {
     const double base = question.amount.value * question.amount.unit.toBase;
+    if (question.amount.unit.kind == question.target.kind)
+        return base / question.target.toBase;
     if (question.amount.unit.kind == UnitKind::volume)
         return base / litresPerUsCup * ingredient.gramsPerCup *
                (kilogramsPerGram / question.target.toBase);
@@ -114,6 +144,36 @@ double figure(double value) {
     return UnitPrinting::rounded(value, isSmall ? 1e8 : 1e4);
 }
 
+/// Whether a word means its unit only because of the measure system.
+bool isReread(std::string_view typed, const Unit& unit) {
+    const auto plain = Answers::readUnit(typed, MeasureSystem::usCustomary);
+    return plain && plain->key != unit.key;
+}
+
+/// What a measure of something is in another of its kind needs no weight, and credits none.
+std::string detail(const Question& question,
+                   const Ingredient& ingredient,
+                   std::string_view label,
+                   MeasureSystem measure,
+                   const Formats& formats) {
+    auto text = std::string(ingredient.names.front()) + " · ";
+    if (question.amount.unit.kind == question.target.kind)
+        text += UnitPrinting::written(question.amount, formats) + " → " + std::string(label);
+    else
+        text += Calc::format(ingredient.gramsPerCup, formats) + " g per US cup";
+    if (isReread(question.amount.token, question.amount.unit) ||
+        isReread(question.typedTarget, question.target))
+        text += UnitPrinting::note(measure);
+    return text;
+}
+
+/// Whose chart the weight is from.
+std::optional<AnswerSource> credit(const Question& question, const Ingredient& ingredient) {
+    if (question.amount.unit.kind == question.target.kind)
+        return std::nullopt;
+    return AnswerSource{.host = std::string(ingredient.source), .url = {}, .fetched = 0};
+}
+
 std::optional<Answer> known(const Question& question,
                             const Ingredient& ingredient,
                             MeasureSystem measure,
@@ -123,10 +183,9 @@ std::optional<Answer> known(const Question& question,
         return std::nullopt;
     const auto label = UnitPrinting::label(question.target, question.typedTarget, value);
     return Answer{.value = Calc::format(value, formats) + " " + std::string(label),
-                  .detail = std::string(ingredient.names.front()) + " · " +
-                            Calc::format(ingredient.gramsPerCup, formats) + " g per US cup" +
-                            std::string(UnitPrinting::note(measure)),
+                  .detail = detail(question, ingredient, label, measure, formats),
                   .symbol = std::string(symbol),
+                  .source = credit(question, ingredient),
                   .kind = AnswerKind::unit,
                   .number = value};
 }

@@ -22,7 +22,7 @@ constexpr int usualDigits = 2;
 constexpr int smallDigits = 4;         ///< below 1
 constexpr int vanishingDigits = 8;     ///< of what would show as 0
 constexpr double leastShown = 0.00005; ///< rounds up in the fourth digit
-constexpr double lastHour = 24;
+constexpr double lastHour = 12; ///< that is read without saying which half of the day it means
 
 struct Sides {
     ResolvedCurrency from;
@@ -31,14 +31,43 @@ struct Sides {
 
 /// A figure that a clock shows and that stands before a place: "8 in paris" asks for the time.
 bool isHour(const MoneyText& from, const ResolvedCurrency& to) {
-    return to.place && from.amount >= 0 && from.amount <= lastHour &&
+    return to.place && from.amount >= 1 && from.amount <= lastHour &&
            from.figure.find('.') == std::string::npos;
+}
+
+/// What a word stands for; a sign that home's currency goes by means that currency, as it does in
+/// an amount alone.
+std::optional<ResolvedCurrency> named(std::string_view word, std::string_view home) {
+    if (!home.empty() && Answers::isCurrencySign(word) && Answers::goesBySign(home, word))
+        return ResolvedCurrency{.code = std::string(home), .place = std::nullopt};
+    return Answers::resolveCurrency(word);
+}
+
+/// Names of currencies that are English words first: two of them without a figure, as in "all to
+/// try", are a search.
+bool isOrdinary(std::string_view word) {
+    constexpr std::string_view words[] = {"all",
+                                          "bam",
+                                          "bob",
+                                          "cop",
+                                          "cup",
+                                          "gel",
+                                          "mad",
+                                          "mop",
+                                          "pen",
+                                          "rand",
+                                          "real",
+                                          "sos",
+                                          "top",
+                                          "try",
+                                          "won"};
+    return std::ranges::find(words, word) != std::end(words);
 }
 
 /// What both sides stand for; nothing when one stands for no money, or when it says more of
 /// something else than of money.
 std::optional<Sides> resolved(const Answers::ConversionParts& parts, std::string_view home) {
-    auto to = Answers::resolveCurrency(parts.to);
+    auto to = named(parts.to, home);
     if (!to)
         return std::nullopt;
     if (parts.from.form == MoneyText::Form::amountAlone) {
@@ -47,7 +76,10 @@ std::optional<Sides> resolved(const Answers::ConversionParts& parts, std::string
         return Sides{.from = {.code = std::string(home), .place = std::nullopt},
                      .to = *std::move(to)};
     }
-    auto from = Answers::resolveCurrency(parts.from.currency);
+    auto from = named(parts.from.currency, home);
+    // "$5 in cad" of a Canadian asks about another dollar.
+    if (from && from->code == to->code && Answers::isCurrencySign(parts.from.currency))
+        from = Answers::resolveCurrency(parts.from.currency);
     if (!from)
         return std::nullopt;
     switch (parts.from.form) {
@@ -64,7 +96,8 @@ std::optional<Sides> resolved(const Answers::ConversionParts& parts, std::string
             return std::nullopt;
         break;
     case MoneyText::Form::noAmount: // "all in all", "london to paris"
-        if (from->place || to->place || from->code == to->code)
+        if (from->place || to->place || from->code == to->code ||
+            (isOrdinary(parts.from.currency) && isOrdinary(parts.to)))
             return std::nullopt;
         break;
     }

@@ -43,6 +43,17 @@ const Index& index() {
     return index;
 }
 
+/// In lower case and with plain apostrophes, as the table has them.
+std::string plain(std::string_view text) {
+    constexpr std::string_view typographic = "’";
+    auto result = Folding::lowercase(text);
+    for (auto at = result.find(typographic); at != std::string::npos;
+         at = result.find(typographic, at))
+        result.replace(at, typographic.size(), "'");
+    std::erase_if(result, [](char byte) { return byte == '(' || byte == ')'; });
+    return result;
+}
+
 std::string_view withoutPunctuation(std::string_view text) {
     constexpr std::string_view punctuation = " \t.,;:!?\"()'[]-/";
     const auto first = text.find_first_not_of(punctuation);
@@ -58,8 +69,8 @@ std::optional<Ingredient> Cooking::ingredient(std::string_view text) {
     constexpr std::string_view fillers[] = {"of ", "the ", "some "};
     if (text.size() > longest)
         return std::nullopt;
-    const auto lower = Folding::lowercase(text);
-    auto name = withoutPunctuation(Folding::trimmed(lower));
+    const auto typed = plain(text);
+    auto name = withoutPunctuation(Folding::trimmed(typed));
     for (const auto filler : fillers)
         if (name.starts_with(filler))
             name.remove_prefix(filler.size());

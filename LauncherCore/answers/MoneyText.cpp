@@ -1,6 +1,7 @@
 #include "LauncherCore/answers/MoneyText.h"
 
 #include "LauncherCore/answers/AmountWords.h"
+#include "LauncherCore/answers/CurrencyWords.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Pattern.h"
 
@@ -66,11 +67,23 @@ bool commasGroup(std::string_view figure) {
     return true;
 }
 
+/// "3,50": one comma between digits, and no point.
+bool isDecimalComma(std::string_view figure) {
+    const auto comma = figure.find(',');
+    return comma != std::string_view::npos && comma > 0 && comma + 1 < figure.size() &&
+           figure.find_first_of(",.", comma + 1) == std::string_view::npos &&
+           figure.find('.') == std::string_view::npos;
+}
+
 /// Nothing for two points, commas that part no thousands, and what no double holds.
 std::optional<double> number(std::string figure) {
-    if (!commasGroup(figure))
+    // "0,125" is a decimal comma: nobody groups a zero.
+    if (commasGroup(figure) && !figure.starts_with("0,"))
+        std::erase(figure, ',');
+    else if (isDecimalComma(figure))
+        std::ranges::replace(figure, ',', '.');
+    else
         return std::nullopt;
-    std::erase(figure, ',');
     double value = 0;
     const auto* end = figure.data() + figure.size();
     const auto [stop, error] = std::from_chars(figure.data(), end, value);
@@ -162,17 +175,23 @@ struct Patterns {
     Pattern amountFirst;
     Pattern signFirst;
     Pattern codeFirst;
+    Pattern signAndCode;
 };
 
 Patterns makePatterns() {
     const std::string minus = R"((minus\s+|[-−])?\s*)";
     // A figure and how many times it counts: "5k", "5 million".
-    const std::string figure = R"(([\d.,]+)(?:(k|m|bn|b)(?!\p{L})|\s+(hundred|thousand|million|)"
-                               R"(billion)(?!\p{L}))?)";
+    const std::string figure =
+        R"(([\d.,]+(?:e\d{1,2})?)(?:(k|m|bn|b)(?!\p{L})|\s+(hundred|thousand|million|)"
+        R"(billion)(?!\p{L}))?)";
     return {
-        .amountFirst = Pattern("^" + minus + figure + R"(\s*([\p{L}€£¥$][\p{L}€£¥$& .'’-]*)?$)"),
-        .signFirst = Pattern("^" + minus + R"((\p{L}{0,2}[€£¥$])\s*)" + figure + "$"),
+        .amountFirst = Pattern(
+            "^" + minus + figure +
+            R"(\s*([\p{L}€£¥$₹₩₽₺₫฿₪₴][\p{L}€£¥$₹₩₽₺₫฿₪₴& .'’-]*)?$)"),
+        .signFirst = Pattern("^" + minus + R"((\p{L}{0,2}[€£¥$₹₩₽₺₫฿₪₴])\s*)" +
+                             figure + "$"),
         .codeFirst = Pattern(R"(^(\p{L}{3})\s*)" + minus + figure + "$"),
+        .signAndCode = Pattern("^" + minus + R"(([€£¥$])\s*)" + figure + R"(\s*([a-z]{3})$)"),
     };
 }
 
@@ -181,19 +200,45 @@ const Patterns& patterns() {
     return all;
 }
 
+std::string capitals(std::string word) {
+    for (char& c : word)
+        c = static_cast<char>(c - 'a' + 'A');
+    return word;
+}
+
 std::optional<MoneyText> figureWithCurrency(std::string_view text) {
     using Form = MoneyText::Form;
-    if (const auto match = patterns().amountFirst.match(text))
+    if (const auto match = patterns().amountFirst.match(text)) {
+        // "100m" are metres or minutes before they are millions of an unsaid currency.
+        if (!match->has(5) && match->has(3) && (*match)[3] == "m")
+            return std::nullopt;
         return read(*match,
                     match->has(5) ? Form::amountFirst : Form::amountAlone,
                     1,
                     2,
                     std::string(Folding::trimmed((*match)[5])));
+    }
     if (const auto match = patterns().signFirst.match(text))
         return read(*match, Form::signFirst, 1, 3, (*match)[2]);
     if (const auto match = patterns().codeFirst.match(text))
         return read(*match, Form::codeFirst, 2, 3, (*match)[1]);
+    if (const auto match = patterns().signAndCode.match(text))
+        if (Answers::goesBySign(capitals((*match)[6]), (*match)[2]))
+            return read(*match, Form::amountFirst, 1, 3, (*match)[6]);
     return std::nullopt;
+}
+
+/// "50 cents" are half of a dollar.
+MoneyText inWholeUnits(MoneyText money) {
+    constexpr std::pair<std::string_view, std::string_view> hundredths[] = {
+        {"cents", "$"}, {"us cents", "usd"}, {"euro cents", "eur"}, {"pence", "£"}};
+    for (const auto& [word, whole] : hundredths)
+        if (money.currency == word) {
+            money.amount /= 100;
+            money.currency = whole;
+            break;
+        }
+    return money;
 }
 
 bool isDigit(char c) {
@@ -208,8 +253,10 @@ bool isLetter(char c) {
 } // namespace
 
 std::optional<MoneyText> Answers::moneyText(std::string_view text) {
-    if (std::ranges::any_of(text, isDigit))
-        return figureWithCurrency(text);
+    if (std::ranges::any_of(text, isDigit)) {
+        auto money = figureWithCurrency(text);
+        return money ? std::optional(inWholeUnits(*std::move(money))) : std::nullopt;
+    }
     if (text.empty() || !isLetter(text.front()))
         return std::nullopt;
     if (auto money = amountInWords(text))

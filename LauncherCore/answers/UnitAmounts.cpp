@@ -90,7 +90,24 @@ bool isGrouped(std::string_view digits) {
     return true;
 }
 
-/// "5", "1,000.5", ".5", and "1,5" with a decimal comma.
+/// "e3" behind a number: the power of ten that it is taken times.
+LeadingAmount raised(LeadingAmount amount) {
+    auto rest = amount.rest;
+    if (rest.empty() || (rest.front() | 0x20) != 'e')
+        return amount;
+    rest.remove_prefix(1);
+    const bool isNegative = rest.starts_with('-');
+    if (isNegative)
+        rest.remove_prefix(1);
+    const auto digits = leadingDigits(rest);
+    constexpr std::size_t mostDigits = 2; // No measure has a hundred of them.
+    if (digits.empty() || digits.size() > mostDigits)
+        return amount;
+    const auto power = std::pow(10, *parsed(digits));
+    return {isNegative ? amount.value / power : amount.value * power, rest.substr(digits.size())};
+}
+
+/// "5", "1,000.5", ".5", "1e3", and "1,5" with a decimal comma.
 Amount plainNumber(std::string_view text) {
     auto whole = text.substr(0, text.find_first_not_of("0123456789,"));
     if (whole.starts_with(','))
@@ -115,7 +132,7 @@ Amount plainNumber(std::string_view text) {
     }
     digits += fraction;
     const auto value = parsed(digits);
-    return value ? Amount({*value, rest}) : std::nullopt;
+    return value ? Amount(raised({*value, rest})) : std::nullopt;
 }
 
 /// Up to a blank or a hyphen.

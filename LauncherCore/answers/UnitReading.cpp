@@ -129,6 +129,22 @@ std::optional<Request> question(std::string_view text) {
     return std::nullopt;
 }
 
+bool isPluralWord(std::string_view word) {
+    return word.size() > 3 && (word.ends_with('s') || Folding::equalIgnoringCase(word, "feet"));
+}
+
+/// Whether "kg in lb", which has no amount, asks for the second unit. "cups in gallon" counts the
+/// first, as whoever asks for one of something hardly wants a fraction.
+bool isForward(std::string_view text, const Request& counting) {
+    if (startsWith(text, "how ") || Answers::leadingAmount(counting.subject))
+        return false;
+    const auto first = Answers::readUnit(counting.target, MeasureSystem::usCustomary);
+    const auto second = Answers::readUnit(counting.subject, MeasureSystem::usCustomary);
+    if (!first || !counting.ingredient.empty())
+        return true;
+    return second && (first->toBase >= second->toBase || isPluralWord(counting.subject));
+}
+
 struct LeadingUnit {
     Answers::Unit unit;
     std::string_view token;
@@ -188,7 +204,11 @@ furtherPart(std::string_view text, const LeadingUnit& previous, MeasureSystem me
     const auto amount = Answers::leadingAmount(text);
     if (!amount || std::signbit(amount->value))
         return std::nullopt;
-    if (const auto next = leadingUnit(amount->rest, measure)) {
+    if (auto next = leadingUnit(amount->rest, measure)) {
+        // "1h 30m" are minutes.
+        if (const auto minute = Answers::readUnit("min", measure);
+            minute && next->token == "m" && previous.unit.kind == Answers::UnitKind::time)
+            next->unit = *minute;
         if (next->unit.kind != previous.unit.kind || next->unit.toBase >= previous.unit.toBase)
             return std::nullopt;
         return LeadingQuantity{{amount->value, next->unit, std::string(next->token), {}},
@@ -252,7 +272,7 @@ std::optional<std::string> UnitReading::readable(std::string_view typed) {
 }
 
 std::optional<Request> UnitReading::request(std::string_view text) {
-    if (const auto asked = question(text))
+    if (const auto asked = question(text); asked && !isForward(text, *asked))
         return asked;
     const auto word = connectingWord(text);
     const auto sign = connectingSign(text);
@@ -302,6 +322,14 @@ std::optional<LeadingQuantity> UnitReading::leadingQuantity(std::string_view tex
     if (!std::isfinite(result.quantity.value))
         return std::nullopt;
     return result;
+}
+
+std::optional<LeadingQuantity> UnitReading::leadingOne(std::string_view text,
+                                                       MeasureSystem measure) {
+    const auto unit = leadingUnit(withoutAsking(text), measure);
+    if (!unit)
+        return std::nullopt;
+    return LeadingQuantity{{1, unit->unit, std::string(unit->token), {}}, unit->rest};
 }
 
 std::optional<UnitQuantity> Answers::readQuantity(std::string_view text, MeasureSystem measure) {

@@ -34,6 +34,9 @@ struct LeadingQuantity {
 /// the unit. "6 ft 2 in" is one quantity, and so is "6 ft 2".
 std::optional<LeadingQuantity> leadingQuantity(std::string_view text, MeasureSystem measure);
 
+/// The same of a text without an amount, which means one: "cup of flour".
+std::optional<LeadingQuantity> leadingOne(std::string_view text, MeasureSystem measure);
+
 /// A text without asking words before it, such as "what is" and "convert".
 std::string_view withoutAsking(std::string_view text);
 

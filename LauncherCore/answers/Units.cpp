@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <initializer_list>
 #include <utility>
 
 namespace tessarine {
@@ -37,18 +36,24 @@ double figure(double value, UnitKind kind) {
     return fine == 0 && kind != UnitKind::temperature ? value : fine;
 }
 
+/// Whether a word means this unit only because of the measure system: "cup", but not "us cup".
+bool isReread(std::string_view typed, const Unit& unit) {
+    const auto plain = Answers::readUnit(typed, MeasureSystem::usCustomary);
+    return plain && plain->key != unit.key;
+}
+
 std::string detail(const UnitQuantity& source,
                    std::string_view target,
-                   std::initializer_list<Unit> units,
-                   MeasureSystem measure,
+                   std::string_view note,
                    const Formats& formats) {
-    const bool isSized = std::ranges::any_of(
-        units, [&](const Unit& unit) { return Answers::isSystemSized(unit, measure); });
-    std::string text = UnitPrinting::written(source, formats) + " → ";
+    auto text = UnitPrinting::written(source, formats) + " → ";
     text += target;
-    if (isSized)
-        text += UnitPrinting::note(measure);
+    text += note;
     return text;
+}
+
+std::string_view noteOn(bool depends, MeasureSystem measure) {
+    return depends ? UnitPrinting::note(measure) : std::string_view();
 }
 
 /// `typed` is how the target was asked for.
@@ -61,8 +66,9 @@ std::optional<Answer> conversion(const UnitQuantity& source,
     if (!std::isfinite(value))
         return std::nullopt;
     const auto label = UnitPrinting::label(target, typed, value);
+    const bool depends = isReread(source.token, source.unit) || isReread(typed, target);
     return Answer{.value = Calc::format(value, formats) + " " + std::string(label),
-                  .detail = detail(source, label, {source.unit, target}, measure, formats),
+                  .detail = detail(source, label, noteOn(depends, measure), formats),
                   .symbol = std::string(UnitTables::symbol(target.kind)),
                   .kind = AnswerKind::unit,
                   .number = value};
@@ -96,6 +102,18 @@ bareInches(const Request& request, const Unit& target, MeasureSystem measure) {
     return UnitQuantity{amount->value, *inch, "in", {}};
 }
 
+/// "10k", as runners say; apart from its figure the letter is the kelvin.
+bool isRun(std::string_view subject) {
+    return subject.size() > 1 && (subject.back() | 0x20) == 'k' &&
+           subject[subject.size() - 2] >= '0' && subject[subject.size() - 2] <= '9';
+}
+
+/// "kg to lb": one is meant.
+std::optional<UnitQuantity> bareUnit(std::string_view subject, MeasureSystem measure) {
+    auto one = UnitReading::leadingOne(subject, measure);
+    return one && one->rest.empty() ? std::optional(std::move(one->quantity)) : std::nullopt;
+}
+
 std::optional<UnitQuantity>
 sourceOf(const Request& request, const Unit& target, MeasureSystem measure) {
     auto source = Answers::readQuantity(request.subject, measure);
@@ -103,6 +121,11 @@ sourceOf(const Request& request, const Unit& target, MeasureSystem measure) {
         source = bareDegrees(request.subject, target, measure);
     if (!source)
         source = bareInches(request, target, measure);
+    if (!source)
+        source = bareUnit(request.subject, measure);
+    const auto kilometre = Answers::readUnit("km", measure);
+    if (source && kilometre && target.kind == UnitKind::length && isRun(request.subject))
+        source->unit = *kilometre;
     if (!source || source->unit.kind != target.kind)
         return std::nullopt;
     return source;
@@ -156,10 +179,15 @@ std::optional<Answer> conversion(const UnitQuantity& source,
         (whole > 0 ? whole : rest) *= -1;
     const auto restLabel = UnitPrinting::label(smaller, typedSmaller, rest);
     const auto wholeLabel = UnitPrinting::label(larger, typedLarger, whole);
-    const auto label = std::string(wholeLabel) + " and " + std::string(restLabel);
+    // What was asked for is named in the plural, whatever comes of it.
+    constexpr double several = 2;
+    const auto label = std::string(UnitPrinting::label(larger, typedLarger, several)) + " and " +
+                       std::string(UnitPrinting::label(smaller, typedSmaller, several));
+    const bool depends = isReread(source.token, source.unit) || isReread(typedLarger, larger) ||
+                         isReread(typedSmaller, smaller);
     return Answer{.value = Calc::format(whole, formats) + " " + std::string(wholeLabel) + " " +
                            Calc::format(rest, formats) + " " + std::string(restLabel),
-                  .detail = detail(source, label, {source.unit, larger, smaller}, measure, formats),
+                  .detail = detail(source, label, noteOn(depends, measure), formats),
                   .symbol = std::string(UnitTables::symbol(smaller.kind)),
                   .kind = AnswerKind::unit,
                   .number = converted(source.value, source.unit, larger)};
@@ -229,7 +257,7 @@ Answers::unitFan(std::string_view text, MeasureSystem measure, const Formats& fo
         return answers;
     for (const auto key : UnitTables::fan(quantity->unit.key))
         if (const auto target = readUnit(key, measure))
-            if (auto answer = conversion(*quantity, *target, {}, measure, formats))
+            if (auto answer = conversion(*quantity, *target, key, measure, formats))
                 answers.push_back(std::move(*answer));
     return answers;
 }

@@ -28,6 +28,13 @@ std::string_view path(RateSource source) {
     return "";
 }
 
+/// The path begins with a slash, and a configured address may end with one.
+std::string requestUrl(std::string_view address, RateSource source) {
+    while (address.ends_with('/'))
+        address.remove_suffix(1);
+    return std::string(address).append(path(source));
+}
+
 } // namespace
 
 std::string RateProvider::host() const {
@@ -74,9 +81,8 @@ void Rates::refreshIfStale(Force force) {
     }
     // In place of a request to the source of before the preference changed.
     asking_ = host;
-    request_ =
-        web_.get({.url = asked.address + std::string(path(source_())), .timeout = requestTimeout},
-                 [this, asked](const HttpResult& result) { finish(asked, result); });
+    request_ = web_.get({.url = requestUrl(asked.address, source_()), .timeout = requestTimeout},
+                        [this, asked](const HttpResult& result) { finish(asked, result); });
     changed_.tell();
 }
 

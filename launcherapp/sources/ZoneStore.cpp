@@ -72,12 +72,13 @@ void ZoneStore::readClocks() {
                       : "Tessarine's copy of Perchbar's built-in list";
     // Nobody chose that list, so a user's own city may be missing from it, and home is to be the
     // first of the clocks.
-    const auto own = std::ranges::find(clocks_, home_.identifier, &ZoneClock::identifier);
+    auto& home = prefs_.timeHomeFollowsMac() ? here_ : home_;
+    const auto own = std::ranges::find(clocks_, home.identifier, &ZoneClock::identifier);
     if (own == clocks_.end()) {
-        clocks_.insert(clocks_.begin(), home_);
+        clocks_.insert(clocks_.begin(), home);
         return;
     }
-    home_ = *own;
+    home = *own;
     std::rotate(clocks_.begin(), own, own + 1);
 }
 

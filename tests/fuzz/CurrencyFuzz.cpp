@@ -37,6 +37,9 @@ void readDocuments(std::string_view input) {
 std::vector<std::string> fuzzSeeds() {
     return {
         "1,234.5k usd in eur",
+        "how many euros are there in $50 cad",
+        "100 usd -> ₹",
+        "3,50e2 eur usd",
         "$12 in paris",
         "minus €5 as canadian dollars",
         "two hundred thousand dollars into ¥",

@@ -15,6 +15,8 @@ std::vector<std::string> fuzzSeeds() {
             "quarter to nine tomorrow night pt in São Paulo",
             "15:30 utc+5:30 on next friday to tokyo from home",
             "time difference between trinidad & tobago and the bronx",
+            "in half an hour in 11:59pm pt/utc",
+            "is tokyo ahead of london",
             "now + 99999999999.9 hours in st. john's",
             "when it's 12 o'clock in tokyo what time is it in australia",
             "how many hours ahead of gmt−3 is kathmandu"};

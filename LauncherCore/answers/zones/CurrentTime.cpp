@@ -26,6 +26,7 @@ constexpr auto askSuffixes = std::to_array<std::string_view>({
     "timezone",
     "clock",
     "time",
+    "zone",
     "now",
 });
 
@@ -64,8 +65,10 @@ std::vector<Place> asked(std::string_view text, const Context& context) {
     const bool weak = ask->prefix == ZoneWords::weakAskPrefix;
     if (ask->rest.empty() && (!weak || question != text))
         return {{.clock = context.home}};
-    return weak ? surePlaces(ask->rest, context)
-                : ZonePlaces::resolveAll(ask->rest, context, Unknown::skipped);
+    // "what time zone is arizona in"
+    const auto rest = ZoneWords::without(ask->rest, "in").value_or(ask->rest);
+    return weak ? surePlaces(rest, context)
+                : ZonePlaces::resolveAll(rest, context, Unknown::skipped);
 }
 
 /// Of "tokyo time" and "utc now": places alone with a word of time.

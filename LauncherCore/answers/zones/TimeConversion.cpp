@@ -161,14 +161,17 @@ targetsFirst(std::string_view text, const DayPhrase& day, const Context& context
     return std::nullopt;
 }
 
-/// "pst est" without a connector: two zones, the first of them the clock's.
+/// "pst est" and "et/pt" without a connector: two zones, the first of them the clock's. Home and
+/// here may be the second: "7pm cet here".
 Sides sidesOf(std::string_view rest) {
     const auto sides = atLastConnector(rest);
-    const auto blank = rest.find(' ');
+    const auto blank = rest.find_first_of(" /");
     if (!sides.connector.empty() || blank == std::string_view::npos || ZonePlaces::isZoneName(rest))
         return sides;
     const auto second = rest.substr(blank + 1);
-    if (ZonePlaces::isZoneName(rest.substr(0, blank)) && ZonePlaces::isZoneName(second))
+    const bool isTarget =
+        ZonePlaces::isZoneName(second) || ZoneWords::isHome(second) || ZoneWords::isHere(second);
+    if (ZonePlaces::isZoneName(rest.substr(0, blank)) && isTarget)
         return {.source = rest.substr(0, blank), .targets = second};
     return sides;
 }
@@ -222,7 +225,7 @@ ZoneFamilies::conversion(std::string_view text, const Context& context, const Fo
         const bool unsure = rows.empty() && moment.readings.size() > 1;
         rows.push_back(ZoneText::row(
             target.clock,
-            ZoneText::value(target.clock, *at, context, formats),
+            ZoneText::value(target.clock, moment.zone, *at, context, formats),
             fmt::format("{} · {}{}", target.label(), origin, unsure ? ", read as morning" : "")));
     }
     return rows;

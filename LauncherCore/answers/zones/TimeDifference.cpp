@@ -26,8 +26,11 @@ constexpr auto partingsOfQuestion = std::to_array<std::string_view>(
     {" and ", " vs ", " versus ", " minus ", " from ", " ahead of ", " behind ", " to ", " of "});
 
 /// What may stand between a question's head and its places.
-constexpr auto fillers =
-    std::to_array<std::string_view>({"between", "from", "of", "for", "with", "to", "in", "is"});
+constexpr auto fillers = std::to_array<std::string_view>(
+    {"between", "from", "of", "for", "with", "to", "in", "is", "it"});
+
+constexpr auto openings =
+    std::to_array<std::string_view>({"what is the", "what's the", "whats the"});
 
 constexpr auto difference = std::to_array<std::string_view>({"time difference", "difference"});
 
@@ -47,6 +50,25 @@ parted(std::string_view text, std::span<const std::string_view> at, const Contex
         }
     }
     return std::nullopt;
+}
+
+/// "paris tokyo" in a text that asks for a difference.
+std::optional<Pair> sideBySide(std::string_view text, const Context& context) {
+    constexpr auto blank = std::to_array<std::string_view>({" "});
+    return parted(text, blank, context);
+}
+
+/// "is tokyo ahead of london".
+std::optional<Pair> doubted(std::string_view text, const Context& context) {
+    static const Pattern pattern(R"(^is\s+(.+?)\s+(?:ahead\s+of|behind)\s+(.+)$)");
+    const auto match = text.starts_with("is ") ? pattern.match(text) : std::nullopt;
+    if (!match)
+        return std::nullopt;
+    auto first = ZonePlaces::resolve((*match)[1], context);
+    auto second = ZonePlaces::resolve((*match)[2], context);
+    if (!first || !second)
+        return std::nullopt;
+    return Pair{std::move(*first), std::move(*second)};
 }
 
 /// "ahead of london is tokyo", the other way round.
@@ -79,10 +101,14 @@ ofQuestion(std::string_view head, std::string_view rest, const Context& context)
         return pair;
     if (auto place = ZonePlaces::resolve(rest, context))
         return Pair{std::move(*place), comparedTo(head, context)};
-    return std::nullopt;
+    return sideBySide(rest, context);
 }
 
 std::optional<Pair> places(std::string_view text, const Context& context) {
+    if (auto pair = doubted(text, context))
+        return pair;
+    if (const auto question = ZoneWords::stripped(text, openings))
+        text = question->rest;
     if (const auto head = ZoneWords::stripped(text, ZoneWords::differenceHeads()))
         return ofQuestion(head->prefix, head->rest, context);
     for (const auto words : difference)
@@ -109,7 +135,7 @@ ZoneFamilies::difference(std::string_view text, const Context& context, const Fo
         "{} {}", TimeZones::differenceWords(static_cast<int>(apart.count())), second.clock.name);
     auto detail = fmt::format("time difference between {} and {} · {} and {} there now",
                               first.label(),
-                              second.label(),
+                              first.clock == second.clock ? "home" : second.label(),
                               TimeZones::nowValue(first.clock, context, formats),
                               TimeZones::nowValue(second.clock, context, formats));
     return {ZoneText::row(first.clock, std::move(value), std::move(detail))};

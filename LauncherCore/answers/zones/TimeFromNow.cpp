@@ -35,12 +35,13 @@ struct Shape {
     std::size_t place; ///< its group; 0 for none
 };
 
-const std::array<Shape, 5>& shapes() {
+const std::array<Shape, 6>& shapes() {
     static const std::string span =
         R"((\d+(?:\.\d+)?)\s*(h|hr|hrs|hour|hours|m|min|mins|minute|minutes))";
-    static const std::array<Shape, 5> all{
+    static const std::array<Shape, 6> all{
         Shape{Pattern(R"(^now\s*\+\s*)" + span + "$"), 1, 0},
         Shape{Pattern(R"(^(?:in\s+)?)" + span + R"(\s+from\s+now$)"), 1, 0},
+        Shape{Pattern(R"(^in\s+)" + span + "$"), 1, 0},
         Shape{Pattern(R"(^(?:in\s+)?)" + span + R"((?:\s+from\s+now)?\s+(?:in|at)\s+(.+)$)"), 1, 3},
         Shape{Pattern(R"(^now\s*\+\s*)" + span + R"(\s+(?:in\s+)?(.+)$)"), 1, 3},
         Shape{Pattern(R"(^(.+?)\s+(?:in\s+|\+\s*))" + span + R"((?:\s+from\s+now)?$)"), 2, 1},
@@ -78,6 +79,36 @@ std::string words(const Asked& asked) {
                        asked.count == "1" ? "" : "s");
 }
 
+/// A span in words, and one of hours and minutes, as the figure and unit that the shapes have.
+std::string inFigures(std::string_view text) {
+    static const Pattern worded(R"(^(|.*?\s)(half an?|an?|one|two|three|four|five|six|seven|eight)"
+                                R"(|nine|ten|eleven|twelve)\s+((?:hour|minute)s?)(|\s.*)$)");
+    static const Pattern parted(
+        R"(^(|.*?[\s+])(\d{1,3})\s*(?:h|hrs?|hours?)\s*(?:and\s+)?(\d{1,2}))"
+        R"(\s*(?:m|mins?|minutes?)(|\s.*)$)");
+    if (const auto match = worded.match(text)) {
+        const auto& groups = *match;
+        if (groups[2].starts_with("half"))
+            return groups[3] == "hour" ? groups[1] + "30 minutes" + groups[4] : std::string(text);
+        const int count = ZoneWords::clockNumber(groups[2]).value_or(1);
+        return fmt::format("{}{} {}{}", groups[1], count, groups[3], groups[4]);
+    }
+    if (const auto match = parted.match(text)) {
+        const auto& groups = *match;
+        const auto value = [](const std::string& digits) {
+            int number = 0;
+            std::from_chars(digits.data(), digits.data() + digits.size(), number);
+            return number;
+        };
+        constexpr int minutesOfHour = 60;
+        return fmt::format("{}{} minutes{}",
+                           groups[1],
+                           value(groups[2]) * minutesOfHour + value(groups[3]),
+                           groups[4]);
+    }
+    return std::string(text);
+}
+
 /// A digit comes with every span.
 bool holdsDigit(std::string_view text) {
     return text.find_first_of("0123456789") != std::string_view::npos;
@@ -105,9 +136,10 @@ std::vector<ZonePlaces::Place> places(const Asked& asked, const Context& context
 
 std::vector<Answer>
 ZoneFamilies::relative(std::string_view text, const Context& context, const Formats& formats) {
-    if (!holdsDigit(text))
+    const auto figures = inFigures(text);
+    if (!holdsDigit(figures))
         return {};
-    const auto question = ofAsk(text);
+    const auto question = ofAsk(figures);
     const auto span = question ? seconds(*question) : std::nullopt;
     if (!span)
         return {};

@@ -34,11 +34,11 @@ bool isClock(int hour, int minute) {
     return hour >= 0 && hour < hoursOfDay && minute >= 0 && minute < minutesOfHour;
 }
 
-/// Of a clock that doesn't say which half of the day it means. "09:00" is of a clock of 24 hours.
-Readings eitherHalf(const std::string& typedHour, int hour, int minute) {
+/// Of a clock that doesn't say which half of the day it means.
+Readings eitherHalf(int hour, int minute) {
     if (!isClock(hour, minute))
         return std::nullopt;
-    const bool decided = hour == 0 || hour >= noon || typedHour.starts_with('0');
+    const bool decided = hour == 0 || hour >= noon;
     if (decided)
         return {{{hour, minute}}};
     return {{{hour, minute}, {hour + noon, minute}}};
@@ -54,19 +54,29 @@ Readings namedClock(const Pattern::Match& match) {
     return {{{match[1] == "midnight" ? 0 : noon, 0}}};
 }
 
+/// "half past noon" says its half of the day.
+Readings aroundTwelve(const std::string& shape, bool isMidnight) {
+    const int hour = isMidnight ? 0 : noon;
+    if (shape == "quarter to")
+        return {{{(hour + hoursOfDay - 1) % hoursOfDay, 45}}};
+    return {{{hour, shape == "half past" ? 30 : 15}}};
+}
+
 Readings quarters(const Pattern::Match& match) {
+    if (match[2] == "noon" || match[2] == "midday" || match[2] == "midnight")
+        return aroundTwelve(match[1], match[2] == "midnight");
     const int hour = number(match[2]);
     if (match[1] == "half past")
-        return eitherHalf(match[2], hour, 30);
+        return eitherHalf(hour, 30);
     if (match[1] == "quarter past")
-        return eitherHalf(match[2], hour, 15);
+        return eitherHalf(hour, 15);
     // A quarter to one is at noon, not at night.
     const int before = hour == 1 ? noon : (hour + hoursOfDay - 1) % hoursOfDay;
-    return hour < hoursOfDay ? eitherHalf(match[2], before, 45) : std::nullopt;
+    return hour < hoursOfDay ? eitherHalf(before, 45) : std::nullopt;
 }
 
 Readings wholeHour(const Pattern::Match& match) {
-    return eitherHalf(match[1], number(match[1]), 0);
+    return eitherHalf(number(match[1]), 0);
 }
 
 Readings clockWithHalf(const Pattern::Match& match) {
@@ -74,7 +84,7 @@ Readings clockWithHalf(const Pattern::Match& match) {
 }
 
 Readings clockOfDigits(const Pattern::Match& match) {
-    return eitherHalf(match[1], number(match[1]), number(match[2]));
+    return eitherHalf(number(match[1]), number(match[2]));
 }
 
 /// One way to write a clock; the last group is what follows it.
@@ -86,9 +96,10 @@ struct ClockShape {
 
 const std::array<ClockShape, 6>& clockShapes() {
     static const std::array<ClockShape, 6> shapes{
-        ClockShape{Pattern(R"(^(noon|midday|midnight)(?:\s+(.*))?$)"), 2, namedClock},
+        ClockShape{Pattern(R"(^(?:12\s+)?(noon|midday|midnight)(?:\s+(.*))?$)"), 2, namedClock},
         ClockShape{Pattern(R"(^(half past|quarter past|quarter to)\s+(\d{1,2}|one|two|three|four)"
-                           R"(|five|six|seven|eight|nine|ten|eleven|twelve)(?:\s+(.*))?$)"),
+                           R"(|five|six|seven|eight|nine|ten|eleven|twelve|noon|midday|midnight))"
+                           R"((?:\s+(.*))?$)"),
                    3,
                    quarters},
         ClockShape{Pattern(R"(^(\d{1,2}|one|two|three|four|five|six|seven|eight|nine|ten|eleven)"
@@ -260,7 +271,7 @@ std::optional<StatedClock> TimeZones::bareHour(std::string_view text) {
     const int hour = number((*match)[1]);
     if (hour < 1 || hour > noon)
         return std::nullopt;
-    return decidedByHalf({*eitherHalf((*match)[1], hour, 0), (*match)[2]});
+    return decidedByHalf({*eitherHalf(hour, 0), (*match)[2]});
 }
 
 std::optional<StatedDay> TimeZones::statedDay(std::string_view text) {

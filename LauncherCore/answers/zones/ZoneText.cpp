@@ -78,10 +78,19 @@ std::string ZoneText::value(const ZoneClock& clock,
                             double at,
                             const TimeZones::Context& context,
                             const Formats& formats) {
+    return value(clock, context.home, at, context, formats);
+}
+
+std::string ZoneText::value(const ZoneClock& clock,
+                            const ZoneClock& stated,
+                            double at,
+                            const TimeZones::Context& context,
+                            const Formats& formats) {
     const auto home = zoneOr(context.home, Zone::utc());
     const auto zone = zoneOr(clock, home);
     auto text = TimeZones::clockText(at, zone);
-    if (zone.civil(at).date != home.civil(at).date)
+    const auto date = zone.civil(at).date;
+    if (date != home.civil(at).date || date != zoneOr(stated, home).civil(at).date)
         text += " " + formats.date(at, "EEE", zone);
     const auto offset = minutesAhead(zone, home, at) == 0 ? inStep(clock, context.home)
                                                           : TimeZones::offsetText(zone, home, at);

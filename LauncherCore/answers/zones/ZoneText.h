@@ -15,6 +15,13 @@ namespace tessarine::ZoneText {
 std::string
 value(const ZoneClock& clock, double at, const TimeZones::Context& context, const Formats& formats);
 
+/// The same with the weekday also where it isn't the day on the clock that the time was stated by.
+std::string value(const ZoneClock& clock,
+                  const ZoneClock& stated,
+                  double at,
+                  const TimeZones::Context& context,
+                  const Formats& formats);
+
 /// The day there, as in "Fri, Jul 10".
 std::string day(const ZoneClock& clock, double at, const Formats& formats);
 

@@ -24,6 +24,7 @@ constexpr auto asks = std::to_array<std::string_view>({
     "what's the time",
     "what time is it",
     "current time in",
+    "what is time in",
     "local time in",
     "time zone in",
     "current time",
@@ -34,6 +35,7 @@ constexpr auto asks = std::to_array<std::string_view>({
     "timezone in",
     "the time in",
     "time now in",
+    "what time",
     "time in",
     "time at",
     "now in",
@@ -63,6 +65,7 @@ constexpr auto heads = std::to_array<std::string_view>({
     "utc offset of",
     "gmt offset",
     "utc offset",
+    "difference",
     "offset for",
     "time diff",
     "offset",
@@ -108,9 +111,12 @@ constexpr auto gateWords = std::to_array<std::string_view>({
     "oclock",
 });
 
+/// Words of spans, which may be without a digit: "in two hours in tokyo".
+constexpr auto spanWords = std::to_array<std::string_view>({"hour", "minute"});
+
 /// What makes a digit a clock.
 constexpr auto clockMarks = std::to_array<std::string_view>(
-    {"am", "pm", "a.m", "p.m", ":", " in ", " to ", " at ", " from ", " + "});
+    {"am", "pm", "a.m", "p.m", ":", " in ", " to ", " at ", " from ", " +"});
 
 bool holds(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
@@ -144,7 +150,7 @@ bool TimeZones::mightBeAboutTime(std::string_view text) {
     if (text.size() > longestQuestion)
         return false;
     const auto isIn = [&](std::string_view part) { return holds(text, part); };
-    if (std::ranges::any_of(gateWords, isIn))
+    if (std::ranges::any_of(gateWords, isIn) || std::ranges::any_of(spanWords, isIn))
         return true;
     return std::ranges::any_of(text, isDigit) &&
            (std::ranges::any_of(clockMarks, isIn) || hasShortHalf(text));

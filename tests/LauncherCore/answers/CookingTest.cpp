@@ -147,6 +147,16 @@ TEST(Cooking, weighsWhatIsMeasured) {
         {"1 gal 2% milk in kg", "3.632 kg | milk · 227 g per US cup"},
         {"1 lb half and half in cups", "1.9982 US cups | cream · 227 g per US cup"},
         {"2 c flour in g", "240 g | flour · 120 g per US cup"}, // cups, not degrees
+        {"1 cup confectioners’ sugar in g", "113 g | powdered sugar · 113 g per US cup"},
+        {"1 cup (packed) brown sugar in g", "213 g | brown sugar · 213 g per US cup"},
+        {"cup of flour in grams", "120 grams | flour · 120 g per US cup"}, // one is meant
+        {"cup flour in g", "120 g | flour · 120 g per US cup"},
+        {"grams in cup of flour", "120 grams | flour · 120 g per US cup"},
+        {"1 stick of butter in g", "113 g | butter · 226 g per US cup"},
+        {"2 sticks butter in cups", "1 US cup | butter · 1 us cup → US cup"},
+        {"1 cup butter in tablespoons", "16 tablespoons | butter · 1 cup → tablespoons"},
+        {"1 cup flour in ml", "236.5882 ml | flour · 1 cup → ml"}, // needs no weight
+        {"1 lb flour in g", "453.5924 g | flour · 1 lb → g"},
         {"how many grams in a cup of flour", "120 grams | flour · 120 g per US cup"},
         {"how many grams of flour in 2 cups?", "240 grams | flour · 120 g per US cup"},
     };
@@ -157,12 +167,22 @@ TEST(Cooking, weighsWhatIsMeasured) {
     EXPECT_EQ(answered("1 cup flour in g", MeasureSystem::metric),
               "126.8026 g | flour · 120 g per US cup · Metric measures");
     EXPECT_EQ(answered("1 us cup flour in g", MeasureSystem::metric),
-              "120 g | flour · 120 g per US cup · Metric measures");
+              "120 g | flour · 120 g per US cup"); // nothing of it depends on the system
+}
+
+TEST(Cooking, creditsTheChartForAWeight) {
+    const auto weighed = Cooking::answer("1 cup cornstarch in g", us, formats());
+    ASSERT_TRUE(weighed && weighed->source);
+    EXPECT_EQ(weighed->source->line(0, formats()),
+              "King Arthur Baking ingredient weight chart (1/4 cup = 28 g)");
+    EXPECT_EQ(Cooking::answer("1 cup butter in tbsp", us, formats())->source, std::nullopt);
 }
 
 TEST(Cooking, asksForTheIngredient) {
     EXPECT_EQ(answered("2 cups in g"),
               "Which ingredient? | Cups to grams needs a density: try 2 cups flour in g");
+    EXPECT_EQ(answered("cups to grams"),
+              "Which ingredient? | Cups to grams needs a density: try 1 cups flour in g");
     EXPECT_EQ(answered("200 g in cups"),
               "Which ingredient? | Grams to cups needs a density: try 200 g flour in cups");
     EXPECT_EQ(answered("1 cup frobnitz in g"),
@@ -173,13 +193,12 @@ TEST(Cooking, asksForTheIngredient) {
 TEST(Cooking, leavesOtherTextsAlone) {
     const std::string_view decoys[] = {
         "",
-        "1 cup in ml",       // one kind: units
-        "1 cup flour in ml", // weighs nothing
-        "3 min egg in oz",   // a time
+        "1 cup in ml",          // one kind: units
+        "1 cup frobnitz in ml", // needs no weight, but something that is known
+        "3 min egg in oz",      // a time
         "5 kg in lb",
         "2 cups flour", // no target
         "1 cup 2 in g", // not finished
-        "cups in g",
         "2 coffees in paris",
     };
     for (const auto text : decoys)

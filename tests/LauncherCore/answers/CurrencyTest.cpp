@@ -100,7 +100,11 @@ TEST(Currency, readsWhatPeopleType) {
         {"5 usd in the netherlands", "€4.60"},
         {"5 usd in eurozone", "€4.60"},
         {"1,000 usd in eur", "€920.00"},
-        {"1,00 usd in eur", "nothing"}, // no thousands
+        {"1,00 usd in eur", "€0.92"}, // no thousands, so a decimal comma
+        {"3,50 usd in eur", "€3.22"},
+        {"0,125 usd in eur", "€0.115"}, // nobody groups a zero
+        {"1,00,0 usd in eur", "nothing"},
+        {"1e3 usd in eur", "€920.00"}, // a number elsewhere too
         {"1.2.3 usd in eur", "nothing"},
         {"$12.50 to eur", "€11.50"},
         {"20 british pounds in usd", "$25.00"},
@@ -124,9 +128,36 @@ TEST(Currency, readsWhatPeopleType) {
         {"100 in eur", "€92.00"},
         {"100 in usd", "nothing"}, // which is that already
         {"8 in paris", "nothing"}, // a bare hour
+        {"12 in paris", "nothing"},
+        {"13 in paris", "€11.96"}, // which nobody says without its half
+        {"0 in paris", "€0.00"},
+        {"20 in thailand", "THB\u00a0648.00"},
+        {"100m in paris", "nothing"}, // metres and minutes before millions
+        {"5m in cup", "nothing"},
+        {"how many euros is 100 usd", "€92.00"}, // the other way round
+        {"how many euros in 100 dollars", "€92.00"},
+        {"how many dollars is 20 pounds?", "$25.00"},
+        {"100 dollars is how many euros", "€92.00"},
+        {"how many people in france", "nothing"},
+        {"100 usd = eur", "€92.00"},
+        {"100 usd -> eur", "€92.00"},
+        {"100usd→eur", "€92.00"},
+        {"100 usd eur", "€92.00"},
+        {"$20 cad in usd", "$14.60"}, // the code says which dollar
+        {"$20 eur in usd", "nothing"},
+        {"50 cents in eur", "€0.46"},
+        {"฿324 in usd", "$10.00"}, // a sign beside the four
+        {"20 eur in california", "$21.74"},
+        {"20 usd in kosovo", "€18.40"},
+        {"20 usd in myanmar (burma)", "No rate for the Myanmar Kyat"}, // as it is shown
+        {"20 usd in nz", "No rate for the New Zealand Dollar"},
         {"an american in paris", "nothing"},
         {"london to paris", "nothing"},
         {"all in all", "nothing"},
+        {"all to try", "nothing"}, // two English words
+        {"try to top", "nothing"},
+        {"won to real", "nothing"},
+        {"usd to try", "No rate for the Turkish Lira"}, // one of them beside a code
         {"top 5 in paris", "nothing"},
         {"5 kg in lb", "nothing"},
         {"5 min in sec", "nothing"}, // three letters are no code yet
@@ -142,6 +173,29 @@ TEST(Currency, readsWhatPeopleType) {
     endless += " usd in eur";
     EXPECT_EQ(value(endless), "nothing");
     EXPECT_EQ(value("\xff\xfe 5 usd in eur"), "nothing");
+}
+
+TEST(Currency, takesASignForTheMoneyThatGoesByItAtHome) {
+    struct Case {
+        std::string_view text;
+        std::string_view home;
+        std::string_view rate; ///< how the amount is read
+    };
+
+    const Case cases[] = {
+        {"$5 in eur", "CAD", "5 CAD at 0.6715"},
+        {"$12 in paris", "CAD", "12 CAD at 0.6715"},
+        {"$12 in paris", "EUR", "12 USD at 0.9200"},
+        {"5 eur in $", "CAD", "5 EUR at 1.4891"},
+        {"$5 in cad", "CAD", "5 USD at 1.3700"}, // what is Canadian already needs no answer
+        {"5 dollars in eur", "CAD", "5 USD at 0.9200"},
+    };
+    for (const auto& [text, home, rate] : cases) {
+        SCOPED_TRACE(text);
+        const auto answer = asked(text, home);
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(answer->detail, testing::HasSubstr(rate));
+    }
 }
 
 TEST(Currency, leavesMeasuresAlone) {
@@ -193,8 +247,22 @@ TEST(Currency, readsAnAmountAlone) {
     EXPECT_EQ(reading("100", "EUR").code, "EUR");
     EXPECT_EQ(reading("100", "EUR", BareNumbers::ignored), CurrencyReading{});
     EXPECT_EQ(reading("how much is -5 usd").amount, -5);
-    for (const auto* const text :
-         {"5 usd in eur", "5 in", "top 5", "5 kg", "usd", "$", "-", "a "}) {
+    EXPECT_EQ(reading("12 mad", "MAD").code, "MAD"); // who pays with it means it
+    EXPECT_EQ(reading("5000 won").code, "KRW");
+    for (const auto* const text : {"12 mad",
+                                   "5 all",
+                                   "2 nice",
+                                   "3 split",
+                                   "4 java",
+                                   "5m",
+                                   "5 usd in eur",
+                                   "5 in",
+                                   "top 5",
+                                   "5 kg",
+                                   "usd",
+                                   "$",
+                                   "-",
+                                   "a "}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(reading(text), CurrencyReading{});
     }

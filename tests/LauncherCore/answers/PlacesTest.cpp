@@ -72,6 +72,9 @@ TEST(Places, namesMeetInWhateverSpelling) {
         {"europe", "EU"},
         {"the eurozone", "EU"},
         {"euro zona", "EU"},
+        {"nz", "NZ"},
+        {"aus", "AU"},
+        {"kosovo", "EU"}, // which has no line of its own, but the money
         {"atlantis", "nowhere"},
         {"", "nowhere"},
         {"\xff", "nowhere"},

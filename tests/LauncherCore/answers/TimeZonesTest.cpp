@@ -84,6 +84,13 @@ TEST_F(TimeZonesTest, clocksNowAreShownWithTheirDistanceFromHome) {
         {"utc now", "7pm (+4h)"},
         {"utc+5:30", "12:30am Sat (+9:30h)"},
         {"what time zone is tokyo", "4am Sat (+13h)"},
+        {"what time zone is arizona in", "12pm (-3h)"},
+        {"what is time in tokyo", "4am Sat (+13h)"},
+        {"what time tokyo", "4am Sat (+13h)"},
+        {"tokyo zone", "4am Sat (+13h)"},
+        {"time in nz", "7am Sat (+16h)"},
+        {"time in aus", "5am Sat (+14h)"},
+        {"time in hamilton", "3pm (same as New York)"}, // Ontario's is the larger
     };
     for (const auto& [text, expected] : cases) {
         SCOPED_TRACE(text);
@@ -111,13 +118,19 @@ TEST_F(TimeZonesTest, aStatedTimeIsShownOnOtherClocks) {
         {"3pm ET in athens", "10pm (+7h)"},
         {"3pm", "3pm (same as home), 8pm (+5h), 4am Sat (+13h)"},
         {"noon in tokyo", "1am Sat (+13h)"},
-        {"midnight utc to nyc", "8pm (same as home)"}, // of yesterday, as UTC has today
+        {"midnight utc to nyc", "8pm Thu (same as home)"}, // of yesterday, as UTC has today
+        {"11:59pm pt in utc", "6:59am Sat (+4h)"},         // Friday's in the Pacific
         {"3p et in athens", "10pm (+7h)"},
         {"3 p.m. et in athens", "10pm (+7h)"},
         {"3:30pm et to athens", "10:30pm (+7h)"},
         {"15:30 berlin time in nyc", "9:30am (same as home)"},
         {"5.30pm et in athens", "12:30am Sat (+7h)"},
         {"10am et pt", "7am (-3h)"},
+        {"10am et/pt", "7am (-3h)"},
+        {"7pm cet here", "1pm (same as home)"},
+        {"12 noon in london", "5pm (+5h)"},
+        {"half past noon in london", "5:30pm (+5h)"},
+        {"quarter to midnight in london", "4:45am Sat (+5h)"},
         {"5pm eastern time", "5pm (same as home), 10pm (+5h), 6am Sat (+13h)"},
         {"12am in london", "5am (+5h)"},
         {"12pm in london", "5pm (+5h)"},
@@ -154,7 +167,8 @@ TEST_F(TimeZonesTest, aStatedTimeSaysHowItWasRead) {
         {"quarter to nine in paris",
          "Paris · at 8:45am from New York, Fri, Jul 10, read as morning"},
         {"4:30", "New York · at 4:30am from New York, Fri, Jul 10, read as morning"},
-        {"04:30 in paris", "Paris · at 4:30am from New York, Fri, Jul 10"}, // a clock of 24 hours
+        {"04:30 in paris", "Paris · at 4:30am from New York, Fri, Jul 10, read as morning"},
+        {"00:30 in paris", "Paris · at 12:30am from New York, Fri, Jul 10"}, // of 24 hours
         {"8 in the morning in paris", "Paris · at 8am from New York, Fri, Jul 10"},
         {"8 tonight in paris", "Paris · at 8pm from New York, Fri, Jul 10"},
         {"16:30 in paris", "Paris · at 4:30pm from New York, Fri, Jul 10"},
@@ -190,7 +204,13 @@ TEST_F(TimeZonesTest, twoClocksAreCompared) {
         {"how many hours ahead of london is tokyo", "8 hours ahead of London"},
         {"time difference between trinidad and tobago and athens", "7 hours behind Athens"},
         {"utc offset for mumbai", "5 hours 30 minutes ahead of UTC"},
-        {"paris tokyo time difference", ""},
+        {"paris tokyo time difference", "7 hours behind Tokyo"},
+        {"time difference new york tokyo", "13 hours behind Tokyo"}, // the blank that parts places
+        {"difference tokyo", "13 hours ahead of New York"},
+        {"what is the utc offset of india", "5 hours 30 minutes ahead of UTC"},
+        {"how many hours is it from london to tokyo", "8 hours behind Tokyo"},
+        {"is tokyo ahead of london", "8 hours ahead of London"},
+        {"difference engine", ""},
         {"time diff tokyo", "13 hours ahead of New York"},
         {"tokyo time difference", "13 hours ahead of New York"},
         {"paris vs xyzzy", ""},
@@ -216,6 +236,14 @@ TEST_F(TimeZonesTest, aSpanFromNowIsShownOnTheClocksAskedFor) {
         {"what time will it be in 2 hours", "5pm (same as home)"},
         {"2 hours from now", "5pm (same as home)"},
         {"now + 90 min", "4:30pm (same as home)"},
+        {"in two hours in tokyo", "6am Sat (+13h)"},
+        {"in an hour in tokyo", "5am Sat (+13h)"},
+        {"in half an hour in tokyo", "4:30am Sat (+13h)"},
+        {"in 1 hour 30 min in tokyo", "5:30am Sat (+13h)"},
+        {"tokyo in 1h30m", "5:30am Sat (+13h)"},
+        {"tokyo +2h", "6am Sat (+13h)"},
+        {"in 2 hours", "5pm (same as home)"},
+        {"in 90 minutes", "4:30pm (same as home)"},
         {"in 99999999999999999999 hours in tokyo", ""},
         {"in 1e5 hours in tokyo", ""},
     };
@@ -239,6 +267,11 @@ TEST_F(TimeZonesTest, otherQuestionsGetNoClock) {
              "world clock",
              "time machine",
              "time zone",
+             "happy hour",
+             "one hour photo",
+             "24 hour fitness",
+             "half an hour",
+             "what time works",
              "notes at home",
              "meeting at 3pm",
              "safari 5 to 7",
@@ -311,7 +344,7 @@ TEST_F(TimeZonesTest, daylightSavingIsOfTheMomentAskedFor) {
 
 TEST_F(TimeZonesTest, awayFromHomeAClockIsReadWhereTheComputerIs) {
     context.here = {"Tokyo", "Asia/Tokyo"};
-    EXPECT_EQ(values("9am in home"), "8pm (same as home)");
+    EXPECT_EQ(values("9am in home"), "8pm Fri (same as home)"); // it is Saturday here
     EXPECT_EQ(values("9am my time in tokyo"), "10pm (+13h)");
     EXPECT_EQ(values("time here"), "4am Sat (+13h)");
     context.home = {"Rome", "Europe/Rome"};

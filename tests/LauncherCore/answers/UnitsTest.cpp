@@ -205,6 +205,20 @@ TEST(Units, readWhatPeopleType) {
         {"5 kg = lb", "11.0231 lb | 5 kg → lb"},
         {"5 kg → lb", "11.0231 lb | 5 kg → lb"}, // the detail, typed again
         {"5 kg in lb =", "11.0231 lb | 5 kg → lb"},
+        {"kg to lb", "2.2046 lb | 1 kg → lb"}, // one is meant
+        {"kg in lb", "2.2046 lb | 1 kg → lb"},
+        {"miles to km", "1.6093 km | 1 miles → km"},
+        {"cups to ml", "236.5882 ml | 1 cups → ml"},
+        {"cups in gallon", "16 US cups | 1 gallon → US cups"}, // the smaller is counted
+        {"ounces in grams", "28.3495 grams | 1 ounces → grams"},
+        {"grams in ounces", "0.0353 ounces | 1 grams → ounces"},
+        {"c to f", "33.8 °F | 1 c → °F"},
+        {"10k in miles", "6.2137 miles | 10 k → miles"}, // as runners say
+        {"10k in c", "-263.15 °C | 10 k → °C"},
+        {"1h 30m in min", "90 minutes | 1 hour 30 minutes → minutes"}, // no metres
+        {"1h30m in minutes", "90 minutes | 1 hour 30 minutes → minutes"},
+        {"1e3 g in kg", "1 kg | 1,000 g → kg"}, // a number elsewhere too
+        {"100 minutes in hours and minutes", "1 hour 40 minutes | 100 minutes → hours and minutes"},
         {"half a cup in ml", "118.2941 ml | 0.5 cup → ml"},
         {"5 million km in miles", "3,106,855.9612 miles | 5,000,000 km → miles"},
     };
@@ -229,9 +243,9 @@ TEST(Units, followTheMeasureSystem) {
          "236.5882 ml | 1 us cup → ml",
          "236.5882 ml | 1 us cup → ml",
          "236.5882 ml | 1 us cup → ml"},
-        {"1 imperial pint in ml", // which is what a pint is where it is Imperial
+        {"1 imperial pint in ml", // and it says nothing of a system that it doesn't depend on
          "568.2613 ml | 1 imperial pint → ml",
-         "568.2613 ml | 1 imperial pint → ml · Imperial (UK) measures",
+         "568.2613 ml | 1 imperial pint → ml",
          "568.2613 ml | 1 imperial pint → ml"},
         {"1 pint in ml", // there is no metric one
          "473.1765 ml | 1 pint → ml",
@@ -257,7 +271,6 @@ TEST(Units, leaveOtherTextsAlone) {
         "",
         "5 kg",               // no target
         "1 mile in kg",       // two kinds
-        "kg in lb",           // no amount
         "5 kg in",            // not finished
         "5 kg in lb or so",   // no unit
         "files in downloads", // a search
@@ -324,6 +337,10 @@ TEST(LeadingAmount, readsDigitsAndWords) {
         {".5 m", 0.5, "m"},
         {"12,34 m", 12.34, "m"},
         {"5. m", 5, ". m"}, // no decimals, no point
+        {"1e3 g", 1000, "g"},
+        {"2.5e-2 m", 0.025, "m"},
+        {"1e999 m", 1, "e999 m"}, // no measure has it
+        {"5eggs", 5, "eggs"},
         {"half a cup", 0.5, "cup"},
         {"a half cup", 0.5, "cup"},
         {"half of a cup", 0.5, "cup"},

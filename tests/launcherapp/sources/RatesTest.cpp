@@ -35,7 +35,8 @@ protected:
                       "/data/rates.json",
                       StateFile::Failures::silent),
             RateProviders{.ecb = {"http://ecb.example", "http://ecb.example/page"},
-                          .open = {"http://open.example", "http://open.example/page"}},
+                          // A slash at the end of an address makes no second one in the request.
+                          .open = {"http://open.example/", "http://open.example/page"}},
             [this] { return source; });
     }
 

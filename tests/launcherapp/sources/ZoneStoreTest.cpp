@@ -78,8 +78,10 @@ TEST_F(ZoneStoreTest, homeFollowsTheComputerWhileTheUserWantsThat) {
     zoneHere = "Asia/Tokyo";
     prefs.timeHomeFollowsMac.set(true); // reads the zone at once
     EXPECT_EQ(homeNow(), "Asia/Tokyo");
+    EXPECT_EQ(store.clocks().front().identifier, "Asia/Tokyo"); // the home in force comes first
     prefs.timeHomeFollowsMac.set(false);
     EXPECT_EQ(homeNow(), "Europe/Berlin");
+    EXPECT_EQ(store.clocks().front().identifier, "Europe/Berlin");
 }
 
 TEST_F(ZoneStoreTest, homeIsTheFirstOfTheWatchedClocks) {
