@@ -199,6 +199,9 @@ std::optional<PanelProbeDisplay::Sight> PanelProbeDisplay::sight(const void* eve
         watch(notice.window);
         return Sight{.kind = Sight::Kind::mapped, .at = now};
     }
+    // The next program may get the same numbers for its windows.
+    if (type == XCB_DESTROY_NOTIFY && as<xcb_destroy_notify_event_t>(event).window == panel_)
+        panel_ = XCB_WINDOW_NONE;
     if (type == XCB_UNMAP_NOTIFY && as<xcb_unmap_notify_event_t>(event).window == panel_)
         return Sight{.kind = Sight::Kind::unmapped, .at = now};
     return std::nullopt;

@@ -8,7 +8,8 @@
 namespace tessarine {
 
 std::unique_ptr<PanelSurface> makePanelSurface() {
-    if (qApp->nativeInterface<QNativeInterface::QX11Application>())
+    // By its name: Qt's offscreen platform offers the interface of X11 too, without a display.
+    if (QGuiApplication::platformName() == QLatin1String("xcb"))
         return std::make_unique<X11PanelSurface>();
     return std::make_unique<PlainPanelSurface>();
 }

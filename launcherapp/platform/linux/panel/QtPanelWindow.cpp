@@ -76,8 +76,8 @@ public:
     }
 
     void show() {
-        losesOnce = true;
-        paintsOnce = true;
+        losesOnce_ = true;
+        paintsOnce_ = true;
         field.setFocus(Qt::OtherFocusReason);
         if (widget.isVisible())
             widget.update(); // nothing else would draw, and `painted` is due after each show
@@ -85,8 +85,8 @@ public:
     }
 
     void hide() {
-        losesOnce = false;
-        paintsOnce = false;
+        losesOnce_ = false;
+        paintsOnce_ = false;
         endDrag();
         surface->hide();
     }
@@ -95,7 +95,7 @@ public:
     QWidget& field;
     std::unique_ptr<PanelSurface> surface;
     Events events;
-    /// What was asked for or dragged to. The widget's own geometry goes back for a moment when the
+    /// What was asked for or dragged_ to. The widget's own geometry goes back for a moment when the
     /// display confirms an earlier change after a later one was made.
     Rectangle frame;
 
@@ -110,14 +110,14 @@ private:
     }
 
     void loseKeyboard() {
-        if (std::exchange(losesOnce, false))
+        if (std::exchange(losesOnce_, false))
             tell(events.lostKeyboard);
     }
 
     /// The flush follows in the same call of Qt's that sends the paint event, so what is posted
     /// here finds it done.
     void awaitFlush() {
-        if (!std::exchange(paintsOnce, false))
+        if (!std::exchange(paintsOnce_, false))
             return;
         QMetaObject::invokeMethod(
             this,
@@ -130,33 +130,33 @@ private:
             Qt::QueuedConnection);
     }
 
-    // The window is dragged by whatever part of it doesn't want the press: Qt hands such a press up
-    // to the top-level widget. No window manager knows the window, so it moves itself.
+    // The window is dragged_ by whatever part of it doesn't want the press: Qt hands such a press
+    // up to the top-level widget. No window manager knows the window, so it moves itself.
     void beginDrag(const QMouseEvent& press) {
         if (press.button() != Qt::LeftButton || surface->startDrag())
             return;
         const auto at = press.globalPosition();
-        heldAt = at;
-        grip = at - QPointF(frame.x, frame.y);
+        heldAt_ = at;
+        grip_ = at - QPointF(frame.x, frame.y);
     }
 
     void drag(const QMouseEvent& move) {
-        if (!heldAt)
+        if (!heldAt_)
             return;
         const auto at = move.globalPosition();
-        if (!dragged && (at - *heldAt).manhattanLength() < QApplication::startDragDistance())
+        if (!dragged_ && (at - *heldAt_).manhattanLength() < QApplication::startDragDistance())
             return;
-        dragged = true;
-        const auto topLeft = at - grip;
+        dragged_ = true;
+        const auto topLeft = at - grip_;
         frame.x = topLeft.x();
         frame.y = topLeft.y();
         surface->setFrame(withShadow());
     }
 
     void endDrag() {
-        heldAt.reset();
+        heldAt_.reset();
         // Told once, since whoever listens keeps the place in a file.
-        if (std::exchange(dragged, false))
+        if (std::exchange(dragged_, false))
             tell(events.moved, frame);
     }
 
@@ -179,23 +179,23 @@ private:
     /// One change of the layout comes as several signals, the first of them while the list of
     /// screens is still the old one.
     void tellScreens() {
-        if (std::exchange(screensDue, true))
+        if (std::exchange(screensDue_, true))
             return;
         QMetaObject::invokeMethod(
             this,
             [this] {
-                screensDue = false;
+                screensDue_ = false;
                 tell(events.screensChanged);
             },
             Qt::QueuedConnection);
     }
 
-    bool losesOnce = false;  ///< shown, and the loss of the keyboard not told yet
-    bool paintsOnce = false; ///< shown, and not drawn yet
-    bool screensDue = false;
-    std::optional<QPointF> heldAt; ///< where the button went down
-    QPointF grip;                  ///< the same from the window's top left
-    bool dragged = false;
+    bool losesOnce_ = false;  ///< shown, and the loss of the keyboard not told yet
+    bool paintsOnce_ = false; ///< shown, and not drawn yet
+    bool screensDue_ = false;
+    std::optional<QPointF> heldAt_; ///< where the button went down
+    QPointF grip_;                  ///< the same from the window's top left
+    bool dragged_ = false;
 };
 
 QtPanelWindow::QtPanelWindow(QWidget& widget, QWidget& field, std::unique_ptr<PanelSurface> surface)

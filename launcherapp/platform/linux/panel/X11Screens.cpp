@@ -130,6 +130,7 @@ std::vector<Screen> X11Screens::all(const X11Connection& display) {
     const auto found = monitors();
     const auto room = roomOf(display, found.size());
     std::vector<Screen> result;
+    result.reserve(found.size());
     for (const auto& monitor : found)
         result.push_back({.name = monitor.screen->name().toStdString(),
                           .frame = monitor.logical(monitor.native),
