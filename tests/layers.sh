@@ -16,8 +16,9 @@ refuse() {
 
 system='Q[A-Z]|X11/|xcb/|wayland|gio/|glib|dbus/|unistd|fcntl|sys/|linux/|dlfcn|spawn'
 refuse LauncherCore "$system|launcherapp/|filesystem|fstream|thread|mutex" "LauncherCore knows values alone"
-refuse launcherapp "$system" "only platform/linux, App and main reach the system" \
-    --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
+refuse launcherapp "$system" "only platform/linux, the views, App and main reach the system" \
+    --exclude-dir=linux --exclude-dir=view --exclude=App.cpp --exclude=main.cpp
+refuse launcherapp/panel/view "${system#Q\[A-Z]|}|QDBus" "a view knows the toolkit and no more of the system"
 refuse launcherapp "launcherapp/platform/linux/" "services know the doors, not what is behind them" \
     --exclude-dir=linux --exclude=App.cpp --exclude=main.cpp
 refuse launcherapp/query/rows "launcherapp/(platform/|catalog/|operations/|shell/|query/SearchModel)" \

@@ -17,6 +17,8 @@ QPointF Drawing::aligned(const QPainter& painter, QPointF place) {
 }
 
 QImage Drawing::tinted(const QImage& mask, const QColor& color) {
+    if (mask.isNull())
+        return mask;
     auto picture = mask;
     QPainter painter(&picture);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

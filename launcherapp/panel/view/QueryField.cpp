@@ -131,11 +131,23 @@ void QueryField::inputMethodEvent(QInputMethodEvent* event) {
     QLineEdit::inputMethodEvent(event);
 }
 
-void QueryField::focusOutEvent(QFocusEvent* event) {
+/// What was pressed goes on in another window.
+void QueryField::forgetKeys() {
     awaitsNextKey_ = false;
+    hasJustComposed_ = false;
     if (commandHeld)
         commandHeld(false);
+}
+
+void QueryField::focusOutEvent(QFocusEvent* event) {
+    forgetKeys();
     QLineEdit::focusOutEvent(event);
+}
+
+void QueryField::hideEvent(QHideEvent* event) {
+    forgetKeys();
+    preedit_.clear();
+    QLineEdit::hideEvent(event);
 }
 
 void QueryField::changeEvent(QEvent* event) {

@@ -208,6 +208,12 @@ void RowList::leaveEvent(QEvent*) {
     setHovered(-1);
 }
 
+void RowList::hideEvent(QHideEvent* event) {
+    setHovered(-1);
+    pointer_.reset();
+    ItemView::hideEvent(event);
+}
+
 void RowList::mousePressEvent(QMouseEvent* event) {
     const auto place = event->position().toPoint();
     pressed_ = itemAt(place);
