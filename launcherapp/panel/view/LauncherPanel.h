@@ -1,8 +1,8 @@
 #pragma once
 
 #include "launcherapp/panel/view/PanelRoot.h"
-#include "launcherapp/panel/view/PanelShadow.h"
 #include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/panel/view/drawing/PanelShadow.h"
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/query/PanelKeys.h"
 

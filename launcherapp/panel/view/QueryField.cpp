@@ -1,9 +1,9 @@
 #include "launcherapp/panel/view/QueryField.h"
 
 #include "launcherapp/panel/appearance/ShownText.h"
-#include "launcherapp/panel/view/Drawing.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <QInputMethodEvent>
 #include <QKeyEvent>

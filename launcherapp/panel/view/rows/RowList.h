@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LauncherCore/query/RowCredit.h"
-#include "launcherapp/panel/view/ItemView.h"
+#include "launcherapp/panel/view/items/ItemView.h"
 #include "launcherapp/panel/view/rows/RowPainter.h"
 
 #include <QPoint>

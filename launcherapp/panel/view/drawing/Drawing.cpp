@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 
 #include <QImage>
 #include <cmath>
