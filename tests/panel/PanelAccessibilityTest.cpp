@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/ItemView.h"
+#include "launcherapp/panel/view/items/ItemView.h"
 #include "launcherapp/panel/view/menus/PanelMenus.h"
 #include "tests/linux/EventLoop.h"
 #include "tests/panel/PanelFixture.h"

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QLabel>
 #include <QMouseEvent>
 
 namespace tessarine {
@@ -183,6 +184,57 @@ TEST_F(PanelViewTest, aMenuHasRoomEvenBesideASingleRow) {
     EXPECT_EQ(panel.heightBeyondRows(), 0);
 }
 
+TEST_F(PanelViewTest, aPartThatComesWithAModeHasItsSlot) {
+    using Slot = PanelRoot::Slot;
+    addRows({"alpha", "beta"});
+    model.setQuery("a");
+    fit();
+    const auto place = fieldPlace();
+    const auto whole = list().geometry();
+    QLabel part(QStringLiteral("Preview"));
+
+    panel.root().setAccessory(Slot::aboveList, &part);
+    fit();
+    EXPECT_EQ(panel.heightBeyondRows(), part.sizeHint().height() + 1);
+    EXPECT_EQ(list().geometry().top(), whole.top() + part.sizeHint().height() + 1);
+    EXPECT_EQ(list().height(), whole.height());
+    panel.root().setAccessory(Slot::aboveList, nullptr);
+
+    panel.root().setAccessory(Slot::belowList, &part);
+    fit();
+    EXPECT_EQ(list().geometry(), whole);
+    EXPECT_EQ(part.geometry().top(), whole.bottom() + 2);
+    panel.root().setAccessory(Slot::belowList, nullptr);
+
+    panel.root().setAccessory(Slot::besideList, &part);
+    fit();
+    EXPECT_EQ(panel.heightBeyondRows(), 0);
+    EXPECT_LT(list().geometry().right(), part.geometry().left());
+    services.prefs.clipPreviewPlacement.set(ClipPreviewPlacement::left);
+    EXPECT_LT(part.geometry().right(), list().geometry().left());
+    EXPECT_EQ(fieldPlace(), place);
+}
+
+TEST_F(PanelViewTest, thePointerAtRestMeansNoRow) {
+    addRows({"alpha", "beta"});
+    model.setQuery("a");
+    fit();
+    field().clearFocus(); // a caret that blinks is a difference too
+    panel.root().settle(1);
+    const auto before = drawn();
+    const auto moveTo = [&](const QPoint& place) {
+        QMouseEvent event(
+            QEvent::MouseMove, place, list().mapToGlobal(place), Qt::NoButton, {}, {});
+        QApplication::sendEvent(&list(), &event);
+    };
+    const auto second = list().itemRectangle(1).center();
+    moveTo(second); // as the toolkit reports the pointer to a window that comes up under it
+    EXPECT_EQ(drawn(), before);
+    moveTo(second + QPoint(1, 0));
+    EXPECT_NE(drawn(), before);
+    EXPECT_EQ(model.selection(), 0u);
+}
+
 TEST_F(PanelViewTest, theFooterSaysWhatIsAskedOfIt) {
     auto& footer = panel.root().footer();
     const auto said = [&] {
@@ -207,7 +259,8 @@ TEST_F(PanelViewTest, theFooterSaysWhatIsAskedOfIt) {
     release(Qt::Key_Control);
     services.prefs.autoHideFooter.set(true);
     EXPECT_THAT(said(), IsEmpty());
-    QApplication::sendEvent(&footer, new QEnterEvent({}, {}, {}));
+    QEnterEvent enter({}, {}, {});
+    QApplication::sendEvent(&footer, &enter);
     EXPECT_EQ(said().size(), 4u);
 }
 

@@ -1,6 +1,6 @@
-#include "launcherapp/panel/view/RenderRequest.h"
+#include "launcherapp/panel/view/modes/RenderRequest.h"
 
-#include "launcherapp/panel/view/ShortcutSelftest.h"
+#include "launcherapp/panel/view/modes/ShortcutSelftest.h"
 #include "launcherapp/shell/CommandLine.h"
 
 #include <gmock/gmock.h>

@@ -2,9 +2,9 @@
 
 #include "LauncherCore/text/Paths.h"
 #include "launcherapp/panel/appearance/ShownText.h"
-#include "launcherapp/panel/view/Drawing.h"
-#include "launcherapp/panel/view/PanelStyle.h"
 #include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/panel/view/rows/RowImages.h"
 #include "launcherapp/query/SearchModel.h"
 

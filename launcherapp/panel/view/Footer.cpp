@@ -1,10 +1,10 @@
 #include "launcherapp/panel/view/Footer.h"
 
 #include "launcherapp/panel/appearance/ShownText.h"
-#include "launcherapp/panel/view/Drawing.h"
-#include "launcherapp/panel/view/KeyCaps.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/KeyCaps.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/shell/Prefs.h"
 #include "launcherapp/shell/ProductInfo.h"

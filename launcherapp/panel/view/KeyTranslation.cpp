@@ -1,6 +1,6 @@
 #include "launcherapp/panel/view/KeyTranslation.h"
 
-#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 
 #include <algorithm>
 #include <string>

@@ -177,6 +177,12 @@ void LauncherPanel::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+/// Nothing of one show is left for the next: the release of a key may go to another window.
+void LauncherPanel::hideEvent(QHideEvent* event) {
+    root_->setSheetShown(false);
+    QWidget::hideEvent(event);
+}
+
 void LauncherPanel::mousePressEvent(QMouseEvent* event) {
     // The shadow looks like the desktop, so a press on it is one beside the panel.
     if (!contentsRect().contains(event->position().toPoint())) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "launcherapp/panel/view/PanelRoot.h"
-#include "launcherapp/panel/view/PanelShadow.h"
 #include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/panel/view/drawing/PanelShadow.h"
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/query/PanelKeys.h"
 
@@ -64,6 +64,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
 
 private:

@@ -2,10 +2,10 @@
 
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/panel/appearance/Appearance.h"
-#include "launcherapp/panel/view/Drawing.h"
 #include "launcherapp/panel/view/FieldRow.h"
 #include "launcherapp/panel/view/QueryField.h"
 #include "launcherapp/panel/view/ShortcutSheet.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/menus/PanelMenus.h"
 #include "launcherapp/panel/view/rows/RowList.h"
 #include "launcherapp/query/SearchModel.h"

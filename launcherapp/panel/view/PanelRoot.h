@@ -1,8 +1,8 @@
 #pragma once
 
 #include "launcherapp/panel/view/Footer.h"
-#include "launcherapp/panel/view/PanelStyle.h"
 #include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/panel/view/rows/RowImages.h"
 
 #include <QPoint>

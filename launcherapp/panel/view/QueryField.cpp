@@ -1,9 +1,9 @@
 #include "launcherapp/panel/view/QueryField.h"
 
 #include "launcherapp/panel/appearance/ShownText.h"
-#include "launcherapp/panel/view/Drawing.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -131,11 +131,23 @@ void QueryField::inputMethodEvent(QInputMethodEvent* event) {
     QLineEdit::inputMethodEvent(event);
 }
 
-void QueryField::focusOutEvent(QFocusEvent* event) {
+/// What was pressed goes on in another window.
+void QueryField::forgetKeys() {
     awaitsNextKey_ = false;
+    hasJustComposed_ = false;
     if (commandHeld)
         commandHeld(false);
+}
+
+void QueryField::focusOutEvent(QFocusEvent* event) {
+    forgetKeys();
     QLineEdit::focusOutEvent(event);
+}
+
+void QueryField::hideEvent(QHideEvent* event) {
+    forgetKeys();
+    preedit_.clear();
+    QLineEdit::hideEvent(event);
 }
 
 void QueryField::changeEvent(QEvent* event) {

@@ -43,12 +43,14 @@ protected:
     void keyReleaseEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
     /// Tab is the panel's.
     bool focusNextPrevChild(bool next) override;
 
 private:
     bool offer(const QKeyEvent& event);
+    void forgetKeys();
     void edited(const QString& text);
     void align();
 

@@ -1,9 +1,9 @@
 #include "launcherapp/panel/view/ShortcutSheet.h"
 
-#include "launcherapp/panel/view/Drawing.h"
-#include "launcherapp/panel/view/KeyCaps.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/KeyCaps.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <QFontMetrics>
 #include <QPainter>

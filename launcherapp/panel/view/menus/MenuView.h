@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcherapp/panel/view/ItemView.h"
+#include "launcherapp/panel/view/items/ItemView.h"
 
 #include <QString>
 #include <string>

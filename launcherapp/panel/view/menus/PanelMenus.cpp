@@ -1,7 +1,7 @@
 #include "launcherapp/panel/view/menus/PanelMenus.h"
 
 #include "launcherapp/panel/appearance/ShownText.h"
-#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/query/SearchModel.h"
 
 #include <QLocale>

@@ -2,7 +2,7 @@
 
 #include "LauncherCore/text/Paths.h"
 #include "launcherapp/catalog/AppCatalog.h"
-#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/platform/Icons.h"
 #include "launcherapp/query/ResultRow.h"
 

@@ -2,8 +2,8 @@
 
 #include "LauncherCore/text/Folding.h"
 #include "launcherapp/panel/appearance/ShownText.h"
-#include "launcherapp/panel/view/Drawing.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/panel/view/rows/RowImages.h"
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
@@ -206,6 +206,12 @@ void RowList::mouseMoveEvent(QMouseEvent* event) {
 
 void RowList::leaveEvent(QEvent*) {
     setHovered(-1);
+}
+
+void RowList::hideEvent(QHideEvent* event) {
+    setHovered(-1);
+    pointer_.reset();
+    ItemView::hideEvent(event);
 }
 
 void RowList::mousePressEvent(QMouseEvent* event) {

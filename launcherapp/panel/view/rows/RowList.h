@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LauncherCore/query/RowCredit.h"
-#include "launcherapp/panel/view/ItemView.h"
+#include "launcherapp/panel/view/items/ItemView.h"
 #include "launcherapp/panel/view/rows/RowPainter.h"
 
 #include <QPoint>
@@ -65,6 +65,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:

@@ -1,7 +1,7 @@
 #include "launcherapp/panel/view/rows/TextLine.h"
 
 #include "LauncherCore/text/Graphemes.h"
-#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 
 #include <QFontMetricsF>
 #include <QTextOption>

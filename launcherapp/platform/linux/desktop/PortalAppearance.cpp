@@ -45,7 +45,7 @@ public:
                     interface,
                     QStringLiteral("SettingChanged"),
                     this,
-                    SLOT(settingChanged(QString, QString, QDBusVariant)));
+                    SLOT(settingChanged(QDBusMessage)));
         auto message =
             QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
         message << QStringList{appearance, gnomeInterface};
@@ -55,8 +55,14 @@ public:
 
 private Q_SLOTS:
 
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-        note(group, key, value.variant());
+    /// Of the whole message: a slot that takes its three values is refused by the bus library as
+    /// long as no variant has passed through it (Qt 6.4).
+    void settingChanged(const QDBusMessage& message) {
+        const auto arguments = message.arguments();
+        if (message.signature() == QLatin1String("ssv"))
+            note(arguments[0].toString(),
+                 arguments[1].toString(),
+                 arguments[2].value<QDBusVariant>().variant());
     }
 
 private:

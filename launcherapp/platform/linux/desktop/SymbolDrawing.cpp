@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/desktop/SymbolDrawing.h"
 
 #include <QFile>
+#include <QImage>
 #include <QImageReader>
 #include <QString>
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QImage>
 #include <string_view>
+
+class QImage;
 
 /// The program's own symbols: line drawings in one style, compiled in from the folder `symbols`,
 /// one file a name. They don't depend on the desktop's icon theme, so that verbs look alike on

@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/ShortcutSelftest.h"
+#include "launcherapp/panel/view/modes/ShortcutSelftest.h"
 
 #include "launcherapp/panel/view/KeyTranslation.h"
 

@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/ItemView.h"
+#include "launcherapp/panel/view/items/ItemView.h"
 
 #include <QAccessible>
 

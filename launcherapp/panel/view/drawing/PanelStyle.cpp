@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <cmath>
 

@@ -1,10 +1,10 @@
-#include "launcherapp/panel/view/RenderPurity.h"
+#include "launcherapp/panel/view/modes/RenderPurity.h"
 
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/operations/StateFile.h"
 #include "launcherapp/panel/appearance/Appearance.h"
-#include "launcherapp/panel/view/PanelShadow.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/PanelShadow.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/DefaultsStore.h"
 #include "launcherapp/shell/Uuid.h"

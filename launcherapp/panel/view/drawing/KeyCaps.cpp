@@ -1,7 +1,7 @@
-#include "launcherapp/panel/view/KeyCaps.h"
+#include "launcherapp/panel/view/drawing/KeyCaps.h"
 
-#include "launcherapp/panel/view/Drawing.h"
-#include "launcherapp/panel/view/PanelStyle.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <QFontMetrics>
 #include <algorithm>

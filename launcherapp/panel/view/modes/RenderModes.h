@@ -1,7 +1,7 @@
 #pragma once
 
 #include "launcherapp/panel/view/PanelViewServices.h"
-#include "launcherapp/panel/view/RenderRequest.h"
+#include "launcherapp/panel/view/modes/RenderRequest.h"
 #include "launcherapp/shell/modes/PanelModes.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/RenderRequest.h"
+#include "launcherapp/panel/view/modes/RenderRequest.h"
 
 #include "launcherapp/panel/appearance/Palette.h"
 #include "launcherapp/shell/CommandLine.h"

@@ -1,6 +1,6 @@
 // What assistive programs see of an item view: the view as a list or menu, its items as children.
 
-#include "launcherapp/panel/view/ItemView.h"
+#include "launcherapp/panel/view/items/ItemView.h"
 
 #include <QAccessible>
 #include <QAccessibleActionInterface>

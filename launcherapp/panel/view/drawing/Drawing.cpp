@@ -1,4 +1,4 @@
-#include "launcherapp/panel/view/Drawing.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
 
 #include <QImage>
 #include <cmath>
@@ -17,6 +17,8 @@ QPointF Drawing::aligned(const QPainter& painter, QPointF place) {
 }
 
 QImage Drawing::tinted(const QImage& mask, const QColor& color) {
+    if (mask.isNull())
+        return mask;
     auto picture = mask;
     QPainter painter(&picture);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
