@@ -61,7 +61,10 @@ LauncherPanel::LauncherPanel(PanelViewServices services)
     restyle();
 }
 
-LauncherPanel::~LauncherPanel() = default;
+// While there is still a panel for the parts to speak to: a field that goes loses the keyboard.
+LauncherPanel::~LauncherPanel() {
+    delete root_;
+}
 
 void LauncherPanel::setHooks() {
     auto& model = services_.model;

@@ -51,7 +51,14 @@ PanelRoot::PanelRoot(QWidget* parent, PanelViewServices services)
     refresh();
 }
 
-PanelRoot::~PanelRoot() = default;
+PanelRoot::~PanelRoot() {
+    for (const auto& accessory : accessories_) {
+        if (accessory)
+            accessory->setParent(nullptr);
+    }
+    // While there are still the style and the pictures that the parts draw with.
+    qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
 
 QueryField& PanelRoot::field() {
     return fieldRow_->field();
