@@ -105,9 +105,9 @@ fromNow(const std::string& text, const year_month_day& today, const Formats& for
 }
 
 /// "5 weeks", "5 weeks 2 days".
-std::string weeksText(std::int64_t days, const Formats& formats) {
-    const auto weeks = days / daysOfWeek;
-    const auto rest = days % daysOfWeek;
+std::string weeksText(std::int64_t distance, const Formats& formats) {
+    const auto weeks = distance / daysOfWeek;
+    const auto rest = distance % daysOfWeek;
     if (weeks == 0)
         return daysText(rest, formats);
     const auto text = fmt::format("{} {}", formats.whole(weeks), weeks == 1 ? "week" : "weeks");

@@ -8,7 +8,6 @@
 #include <array>
 #include <charconv>
 #include <map>
-#include <mutex>
 #include <string>
 
 namespace tessarine {
@@ -61,9 +60,7 @@ MonthNames monthNames(const Formats& formats) {
 /// The names are formatted once a language: 48 texts for each keystroke of a word that is no month
 /// would cost more than all other families together.
 std::optional<unsigned> monthInLanguage(std::string_view name, const Formats& formats) {
-    static std::mutex oneAtATime;
-    static std::map<std::string, MonthNames> names;
-    const std::lock_guard lock(oneAtATime);
+    thread_local std::map<std::string, MonthNames> names;
     auto found = names.find(formats.dateLanguage());
     if (found == names.end())
         found = names.emplace(formats.dateLanguage(), monthNames(formats)).first;

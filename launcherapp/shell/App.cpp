@@ -13,7 +13,7 @@
 #include "launcherapp/index/walk/IndexWalker.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/panel/appearance/Appearance.h"
-#include "launcherapp/panel/view/RenderModes.h"
+#include "launcherapp/panel/view/modes/RenderModes.h"
 #include "launcherapp/platform/linux/desktop/DBusApplicationBus.h"
 #include "launcherapp/platform/linux/desktop/DesktopFileManager.h"
 #include "launcherapp/platform/linux/desktop/NoWindowList.h"
@@ -284,6 +284,8 @@ struct App::Services {
     void logLaunch();
     FileIndex::Run indexRun() const;
     void wireModel();
+    void wireVerbs();
+    void hideBeforeVerbs();
     void wireFiles();
     void wireAnswers();
     void startAnswers();
@@ -344,17 +346,9 @@ void App::Services::logLaunch() {
                                 "not registered"));
 }
 
-/// What rows can have done, and the sources that have landed.
 void App::Services::wireModel() {
-    model.verbs.launchApp = [this](const CatalogApp& app) { catalog.launch(app); };
-    model.verbs.openUrl = [this](const std::string& url) { openUrl(url); };
-    model.verbs.quitProgram = [] { QCoreApplication::exit(0); };
-    model.verbs.openSettings = [this] { openSettings(); };
-    if (presence)
-        model.verbs.copyText = [](const std::string& text) {
-            QGuiApplication::clipboard()->setText(QString::fromStdString(text));
-        };
-    model.verbs.lookUpWord = [this](const std::string& word) { openDictionary(word); };
+    wireVerbs();
+    hideBeforeVerbs();
     wireFiles();
     wireAnswers();
     model.families.recentApps = [this] { return recent.recent(catalog.apps()); };
@@ -365,6 +359,42 @@ void App::Services::wireModel() {
                 found(*std::move(text));
         });
     };
+}
+
+/// What leaves the panel takes it away first, so that what comes up has the screen and the keys.
+void App::Services::hideBeforeVerbs() {
+    const auto hiding = [this]<typename... Arguments>(std::function<void(Arguments...)>& verb) {
+        if (verb)
+            verb = [this, inner = std::move(verb)](Arguments... arguments) {
+                if (model.dismiss)
+                    model.dismiss();
+                inner(arguments...);
+            };
+    };
+    auto& verbs = model.verbs;
+    hiding(verbs.launchApp);
+    hiding(verbs.openUrl);
+    hiding(verbs.openPath);
+    hiding(verbs.revealPath);
+    hiding(verbs.lookUpWord);
+    hiding(verbs.openSettings);
+    hiding(verbs.copyText);
+}
+
+/// What rows can have done.
+void App::Services::wireVerbs() {
+    model.verbs.launchApp = [this](const CatalogApp& app) { catalog.launch(app); };
+    model.verbs.openUrl = [this](const std::string& url) { openUrl(url); };
+    model.verbs.quitProgram = [] { QCoreApplication::exit(0); };
+    model.verbs.openSettings = [this] { openSettings(); };
+    if (presence)
+        model.verbs.copyText = [](const std::string& text) {
+            QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+        };
+    model.verbs.lookUpWord = [this](const std::string& word) { openDictionary(word); };
+    model.verbs.openPath = [this](const std::string& path) { opener.open(path); };
+    model.verbs.revealPath = [this](const std::string& path) { opener.reveal(path); };
+    model.verbs.trashPath = [this](const std::string& path) { opener.trash(path); };
 }
 
 /// Dictionary programs take the word as a "dict" address or not at all: then they open without it.
@@ -392,9 +422,6 @@ FileIndex::Run App::Services::indexRun() const {
 }
 
 void App::Services::wireFiles() {
-    model.verbs.openPath = [this](const std::string& path) { opener.open(path); };
-    model.verbs.revealPath = [this](const std::string& path) { opener.reveal(path); };
-    model.verbs.trashPath = [this](const std::string& path) { opener.trash(path); };
     model.families.files = [this](std::string_view query) {
         constexpr std::size_t limit = 6;
         const auto found = index.search({.query = query, .limit = limit}, usage.ranking());

@@ -20,6 +20,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -44,7 +45,8 @@ public:
 
     void takeHeights() {
         panel.rowHeight = view.rowHeight();
-        panel.previewBelow = view.heightBeyondRows();
+        // A pixel of its own parts what is below the list from it; it is in the view's figure.
+        panel.previewBelow = std::max(0, view.heightBeyondRows() - 1);
         panel.relayout();
     }
 

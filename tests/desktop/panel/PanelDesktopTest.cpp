@@ -107,11 +107,9 @@ TEST_F(PanelDesktopTest, noKeyTypedBlindIsLost) {
 TEST_F(PanelDesktopTest, theDesktopsOwnKeyAndASecondLaunchReachIt) {
     Program first({}, environment);
     ASSERT_TRUE(first.waitForError(ready));
-    const std::string toggle =
-        "dbus-send --session --print-reply --dest=com.corvane.tessarine /com/corvane/tessarine "
-        "org.freedesktop.Application.ActivateAction string:toggle array:variant: "
-        "dict:string:variant: "
-        ">/dev/null";
+    const std::string toggle = "gdbus call --session --dest com.corvane.tessarine --object-path "
+                               "/com/corvane/tessarine --method "
+                               "org.freedesktop.Application.ActivateAction toggle [] {} >/dev/null";
     ASSERT_EQ(std::system(toggle.c_str()), 0);
     EXPECT_TRUE(becomes(1, shown));
     ASSERT_EQ(std::system(toggle.c_str()), 0);
@@ -121,7 +119,7 @@ TEST_F(PanelDesktopTest, theDesktopsOwnKeyAndASecondLaunchReachIt) {
     ASSERT_TRUE(second.waitForError(ready)) << "the first copy has given the chord up";
     EXPECT_TRUE(first.finish(5s));
     keys("key super+space");
-    EXPECT_TRUE(becomes(2, shown));
+    EXPECT_TRUE(becomes(1, shown)) << "in the log that the second copy began";
 }
 
 TEST_F(PanelDesktopTest, itProvesItsShowOnThisDisplay) {
