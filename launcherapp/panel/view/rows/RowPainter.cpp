@@ -44,6 +44,13 @@ QRect part(const RowLook& look, int left, int right) {
     return QStyle::visualRect(look.direction, look.rectangle, rectangle);
 }
 
+/// The application that the row hands over to, or where its figure is from.
+std::string creditText(const ResultRow& row, const ResolvedCredit* credit) {
+    if (!row.credit)
+        return row.source->host;
+    return credit ? credit->name : row.credit->fallbackName();
+}
+
 } // namespace
 
 void RowPainter::draw(QPainter& painter,
@@ -151,16 +158,16 @@ int RowPainter::drawCredit(QPainter& painter,
                            const ResolvedCredit* credit,
                            const RowLook& look,
                            TextLine& line) const {
-    if (!row.credit)
+    if (!row.credit && !row.source)
         return 0;
     const auto& palette = style_.palette;
-    line.set({.text = credit ? credit->name : row.credit->fallbackName(),
-              .font = style_.small,
-              .width = mostCreditWidth});
+    line.set({.text = creditText(row, credit), .font = style_.small, .width = mostCreditWidth});
     const int textWidth = static_cast<int>(line.width()) + 1;
     const int right = look.rectangle.width() - digitEdge - digitWidth - gap;
     const auto color = toQt(look.isSelected ? palette.selectedSubtitle : palette.credit);
     line.draw(painter, part(look, right - textWidth, right), look.direction, {color, color});
+    if (!row.credit)
+        return textWidth;
     const int iconRight = right - textWidth - 6;
     const auto slot = middle(part(look, iconRight - creditIconSide, iconRight), creditIconSide);
     if (credit && !credit->icon.isEmpty()) {
