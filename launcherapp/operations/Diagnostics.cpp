@@ -8,7 +8,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <chrono>
+#include <cstdint>
+#include <ctime>
 #include <utility>
 
 namespace tessarine {
@@ -19,11 +20,10 @@ constexpr std::size_t keptSamples = 50;
 
 /// UTC with milliseconds, so that lines of two machines or of a clock change stay in order.
 std::string stamp(double now) {
-    using std::chrono::milliseconds;
-    const std::chrono::sys_time<milliseconds> moment{
-        milliseconds(static_cast<milliseconds::rep>(now * 1000))};
-    const auto whole = std::chrono::floor<std::chrono::seconds>(moment);
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", whole, (moment - whole).count());
+    const auto milliseconds = static_cast<std::int64_t>(now * 1000);
+    // Broken down here: the library's own formatting of a time point shows the local clock.
+    const auto moment = fmt::gmtime(static_cast<std::time_t>(milliseconds / 1000));
+    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z", moment, milliseconds % 1000);
 }
 
 /// The message on one line, whatever a file name in it holds.

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <ctime>
+
 namespace tessarine {
 namespace {
 
@@ -36,6 +39,17 @@ TEST_F(DiagnosticsTest, aLineIsAStampABlankAndTheMessage) {
     EXPECT_EQ(text(logPath),
               "2026-01-01T00:00:01.250Z paste: 12 characters\n"
               "2026-01-01T00:00:01.250Z a name with a line end\n");
+}
+
+TEST_F(DiagnosticsTest, linesAreStampedByUniversalTimeWhereverTheUserIs) {
+    ::setenv("TZ", "America/New_York", 1);
+    ::tzset();
+    auto diagnostics = start(Diagnostics::Run::oneShot);
+    diagnostics.log("a line");
+    platform.time.settle();
+    EXPECT_EQ(text(logPath), "2026-01-01T00:00:00.000Z a line\n");
+    ::unsetenv("TZ");
+    ::tzset();
 }
 
 TEST_F(DiagnosticsTest, aResidentRunKeepsTheTextOfTheRunBefore) {
