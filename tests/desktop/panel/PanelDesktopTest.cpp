@@ -36,7 +36,7 @@ protected:
     }
 
     bool started(const std::string& id) {
-        return waitUntil(5s, [&] { return fs::exists(folder.path("/started-" + id)); });
+        return waitUntil(15s, [&] { return fs::exists(folder.path("/started-" + id)); });
     }
 
     static void keys(const std::string& words) {
@@ -53,7 +53,7 @@ protected:
     }
 
     bool becomes(int count, const std::string& text) {
-        return waitUntil(5s, [&] { return logged(text) == count; });
+        return waitUntil(15s, [&] { return logged(text) == count; });
     }
 
     const std::string shown = "panel show: visible=true key=true";
