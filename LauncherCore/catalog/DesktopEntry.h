@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// The "Desktop Entry" group of a desktop entry file, as the Desktop Entry Specification 1.5 of
+/// The "Desktop Entry" group of a desktop entry file, as the desktop entry standard (1.5) of
 /// freedesktop.org has it. Pure; any thread.
 namespace tessarine {
 

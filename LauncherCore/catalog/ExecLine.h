@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// The Exec key: quoting and field codes (Desktop Entry Specification 1.5, "The Exec key").
+/// The Exec key: quoting and field codes (the desktop entry standard 1.5, "The Exec key").
 /// Pure; any thread.
 namespace tessarine::ExecLine {
 

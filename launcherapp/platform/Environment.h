@@ -44,7 +44,7 @@ struct Environment {
     bool operator==(const Environment&) const = default;
 };
 
-/// Reads the variables with the defaults of the XDG Base Directory Specification 0.8; values that
+/// Reads the variables with the defaults of the XDG base directory standard (0.8); values that
 /// aren't absolute paths are ignored, as it asks. `variable` gives nothing for one that is unset,
 /// `accountHome` is the home folder of the user's account for when HOME is unset.
 Environment

@@ -44,7 +44,7 @@ QDBusMessage callFor(const BusActivation& request) {
     return message;
 }
 
-/// As far as desktop-file ids can go wrong (D-Bus Specification, "Bus names").
+/// As far as desktop-file ids can go wrong (the D-Bus standard, "Bus names").
 bool isBusName(std::string_view name) {
     const auto isNameCharacter = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||

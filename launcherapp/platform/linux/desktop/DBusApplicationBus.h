@@ -4,7 +4,7 @@
 
 namespace tessarine {
 
-/// Applications on the D-Bus session bus (the Desktop Entry Specification, "D-Bus Activation").
+/// Applications on the D-Bus session bus (the desktop entry standard, "D-Bus Activation").
 /// Main thread only, with Qt's event loop.
 class DBusApplicationBus : public ApplicationBus {
 public:

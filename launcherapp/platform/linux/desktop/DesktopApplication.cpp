@@ -15,7 +15,7 @@ namespace {
 
 const auto interfaceName = QStringLiteral("org.freedesktop.Application");
 
-/// The Desktop Entry Specification 1.5, "D-Bus Activation".
+/// The desktop entry standard 1.5, "D-Bus Activation".
 const auto interfaceText = QStringLiteral(R"(
 <interface name="org.freedesktop.Application">
   <method name="Activate"><arg type="a{sv}" name="platform_data" direction="in"/></method>

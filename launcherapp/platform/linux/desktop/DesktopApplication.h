@@ -8,7 +8,7 @@
 namespace tessarine {
 
 /// The program as the desktop addresses it on the session bus: the name it is known by, with the
-/// object that the Desktop Entry Specification asks for ("D-Bus Activation"). A key of the
+/// object that the desktop entry standard asks for ("D-Bus Activation"). A key of the
 /// desktop's own summons the panel through it, also where programs can take no keys. Main thread
 /// only, with Qt's event loop.
 class DesktopApplication {

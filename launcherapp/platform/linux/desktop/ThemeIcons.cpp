@@ -21,7 +21,7 @@ namespace {
 
 /// A picture that would take more memory than this is no icon.
 constexpr int allocationLimitMegabytes = 64;
-/// The theme every other one falls back to (Icon Theme Specification).
+/// The theme every other one falls back to (freedesktop.org's icon theme standard).
 constexpr auto lastTheme = "hicolor";
 
 bool canDraw() {
