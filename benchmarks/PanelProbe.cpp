@@ -91,7 +91,8 @@ bool report(const Bar& bar, const std::vector<double>& values, int missing) {
     std::printf("; of the bar %.2f", middle / bar.median);
     if (bar.worst > 0)
         std::printf(" and %.2f", worst / bar.worst);
-    std::printf("\n");
+    std::printf("; slowest: number %td\n",
+                1 + std::distance(values.begin(), std::ranges::max_element(values)));
     return missing == 0 && middle <= bar.median && (bar.worst == 0 || worst <= bar.worst);
 }
 
