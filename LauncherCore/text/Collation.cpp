@@ -1,7 +1,8 @@
 #include "LauncherCore/text/Collation.h"
 
+#include "LauncherCore/text/UnicodeText.h"
+
 #include <unicode/coll.h>
-#include <unicode/unistr.h>
 
 #include <cstdint>
 
@@ -42,8 +43,7 @@ std::string Collation::sortKey(std::string_view text) const {
     // Without ICU's data there is no collator; the bytes themselves are an order too.
     if (!state_->collator)
         return std::string(text);
-    const auto unicode = icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    const auto unicode = UnicodeText::decoded(text);
     std::string key(text.size() * 3 + 16, '\0');
     const auto fill = [&] {
         return state_->collator->getSortKey(unicode,

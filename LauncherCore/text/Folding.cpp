@@ -1,11 +1,11 @@
 #include "LauncherCore/text/Folding.h"
 
 #include "LauncherCore/text/Scalars.h"
+#include "LauncherCore/text/UnicodeText.h"
 
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
-#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <array>
@@ -14,6 +14,9 @@
 namespace tessarine {
 
 namespace {
+
+using UnicodeText::decoded;
+using UnicodeText::encoded;
 
 constexpr std::string_view replacementCharacter = "\xef\xbf\xbd"; // U+FFFD
 constexpr UChar32 ideographicSpace = 0x3000;
@@ -27,17 +30,6 @@ char lowerAscii(char c) {
 std::string loweredAscii(std::string_view text) {
     std::string result(text);
     std::ranges::transform(result, result.begin(), lowerAscii);
-    return result;
-}
-
-icu::UnicodeString decoded(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-std::string encoded(const icu::UnicodeString& text) {
-    std::string result;
-    text.toUTF8String(result);
     return result;
 }
 

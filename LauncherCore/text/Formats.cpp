@@ -1,12 +1,13 @@
 #include "LauncherCore/text/Formats.h"
 
+#include "LauncherCore/text/UnicodeText.h"
+
 #include <unicode/dcfmtsym.h>
 #include <unicode/gregocal.h>
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/ucurr.h>
-#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <map>
@@ -17,22 +18,14 @@ namespace tessarine {
 
 namespace {
 
+using UnicodeText::decoded;
+using UnicodeText::encoded;
+
 using icu::number::LocalizedNumberFormatter;
 using icu::number::NumberFormatter;
 using icu::number::Precision;
 
 constexpr double millisecondsPerSecond = 1000;
-
-icu::UnicodeString decoded(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-std::string encoded(const icu::UnicodeString& text) {
-    std::string result;
-    text.toUTF8String(result);
-    return result;
-}
 
 /// "C" and "POSIX" say nothing of a language: plain English figures.
 icu::Locale localeNamed(const std::string& name) {

@@ -1,7 +1,8 @@
 #include "LauncherCore/text/Pattern.h"
 
+#include "LauncherCore/text/UnicodeText.h"
+
 #include <unicode/regex.h>
-#include <unicode/unistr.h>
 
 #include <cassert>
 #include <cstdint>
@@ -11,19 +12,11 @@ namespace tessarine {
 
 namespace {
 
+using UnicodeText::decoded;
+using UnicodeText::encoded;
+
 /// ICU counts in units of its matching engine's state saves, "typically milliseconds" each.
 constexpr std::int32_t longestMatch = 5;
-
-icu::UnicodeString decoded(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-std::string encoded(const icu::UnicodeString& text) {
-    std::string result;
-    text.toUTF8String(result);
-    return result;
-}
 
 } // namespace
 

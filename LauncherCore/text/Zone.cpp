@@ -1,9 +1,10 @@
 #include "LauncherCore/text/Zone.h"
 
+#include "LauncherCore/text/UnicodeText.h"
+
 #include <unicode/simpletz.h>
 #include <unicode/strenum.h>
 #include <unicode/timezone.h>
-#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <array>
@@ -13,18 +14,10 @@ namespace tessarine {
 
 namespace {
 
+using UnicodeText::decoded;
+using UnicodeText::encoded;
+
 constexpr double millisecondsPerSecond = 1000;
-
-icu::UnicodeString decoded(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-std::string encoded(const icu::UnicodeString& text) {
-    std::string result;
-    text.toUTF8String(result);
-    return result;
-}
 
 double secondsOf(const CivilTime& time) {
     const auto days = std::chrono::sys_days(time.date).time_since_epoch();
