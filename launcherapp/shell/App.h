@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/shell/CommandLine.h"
 
 #include <memory>
@@ -11,15 +12,17 @@ namespace tessarine {
 /// else. Main thread only.
 class App {
 public:
-    App(CommandLine commandLine, Environment environment);
+    /// `launchedAt` is when the process began, by the main queue's uptime. Throws
+    /// std::runtime_error when a demonstration finds no place for what it keeps.
+    App(CommandLine commandLine, Environment environment, Seconds launchedAt);
     ~App();
 
     /// Starts the services and runs until the program is told to end. Returns the exit status.
     int run();
 
 private:
-    struct Services;
-    std::unique_ptr<Services> services_;
+    class Parts;
+    std::unique_ptr<Parts> parts_;
 };
 
 } // namespace tessarine

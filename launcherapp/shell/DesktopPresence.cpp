@@ -9,16 +9,13 @@
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
 #include "launcherapp/platform/HotkeyRegistrar.h"
-#include "launcherapp/platform/linux/desktop/DesktopApplication.h"
+#include "launcherapp/platform/linux/desktop/SessionLock.h"
 #include "launcherapp/platform/linux/desktop/StatusItem.h"
 #include "launcherapp/platform/linux/input/LinuxRivalLaunchers.h"
 #include "launcherapp/platform/linux/input/X11HotkeyRegistrar.h"
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
-#include "launcherapp/shell/Prefs.h"
-#include "launcherapp/shell/ProductInfo.h"
-
-#include <fmt/format.h>
+#include "launcherapp/query/SearchModel.h"
 
 #include <algorithm>
 #include <optional>
@@ -26,11 +23,10 @@
 
 namespace tessarine {
 
-/// In start-up order; each refers to those above it.
-class DesktopPresence::Parts {
+/// The panel and its chords, in start-up order; each refers to those above it.
+class DesktopPresence::OnScreen {
 public:
-    explicit Parts(Services given) : services(std::move(given)) {
-        view.onSettings = services.openSettings;
+    OnScreen(const Services& given, PanelViewServices viewed) : services(given), sources(viewed) {
         view.onResignKey = [this] { panel.hide(); };
         view.onHeights = [this] { takeHeights(); };
         window.mixesChanged = [this] { blend(); };
@@ -50,86 +46,115 @@ public:
         panel.relayout();
     }
 
-    Services services;
-    LauncherPanel view{services.view};
+    /// A chord that other programs can't have any more must show something for it: this one is
+    /// taken as soon as there is a clipboard history.
+    std::function<void()> clipboardChord() {
+        if (!sources.model.families.clipboard)
+            return {};
+        return [this] { panel.toggleClipboard(); };
+    }
+
+    const Services& services;
+    PanelViewServices sources;
+    LauncherPanel view{sources};
     QtPanelWindow window{view, view.field(), makePanelSurface()};
     LinuxRivalLaunchers rivals{services.queue, services.work};
     std::unique_ptr<HotkeyRegistrar> registrar = hotkeyRegistrar(services.queue);
     Hotkey hotkey{{.registrar = *registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
     PanelController panel{{.queue = services.queue,
                            .diagnostics = services.diagnostics,
-                           .prefs = services.view.prefs,
-                           .model = services.view.model,
+                           .prefs = sources.prefs,
+                           .model = sources.model,
                            .window = window,
                            .windows = services.windows,
                            .hotkey = hotkey}};
-    HotkeySetup setup{{.hotkey = hotkey,
-                       .rivals = rivals,
-                       .prefs = services.view.prefs,
-                       .diagnostics = services.diagnostics},
-                      {.panel = [this] { panel.hotkeyFired(); },
-                       .clipboard = [this] { panel.toggleClipboard(); },
-                       .voice = {}}};
+    HotkeySetup setup{
+        {.hotkey = hotkey,
+         .rivals = rivals,
+         .prefs = sources.prefs,
+         .diagnostics = services.diagnostics},
+        {.panel = [this] { panel.hotkeyFired(); }, .clipboard = clipboardChord(), .voice = {}}};
     HotkeyGuard guard{{.queue = services.queue,
                        .hotkey = hotkey,
                        .setup = setup,
                        .rivals = rivals,
-                       .prefs = services.view.prefs,
+                       .prefs = sources.prefs,
                        .diagnostics = services.diagnostics}};
-    StatusItem statusItem{
-        {.open = [this] { panel.show(); },
-         .settings = services.openSettings,
-         .quit = services.quit,
-         .log = [this](const std::string& line) { services.diagnostics.log(line); }}};
-    Subscription hotkeyChanges = hotkey.onChange([this] { statusItem.setStatus(hotkey.status()); });
-    std::optional<DesktopApplication> application; ///< from `start` on
+    std::optional<SessionLock> lock;
+};
+
+class DesktopPresence::Parts {
+public:
+    Parts(Services given, std::function<void()> open)
+        : services(std::move(given)),
+          statusItem({.open = std::move(open),
+                      .settings = services.openSettings,
+                      .quit = services.quit,
+                      .log = [this](const std::string& line) { services.diagnostics.log(line); }}) {
+    }
+
+    Services services;
+    StatusItem statusItem;
+    std::optional<OnScreen> onScreen;
+    Subscription hotkeyChanges;
 };
 
 DesktopPresence::DesktopPresence(Services services)
-    : parts_(std::make_unique<Parts>(std::move(services))) {}
+    : parts_(std::make_unique<Parts>(std::move(services), [this] { bringUp(); })) {}
 
 DesktopPresence::~DesktopPresence() = default;
 
-PanelController& DesktopPresence::panel() {
-    return parts_->panel;
+void DesktopPresence::installStatusItem() {
+    parts_->statusItem.start();
 }
 
-void DesktopPresence::start() {
+PanelController& DesktopPresence::makePanel(PanelViewServices view) {
     auto& parts = *parts_;
-    parts.statusItem.start();
-    parts.panel.start();
-    parts.application.emplace(
-        std::string(ProductInfo::bundleID),
-        DesktopApplication::Handlers{
-            .activate = [&parts] { parts.panel.show(); },
-            .actions = {{"toggle", [&parts] { parts.panel.toggle(); }},
-                        {"clipboard", [&parts] { parts.panel.toggleClipboard(); }},
-                        {"settings", parts.services.openSettings}},
-            .problem =
-                [&parts](const std::string& line) { parts.services.diagnostics.log(line); }});
+    auto& onScreen = parts.onScreen.emplace(parts.services, view);
+    parts.hotkeyChanges = onScreen.hotkey.onChange(
+        [&parts, &onScreen] { parts.statusItem.setStatus(onScreen.hotkey.status()); });
+    return onScreen.panel;
+}
+
+PanelController* DesktopPresence::panel() {
+    return parts_->onScreen ? &parts_->onScreen->panel : nullptr;
+}
+
+void DesktopPresence::keepWarm() {
+    parts_->onScreen->panel.start();
+}
+
+void DesktopPresence::watchSessionLock() {
+    auto& onScreen = *parts_->onScreen;
+    onScreen.lock.emplace(parts_->services.work, [&panel = onScreen.panel] { panel.hide(); });
 }
 
 void DesktopPresence::registerHotkey() {
-    parts_->setup.registerHotkey();
-    parts_->guard.start();
+    parts_->onScreen->setup.registerHotkey();
+    parts_->onScreen->guard.start();
+}
+
+void DesktopPresence::bringUp() {
+    if (auto* const made = panel(); made && !made->isVisible())
+        made->show();
 }
 
 std::string DesktopPresence::hotkeyStatus() const {
-    return parts_->hotkey.status();
+    return parts_->onScreen->hotkey.status();
 }
 
 std::string DesktopPresence::clipboardStatus() const {
-    return parts_->hotkey.status(HotkeyIDs::clipboard);
+    return parts_->onScreen->hotkey.status(HotkeyIDs::clipboard);
 }
 
-std::string DesktopPresence::invitation() const {
-    if (const auto binding = parts_->hotkey.binding(HotkeyIDs::panel))
-        return fmt::format("Tessarine is running. {} brings it up.",
-                           HotkeyNames::onKeyboard(*binding));
-    return fmt::format("Tessarine is running, and no key brings it up: {}. Bind a key of your "
-                       "desktop's to\n    gapplication action {} toggle",
-                       hotkeyStatus(),
-                       ProductInfo::bundleID);
+std::string DesktopPresence::voiceStatus() const {
+    return parts_->onScreen->hotkey.status(HotkeyIDs::voice);
+}
+
+Invitation::Chord DesktopPresence::chord() const {
+    const auto binding = parts_->onScreen->hotkey.binding(HotkeyIDs::panel);
+    return {.keys = binding ? std::optional(HotkeyNames::onKeyboard(*binding)) : std::nullopt,
+            .status = hotkeyStatus()};
 }
 
 } // namespace tessarine

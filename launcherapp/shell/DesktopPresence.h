@@ -1,7 +1,7 @@
 #pragma once
 
 #include "launcherapp/panel/view/PanelViewServices.h"
-#include "launcherapp/shell/modes/PanelModes.h"
+#include "launcherapp/shell/Invitation.h"
 
 #include <functional>
 #include <memory>
@@ -15,8 +15,8 @@ class PanelController;
 class WindowList;
 class WorkQueues;
 
-/// What of the program is on the desktop: the panel, the keys that summon it, the tray icon and
-/// the name on the session bus. Made where Qt has windows. Main thread only.
+/// What of the program is on the desktop: the panel, the keys that summon it, and the tray icon.
+/// Made where Qt has windows; its parts come in the order of the functions. Main thread only.
 class DesktopPresence {
 public:
     struct Services {
@@ -24,7 +24,6 @@ public:
         WorkQueues& work;
         Diagnostics& diagnostics;
         const WindowList& windows;
-        PanelViewServices view;
         std::function<void()> openSettings;
         std::function<void()> quit;
     };
@@ -34,22 +33,37 @@ public:
     DesktopPresence(const DesktopPresence&) = delete;
     DesktopPresence& operator=(const DesktopPresence&) = delete;
 
-    PanelController& panel();
+    /// The tray icon.
+    void installStatusItem();
 
-    /// The tray icon, the panel's warm passes, and the name on the session bus.
-    void start();
+    /// The panel, hidden, with the chords it may be summoned by; none is taken yet.
+    PanelController& makePanel(PanelViewServices view);
+
+    /// Null before it is made.
+    PanelController* panel();
+
+    /// Lets the panel keep itself warm.
+    void keepWarm();
+
+    /// Hides the panel when the session is locked.
+    void watchSessionLock();
 
     /// Takes the chords. Only now can the panel be summoned.
     void registerHotkey();
 
-    /// The state of the panel's and the clipboard's chord, each in a line.
+    /// Shows the panel; one that is up stays as it is.
+    void bringUp();
+
+    /// The states of the chords, each in a line.
     std::string hotkeyStatus() const;
     std::string clipboardStatus() const;
+    std::string voiceStatus() const;
 
-    /// Says to a user who just started the program how to bring it up.
-    std::string invitation() const;
+    /// The panel's chord, for the invitation.
+    Invitation::Chord chord() const;
 
 private:
+    class OnScreen;
     class Parts;
     std::unique_ptr<Parts> parts_;
 };

@@ -5,13 +5,15 @@
 #include "launcherapp/shell/modes/Modes.h"
 
 #include <QCoreApplication>
+#include <chrono>
 #include <cstdio>
+#include <stdexcept>
 
 namespace tessarine {
 
 namespace {
 
-int runProgram(int argc, char** argv) {
+int runProgram(int argc, char** argv, Seconds launchedAt) {
     std::vector<std::string> words;
     for (int i = 1; i < argc; ++i)
         words.push_back(Folding::repairedUtf8(argv[i]));
@@ -31,12 +33,18 @@ int runProgram(int argc, char** argv) {
                          : Modes::showsPanel(commandLine) ? QtSurface::windows
                                                           : QtSurface::none;
     const auto application = makeQtApplication(argc, argv, surface, environment);
-    return App(std::move(commandLine), std::move(environment)).run();
+    try {
+        return App(std::move(commandLine), std::move(environment), launchedAt).run();
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "Tessarine: %s\n", error.what());
+        return 1;
+    }
 }
 
 } // namespace
 } // namespace tessarine
 
 int main(int argc, char** argv) {
-    return tessarine::runProgram(argc, argv);
+    const tessarine::Seconds launchedAt = std::chrono::steady_clock::now().time_since_epoch();
+    return tessarine::runProgram(argc, argv, launchedAt);
 }

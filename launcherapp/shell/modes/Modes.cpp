@@ -25,13 +25,14 @@ constexpr std::string_view updater = "the updater";
 constexpr std::string_view dictation = "the dictation doctor";
 constexpr std::string_view importer = "the workflow importer";
 constexpr std::string_view stallWatch = "the stall watch";
-constexpr std::string_view panel = "the panel";
+constexpr std::string_view helpMenu = "the help menu";
 constexpr std::string_view clipboard = "the clipboard history";
 constexpr std::string_view clipboardSync = "clipboard sync";
 constexpr std::string_view settingsSync = "settings sync";
 constexpr std::string_view people = "the contacts source";
 constexpr std::string_view voice = "voice search";
-constexpr std::string_view statusItem = "the status item";
+constexpr std::string_view statusPictures = "a picture of the status item";
+constexpr std::string_view statusSelftest = "the self-test of the status item";
 constexpr std::string_view commands = "the commands";
 constexpr std::string_view toast = "the copied toast";
 constexpr std::string_view graph = "the graph";
@@ -74,7 +75,7 @@ constexpr auto earlyModes = std::to_array<Mode>({
     {"startup", none, {}, "the login item"},
     {"--import-alfred", none, {}, importer},
     {"--selftest-stall-sample", none, {}, stallWatch},
-    {"--selftest-help-menu", none, {}, panel},
+    {"--selftest-help-menu", none, {}, helpMenu},
 });
 
 constexpr auto residentModes = std::to_array<Mode>({
@@ -103,17 +104,17 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-render-purity", none, {}, {}, drawing<&PanelModes::selftestRenderPurity>},
     {"--selftest-shortcut", none, {}, {}, drawing<&PanelModes::selftestShortcut>},
     {"--selftest-settings", none, {}, {}, QueryModes::selftestSettings},
-    {"--menubar-sheet", next, Seconds{0.4}, statusItem},
-    {"--menubar-variants", next, Seconds{0.3}, statusItem},
-    {"--menubar-menu-shot", next, Seconds{0.4}, statusItem},
+    {"--menubar-sheet", next, Seconds{0.4}, statusPictures},
+    {"--menubar-variants", next, Seconds{0.3}, statusPictures},
+    {"--menubar-menu-shot", next, Seconds{0.4}, statusPictures},
     {"--contact-card", next, {}, people},
     {"--selftest-clip-sacred", none, {}, clipboard},
     {"--selftest-clip-file", none, {}, clipboard},
     {"--selftest-contact-card", none, {}, people},
     {"--selftest-app-catalog", none, {}, {}, runAppCatalogSelftest},
     {"--selftest-system-commands", none, {}, commands},
-    {"--selftest-menubar", none, {}, statusItem},
-    {"--selftest-menu-contrast", none, {}, statusItem},
+    {"--selftest-menubar", none, {}, statusSelftest},
+    {"--selftest-menu-contrast", none, {}, statusSelftest},
     {"--selftest-index-duty", none, {}, {}, IndexModes::selftestIndexDuty},
     {"--selftest-volumes", none, {}, {}, IndexModes::selftestVolumes},
     {"--selftest-walker", none, {}, {}, IndexModes::selftestWalker},

@@ -28,6 +28,7 @@ struct PanelModes;
 struct ModeContext {
     const CommandLine& commandLine;
     const Environment& environment;
+    Seconds launchedAt; ///< when the process began, by the queue's uptime
     MainQueue& queue;
     FileStore& files;
     AppCatalog& catalog;

@@ -38,7 +38,7 @@ std::vector<const CatalogApp*> withoutIcon(const AppCatalog& catalog) {
     return missing;
 }
 
-void measureFirstShow(ModeContext& context, Seconds started) {
+void measureFirstShow(ModeContext& context) {
     const CatalogApp control{.id = "/Applications/__tessarine_control_no_such_app__.app"};
     if (context.catalog.hasIcon(control)) {
         context.print("NOT MEASURED: the control path counted as cached, so the miss counter "
@@ -46,7 +46,7 @@ void measureFirstShow(ModeContext& context, Seconds started) {
         context.finish(1);
         return;
     }
-    const auto published = context.queue.uptime() - started;
+    const auto published = context.queue.uptime() - context.launchedAt;
     const auto missing = withoutIcon(context.catalog);
     context.model.setQuery({});
     context.print(fmt::format(
@@ -63,9 +63,9 @@ void measureFirstShow(ModeContext& context, Seconds started) {
     context.finish(0);
 }
 
-void awaitCatalog(ModeContext& context, Seconds started, int attempt) {
+void awaitCatalog(ModeContext& context, int attempt) {
     if (context.catalog.lastScan()) {
-        measureFirstShow(context, started);
+        measureFirstShow(context);
         return;
     }
     if (attempt > attempts) {
@@ -73,9 +73,8 @@ void awaitCatalog(ModeContext& context, Seconds started, int attempt) {
         context.finish(1);
         return;
     }
-    context.queue.postAfter(pollInterval, [&context, started, attempt] {
-        awaitCatalog(context, started, attempt + 1);
-    });
+    context.queue.postAfter(pollInterval,
+                            [&context, attempt] { awaitCatalog(context, attempt + 1); });
 }
 
 } // namespace
@@ -102,7 +101,7 @@ void ShowModes::selftestShow(ModeContext& context, const std::string&) {
 }
 
 void ShowModes::benchFirstShow(ModeContext& context, const std::string&) {
-    awaitCatalog(context, context.queue.uptime(), 1);
+    awaitCatalog(context, 1);
 }
 
 } // namespace tessarine

@@ -25,7 +25,8 @@ protected:
 
     DesktopApplication::Handlers handlers() {
         return {.activate = [this] { told.push_back("activate"); },
-                .actions = {{"toggle", [this] { told.push_back("toggle"); }}},
+                .actions = {{"toggle", [this] { told.push_back("toggle"); }},
+                            {"clipboard", "there is no display"}},
                 .problem = [this](const std::string& text) { problems.push_back(text); }};
     }
 
@@ -68,6 +69,7 @@ TEST_F(DesktopApplicationTest, isSummonedThroughTheBus) {
         {"Activate", {platformData}, "ok", {"activate"}},
         {"ActivateAction", action("toggle"), "ok", {"toggle"}},
         {"ActivateAction", action("dance"), "org.freedesktop.DBus.Error.InvalidArgs", {}},
+        {"ActivateAction", action("clipboard"), "org.freedesktop.DBus.Error.NotSupported", {}},
         {"Open", {QStringList{QStringLiteral("file:///x")}, platformData}, "ok", {}},
         {"Activate", {}, "org.freedesktop.DBus.Error.UnknownMethod", {}}, // not as the call is
         {"Explode", {platformData}, "org.freedesktop.DBus.Error.UnknownMethod", {}},

@@ -135,6 +135,25 @@ TEST(ThreadPoolWorkQueues, dropsWorkThatHasNotBegun) {
     EXPECT_LT(begun, jobs);
 }
 
+TEST(ThreadPoolWorkQueues, theEndWaitsForSavesButNotForAHangingDisk) {
+    QtMainQueue queue;
+    ThreadPoolWorkQueues work(queue);
+    std::promise<void> disk;
+    const auto answered = disk.get_future().share();
+    std::atomic<bool> hangs = false;
+    work.run(WorkPriority::utility, [answered, &hangs] {
+        hangs = true;
+        answered.wait();
+    });
+    bool saved = false;
+    work.serial("saves").submit([&saved] { saved = true; });
+    ASSERT_TRUE(spinUntil([&] { return hangs.load(); }));
+    EXPECT_FALSE(work.finish(Seconds{0.01}));
+    EXPECT_TRUE(saved);
+    disk.set_value();
+    EXPECT_TRUE(work.finish(Seconds{10}));
+}
+
 TEST(ThreadPoolWorkQueues, utilityWorkGivesWay) {
     QtMainQueue queue;
     ThreadPoolWorkQueues work(queue);

@@ -71,7 +71,7 @@ public:
         if (method == QLatin1String("Activate(a{sv})"))
             answer(message, connection, handlers_.activate);
         else if (method == QLatin1String("Open(asa{sv})"))
-            answer(message, connection, {});
+            connection.send(message.createReply());
         else if (method == QLatin1String("ActivateAction(sava{sv})"))
             activateAction(message, connection);
         else
@@ -106,12 +106,16 @@ private:
     }
 
     /// Answers before it acts: the caller need not wait for a window.
-    static void answer(const QDBusMessage& message,
-                       const QDBusConnection& connection,
-                       const std::function<void()>& action) {
+    static void
+    answer(const QDBusMessage& message, const QDBusConnection& connection, const Action& action) {
+        if (const auto* reason = std::get_if<std::string>(&action)) {
+            connection.send(message.createErrorReply(QDBusError::NotSupported,
+                                                     QString::fromStdString(*reason)));
+            return;
+        }
         connection.send(message.createReply());
-        if (action)
-            action();
+        if (const auto& act = std::get<std::function<void()>>(action))
+            act();
     }
 
     void activateAction(const QDBusMessage& message, const QDBusConnection& connection) const {

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <variant>
 
 namespace tessarine {
 
@@ -13,10 +14,13 @@ namespace tessarine {
 /// only, with Qt's event loop.
 class DesktopApplication {
 public:
+    /// What is done, or why it can't be: the caller is told in these words.
+    using Action = std::variant<std::function<void()>, std::string>;
+
     struct Handlers {
-        std::function<void()> activate;
+        Action activate;
         /// What "ActivateAction" can name. Opening files is no business of the program.
-        std::map<std::string, std::function<void()>> actions;
+        std::map<std::string, Action> actions;
         /// A sentence about why the desktop can't reach the program.
         std::function<void(const std::string&)> problem;
     };

@@ -70,8 +70,12 @@ private:
         watcher->deleteLater();
         const QDBusMessage reply = watcher->reply();
         if (reply.type() != QDBusMessage::ReplyMessage ||
-            reply.signature() != QLatin1String("a{sa{sv}}"))
-            return; // there is no portal, or not one that knows settings
+            reply.signature() != QLatin1String("a{sa{sv}}")) {
+            if (owner_.problem_)
+                owner_.problem_("no settings portal answers: " +
+                                reply.errorMessage().toStdString());
+            return;
+        }
         const auto settings = qdbus_cast<Settings>(reply.arguments().constFirst());
         for (auto group = settings.begin(); group != settings.end(); ++group) {
             for (auto each = group->begin(); each != group->end(); ++each)
@@ -98,9 +102,12 @@ private:
     PortalAppearance& owner_;
 };
 
-PortalAppearance::PortalAppearance() {
+PortalAppearance::PortalAppearance(std::function<void(const std::string&)> problem)
+    : problem_(std::move(problem)) {
     if (const auto bus = sessionBus())
         listener_ = std::make_unique<Listener>(*this, *bus);
+    else if (problem_)
+        problem_("there is no session bus to ask");
 }
 
 PortalAppearance::~PortalAppearance() = default;

@@ -3,7 +3,9 @@
 #include "launcherapp/platform/DesktopAppearance.h"
 #include "launcherapp/platform/Observers.h"
 
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace tessarine {
 
@@ -12,7 +14,8 @@ namespace tessarine {
 /// to start it first. Without a session bus or a portal nothing is ever known. Main thread only.
 class PortalAppearance : public DesktopAppearance {
 public:
-    PortalAppearance();
+    /// `problem` is told once, now or later, why nothing can be known; it may be empty.
+    explicit PortalAppearance(std::function<void(const std::string&)> problem = {});
     ~PortalAppearance() override;
 
     ColorScheme colorScheme() const override { return colorScheme_; }
@@ -27,6 +30,7 @@ private:
     ColorScheme colorScheme_ = ColorScheme::none;
     Motion motion_ = Motion::full;
     Observers<> observers_;
+    std::function<void(const std::string&)> problem_;
     std::unique_ptr<Listener> listener_;
 };
 

@@ -3,6 +3,8 @@
 #include <xcb/xcb.h>
 
 #include <QApplication>
+#include <QIcon>
+#include <QLocale>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -56,11 +58,8 @@ bool x11Answers() {
     return answers;
 }
 
-} // namespace
-
 std::unique_ptr<QCoreApplication>
-makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment) {
-    const Utf8LocaleWhileStarting locale;
+made(int& argc, char** argv, QtSurface surface, const Environment& environment) {
     if (surface != QtSurface::none && environment.hasX11 && x11Answers())
         return std::make_unique<QApplication>(argc, argv);
     if (surface == QtSurface::pictures) {
@@ -73,6 +72,46 @@ makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& 
         return application;
     }
     return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+QString desktopFile() {
+    return QStringLiteral("com.corvane.tessarine");
+}
+
+/// What the desktop knows the program by: its tray, screen readers and window switchers ask Qt.
+void identify(const Environment& environment) {
+    QCoreApplication::setApplicationName(QStringLiteral("tessarine"));
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return;
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Tessarine"));
+    QGuiApplication::setDesktopFileName(desktopFile());
+    // Qt itself goes by a translation of its own texts, of which none is shown here.
+    if (readsRightToLeft(environment))
+        QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
+} // namespace
+
+bool readsRightToLeft(const Environment& environment) {
+    return QLocale(QString::fromStdString(environment.messagesLocale)).textDirection() ==
+           Qt::RightToLeft;
+}
+
+std::unique_ptr<QCoreApplication>
+makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment) {
+    const Utf8LocaleWhileStarting locale;
+    auto application = made(argc, argv, surface, environment);
+    identify(environment);
+    return application;
+}
+
+void setApplicationIcon() {
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return;
+    // The installed one follows the icon theme; run from its build folder it has its own.
+    const QIcon own(QStringLiteral(":/tessarine/icons/%1.svg").arg(desktopFile()));
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(desktopFile(), own));
 }
 
 } // namespace tessarine

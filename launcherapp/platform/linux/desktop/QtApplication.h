@@ -14,9 +14,17 @@ enum class QtSurface {
     windows,  ///< windows and icons too, where a display answers
 };
 
+/// Whether the language of the user's desktop is written from right to left.
+bool readsRightToLeft(const Environment& environment);
+
 /// The application object that Qt needs one of, made before anything else of Qt. Falls back to
-/// `QtSurface::none` when no display can be reached. `argc` and `argv` must outlive it.
+/// `QtSurface::none` when no display can be reached. It goes on when its last window closes, since
+/// a panel is mostly hidden. `argc` and `argv` must outlive it.
 std::unique_ptr<QCoreApplication>
 makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment);
+
+/// Gives the program's windows its icon, which is looked for on the disk. Nothing happens where
+/// there are no windows.
+void setApplicationIcon();
 
 } // namespace tessarine

@@ -1,7 +1,5 @@
 #include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
 
-#include "launcherapp/platform/MainQueue.h"
-
 #include <algorithm>
 #include <sched.h>
 #include <sys/resource.h>
@@ -37,7 +35,7 @@ void giveWay() {
 } // namespace
 
 ThreadPoolWorkQueues::Lane::Lane(std::size_t threads, Niceness niceness, AtEnd atEnd)
-    : atEnd_(atEnd) {
+    : atEnd_(atEnd), working_(threads) {
     for (std::size_t i = 0; i < threads; ++i)
         threads_.emplace_back([this, niceness] { work(niceness); });
 }
@@ -46,7 +44,7 @@ ThreadPoolWorkQueues::Lane::~Lane() {
     finish();
 }
 
-void ThreadPoolWorkQueues::Lane::finish() {
+void ThreadPoolWorkQueues::Lane::beginEnd() {
     std::deque<std::function<void()>> dropped;
     {
         const std::lock_guard lock(mutex_);
@@ -55,9 +53,24 @@ void ThreadPoolWorkQueues::Lane::finish() {
             dropped.swap(waiting_);
     }
     arrived_.notify_all();
+}
+
+void ThreadPoolWorkQueues::Lane::finish() {
+    beginEnd();
     for (auto& thread : threads_)
         thread.join();
     threads_.clear();
+}
+
+bool ThreadPoolWorkQueues::Lane::finish(Seconds atMost) {
+    beginEnd();
+    {
+        std::unique_lock lock(mutex_);
+        if (!left_.wait_for(lock, atMost, [this] { return working_ == 0; }))
+            return false;
+    }
+    finish();
+    return true;
 }
 
 void ThreadPoolWorkQueues::Lane::submit(std::function<void()> job) {
@@ -73,6 +86,13 @@ void ThreadPoolWorkQueues::Lane::submit(std::function<void()> job) {
 void ThreadPoolWorkQueues::Lane::work(Niceness niceness) {
     if (niceness == Niceness::lowest)
         giveWay();
+    workUntilEnd();
+    const std::lock_guard lock(mutex_);
+    --working_;
+    left_.notify_all();
+}
+
+void ThreadPoolWorkQueues::Lane::workUntilEnd() {
     for (;;) {
         std::function<void()> job;
         {
@@ -94,17 +114,25 @@ ThreadPoolWorkQueues::ThreadPoolWorkQueues(MainQueue& mainQueue)
     wayBack_->queue = &mainQueue;
 }
 
-void ThreadPoolWorkQueues::finish() {
+bool ThreadPoolWorkQueues::finish(Seconds atMost) {
     // First those whose jobs may still add to the documents and the log.
-    userInitiated_.finish();
-    utility_.finish();
+    const auto end = mainQueue_.uptime() + atMost;
+    bool isOver = userInitiated_.finish(atMost);
+    isOver = utility_.finish(end - mainQueue_.uptime()) && isOver;
+    finishSerial();
+    return isOver;
+}
+
+void ThreadPoolWorkQueues::finishSerial() {
     // The log's queue is the first made, and the others' jobs may have something for it.
     for (auto each = serial_.rbegin(); each != serial_.rend(); ++each)
         each->second->finish();
 }
 
 ThreadPoolWorkQueues::~ThreadPoolWorkQueues() {
-    finish();
+    userInitiated_.finish();
+    utility_.finish();
+    finishSerial();
     const std::lock_guard lock(wayBack_->mutex);
     wayBack_->queue = nullptr;
 }

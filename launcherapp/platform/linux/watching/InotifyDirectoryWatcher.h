@@ -1,5 +1,6 @@
 #pragma once
 
+#include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/DirectoryWatcher.h"
 
 #include <memory>
@@ -19,6 +20,9 @@ public:
     Subscription watch(const std::vector<std::string>& directories,
                        Seconds latency,
                        std::function<void(const DirectoryChanges&)> changed) override;
+
+    /// Missing where the kernel gave no instance: then no change is ever told of.
+    Ability ability() const;
 
 private:
     class State;

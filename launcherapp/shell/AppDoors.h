@@ -1,0 +1,58 @@
+#pragma once
+
+#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/linux/desktop/DBusApplicationBus.h"
+#include "launcherapp/platform/linux/desktop/DesktopFileManager.h"
+#include "launcherapp/platform/linux/desktop/NoWindowList.h"
+#include "launcherapp/platform/linux/desktop/ThemeIcons.h"
+#include "launcherapp/platform/linux/desktop/X11WindowList.h"
+#include "launcherapp/platform/linux/files/FileResidentCopies.h"
+#include "launcherapp/platform/linux/files/PosixDirectoryReader.h"
+#include "launcherapp/platform/linux/files/PosixFileStore.h"
+#include "launcherapp/platform/linux/files/ProcMountTable.h"
+#include "launcherapp/platform/linux/files/QtFileTypes.h"
+#include "launcherapp/platform/linux/network/QtHttpClient.h"
+#include "launcherapp/platform/linux/processes/LocalDictionary.h"
+#include "launcherapp/platform/linux/processes/QtMainQueue.h"
+#include "launcherapp/platform/linux/processes/QtProcessLauncher.h"
+#include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
+#include "launcherapp/platform/linux/watching/InotifyDirectoryWatcher.h"
+#include "launcherapp/platform/linux/watching/InotifyTreeWatcher.h"
+
+#include <memory>
+
+namespace tessarine {
+
+/// The program's doors to the world. Main thread only; `App` has the one there is.
+struct AppDoors {
+    explicit AppDoors(const Environment& environment)
+        : processes(environment), icons(environment), windows(windowList(environment)),
+          copies(environment) {}
+
+    QtMainQueue queue;
+    ThreadPoolWorkQueues work{queue};
+    PosixFileStore files;
+    InotifyDirectoryWatcher watcher{queue};
+    QtProcessLauncher processes;
+    DBusApplicationBus bus{queue};
+    ThemeIcons icons;
+    std::unique_ptr<WindowList> windows;
+    FileResidentCopies copies;
+    LocalDictionary dictionary{processes};
+    std::shared_ptr<const DirectoryReader> directories = std::make_shared<PosixDirectoryReader>();
+    ProcMountTable mounts;
+    InotifyTreeWatcher trees{queue};
+    QtFileTypes fileTypes;
+    DesktopFileManager fileManager{queue};
+    QtHttpClient web;
+
+private:
+    static std::unique_ptr<WindowList> windowList(const Environment& environment) {
+        if (environment.hasX11)
+            return std::make_unique<X11WindowList>();
+        return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland "
+                                              "are not read yet");
+    }
+};
+
+} // namespace tessarine

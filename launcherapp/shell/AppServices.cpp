@@ -1,0 +1,158 @@
+#include "launcherapp/shell/AppServices.h"
+
+#include "launcherapp/platform/linux/files/SystemZone.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <exception>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// Any thread.
+double secondsRunning() {
+    return Seconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+std::string preferencesPath(const Environment& environment) {
+    return environment.configHome + "/tessarine/preferences.json";
+}
+
+} // namespace
+
+AppServices::AppServices(AppDoors& appDoors,
+                         Diagnostics& log,
+                         const SupportDirectory& supportDirectory,
+                         const Environment& runEnvironment,
+                         AppRun appRun)
+    : doors(appDoors), diagnostics(log), support(supportDirectory), environment(runEnvironment),
+      run(appRun), defaults(StateFile(doors.files,
+                                      doors.work.serial("com.corvane.tessarine.preferences"),
+                                      diagnostics,
+                                      preferencesPath(environment),
+                                      StateFile::Failures::logged),
+                            diagnostics),
+      catalog({.queue = doors.queue,
+               .work = doors.work,
+               .files = doors.files,
+               .watcher = doors.watcher,
+               .icons = doors.icons,
+               .launcher = launcher,
+               .running = running,
+               .diagnostics = diagnostics},
+              environment,
+              run.isDemonstration ? AppCatalog::Content::demonstration
+                                  : AppCatalog::Content::installed,
+              [this] { return prefs.extraAppFolders(); }),
+      walker(std::make_shared<IndexWalker>(doors.directories, secondsRunning)),
+      index({.queue = doors.queue,
+             .work = doors.work,
+             .files = doors.files,
+             .watcher = doors.trees,
+             .diagnostics = diagnostics},
+            walker,
+            volumes,
+            {.searchFolders = [this] { return prefs.searchFolders(); },
+             .foldersOnlyRoots = [this] { return prefs.foldersOnlyRoots(); }},
+            support.location() + "/index.json",
+            run.index),
+      opener({.catalog = catalog,
+              .launcher = launcher,
+              .types = doors.fileTypes,
+              .manager = doors.fileManager,
+              .diagnostics = diagnostics}),
+      usage(
+          doors.queue,
+          diagnostics,
+          {.own = stateFile("usage.json"), .synced = stateFile("synced-usage.json")},
+          [this] { return prefs.learnFromUse(); },
+          [](std::string_view) { return false; }), // no commands of the user's yet
+      rates(doors.queue,
+            doors.web,
+            diagnostics,
+            stateFile("rates.json"),
+            rateProviders(),
+            [this] { return prefs.rateSource(); }),
+      zones(doors.queue,
+            prefs,
+            {.read = [this] { return prefs.timeHome(); },
+             .write =
+                 [this](const std::string& zone) {
+                     // A mode that ends by itself leaves the settings alone.
+                     if (!run.endsByItself)
+                         prefs.timeHome.set(zone);
+                 }},
+            [zone = SystemZone(environment.timeZone)] { return zone.identifier(); }),
+      edits_(prefs.onChange([this](std::string_view key) { preferenceChanged(key); })) {}
+
+void AppServices::preferenceChanged(std::string_view key) {
+    if (key == prefs.searchFolders.key())
+        index.rootsChanged();
+    else if (key == prefs.foldersOnlyRoots.key())
+        index.rebuild(FileIndex::Force::yes);
+    else if (key == prefs.rateSource.key())
+        rates.refreshIfStale(Rates::Force::no);
+}
+
+StateFile AppServices::stateFile(const std::string& name) {
+    return {doors.files,
+            doors.work.serial("com.corvane.tessarine.state"),
+            diagnostics,
+            support.location() + "/" + name,
+            StateFile::Failures::silent};
+}
+
+SearchModel::Services AppServices::modelServices() {
+    return {.queue = doors.queue,
+            .diagnostics = diagnostics,
+            .catalog = catalog,
+            .prefs = prefs,
+            .usage = usage};
+}
+
+/// Where rates are asked for; the preferences may name other servers that speak alike.
+RateProviders AppServices::rateProviders() const {
+    RateProviders providers;
+    if (const auto address = prefs.ecbRatesAddress(); !address.empty())
+        providers.ecb = {.address = address, .page = address};
+    if (const auto address = prefs.openRatesAddress(); !address.empty())
+        providers.open = {.address = address, .page = address};
+    return providers;
+}
+
+void AppServices::loadCalculations() {
+    calculations.emplace(
+        doors.queue, stateFile("calc-history.json"), [this] { return prefs.calcHistoryEnabled(); });
+    answers.emplace(AnswerService::Services{.queue = doors.queue,
+                                            .prefs = prefs,
+                                            .rates = rates,
+                                            .zones = zones,
+                                            .calculations = *calculations},
+                    Formats::Locales{.numbers = environment.numbersLocale,
+                                     .money = environment.moneyLocale,
+                                     .dates = environment.datesLocale});
+}
+
+void AppServices::startRates() {
+    // What is typed into a mode that ends by itself is answered from the last run's rates.
+    if (run.endsByItself || run.isDemonstration)
+        rates.load();
+    else
+        rates.start();
+}
+
+void AppServices::openSettings() {
+    const auto path = preferencesPath(environment);
+    try {
+        if (!doors.files.info(path))
+            doors.files.save(path, "{}\n");
+    } catch (const std::exception& error) {
+        diagnostics.log(fmt::format("settings: {}", error.what()));
+    }
+    opener.open(path);
+}
+
+} // namespace tessarine

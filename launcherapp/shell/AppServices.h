@@ -1,0 +1,93 @@
+#pragma once
+
+#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/catalog/FileOpener.h"
+#include "launcherapp/catalog/RecentApps.h"
+#include "launcherapp/catalog/RunningApps.h"
+#include "launcherapp/index/FileIndex.h"
+#include "launcherapp/index/FolderListings.h"
+#include "launcherapp/index/MountedVolumes.h"
+#include "launcherapp/index/walk/IndexWalker.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/operations/StateFile.h"
+#include "launcherapp/query/CreditResolver.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/query/UsageStore.h"
+#include "launcherapp/shell/AppDoors.h"
+#include "launcherapp/shell/DefaultsStore.h"
+#include "launcherapp/shell/Prefs.h"
+#include "launcherapp/shell/SupportDirectory.h"
+#include "launcherapp/sources/AnswerService.h"
+#include "launcherapp/sources/CalcStore.h"
+#include "launcherapp/sources/Rates.h"
+#include "launcherapp/sources/ZoneStore.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tessarine {
+
+/// What kind of run it is.
+struct AppRun {
+    bool isDemonstration = false;
+    bool endsByItself = false; ///< a mode was asked for: this is no resident copy
+    FileIndex::Run index = FileIndex::Run::resident;
+};
+
+/// The services that every run has, over the doors; each refers to those above it. Making them
+/// starts none. Main thread only; `App` has the one there is.
+class AppServices {
+public:
+    AppServices(AppDoors& appDoors,
+                Diagnostics& log,
+                const SupportDirectory& supportDirectory,
+                const Environment& runEnvironment,
+                AppRun appRun);
+    AppServices(const AppServices&) = delete;
+    AppServices& operator=(const AppServices&) = delete;
+
+    /// The history of calculations, and the answers that read it.
+    void loadCalculations();
+    void startRates();
+
+    /// There is no window of settings: the file is made to be edited by hand.
+    void openSettings();
+
+    SearchModel::Services modelServices();
+
+    AppDoors& doors;
+    Diagnostics& diagnostics;
+    const SupportDirectory& support;
+    const Environment& environment;
+    const AppRun run;
+
+    DefaultsStore defaults;
+    Prefs prefs{defaults, environment};
+    RunningApps running{*doors.windows};
+    AppLauncher launcher{doors.queue, doors.processes, doors.bus, environment};
+    AppCatalog catalog;
+    std::shared_ptr<IndexWalker> walker;
+    MountedVolumes volumes{doors.mounts, prefs, *walker, diagnostics};
+    FileIndex index;
+    FolderListings listings{doors.queue, doors.work, doors.directories};
+    FileOpener opener;
+    UsageStore usage;
+    SearchModel model{modelServices()};
+    Rates rates;
+    ZoneStore zones;
+    CreditResolver credits{catalog, doors.icons, doors.files, environment};
+    std::optional<RecentApps> recent;
+    std::optional<CalcStore> calculations;
+    std::optional<AnswerService> answers;
+
+private:
+    StateFile stateFile(const std::string& name);
+    RateProviders rateProviders() const;
+    void preferenceChanged(std::string_view key);
+
+    Subscription edits_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "launcherapp/platform/Subscription.h"
+#include "launcherapp/query/RowFamilies.h"
+#include "launcherapp/query/rows/FileRows.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tessarine {
+
+class AnswerService;
+class AppCatalog;
+class AppLauncher;
+class CalcStore;
+class Diagnostics;
+class DictionarySource;
+class FileIndex;
+class FileOpener;
+class FolderListings;
+class RecentApps;
+class SearchModel;
+class UsageStore;
+
+/// Gives the model its families of rows and what rows can have done, of the services that there
+/// are. Main thread only; the references live as long as this.
+class RowWiring {
+public:
+    struct Services {
+        SearchModel& model;
+        AppCatalog& catalog;
+        AppLauncher& launcher;
+        FileOpener& opener;
+        FileIndex& index;
+        FolderListings& listings;
+        UsageStore& usage;
+        DictionarySource& dictionary;
+        Diagnostics& diagnostics;
+    };
+
+    /// What rows have done by the program itself.
+    struct Verbs {
+        std::function<void(const std::string& text)> copyText; ///< empty without a clipboard
+        std::function<void()> openSettings;
+        std::function<void()> quitProgram;
+    };
+
+    /// Wires everything but what is told of below. `home` is shown as "~" in paths.
+    RowWiring(Services services, Verbs verbs, std::string home);
+    RowWiring(const RowWiring&) = delete;
+    RowWiring& operator=(const RowWiring&) = delete;
+
+    void add(RecentApps& recent);
+    void add(AnswerService& answers, CalcStore& calculations);
+
+private:
+    void wireVerbs(Verbs verbs);
+    void hideBeforeVerbs();
+    void wireFiles();
+    void openUrl(const std::string& url);
+    void openDictionary(const std::string& word);
+    Rows browse(const std::string& folder, std::string_view query);
+    FileRowSources fileRowSources() const;
+
+    Services services_;
+    std::string home_;
+    std::string browsed_; ///< the folder whose entries were last shown
+    Subscription browsing_;
+};
+
+} // namespace tessarine
