@@ -147,7 +147,8 @@ struct App::Services {
     /// Older copies are gone before anything of theirs is read. A one-shot mode has no identity
     /// of its own: it leaves them alone.
     const bool isResident = becomeResident();
-    DefaultsStore defaults{StateFile(files,
+    DefaultsStore defaults{queue,
+                           StateFile(files,
                                      work.serial("com.corvane.tessarine.preferences"),
                                      diagnostics,
                                      environment.configHome + "/tessarine/preferences.json",
@@ -525,6 +526,8 @@ App::~App() = default;
 int App::run() {
     Services& services = *services_;
     services.wireModel();
+    if (services.isResident)
+        services.defaults.follow(services.watcher);
     services.catalog.start();
     services.volumes.start(
         [&index = services.index](std::string_view reason) { index.volumesChanged(reason); });

@@ -34,7 +34,8 @@ struct FakeServices {
                             platform.files,
                             [] { return "/home/u/.local/share/tessarine"; },
                             Diagnostics::Run::oneShot};
-    DefaultsStore defaults{StateFile(platform.files,
+    DefaultsStore defaults{platform.queue,
+                           StateFile(platform.files,
                                      platform.work.serial("preferences"),
                                      diagnostics,
                                      "/home/u/.config/tessarine/preferences.json",
