@@ -65,9 +65,9 @@ std::optional<std::string> StateFile::load() {
     }
 }
 
-void StateFile::loadLater(MainQueue& queue,
-                          std::function<bool(const std::string&)> understands,
-                          std::function<void()> done) {
+void StateFile::submitLoad(MainQueue& queue,
+                           std::function<bool(const std::string&)> understands,
+                           std::function<void()> done) {
     auto* const log = failures_ == Failures::logged ? &diagnostics_ : nullptr;
     damage_ = std::make_shared<Damage>();
     saves_.submit([&files = files_,

@@ -52,7 +52,7 @@ public:
     template <typename Decode, typename Done>
     void loadLater(MainQueue& queue, Decode decode, Done done) {
         auto document = std::make_shared<std::invoke_result_t<Decode&, const std::string&>>();
-        loadLater(
+        submitLoad(
             queue,
             [decode = std::move(decode), document](const std::string& text) {
                 *document = decode(text);
@@ -91,9 +91,9 @@ private:
         bool kept = false;                    ///< a copy lies beside it
     };
 
-    void loadLater(MainQueue& queue,
-                   std::function<bool(const std::string& text)> understands,
-                   std::function<void()> done);
+    void submitLoad(MainQueue& queue,
+                    std::function<bool(const std::string& text)> understands,
+                    std::function<void()> done);
 
     FileStore& files_;
     SerialQueue& saves_;

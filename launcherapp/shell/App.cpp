@@ -463,11 +463,16 @@ void App::Services::rememberHome(const std::string& zone) {
 }
 
 void App::Services::startAnswers() {
-    // What is typed into a mode that ends by itself is answered from the last run's rates.
-    if (endsByItself || demonstration.isOn())
+    // What is typed into a mode that ends by itself is answered from what the last run left.
+    if (endsByItself || demonstration.isOn()) {
+        usage.load();
         rates.load();
-    else
+        calculations.load();
+    } else {
+        usage.loadLater();
         rates.start();
+        calculations.loadLater();
+    }
     zones.start();
     AnswerService::warm(work);
 }

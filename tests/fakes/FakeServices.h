@@ -62,6 +62,8 @@ struct FakeServices {
                      [this] { return prefs.learnFromUse(); },
                      [](std::string_view) { return false; }};
 
+    FakeServices() { usage.load(); }
+
     /// A search model over these services, with the verbs that they have.
     std::unique_ptr<SearchModel> makeModel() {
         auto model = std::make_unique<SearchModel>(SearchModel::Services{.queue = platform.queue,
