@@ -76,6 +76,9 @@ public:
 
     const T& operator()() const { return value_; }
 
+    /// What holds while nothing is stored.
+    const T& byDefault() const { return byDefault_; }
+
     std::string_view key() const { return key_; }
 
     void set(T value) {
