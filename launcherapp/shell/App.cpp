@@ -3,10 +3,12 @@
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/catalog/DemonstrationApps.h"
 #include "launcherapp/catalog/FileOpener.h"
 #include "launcherapp/catalog/RecentApps.h"
 #include "launcherapp/catalog/RunningApps.h"
 #include "launcherapp/catalog/StandInApps.h"
+#include "launcherapp/index/DemonstrationFiles.h"
 #include "launcherapp/index/FileIndex.h"
 #include "launcherapp/index/FolderListings.h"
 #include "launcherapp/index/MountedVolumes.h"
@@ -48,6 +50,7 @@
 #include "launcherapp/shell/modes/Modes.h"
 #include "launcherapp/sources/AnswerService.h"
 #include "launcherapp/sources/CalcStore.h"
+#include "launcherapp/sources/DemonstrationAnswers.h"
 #include "launcherapp/sources/Rates.h"
 #include "launcherapp/sources/ZoneStore.h"
 
@@ -155,7 +158,8 @@ struct App::Services {
                                      StateFile::Failures::logged),
                            diagnostics};
     Prefs prefs{defaults, environment};
-    RunningApps running{*windows};
+    DemonstrationWindows canned{*windows};
+    RunningApps running{demonstration.isOn() ? canned : *windows};
     AppLauncher launcher{queue, processes, bus, environment};
     AppCatalog catalog{{.queue = queue,
                         .work = work,
@@ -191,7 +195,8 @@ struct App::Services {
     });
     std::string browsed; ///< the folder whose entries were last shown
     Subscription browsing;
-    FolderListings listings{queue, work, directories};
+    FolderListings listings{
+        queue, work, demonstration.isOn() ? demonstrationFolders() : directories};
     FileOpener opener{{.catalog = catalog,
                        .launcher = launcher,
                        .types = fileTypes,
@@ -212,9 +217,12 @@ struct App::Services {
     });
     ZoneStore zones{queue,
                     prefs,
-                    {.read = [this] { return prefs.timeHome(); },
+                    {.read = [this] { return home(); },
                      .write = [this](const std::string& zone) { rememberHome(zone); }},
-                    [zone = SystemZone(environment.timeZone)] { return zone.identifier(); }};
+                    [this, zone = SystemZone(environment.timeZone)] {
+                        return demonstration.isOn() ? std::string(DemonstrationAnswers::zone)
+                                                    : zone.identifier();
+                    }};
     CalcStore calculations{
         queue, stateFile("calc-history.json"), [this] { return prefs.calcHistoryEnabled(); }};
     AnswerService answers{{.queue = queue,
@@ -229,7 +237,7 @@ struct App::Services {
     RecentApps recent{running, catalog};
 
     PortalAppearance desktop;
-    Appearance appearance{prefs, desktop};
+    Appearance appearance{prefs, desktop, diagnostics};
     const PanelViewServices view{.model = model,
                                  .prefs = prefs,
                                  .appearance = appearance,
@@ -291,7 +299,9 @@ struct App::Services {
     void wireAnswers();
     void startAnswers();
     RateProviders rateProviders() const;
+    std::string home() const;
     void rememberHome(const std::string& zone);
+    void stageDemonstration();
     Rows browse(const std::string& folder, std::string_view query);
 
     FileRowSources fileRowSources() const {
@@ -456,10 +466,22 @@ RateProviders App::Services::rateProviders() const {
     return providers;
 }
 
+std::string App::Services::home() const {
+    return demonstration.isOn() ? std::string(DemonstrationAnswers::zone) : prefs.timeHome();
+}
+
 /// A mode that ends by itself leaves the settings alone.
 void App::Services::rememberHome(const std::string& zone) {
     if (!endsByItself)
         prefs.timeHome.set(zone);
+}
+
+/// Its stores lie in a folder of its own, so what is put into them goes with it.
+void App::Services::stageDemonstration() {
+    usage.restoreLocal(DemonstrationAnswers::usage(queue.now()));
+    rates.show(DemonstrationAnswers::rates());
+    for (auto& calculation : DemonstrationAnswers::calculations())
+        calculations.record(std::move(calculation));
 }
 
 void App::Services::startAnswers() {
@@ -473,6 +495,8 @@ void App::Services::startAnswers() {
         rates.start();
         calculations.loadLater();
     }
+    if (demonstration.isOn())
+        stageDemonstration();
     zones.start();
     AnswerService::warm(work);
 }
