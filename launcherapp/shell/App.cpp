@@ -479,7 +479,7 @@ void App::Services::rememberHome(const std::string& zone) {
 /// Its stores lie in a folder of its own, so what is put into them goes with it.
 void App::Services::stageDemonstration() {
     usage.restoreLocal(DemonstrationAnswers::usage(queue.now()));
-    rates.show(DemonstrationAnswers::rates());
+    rates.show(DemonstrationAnswers::rates(queue.now()));
     for (auto& calculation : DemonstrationAnswers::calculations())
         calculations.record(std::move(calculation));
 }

@@ -30,13 +30,13 @@ constexpr double hour = 3600;
 
 } // namespace
 
-RateTable DemonstrationAnswers::rates() {
+RateTable DemonstrationAnswers::rates(double now) {
     return {.base = "USD",
             .rates = {{"AUD", 1.51}, {"BRL", 5.4},  {"CAD", 1.37}, {"CHF", 0.8},  {"CNY", 7.05},
                       {"CZK", 20.8}, {"DKK", 6.4},  {"EUR", 0.86}, {"GBP", 0.75}, {"HUF", 332},
                       {"INR", 89.5}, {"JPY", 154},  {"KRW", 1450}, {"MXN", 18.2}, {"NOK", 10.1},
                       {"NZD", 1.74}, {"PLN", 3.65}, {"SEK", 9.4},  {"SGD", 1.29}, {"ZAR", 17.1}},
-            .fetched = 1768903200, // 2026-01-20 10:00:00 UTC
+            .fetched = now - 2 * hour,
             .host = "rates.example",
             .checkURL = "https://rates.example"};
 }
