@@ -55,7 +55,7 @@ struct Panel {
     SearchModel& model = *owned;
     CreditResolver credits{
         services.catalog, services.platform.icons, services.platform.files, services.environment};
-    Appearance appearance{services.prefs, desktop};
+    Appearance appearance{services.prefs, desktop, services.diagnostics};
     LauncherPanel panel{PanelViewServices{.model = model,
                                           .prefs = services.prefs,
                                           .appearance = appearance,

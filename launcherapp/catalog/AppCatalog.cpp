@@ -36,7 +36,7 @@ AppCatalog::AppCatalog(Doors doors,
 void AppCatalog::start() {
     requireMainThread(doors_.queue);
     if (content_ == Content::demonstration) {
-        publish(demonstrationApps(), registry_, 0);
+        publish(demonstrationApps(), demonstrationRegistry(), 0);
         return;
     }
     rescan();
@@ -87,8 +87,10 @@ Image AppCatalog::icon(const CatalogApp& app) {
         return kept->second;
     const auto* installed = registry_->byPath(app.path);
     auto image = installed ? doors_.icons.icon(installed->icon, iconPoints) : std::nullopt;
-    if (!image)
-        image = doors_.icons.symbol(genericSymbol, iconPoints);
+    if (!image) {
+        const auto own = demonstrationSymbol(app);
+        image = doors_.icons.symbol(own.empty() ? genericSymbol : own, iconPoints);
+    }
     return icons_.emplace(app.id, *std::move(image)).first->second;
 }
 

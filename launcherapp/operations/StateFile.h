@@ -1,13 +1,18 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace tessarine {
 
 class Diagnostics;
 class FileStore;
+class MainQueue;
 class SerialQueue;
 
 /// One whole document of the program's own on disk: read at start, saved atomically in the
@@ -26,10 +31,35 @@ public:
               std::string path,
               Failures failures);
 
+    /// What a rewriting makes of the text on disk.
+    struct Rewritten {
+        std::string text;
+        bool losesOld = false; ///< the old text holds what this one doesn't: a copy is kept
+    };
+
     const std::string& path() const { return path_; }
+
+    /// The folders whose entries change when the document does: its own, and where a link leads.
+    std::vector<std::string> folders() const;
 
     /// The document's text; nothing when there is none, or none that can be read.
     std::optional<std::string> load();
+
+    /// Reads the document on the saving queue and decodes it there; then `done` gets it on the
+    /// main thread, or nothing when there is none. A text that `decode` makes nothing of is
+    /// damaged. Until `done` the caller doesn't know the document, and so must save nothing.
+    /// `decode` gives an optional document and runs off the main thread.
+    template <typename Decode, typename Done>
+    void loadLater(MainQueue& queue, Decode decode, Done done) {
+        auto document = std::make_shared<std::invoke_result_t<Decode&, const std::string&>>();
+        submitLoad(
+            queue,
+            [decode = std::move(decode), document](const std::string& text) {
+                *document = decode(text);
+                return document->has_value();
+            },
+            [done = std::move(done), document] { done(std::move(*document)); });
+    }
 
     /// Says that the text just loaded is no document of this kind, or holds what the next save
     /// would lose.
@@ -37,21 +67,40 @@ public:
 
     void save(std::string text);
 
+    /// The text as it lies on disk once all saves given so far are done, or nothing when there is
+    /// none; read on the saving queue. `done` runs on the main thread, but not when the text
+    /// can't be read.
+    void readLater(MainQueue& queue, std::function<void(std::optional<std::string> text)> done);
+
+    /// Saves what `make` makes of the text that lies on disk at that moment, for a document that
+    /// others write too; without one, or when it can't be read and was put aside, it gets
+    /// nothing. `make` runs off the main thread; `done` gets on the main thread what was saved,
+    /// or nothing when that failed.
+    void rewrite(MainQueue& queue,
+                 std::function<Rewritten(const std::optional<std::string>& onDisk)> make,
+                 std::function<void(std::optional<std::string> saved)> done);
+
     /// Removes the document. A failure is ignored.
     void remove();
 
 private:
+    /// Once a job has it, touched by the saving queue alone.
     struct Damage {
-        std::optional<std::string> text; ///< nothing when it could not even be read
-        bool kept = false;               ///< a copy lies beside it; set by the saving queue alone
+        bool found = false;
+        std::optional<std::string> text = {}; ///< nothing when it could not even be read
+        bool kept = false;                    ///< a copy lies beside it
     };
+
+    void submitLoad(MainQueue& queue,
+                    std::function<bool(const std::string& text)> understands,
+                    std::function<void()> done);
 
     FileStore& files_;
     SerialQueue& saves_;
     Diagnostics& diagnostics_;
     std::string path_;
     Failures failures_;
-    std::shared_ptr<Damage> damaged_; ///< empty while there is none
+    std::shared_ptr<Damage> damage_ = std::make_shared<Damage>();
 };
 
 } // namespace tessarine

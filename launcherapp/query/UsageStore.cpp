@@ -14,6 +14,8 @@ namespace tessarine {
 
 namespace {
 
+using Devices = std::map<std::string, UsageLog>;
+
 constexpr std::string_view commandPrefix = "cmd:";
 
 /// The document, or an empty one; a text that is none is kept from being overwritten.
@@ -33,39 +35,86 @@ UsageStore::UsageStore(MainQueue& queue,
                        Diagnostics& diagnostics,
                        Files files,
                        std::function<bool()> learns,
-                       const std::function<bool(std::string_view)>& commandExists)
-    : queue_(queue), files_(std::move(files)), learns_(std::move(learns)),
-      log_(loaded<UsageLog>(files_.own, UsageJson::decodedLog)),
-      otherDevices_(
-          loaded<std::map<std::string, UsageLog>>(files_.synced, UsageJson::decodedDevices)) {
+                       std::function<bool(std::string_view)> commandExists)
+    : queue_(queue), diagnostics_(diagnostics), files_(std::move(files)),
+      learns_(std::move(learns)), commandExists_(std::move(commandExists)) {}
+
+void UsageStore::load() {
+    requireMainThread(queue_);
+    takeOwn(loaded<UsageLog>(files_.own, UsageJson::decodedLog));
+    takeSynced(loaded<Devices>(files_.synced, UsageJson::decodedDevices));
+}
+
+void UsageStore::loadLater() {
+    requireMainThread(queue_);
+    files_.own.loadLater(
+        queue_,
+        [](const std::string& text) { return UsageJson::decodedLog(text); },
+        [this, alive = std::weak_ptr(alive_)](std::optional<UsageLog> log) {
+            if (!alive.expired())
+                takeOwn(std::move(log).value_or(UsageLog{}));
+        });
+    files_.synced.loadLater(
+        queue_,
+        [](const std::string& text) { return UsageJson::decodedDevices(text); },
+        [this, alive = std::weak_ptr(alive_)](std::optional<Devices> devices) {
+            if (!alive.expired())
+                takeSynced(std::move(devices).value_or(Devices{}));
+        });
+}
+
+Subscription UsageStore::onLoaded(std::function<void()> loaded) {
+    return loaded_.add(std::move(loaded));
+}
+
+void UsageStore::takeOwn(UsageLog log) {
+    log_ = std::move(log);
+    isLoaded_ = true;
+    combinedCache_.reset();
+    carryOver();
+    const auto edits = std::exchange(meanwhile_, {});
+    for (const auto& edit : edits)
+        edit(log_);
+    if (!edits.empty())
+        changed();
+    loaded_.tell();
+}
+
+void UsageStore::takeSynced(Devices devices) {
+    if (knowsDevices_) // sync was faster than the disk
+        return;
+    knowsDevices_ = true;
+    otherDevices_ = std::move(devices);
+    combinedCache_.reset();
+    loaded_.tell();
+}
+
+void UsageStore::carryOver() {
     std::vector<std::string> carried;
     for (const auto& [retired, successor] : UsageLog::renamedIDs()) {
         const bool isUsers = retired.starts_with(commandPrefix) &&
-                             commandExists(retired.substr(commandPrefix.size()));
+                             commandExists_(retired.substr(commandPrefix.size()));
         if (!isUsers && log_.renameID(retired, successor))
             carried.push_back(fmt::format("{} -> {}", retired, successor));
     }
     if (carried.empty())
         return;
-    diagnostics.log(
+    diagnostics_.log(
         fmt::format("usage: carried history to replaced rows: {}", fmt::join(carried, ", ")));
     changed();
 }
 
 void UsageStore::record(std::string_view id) {
     requireMainThread(queue_);
-    if (!learns_())
-        return;
-    log_.record(id, queue_.now());
-    changed();
+    if (learns_())
+        change([id = std::string(id), at = queue_.now()](UsageLog& log) { log.record(id, at); });
 }
 
 void UsageStore::recordChoice(std::string_view query, std::string_view id) {
     requireMainThread(queue_);
-    if (!learns_())
-        return;
-    log_.recordChoice(query, id, queue_.now());
-    changed();
+    if (learns_())
+        change([query = std::string(query), id = std::string(id), at = queue_.now()](
+                   UsageLog& log) { log.recordChoice(query, id, at); });
 }
 
 const UsageLog& UsageStore::ranking() {
@@ -85,14 +134,14 @@ const UsageLog& UsageStore::ranking() {
 
 void UsageStore::restoreLocal(UsageLog log) {
     requireMainThread(queue_);
-    log_ = std::move(log);
-    changed();
+    change([log = std::move(log)](UsageLog& own) { own = log; });
 }
 
-void UsageStore::setOtherDevices(std::map<std::string, UsageLog> devices) {
+void UsageStore::setOtherDevices(Devices devices) {
     requireMainThread(queue_);
-    if (devices == otherDevices_)
+    if (knowsDevices_ && devices == otherDevices_)
         return;
+    knowsDevices_ = true;
     otherDevices_ = std::move(devices);
     combinedCache_.reset();
     files_.synced.save(UsageJson::encoded(otherDevices_));
@@ -100,14 +149,26 @@ void UsageStore::setOtherDevices(std::map<std::string, UsageLog> devices) {
 
 void UsageStore::reset() {
     requireMainThread(queue_);
-    log_ = {};
+    change([](UsageLog& log) { log = {}; });
+}
+
+/// Changes the own log. Before the document is there the change waits for it, and is made again.
+void UsageStore::change(Edit edit) {
+    edit(log_);
+    if (isLoaded_) {
+        changed();
+        return;
+    }
     combinedCache_.reset();
-    files_.own.remove();
+    meanwhile_.push_back(std::move(edit));
 }
 
 void UsageStore::changed() {
     combinedCache_.reset();
-    files_.own.save(UsageJson::encoded(log_));
+    if (log_ == UsageLog{})
+        files_.own.remove();
+    else
+        files_.own.save(UsageJson::encoded(log_));
 }
 
 } // namespace tessarine

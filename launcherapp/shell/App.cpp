@@ -69,13 +69,16 @@ struct Look {
         : desktop([&diagnostics = services.diagnostics](const std::string& problem) {
               diagnostics.log("appearance: the desktop's is not known: " + problem);
           }),
-          appearance(services.prefs, desktop), view{.model = services.model,
-                                                    .prefs = services.prefs,
-                                                    .appearance = appearance,
-                                                    .desktop = desktop,
-                                                    .icons = services.doors.icons,
-                                                    .credits = services.credits,
-                                                    .catalog = services.catalog} {}
+          appearance(services.prefs, desktop, services.diagnostics), view{.model = services.model,
+                                                                          .prefs = services.prefs,
+                                                                          .appearance = appearance,
+                                                                          .desktop = desktop,
+                                                                          .icons =
+                                                                              services.doors.icons,
+                                                                          .credits =
+                                                                              services.credits,
+                                                                          .catalog =
+                                                                              services.catalog} {}
 
     PortalAppearance desktop;
     Appearance appearance;
@@ -229,6 +232,9 @@ void App::Parts::makeServices() {
                                      .diagnostics = diagnostics},
                  std::move(verbs),
                  environment.home);
+    if (isResident)
+        made.defaults.follow(doors.watcher);
+    made.loadUsage();
 }
 
 void App::Parts::makePanel() {
@@ -248,6 +254,7 @@ void App::Parts::keepRowsFresh() {
     publications.push_back(services->catalog.onPublished(published));
     publications.push_back(services->index.onPublished(published));
     publications.push_back(services->rates.onChange(published));
+    publications.push_back(services->usage.onLoaded(published));
 }
 
 void App::Parts::registerHotkeys() {

@@ -1,6 +1,8 @@
 #include "launcherapp/shell/AppServices.h"
 
+#include "launcherapp/index/DemonstrationFiles.h"
 #include "launcherapp/platform/linux/files/SystemZone.h"
+#include "launcherapp/sources/DemonstrationAnswers.h"
 
 #include <fmt/format.h>
 
@@ -29,7 +31,8 @@ AppServices::AppServices(AppDoors& appDoors,
                          const Environment& runEnvironment,
                          AppRun appRun)
     : doors(appDoors), diagnostics(log), support(supportDirectory), environment(runEnvironment),
-      run(appRun), defaults(StateFile(doors.files,
+      run(appRun), defaults(doors.queue,
+                            StateFile(doors.files,
                                       doors.work.serial("com.corvane.tessarine.preferences"),
                                       diagnostics,
                                       preferencesPath(environment),
@@ -59,6 +62,9 @@ AppServices::AppServices(AppDoors& appDoors,
              .foldersOnlyRoots = [this] { return prefs.foldersOnlyRoots(); }},
             support.location() + "/index.json",
             run.index),
+      listings(doors.queue,
+               doors.work,
+               run.isDemonstration ? demonstrationFolders() : doors.directories),
       opener({.catalog = catalog,
               .launcher = launcher,
               .types = doors.fileTypes,
@@ -78,14 +84,17 @@ AppServices::AppServices(AppDoors& appDoors,
             [this] { return prefs.rateSource(); }),
       zones(doors.queue,
             prefs,
-            {.read = [this] { return prefs.timeHome(); },
+            {.read = [this] { return home(); },
              .write =
                  [this](const std::string& zone) {
                      // A mode that ends by itself leaves the settings alone.
                      if (!run.endsByItself)
                          prefs.timeHome.set(zone);
                  }},
-            [zone = SystemZone(environment.timeZone)] { return zone.identifier(); }),
+            [this, zone = SystemZone(environment.timeZone)] {
+                return run.isDemonstration ? std::string(DemonstrationAnswers::zone)
+                                           : zone.identifier();
+            }),
       edits_(prefs.onChange([this](std::string_view key) { preferenceChanged(key); })) {}
 
 void AppServices::preferenceChanged(std::string_view key) {
@@ -123,9 +132,36 @@ RateProviders AppServices::rateProviders() const {
     return providers;
 }
 
+/// A mode that ends by itself is answered from what the last run left, so it is there at once; a
+/// demonstration's stores are empty.
+bool AppServices::loadsAtOnce() const {
+    return run.endsByItself || run.isDemonstration;
+}
+
+std::string AppServices::home() const {
+    return run.isDemonstration ? std::string(DemonstrationAnswers::zone) : prefs.timeHome();
+}
+
+void AppServices::loadUsage() {
+    if (loadsAtOnce())
+        usage.load();
+    else
+        usage.loadLater();
+    if (run.isDemonstration)
+        usage.restoreLocal(DemonstrationAnswers::usage(doors.queue.now()));
+}
+
 void AppServices::loadCalculations() {
     calculations.emplace(
         doors.queue, stateFile("calc-history.json"), [this] { return prefs.calcHistoryEnabled(); });
+    if (loadsAtOnce())
+        calculations->load();
+    else
+        calculations->loadLater();
+    if (run.isDemonstration) {
+        for (auto& calculation : DemonstrationAnswers::calculations())
+            calculations->record(std::move(calculation));
+    }
     answers.emplace(AnswerService::Services{.queue = doors.queue,
                                             .prefs = prefs,
                                             .rates = rates,
@@ -137,11 +173,12 @@ void AppServices::loadCalculations() {
 }
 
 void AppServices::startRates() {
-    // What is typed into a mode that ends by itself is answered from the last run's rates.
-    if (run.endsByItself || run.isDemonstration)
+    if (loadsAtOnce())
         rates.load();
     else
         rates.start();
+    if (run.isDemonstration)
+        rates.show(DemonstrationAnswers::rates(doors.queue.now()));
 }
 
 void AppServices::openSettings() {

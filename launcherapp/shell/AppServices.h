@@ -2,6 +2,7 @@
 
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/catalog/DemonstrationApps.h"
 #include "launcherapp/catalog/FileOpener.h"
 #include "launcherapp/catalog/RecentApps.h"
 #include "launcherapp/catalog/RunningApps.h"
@@ -48,6 +49,8 @@ public:
     AppServices(const AppServices&) = delete;
     AppServices& operator=(const AppServices&) = delete;
 
+    /// What was learned from use.
+    void loadUsage();
     /// The history of calculations, and the answers that read it.
     void loadCalculations();
     void startRates();
@@ -65,13 +68,14 @@ public:
 
     DefaultsStore defaults;
     Prefs prefs{defaults, environment};
-    RunningApps running{*doors.windows};
+    DemonstrationWindows cannedWindows{*doors.windows};
+    RunningApps running{run.isDemonstration ? cannedWindows : *doors.windows};
     AppLauncher launcher{doors.queue, doors.processes, doors.bus, environment};
     AppCatalog catalog;
     std::shared_ptr<IndexWalker> walker;
     MountedVolumes volumes{doors.mounts, prefs, *walker, diagnostics};
     FileIndex index;
-    FolderListings listings{doors.queue, doors.work, doors.directories};
+    FolderListings listings;
     FileOpener opener;
     UsageStore usage;
     SearchModel model{modelServices()};
@@ -85,6 +89,8 @@ public:
 private:
     StateFile stateFile(const std::string& name);
     RateProviders rateProviders() const;
+    bool loadsAtOnce() const;
+    std::string home() const;
     void preferenceChanged(std::string_view key);
 
     Subscription edits_;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,34 +53,62 @@ template <> struct StoredForm<ClipRetention> {
     static std::optional<ClipRetention> fromStore(const DefaultsStore& store, std::string_view key);
 };
 
+/// What the preferences of one file have in common. Main thread only.
+struct PreferenceGroup {
+    DefaultsStore& store;
+    std::function<void(std::string_view key)> changed = nullptr; ///< after each change
+    /// By key: reads the stored value again; whether it is another one now.
+    std::map<std::string_view, std::function<bool()>> rereads = {};
+};
+
 /// One setting: its default until the user sets it, and written through to the file at once. Main
 /// thread only.
 template <typename T> class Preference {
 public:
-    using Changed = std::function<void(std::string_view key)>;
+    /// Reads the stored value.
+    Preference(PreferenceGroup& group, std::string_view key, T byDefault)
+        : group_(group), key_(key), byDefault_(std::move(byDefault)), value_(stored()) {
+        group_.rereads.emplace(key_, [this] { return reread(); });
+    }
 
-    /// Reads the stored value. `changed` is called after each `set`.
-    Preference(DefaultsStore& store, std::string_view key, T byDefault, const Changed& changed)
-        : store_(store), key_(key), changed_(changed),
-          value_(StoredForm<T>::fromStore(store, key).value_or(std::move(byDefault))) {}
+    Preference(const Preference&) = delete;
+    Preference& operator=(const Preference&) = delete;
 
     const T& operator()() const { return value_; }
+
+    /// What holds while nothing is stored.
+    const T& byDefault() const { return byDefault_; }
 
     std::string_view key() const { return key_; }
 
     void set(T value) {
         value_ = std::move(value);
-        store_.set(key_, StoredForm<T>::toStore(value_));
-        changed_(key_);
+        group_.store.set(key_, StoredForm<T>::toStore(value_));
+        group_.changed(key_);
     }
 
-    /// Replaces the value in memory alone, for a stored one that is read in a newer way.
-    void reinterpret(T value) { value_ = std::move(value); }
+    /// Takes the stored value through `newer` now and whenever it is read: in memory alone, for
+    /// one that is read in a newer way than it was written.
+    void readAs(std::function<T(const T& stored)> newer) {
+        newer_ = std::move(newer);
+        value_ = newer_(value_);
+    }
 
 private:
-    DefaultsStore& store_;
+    T stored() const { return StoredForm<T>::fromStore(group_.store, key_).value_or(byDefault_); }
+
+    bool reread() {
+        auto value = newer_ ? newer_(stored()) : stored();
+        if (value == value_)
+            return false;
+        value_ = std::move(value);
+        return true;
+    }
+
+    PreferenceGroup& group_;
     std::string_view key_;
-    const Changed& changed_;
+    T byDefault_;
+    std::function<T(const T& stored)> newer_;
     T value_;
 };
 

@@ -84,75 +84,68 @@ const Prefs::Texts& Prefs::defaultOrder() {
 }
 
 Prefs::Prefs(DefaultsStore& store, const Environment& environment)
-    : changed_([this](std::string_view key) { observers_.tell(key); }),
-      hotkey(store, "hotkey", commandSpace, changed_),
-      preset(store, "preset", AppearancePreset::ink, changed_),
-      lightPreset(store, "lightPreset", AppearancePreset::paper, changed_),
-      mode(store, "mode", AppearanceMode::automatic, changed_),
-      width(store, "width", PanelWidth::standard, changed_),
-      textScale(store, "textScale", TextScale::regular, changed_),
-      position(store, "position", PanelPosition::upper, changed_),
-      rememberedOrigin(store, "rememberedOrigin", {}, changed_),
-      resultOrder(store, "resultOrder", defaultOrder(), changed_),
-      learnFromUse(store, "learnFromUse", true, changed_),
-      settingsSyncEnabled(store, "settingsSyncEnabled", true, changed_),
-      settingsSyncHighestVersion(store, "settingsSyncHighestVersion", 0, changed_),
-      favorites(store, "favorites", {}, changed_),
-      favoriteTitles(store, "favoriteTitles", {}, changed_),
-      emptyMode(store, "emptyMode", EmptyMode::clean, changed_),
-      searchFolders(store, "searchFolders", usualFolders(environment), changed_),
-      foldersOnlyRoots(store, "foldersOnlyRoots", {}, changed_),
-      indexExternalDrives(store, "indexExternalDrives", true, changed_),
-      excludedDrives(store, "excludedDrives", {}, changed_),
-      spotlightFallback(store, "spotlightFallback", true, changed_),
-      showRunningDot(store, "showRunningDot", true, changed_),
-      resultRows(store, "resultRows", usualRows, changed_),
-      clipRows(store, "clipRows", 0, changed_),
-      clipPreviewPlacement(store, "clipPreviewPlacement", ClipPreviewPlacement::right, changed_),
-      extraAppFolders(store, "extraAppFolders", {}, changed_),
-      tookHotkeyDeliberately(store, "tookHotkeyDeliberately", false, changed_),
-      clipboardEnabled(store, "clipboardEnabled", true, changed_),
-      clipRetention(store, "clipRetention", {}, changed_),
-      clipSyncEnabled(store, "clipSyncEnabled", false, changed_),
-      clipSyncDeviceID(store, "clipSyncDeviceID", {}, changed_),
-      clipSyncLamport(store, "clipSyncLamport", 0, changed_),
-      clipSyncLastSync(store, "clipSyncLastSync", 0, changed_),
-      clipSyncHighestVersion(store, "clipSyncHighestVersion", 0, changed_),
-      clipMaxCharacters(store, "clipMaxCharacters", longestClipping, changed_),
-      clipMoveToTopOnUse(store, "clipMoveToTopOnUse", true, changed_),
-      contactPhotosInResults(store, "contactPhotosInResults", false, changed_),
-      clipAutoPaste(store, "clipAutoPaste", true, changed_),
-      clipIgnoredApps(store, "clipIgnoredApps", {}, changed_),
-      ignoreRemoteClipboard(store, "ignoreRemoteClipboard", false, changed_),
-      ignoreRemoteClipboardFiles(store, "ignoreRemoteClipboardFiles", true, changed_),
-      ignoreRemoteClipboardImages(store, "ignoreRemoteClipboardImages", true, changed_),
-      hiddenApps(store, "hiddenApps", {}, changed_),
-      commandsFilePath(store, "commandsFilePath", {}, changed_),
-      gmailChromeProfile(store, "gmailChromeProfile", "Default", changed_),
-      clipboardHotkey(store, "clipboardHotkey", commandShiftV, changed_),
-      voiceHotkey(store, "voiceHotkey", {}, changed_),
-      voiceEnabled(store, "voiceEnabled", true, changed_),
-      autoHideFooter(store, "autoHideFooter", false, changed_),
-      companionLinks(store, "companionLinks", {}, changed_),
-      angleMode(store, "angleMode", Calc::AngleMode::degrees, changed_),
-      calcHistoryEnabled(store, "calcHistoryEnabled", true, changed_),
-      calcShowRecent(store, "calcShowRecent", true, changed_),
-      zonesFollowPerchbar(store, "zonesFollowPerchbar", true, changed_),
-      timeHomeFollowsMac(store, "timeHomeFollowsMac", false, changed_),
-      timeHome(store, "timeHome", {}, changed_),
-      calcRecentRows(store, "calcRecentRows", recentCalculations, changed_),
-      homeCurrency(store, "homeCurrency", localeCurrency(environment), changed_),
-      favoriteCurrencies(store, "favoriteCurrencies", {localeCurrency(environment)}, changed_),
-      rateSource(store, "rateSource", RateSource::ecb, changed_),
-      ecbRatesAddress(store, "ecbRatesAddress", {}, changed_),
-      openRatesAddress(store, "openRatesAddress", {}, changed_),
-      measureSystem(store, "measureSystem", MeasureSystem::usCustomary, changed_),
-      builtinKeywordWords(store, "builtinKeywordWords", {}, changed_),
-      builtinKeywordsDisabled(store, "builtinKeywordsDisabled", {}, changed_),
-      keywords_(builtinKeywordWords(),
-                {builtinKeywordsDisabled().begin(), builtinKeywordsDisabled().end()}) {
-    resultOrder.reinterpret(LearnedRank::mergeOrder(resultOrder(), defaultOrder()));
-    favorites.reinterpret(UsageLog::renamingFavorites(favorites(), UsageLog::renamedIDs()));
+    : group_{.store = store, .changed = [this](std::string_view key) { observers_.tell(key); }},
+      hotkey(group_, "hotkey", commandSpace), preset(group_, "preset", AppearancePreset::ink),
+      lightPreset(group_, "lightPreset", AppearancePreset::paper),
+      mode(group_, "mode", AppearanceMode::automatic), width(group_, "width", PanelWidth::standard),
+      textScale(group_, "textScale", TextScale::regular),
+      position(group_, "position", PanelPosition::upper),
+      rememberedOrigin(group_, "rememberedOrigin", {}),
+      resultOrder(group_, "resultOrder", defaultOrder()),
+      learnFromUse(group_, "learnFromUse", true),
+      settingsSyncEnabled(group_, "settingsSyncEnabled", true),
+      settingsSyncHighestVersion(group_, "settingsSyncHighestVersion", 0),
+      favorites(group_, "favorites", {}), favoriteTitles(group_, "favoriteTitles", {}),
+      emptyMode(group_, "emptyMode", EmptyMode::clean),
+      searchFolders(group_, "searchFolders", usualFolders(environment)),
+      foldersOnlyRoots(group_, "foldersOnlyRoots", {}),
+      indexExternalDrives(group_, "indexExternalDrives", true),
+      excludedDrives(group_, "excludedDrives", {}),
+      spotlightFallback(group_, "spotlightFallback", true),
+      showRunningDot(group_, "showRunningDot", true), resultRows(group_, "resultRows", usualRows),
+      clipRows(group_, "clipRows", 0),
+      clipPreviewPlacement(group_, "clipPreviewPlacement", ClipPreviewPlacement::right),
+      extraAppFolders(group_, "extraAppFolders", {}),
+      tookHotkeyDeliberately(group_, "tookHotkeyDeliberately", false),
+      clipboardEnabled(group_, "clipboardEnabled", true),
+      clipRetention(group_, "clipRetention", {}), clipSyncEnabled(group_, "clipSyncEnabled", false),
+      clipSyncDeviceID(group_, "clipSyncDeviceID", {}),
+      clipSyncLamport(group_, "clipSyncLamport", 0),
+      clipSyncLastSync(group_, "clipSyncLastSync", 0),
+      clipSyncHighestVersion(group_, "clipSyncHighestVersion", 0),
+      clipMaxCharacters(group_, "clipMaxCharacters", longestClipping),
+      clipMoveToTopOnUse(group_, "clipMoveToTopOnUse", true),
+      contactPhotosInResults(group_, "contactPhotosInResults", false),
+      clipAutoPaste(group_, "clipAutoPaste", true), clipIgnoredApps(group_, "clipIgnoredApps", {}),
+      ignoreRemoteClipboard(group_, "ignoreRemoteClipboard", false),
+      ignoreRemoteClipboardFiles(group_, "ignoreRemoteClipboardFiles", true),
+      ignoreRemoteClipboardImages(group_, "ignoreRemoteClipboardImages", true),
+      hiddenApps(group_, "hiddenApps", {}), commandsFilePath(group_, "commandsFilePath", {}),
+      gmailChromeProfile(group_, "gmailChromeProfile", "Default"),
+      clipboardHotkey(group_, "clipboardHotkey", commandShiftV),
+      voiceHotkey(group_, "voiceHotkey", {}), voiceEnabled(group_, "voiceEnabled", true),
+      autoHideFooter(group_, "autoHideFooter", false), companionLinks(group_, "companionLinks", {}),
+      angleMode(group_, "angleMode", Calc::AngleMode::degrees),
+      calcHistoryEnabled(group_, "calcHistoryEnabled", true),
+      calcShowRecent(group_, "calcShowRecent", true),
+      zonesFollowPerchbar(group_, "zonesFollowPerchbar", true),
+      timeHomeFollowsMac(group_, "timeHomeFollowsMac", false), timeHome(group_, "timeHome", {}),
+      calcRecentRows(group_, "calcRecentRows", recentCalculations),
+      homeCurrency(group_, "homeCurrency", localeCurrency(environment)),
+      favoriteCurrencies(group_, "favoriteCurrencies", {localeCurrency(environment)}),
+      rateSource(group_, "rateSource", RateSource::ecb),
+      ecbRatesAddress(group_, "ecbRatesAddress", {}),
+      openRatesAddress(group_, "openRatesAddress", {}),
+      measureSystem(group_, "measureSystem", MeasureSystem::usCustomary),
+      builtinKeywordWords(group_, "builtinKeywordWords", {}),
+      builtinKeywordsDisabled(group_, "builtinKeywordsDisabled", {}) {
+    resultOrder.readAs(
+        [](const Texts& stored) { return LearnedRank::mergeOrder(stored, defaultOrder()); });
+    favorites.readAs([](const Texts& stored) {
+        return UsageLog::renamingFavorites(stored, UsageLog::renamedIDs());
+    });
+    readKeywords();
+    edits_ = store.onEdit([this](const Texts& keys) { edited(keys); });
     if (clipSyncDeviceID().empty())
         clipSyncDeviceID.set(randomUuid());
     if (!store.value<bool>(unhidFooter)) {
@@ -180,6 +173,26 @@ void Prefs::enableKeyword(BuiltinKeyword keyword) {
 void Prefs::disableKeyword(BuiltinKeyword keyword) {
     keywords_.disable(keyword);
     storeDisabledKeywords();
+}
+
+void Prefs::readKeywords() {
+    keywords_ = Keywords(builtinKeywordWords(),
+                         {builtinKeywordsDisabled().begin(), builtinKeywordsDisabled().end()});
+}
+
+/// All are read before any is told: whoever is told of one setting may read another.
+void Prefs::edited(const Texts& keys) {
+    std::vector<std::string_view> changed;
+    for (const auto& key : keys) {
+        const auto found = group_.rereads.find(key);
+        if (found != group_.rereads.end() && found->second())
+            changed.push_back(found->first);
+    }
+    readKeywords();
+    if (clipSyncDeviceID().empty())
+        clipSyncDeviceID.set(randomUuid());
+    for (const auto key : changed)
+        observers_.tell(key);
 }
 
 void Prefs::storeDisabledKeywords() {

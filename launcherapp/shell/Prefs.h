@@ -104,7 +104,7 @@ class Prefs {
     // First, as every setting below reads and reports through them.
 private:
     Observers<std::string_view> observers_;
-    std::function<void(std::string_view key)> changed_;
+    PreferenceGroup group_;
 
 public:
     using Texts = std::vector<std::string>;
@@ -118,7 +118,7 @@ public:
     Prefs(const Prefs&) = delete;
     Prefs& operator=(const Prefs&) = delete;
 
-    /// Calls `changed` with the key of each setting that is set.
+    /// Calls `changed` with the key of each setting that is set, here or by an edit of the file.
     Subscription onChange(std::function<void(std::string_view key)> changed);
 
     Preference<HotkeyBinding> hotkey;
@@ -196,8 +196,11 @@ public:
 
 private:
     void storeDisabledKeywords();
+    void readKeywords();
+    void edited(const Texts& keys);
 
     Keywords keywords_;
+    Subscription edits_;
 };
 
 } // namespace tessarine

@@ -6,16 +6,19 @@
 #include "launcherapp/platform/Subscription.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessarine {
 
 class MainQueue;
 
-/// The live history of calculations: loaded at start, saved in the background after each change,
-/// and what the calculator reads its names from. Main thread only.
+/// The live history of calculations, saved in the background after each change, and what the
+/// calculator reads its names from. Empty until it is loaded, but for what is filed meanwhile. Main
+/// thread only.
 class CalcStore {
 public:
     /// A calculation as the panel has it. The history adds when it was made, and an id.
@@ -28,9 +31,18 @@ public:
         std::optional<std::string> assignedName;
     };
 
-    /// `file` is "calc-history.json"; one that is no whole history counts as empty, and a copy of
-    /// it is kept. `isEnabled` is the preference `calcHistoryEnabled`.
+    /// `file` is "calc-history.json"; `isEnabled` is the preference `calcHistoryEnabled`.
     CalcStore(MainQueue& queue, StateFile file, std::function<bool()> isEnabled);
+    CalcStore(const CalcStore&) = delete;
+    CalcStore& operator=(const CalcStore&) = delete;
+
+    /// Loads the history, at once, for a run that answers and ends. A file that is no whole history
+    /// counts as empty, and a copy of it is kept. Nothing is saved before one of the two was
+    /// called.
+    void load();
+
+    /// The same without waiting for the disk. What was done by then is done to what is found.
+    void loadLater();
 
     const CalcHistoryStore& history() const { return history_; }
 
@@ -50,10 +62,16 @@ public:
 
     void clear(CalcHistoryStore::Pinned pinned);
 
-    /// Calls `changed` after each change of the history.
+    /// Calls `changed` after each change of the history, its loading among them.
     Subscription onChange(std::function<void()> changed);
 
 private:
+    /// Whether it changed anything.
+    using Edit = std::function<bool(CalcHistoryStore&)>;
+
+    void change(Edit edit);
+    void take(CalcHistoryStore history);
+    void save();
     void changed();
 
     MainQueue& queue_;
@@ -62,6 +80,9 @@ private:
     CalcHistoryStore history_;
     Calc::Variables variables_;
     Observers<> observers_;
+    bool isLoaded_ = false;
+    std::vector<Edit> meanwhile_;                          ///< made before the history was there
+    std::shared_ptr<int> alive_ = std::make_shared<int>(); ///< for what comes back later
 };
 
 } // namespace tessarine

@@ -56,21 +56,40 @@ Rates::Rates(MainQueue& queue,
 void Rates::load() {
     requireMainThread(queue_);
     const auto text = cache_.load();
-    auto table = text ? RateTableJson::decoded(*text) : std::nullopt;
-    if (!table)
-        return;
-    table_ = std::make_shared<const RateTable>(*std::move(table));
+    if (auto table = text ? RateTableJson::decoded(*text) : std::nullopt)
+        show(*std::move(table));
+}
+
+void Rates::show(RateTable table) {
+    requireMainThread(queue_);
+    table_ = std::make_shared<const RateTable>(std::move(table));
     changed_.tell();
 }
 
 void Rates::start() {
-    load();
-    refreshIfStale(Force::no);
+    requireMainThread(queue_);
+    loading_ = true;
+    using Cached = std::optional<RateTable>;
+    cache_.loadLater(
+        queue_,
+        // Always a document, if one without a table: a broken cache is not worth a copy.
+        [](const std::string& text) { return std::optional(RateTableJson::decoded(text)); },
+        [this, alive = std::weak_ptr(alive_)](const std::optional<Cached>& cached) {
+            if (alive.expired())
+                return;
+            loading_ = false;
+            const auto table = cached.value_or(Cached());
+            if (table && !table_) // an answer may have been faster than the disk
+                show(*table);
+            refreshIfStale(Force::no);
+        });
     timer_ = queue_.every(checkInterval, checkTolerance, [this] { refreshIfStale(Force::no); });
 }
 
 void Rates::refreshIfStale(Force force) {
     requireMainThread(queue_);
+    if (loading_ && force == Force::no) // what is loaded decides
+        return;
     const auto& asked = provider();
     const auto host = asked.host();
     if (asking_ == host)

@@ -54,8 +54,12 @@ public:
     /// that is broken counts as none.
     void load();
 
-    /// Loads the cache, refreshes if it is stale, and looks again every hour.
+    /// Loads the cache without waiting for the disk, refreshes if it is stale, and looks again
+    /// every hour.
     void start();
+
+    /// Shows a table that nobody was asked for, as in a demonstration. It is not saved.
+    void show(RateTable table);
 
     /// Asks the selected source, unless the table is its and younger than twelve hours. To be
     /// called when the preference changes.
@@ -93,10 +97,12 @@ private:
     std::function<RateSource()> source_;
     std::shared_ptr<const RateTable> table_;
     std::optional<std::string> lastError_;
+    bool loading_ = false;
     std::optional<std::string> asking_; ///< the host that is being asked
     Observers<> changed_;
     Subscription request_;
     Subscription timer_;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(); ///< for what comes back later
 };
 
 } // namespace tessarine

@@ -34,7 +34,8 @@ struct FakeServices {
                             platform.files,
                             [] { return "/home/u/.local/share/tessarine"; },
                             Diagnostics::Run::oneShot};
-    DefaultsStore defaults{StateFile(platform.files,
+    DefaultsStore defaults{platform.queue,
+                           StateFile(platform.files,
                                      platform.work.serial("preferences"),
                                      diagnostics,
                                      "/home/u/.config/tessarine/preferences.json",
@@ -60,6 +61,8 @@ struct FakeServices {
                      {.own = usageFile("usage.json"), .synced = usageFile("synced-usage.json")},
                      [this] { return prefs.learnFromUse(); },
                      [](std::string_view) { return false; }};
+
+    FakeServices() { usage.load(); }
 
     /// A search model over these services, with the verbs that they have.
     std::unique_ptr<SearchModel> makeModel() {

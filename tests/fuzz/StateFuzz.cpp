@@ -43,7 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         platform.files,
         [] { return "/data"; },
         Diagnostics::Run::oneShot);
-    DefaultsStore store(StateFile(platform.files,
+    DefaultsStore store(platform.queue,
+                        StateFile(platform.files,
                                   platform.work.serial("preferences"),
                                   diagnostics,
                                   path,

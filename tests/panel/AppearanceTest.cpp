@@ -68,7 +68,7 @@ protected:
 
     FakeServices services;
     FakeDesktopAppearance desktop;
-    Appearance appearance{services.prefs, desktop};
+    Appearance appearance{services.prefs, desktop, services.diagnostics};
     int changes = 0;
     Subscription subscription;
 };
@@ -116,6 +116,20 @@ TEST_F(AppearanceTest, anOverrideIsStoredNowhere) {
     appearance.setOverride(std::nullopt);
     EXPECT_EQ(appearance.preset(), AppearancePreset::ember);
     EXPECT_EQ(writes, 0);
+}
+
+TEST_F(AppearanceTest, aPresetOfTheWrongToneStandsForTheDefaultAndIsTold) {
+    services.prefs.preset.set(AppearancePreset::paper);
+    services.prefs.lightPreset.set(AppearancePreset::forest);
+    services.prefs.mode.set(AppearanceMode::dark);
+    EXPECT_EQ(appearance.preset(), AppearancePreset::ink);
+    services.prefs.mode.set(AppearanceMode::light);
+    EXPECT_EQ(appearance.preset(), AppearancePreset::paper);
+    const auto log = services.log();
+    EXPECT_NE(log.find(" appearance: paper is no dark preset; ink stands for it\n"),
+              std::string::npos);
+    EXPECT_NE(log.find(" appearance: forest is no light preset; paper stands for it\n"),
+              std::string::npos);
 }
 
 } // namespace

@@ -104,7 +104,7 @@ protected:
     int dismissals = 0;
     CreditResolver credits{
         services.catalog, services.platform.icons, services.platform.files, services.environment};
-    Appearance appearance{services.prefs, desktop};
+    Appearance appearance{services.prefs, desktop, services.diagnostics};
     LauncherPanel panel{PanelViewServices{.model = model,
                                           .prefs = services.prefs,
                                           .appearance = appearance,

@@ -11,13 +11,15 @@
 namespace tessarine {
 
 class DesktopAppearance;
+class Diagnostics;
 
 /// Which palette holds now: the user's dark or light preset, as the settings say or as the desktop
-/// has it. Reads the settings and never writes them. Main thread only.
+/// has it. A preset of the wrong tone, as only an edit of the file can choose, counts for nothing
+/// and is logged. Reads the settings and never writes them. Main thread only.
 class Appearance {
 public:
     /// Follows both from now on.
-    Appearance(Prefs& prefs, DesktopAppearance& desktop);
+    Appearance(Prefs& prefs, DesktopAppearance& desktop, Diagnostics& diagnostics);
     Appearance(const Appearance&) = delete;
     Appearance& operator=(const Appearance&) = delete;
 
@@ -32,10 +34,13 @@ public:
     Subscription onChange(std::function<void()> changed);
 
 private:
+    AppearancePreset chosen(Palette::Tone tone) const;
+    void check(Palette::Tone tone);
     void reconsider();
 
     const Prefs& prefs_;
     const DesktopAppearance& desktop_;
+    Diagnostics& diagnostics_;
     std::optional<AppearancePreset> override_;
     AppearancePreset shown_;
     Subscription prefsChanges_;

@@ -130,6 +130,7 @@ TEST_F(SearchModelTest, picksInOneRunChangeTheOrderOfTheNext) {
         {.own = next.usageFile("usage.json"), .synced = next.usageFile("synced-usage.json")},
         [] { return true; },
         [](std::string_view) { return false; });
+    again.load();
     SearchModel nextModel({.queue = next.platform.queue,
                            .diagnostics = next.diagnostics,
                            .catalog = next.catalog,

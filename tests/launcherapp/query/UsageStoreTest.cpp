@@ -13,7 +13,14 @@ using testing::HasSubstr;
 
 class UsageStoreTest : public testing::Test {
 protected:
+    /// Loaded at once.
     std::unique_ptr<UsageStore> start() {
+        auto store = make();
+        store->load();
+        return store;
+    }
+
+    std::unique_ptr<UsageStore> make() {
         const auto file = [this](const std::string& name) {
             return StateFile(platform.files,
                              platform.work.serial("usage"),
@@ -120,6 +127,57 @@ TEST_F(UsageStoreTest, aDocumentThatIsNoneIsKept) {
     store = start();
     store->record("c"); // no message, no exception, and the log goes on
     EXPECT_TRUE(store->ranking().items.contains("c"));
+}
+
+TEST_F(UsageStoreTest, whatIsRecordedBeforeTheFileIsReadIsAddedToIt) {
+    UsageLog before;
+    before.record("a", 1);
+    before.recordChoice("term", "a", 1);
+    UsageLog other;
+    other.record("a", 2);
+    platform.files.file("/data/usage.json", UsageJson::encoded(before));
+    platform.files.file("/data/synced-usage.json", UsageJson::encoded({{"d2", other}}));
+    auto store = make();
+    store->loadLater();
+    int loads = 0;
+    const auto watch = store->onLoaded([&] { ++loads; });
+    EXPECT_EQ(store->ranking(), UsageLog{}) << "the disk is not waited for";
+    store->record("a");
+    store->recordChoice("term", "a");
+    EXPECT_EQ(store->ranking().items.at("a").total, 1);
+    platform.time.settle();
+    EXPECT_EQ(loads, 2);
+    EXPECT_EQ(store->log().items.at("a").total, 2);
+    EXPECT_EQ(store->log().items.at("a").launches.back(), platform.queue.epoch);
+    EXPECT_EQ(store->log().affinity("term", "a", 0), 1200);
+    EXPECT_EQ(store->ranking().items.at("a").total, 3);
+    EXPECT_EQ(text("usage.json"), UsageJson::encoded(store->log()));
+}
+
+TEST_F(UsageStoreTest, whatReplacesTheFileBeforeItIsReadReplacesIt) {
+    UsageLog before;
+    before.record("a", 1);
+    platform.files.file("/data/usage.json", UsageJson::encoded(before));
+    platform.files.file("/data/synced-usage.json", UsageJson::encoded({{"d2", before}}));
+    auto store = make();
+    store->loadLater();
+    store->reset();
+    store->setOtherDevices({});
+    platform.time.settle();
+    EXPECT_EQ(store->ranking(), UsageLog{});
+    EXPECT_EQ(text("usage.json"), "(absent)");
+    EXPECT_EQ(text("synced-usage.json"), "{}");
+}
+
+TEST_F(UsageStoreTest, aDocumentThatIsNoneIsKeptWhoeverReadsIt) {
+    platform.files.file("/data/usage.json", "{broken");
+    auto store = make();
+    store->loadLater();
+    store->record("b");
+    EXPECT_THAT(text("usage.json"), HasSubstr("\"b\""));
+    EXPECT_EQ(text("usage.json.damaged"), "{broken");
+    make()->loadLater(); // and one that goes before its documents come is not told of them
+    platform.time.settle();
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <optional>
+
 namespace tessarine {
 namespace {
 
@@ -24,7 +26,8 @@ struct Start {
               platform.files,
               [] { return "/data"; },
               Diagnostics::Run::oneShot),
-          store(StateFile(platform.files,
+          store(platform.queue,
+                StateFile(platform.files,
                           platform.work.serial("preferences"),
                           diagnostics,
                           path,
@@ -165,7 +168,8 @@ TEST_F(PrefsTest, whatOneKeyHoldsIsNotLostUnseen) {
     start.prefs.clipRows.set(4); // leaves the list as it was written
     EXPECT_EQ(onDisk().at("favorites").size(), 3u);
     start.prefs.favorites.set({"c"});
-    EXPECT_EQ(text(std::string(path) + ".damaged"), byHand);
+    EXPECT_EQ(nlohmann::json::parse(text(std::string(path) + ".damaged")).at("favorites").dump(),
+              R"(["a",7,"b"])");
     EXPECT_EQ(onDisk().at("favorites").size(), 1u);
     EXPECT_EQ(onDisk().at("mine").at("x"), 1);
 }
@@ -195,6 +199,148 @@ TEST_F(PrefsTest, aFolderInItsPlaceIsMovedAsideAndAnUnwritableOneTold) {
     EXPECT_THAT(text("/data/tessarine.log"), HasSubstr("/config/preferences.json"));
     platform.files.allow("/config");
     EXPECT_EQ(onDisk().at("clipRows"), 4);
+}
+
+/// A run that follows the file, and what it was told of.
+class EditedPrefsTest : public PrefsTest {
+protected:
+    void begin(const std::string& text) {
+        platform.files.file(path, text);
+        start.emplace(platform);
+        start->store.follow(platform.watcher);
+        changes = start->prefs.onChange([this](std::string_view key) { told.emplace_back(key); });
+        platform.time.settle();
+    }
+
+    void edit(const std::string& text) {
+        platform.files.file(path, text);
+        look();
+    }
+
+    /// What the watcher tells of anything in the folder.
+    void look() {
+        platform.watcher.fire("/config");
+        platform.time.advance(Seconds{0.5});
+    }
+
+    const std::string marks = R"("clipSyncDeviceID": "d", "didUnhideFooter2026_09_10": true)";
+    std::optional<Start> start;
+    Subscription changes;
+    std::vector<std::string> told;
+};
+
+TEST_F(EditedPrefsTest, anEditCountsAtOnceAndTellsOnlyWhatItChanged) {
+    begin("{" + marks + R"(, "resultRows": 5, "width": "wide", "favorites": ["x"]})");
+    std::int64_t rowsWhenTold = 0;
+    const auto watch = start->prefs.onChange([&](std::string_view key) {
+        if (key == "mode")
+            rowsWhenTold = start->prefs.resultRows();
+    });
+    edit("{" + marks + R"(, "resultRows": 7, "mode": "dark", "favorites": ["x"], "mine": 1,
+        "resultOrder": ["files", "apps"], "builtinKeywordsDisabled": ["slack"], "emptyMode": "hologram"})");
+    EXPECT_THAT(told,
+                testing::UnorderedElementsAre(
+                    "builtinKeywordsDisabled", "mode", "resultOrder", "resultRows", "width"));
+    EXPECT_EQ(start->prefs.resultRows(), 7);
+    EXPECT_EQ(rowsWhenTold, 7) << "all are read before any is told";
+    EXPECT_EQ(start->prefs.width(), PanelWidth::standard) << "taken away: the default";
+    EXPECT_EQ(start->prefs.resultOrder().size(), Prefs::defaultOrder().size());
+    EXPECT_FALSE(start->prefs.keywords().isEnabled(BuiltinKeyword::slack));
+    look(); // something else in the folder
+    EXPECT_EQ(told.size(), 5u);
+}
+
+TEST_F(EditedPrefsTest, ownSavesAreNoEdits) {
+    begin("{" + marks + "}");
+    start->prefs.resultRows.set(4);
+    platform.watcher.fire("/config"); // told of a change before it is saved, and after
+    start->prefs.resultRows.set(5);
+    look();
+    EXPECT_EQ(start->prefs.resultRows(), 5);
+    EXPECT_THAT(told, ElementsAre("resultRows", "resultRows"));
+    EXPECT_EQ(onDisk().at("resultRows"), 5);
+}
+
+TEST_F(EditedPrefsTest, aSaveLeavesAnEditThatWasNotSeenYet) {
+    begin("{" + marks + R"(, "clipRows": 3, "width": "wide"})");
+    // Without a word from the watcher: a desktop may have run out of watches.
+    platform.files.file(path, "{" + marks + R"(, "clipRows": 6, "hiddenApps": ["a"]})");
+    start->prefs.resultRows.set(4);
+    const auto stored = onDisk();
+    EXPECT_EQ(stored.at("clipRows"), 6);
+    EXPECT_EQ(stored.at("hiddenApps").size(), 1u);
+    EXPECT_EQ(stored.at("resultRows"), 4);
+    EXPECT_FALSE(stored.contains("width"));
+    EXPECT_EQ(start->prefs.clipRows(), 6) << "the save has found it";
+    EXPECT_THAT(told, ElementsAre("resultRows", "clipRows", "hiddenApps", "width"));
+    // Of two that change one key, the later one counts.
+    platform.files.file(path, "{" + marks + R"(, "resultRows": 8})");
+    start->prefs.resultRows.set(2);
+    EXPECT_EQ(onDisk().at("resultRows"), 2);
+    EXPECT_EQ(start->prefs.resultRows(), 2);
+}
+
+TEST_F(EditedPrefsTest, aFileThatDoesNotParseKeepsWhatStands) {
+    begin("{" + marks + R"(, "resultRows": 5})");
+    const std::string broken = "{" + marks + R"(, "resultRows": 7,)";
+    edit(broken);
+    look();
+    EXPECT_THAT(told, IsEmpty());
+    EXPECT_EQ(start->prefs.resultRows(), 5);
+    const auto log = text("/data/tessarine.log");
+    const auto line = log.find("is no JSON object; what stood before counts");
+    ASSERT_NE(line, std::string::npos);
+    EXPECT_EQ(log.find("is no JSON object", line + 1), std::string::npos) << "one line";
+    start->prefs.clipRows.set(2);
+    EXPECT_EQ(text(std::string(path) + ".damaged"), broken);
+    EXPECT_EQ(onDisk().at("resultRows"), 5) << "all that stood is there again";
+    platform.files.forbid(path); // nor does one that can't be read at all take anything away
+    look();
+    EXPECT_EQ(start->prefs.resultRows(), 5);
+    platform.files.allow(path);
+    edit("{" + marks + R"(, "resultRows": 7})");
+    EXPECT_EQ(start->prefs.resultRows(), 7);
+}
+
+TEST_F(EditedPrefsTest, anEditorMaySaveByRename) {
+    begin("{" + marks + R"(, "resultRows": 5})");
+    // The old file moved away first, as some editors do: for a moment there is none.
+    platform.files.rename(path, std::string(path) + "~");
+    platform.watcher.fire("/config");
+    platform.time.settle();
+    platform.files.file("/config/.new", "{" + marks + R"(, "resultRows": 7})");
+    platform.files.rename("/config/.new", path);
+    look();
+    EXPECT_EQ(start->prefs.resultRows(), 7);
+    EXPECT_THAT(told, ElementsAre("resultRows")) << "never the default in between";
+    platform.files.remove(path);
+    look();
+    EXPECT_EQ(start->prefs.resultRows(), 9) << "a file that is gone sets nothing";
+    EXPECT_NE(start->prefs.clipSyncDeviceID(), "");
+    EXPECT_FALSE(onDisk().contains("resultRows"));
+}
+
+TEST_F(EditedPrefsTest, aChangeWhoseSaveFailedIsSavedWithTheNext) {
+    begin("{" + marks + R"(, "resultRows": 5})");
+    platform.files.forbid("/config");
+    start->prefs.resultRows.set(6);
+    platform.time.settle();
+    platform.files.allow("/config");
+    look(); // the file still has the old value, but nobody edited it
+    EXPECT_EQ(start->prefs.resultRows(), 6);
+    start->prefs.clipRows.set(2);
+    EXPECT_EQ(onDisk().at("resultRows"), 6);
+}
+
+TEST_F(EditedPrefsTest, aLinkedFileIsFollowedToWhereItLies) {
+    platform.files.file("/dotfiles/tessarine.json", "{" + marks + "}");
+    platform.files.link(path, "/dotfiles/tessarine.json");
+    start.emplace(platform);
+    start->store.follow(platform.watcher);
+    platform.files.file("/dotfiles/tessarine.json", "{" + marks + R"(, "resultRows": 7})");
+    platform.watcher.fire("/dotfiles");
+    platform.time.advance(Seconds{0.5});
+    EXPECT_EQ(start->prefs.resultRows(), 7);
 }
 
 } // namespace

@@ -18,7 +18,14 @@ using testing::UnorderedElementsAre;
 
 class CalcStoreTest : public testing::Test {
 protected:
+    /// Loaded at once.
     std::unique_ptr<CalcStore> start() {
+        auto store = make();
+        store->load();
+        return store;
+    }
+
+    std::unique_ptr<CalcStore> make() {
         return std::make_unique<CalcStore>(platform.queue,
                                            StateFile(platform.files,
                                                      platform.work.serial("calculations"),
@@ -106,6 +113,23 @@ TEST_F(CalcStoreTest, aHistoryThatCannotBeReadIsKept) {
     store->record({.expression = "3+3", .formatted = "6", .value = 6});
     platform.time.settle();
     EXPECT_EQ(store->variables().at("ans"), 6) << "the history in memory goes on";
+}
+
+TEST_F(CalcStoreTest, whatIsDoneBeforeTheFileIsReadIsDoneToIt) {
+    start()->record({.expression = "rent = 800", .value = 800, .assignedName = "rent"});
+    platform.time.settle();
+    auto store = make();
+    store->loadLater();
+    int changes = 0;
+    const auto subscription = store->onChange([&] { ++changes; });
+    EXPECT_TRUE(store->variables().empty()) << "the disk is not waited for";
+    store->record({.expression = "1+1", .formatted = "2", .value = 2});
+    store->pin(store->history().entries().front().id);
+    const auto before = text(); // which lets the file arrive, and saves
+    EXPECT_EQ(changes, 3);
+    EXPECT_THAT(store->variables(), UnorderedElementsAre(Pair("ans", 2), Pair("rent", 800)));
+    EXPECT_TRUE(store->history().entries().front().pinned);
+    EXPECT_EQ(before, CalcHistoryJson::encoded(store->history()));
 }
 
 } // namespace

@@ -68,6 +68,7 @@ TEST_F(RatesTest, fetchesATableAndKeepsItForTheNextRun) {
     int changes = 0;
     const auto watch = rates->onChange([&] { ++changes; });
     rates->start();
+    platform.time.settle();
     EXPECT_TRUE(rates->refreshing());
     EXPECT_FALSE(rates->table());
     EXPECT_THAT(rates->available(), IsEmpty());
@@ -103,6 +104,19 @@ TEST_F(RatesTest, isAskedAgainAfterTwelveHoursOnTheHour) {
     rates->refreshIfStale(Rates::Force::yes);
     rates->refreshIfStale(Rates::Force::yes); // while the first is under way
     EXPECT_EQ(web.asked.size(), 3U);
+}
+
+TEST_F(RatesTest, aStartWaitsForNoDiskAndAsksOnlyForWhatItLacks) {
+    started();
+    const auto rates = make();
+    rates->start();
+    EXPECT_FALSE(rates->table());
+    rates->refreshIfStale(Rates::Force::no); // the preference changes before the cache is read
+    EXPECT_FALSE(rates->refreshing());
+    platform.time.advance(Seconds{1});
+    ASSERT_TRUE(rates->table());
+    EXPECT_EQ(rates->table()->rate("EUR"), 0.92);
+    EXPECT_EQ(web.asked.size(), 1U) << "the cache is fresh";
 }
 
 TEST_F(RatesTest, aTimeFromTheFutureIsStale) {

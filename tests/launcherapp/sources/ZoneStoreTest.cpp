@@ -26,7 +26,8 @@ protected:
                             platform.files,
                             [] { return "/data"; },
                             Diagnostics::Run::oneShot};
-    DefaultsStore defaults{StateFile(platform.files,
+    DefaultsStore defaults{platform.queue,
+                           StateFile(platform.files,
                                      platform.work.serial("preferences"),
                                      diagnostics,
                                      "/config/preferences.json",

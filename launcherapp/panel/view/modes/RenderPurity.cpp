@@ -54,7 +54,8 @@ private:
 /// Whether the watch sees a write, tried on settings of its own.
 bool directWriteIsSeen(ModeContext& context) {
     auto& services = *context.indexing;
-    DefaultsStore store(StateFile(context.files,
+    DefaultsStore store(context.queue,
+                        StateFile(context.files,
                                   services.work.serial("com.corvane.tessarine.purity"),
                                   services.diagnostics,
                                   fmt::format("{}/tsr-purity-{}/preferences.json",
