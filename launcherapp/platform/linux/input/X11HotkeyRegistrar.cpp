@@ -384,7 +384,7 @@ std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue) {
     // Qt takes the display that a Wayland compositor keeps for X11 programs where it has nothing
     // to speak Wayland with.
     if (!connection || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-        X11InputDevices(connection).areWayland())
+        isWaylandsDisplay(connection))
         return std::make_unique<NoHotkeyRegistrar>(
             "only X11 sessions let programs take keys, and this is none");
     return std::make_unique<X11HotkeyRegistrar>(queue);

@@ -1,11 +1,13 @@
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
 
+#include <xcb/randr.h>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 
 namespace tessarine {
 
@@ -32,7 +34,6 @@ xcb_window_t rootOf(xcb_connection_t* connection) {
 } // namespace
 
 X11InputDevices::X11InputDevices(xcb_connection_t* connection) : connection_(connection) {
-    areWayland_ = hasExtension(connection, "XWAYLAND"); // from its version 23.1 on
     const auto* extension = xcb_get_extension_data(connection, &xcb_input_id);
     if (!extension || !extension->present)
         return;
@@ -44,11 +45,6 @@ X11InputDevices::X11InputDevices(xcb_connection_t* connection) : connection_(con
     keyboards_ = {XCB_INPUT_DEVICE_ALL, XCB_INPUT_DEVICE_ALL_MASTER};
     for (auto each = xcb_input_xi_query_device_infos_iterator(reply.get()); each.rem > 0;
          xcb_input_xi_device_info_next(&each)) {
-        const std::string_view name(
-            xcb_input_xi_device_info_name(each.data),
-            static_cast<std::size_t>(xcb_input_xi_device_info_name_length(each.data)));
-        if (name.starts_with("xwayland-"))
-            areWayland_ = true;
         if (each.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD)
             keyboards_.push_back(each.data->deviceid);
     }
@@ -95,6 +91,29 @@ bool X11InputDevices::isGrabbed(std::span<const std::uint8_t> keyCodes,
         isGrabbed = isGrabbed || (reply && reply->num_modifiers > 0);
     }
     return isGrabbed;
+}
+
+bool isWaylandsDisplay(xcb_connection_t* connection) {
+    if (hasExtension(connection, "XWAYLAND"))
+        return true;
+    // Before its version 23.1 it shows by the names of its monitors alone.
+    if (!hasExtension(connection, "RANDR"))
+        return false;
+    const auto cookie = xcb_randr_get_screen_resources_current(connection, rootOf(connection));
+    const Owned<xcb_randr_get_screen_resources_current_reply_t> screen(
+        xcb_randr_get_screen_resources_current_reply(connection, cookie, nullptr));
+    if (!screen || screen->num_outputs == 0)
+        return false;
+    const auto output = *xcb_randr_get_screen_resources_current_outputs(screen.get());
+    const Owned<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
+        connection,
+        xcb_randr_get_output_info(connection, output, screen->config_timestamp),
+        nullptr));
+    if (!info)
+        return false;
+    const std::string_view name(
+        reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())), info->name_len);
+    return name.starts_with("XWAYLAND");
 }
 
 } // namespace tessarine

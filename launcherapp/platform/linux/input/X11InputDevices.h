@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 struct xcb_connection_t;
@@ -16,10 +15,6 @@ public:
     /// Reads the list of devices, on a connection that has agreed on a version of the extension.
     explicit X11InputDevices(xcb_connection_t* connection);
 
-    /// Whether the display is one that a Wayland compositor shows among its own windows: keys
-    /// reach it only while one of its windows has the keyboard, so grabs are granted in vain.
-    bool areWayland() const { return areWayland_; }
-
     /// Whether another program has one of the keys with one of the states through the extension.
     /// The display tells of a conflict only among grabs of one kind, and window managers grab by
     /// this one: a core grab besides it is granted, and never hears of the key.
@@ -29,7 +24,10 @@ public:
 private:
     xcb_connection_t* connection_;
     std::vector<std::uint16_t> keyboards_; ///< whose grabs count, the stand-ins for all included
-    bool areWayland_ = false;
 };
+
+/// Whether the display is one that a Wayland compositor keeps for X11 programs: keys reach it only
+/// while a window of theirs has the keyboard, so grabs are granted in vain. Waits for the answer.
+bool isWaylandsDisplay(xcb_connection_t* connection);
 
 } // namespace tessarine
