@@ -50,6 +50,14 @@ public:
         panel.relayout();
     }
 
+    /// The copy state joins when the clipboard's history is there.
+    void refreshStatusItem() {
+        const auto chord = hotkey.binding(HotkeyIDs::panel);
+        statusItem.refresh({.key = chord ? HotkeyNames::onKeyboard(*chord) : std::string(),
+                            .problem = chord ? std::string() : hotkey.statusInWords(),
+                            .copy = {}});
+    }
+
     Services services;
     LauncherPanel view{services.view};
     QtPanelWindow window{view, view.field(), makePanelSurface()};
@@ -81,7 +89,8 @@ public:
          .settings = services.openSettings,
          .quit = services.quit,
          .log = [this](const std::string& line) { services.diagnostics.log(line); }}};
-    Subscription hotkeyChanges = hotkey.onChange([this] { statusItem.setStatus(hotkey.status()); });
+    Subscription hotkeyChanges = hotkey.onChange([this] { refreshStatusItem(); });
+    Subscription activeChanges = services.windows.onActiveChanged([this] { rivals.look(); });
     std::optional<DesktopApplication> application; ///< from `start` on
 };
 
@@ -128,7 +137,7 @@ std::string DesktopPresence::invitation() const {
                            HotkeyNames::onKeyboard(*binding));
     return fmt::format("Tessarine is running, and no key brings it up: {}. Bind a key of your "
                        "desktop's to\n    gapplication action {} toggle",
-                       hotkeyStatus(),
+                       parts_->hotkey.statusInWords(),
                        ProductInfo::bundleID);
 }
 
