@@ -75,8 +75,8 @@ void HotkeyGuard::reassert(std::string_view reason) {
         return;
     }
     lastReassert_ = now;
-    services_.setup.retry();
     services_.hotkey.reassertAll(reason);
+    services_.setup.retry(); // what was lost just now may have a stand-in
 }
 
 } // namespace tessarine

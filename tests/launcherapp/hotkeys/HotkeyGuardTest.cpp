@@ -100,6 +100,14 @@ TEST_F(HotkeyGuardTest, asksAgainForAChordThatComesFreeAfterItsLauncherHasQuit) 
     EXPECT_EQ(told("hotkey re-assert"), 1u);
 }
 
+TEST_F(HotkeyGuardTest, aChordThatWasTakenFromUsHasAStandInAtOnce) {
+    start();
+    registrar.heldByOthers = {commandSpace};
+    rivals.resumeSession();
+    EXPECT_EQ(told("hotkey re-assert (session resumed): panel=failed"), 1u);
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+}
+
 TEST_F(HotkeyGuardTest, aLauncherThatShowsLateIsLeftTheChordAllTheSame) {
     start();
     EXPECT_EQ(hotkey.binding(1), commandSpace);
