@@ -52,4 +52,18 @@ std::string VirtualKeys::label(std::uint32_t code) {
     return text;
 }
 
+std::string VirtualKeys::printed(std::uint32_t code) {
+    const auto named = name(code);
+    if (named == "pageup")
+        return "Page Up";
+    if (named == "pagedown")
+        return "Page Down";
+    return named == "delete" ? "Backspace" : label(code);
+}
+
+bool VirtualKeys::isFunctionKey(std::uint32_t code) {
+    const auto named = name(code);
+    return named && named->size() > 1 && named->front() == 'f';
+}
+
 } // namespace tessarine

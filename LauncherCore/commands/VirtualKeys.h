@@ -20,4 +20,10 @@ std::optional<std::string_view> name(std::uint32_t code);
 /// without one.
 std::string label(std::uint32_t code);
 
+/// The name as Linux keyboards have it printed: "Page Up", "Backspace"; else as `label` has it.
+std::string printed(std::uint32_t code);
+
+/// F1 to F20, which type nothing and so may be chords by themselves.
+bool isFunctionKey(std::uint32_t code);
+
 } // namespace tessarine::VirtualKeys

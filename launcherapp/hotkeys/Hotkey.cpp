@@ -1,12 +1,13 @@
 #include "launcherapp/hotkeys/Hotkey.h"
 
+#include "LauncherCore/commands/VirtualKeys.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/RivalLaunchers.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -15,10 +16,18 @@ namespace tessarine {
 Hotkey::Hotkey(Services services) : services_(services) {
     services_.registrar.setEvents(
         {.pressed = [this](const HotkeyRegistrar::Press& press) { pressed(press); },
-         .keysChanged = [this] { reassertAll("keyboard changed"); }});
+         .keysChanged =
+             [this] {
+                 reassertAll("keyboard changed");
+                 keysChanges_.tell();
+             }});
 }
 
 void Hotkey::pressed(const HotkeyRegistrar::Press& press) {
+    if (const auto chord = binding(press.id); chord && *diverting_ > 0) {
+        diversions_.tell(*chord);
+        return;
+    }
     lastPressEventTime_ = press.at;
     const auto found = actions_.find(press.id);
     if (found == actions_.end())
@@ -26,6 +35,15 @@ void Hotkey::pressed(const HotkeyRegistrar::Press& press) {
     const auto action = found->second; // it may put another in its own place
     if (action)
         action();
+}
+
+Subscription Hotkey::divert(std::function<void(const HotkeyBinding&)> pressed) {
+    ++*diverting_;
+    auto listening = std::make_shared<Subscription>(diversions_.add(std::move(pressed)));
+    return Subscription([diverting = diverting_, listening] {
+        --*diverting;
+        listening->end();
+    });
 }
 
 bool Hotkey::add(const HotkeyBinding& binding,
@@ -39,34 +57,55 @@ bool Hotkey::add(const HotkeyBinding& binding,
     return false;
 }
 
+bool Hotkey::addIfFree(const HotkeyBinding& binding, std::uint32_t id) {
+    if (grab(binding, id).kind != HotkeyOutcome::Kind::registered)
+        return false;
+    hold(binding, id);
+    return true;
+}
+
 void Hotkey::remove(std::uint32_t id) {
     letGo(id);
-    bindings_.erase(id);
-    statuses_.erase(id);
     actions_.erase(id);
-    statusChanges_.tell();
+    const bool wasBound = bindings_.erase(id) > 0;
+    const bool wasTold = statuses_.erase(id) > 0;
+    if (wasBound || wasTold)
+        statusChanges_.tell();
 }
 
 bool Hotkey::take(const HotkeyBinding& binding, std::uint32_t id) {
     letGo(id);
-    // The desktop would grant it twice, and whoever came later would never hear of a press.
-    const auto other = std::ranges::find_if(
-        held_, [&](std::uint32_t each) { return bindings_.at(each) == binding; });
-    const auto outcome =
-        other == held_.end()
-            ? services_.registrar.grab(id, binding)
-            : HotkeyOutcome{.kind = HotkeyOutcome::Kind::refused,
-                            .reason = fmt::format("it is the {} hotkey", HotkeyIDs::name(*other))};
-    bindings_[id] = binding;
-    if (outcome.kind != HotkeyOutcome::Kind::registered) {
-        statuses_[id] = refusal(binding, outcome);
-        statusChanges_.tell();
-        return false;
+    const auto outcome = grab(binding, id);
+    if (outcome.kind == HotkeyOutcome::Kind::registered) {
+        hold(binding, id);
+        return true;
     }
-    held_.insert(id);
-    statuses_[id] = "registered " + HotkeyNames::display(binding);
+    bindings_[id] = binding;
+    statuses_[id] = refusal(binding, outcome);
     statusChanges_.tell();
-    return true;
+    return false;
+}
+
+HotkeyOutcome Hotkey::grab(const HotkeyBinding& binding, std::uint32_t id) {
+    const auto refused = [](std::string reason) {
+        return HotkeyOutcome{.kind = HotkeyOutcome::Kind::refused, .reason = std::move(reason)};
+    };
+    if (binding.carbonModifiers == 0 && !VirtualKeys::isFunctionKey(binding.keyCode))
+        return refused("without a modifier no other program would get that key");
+    // The desktop would grant it twice, and whoever came later would never hear of a press.
+    for (const auto other : held_) {
+        if (other != id && bindings_.at(other) == binding)
+            return refused(fmt::format("it is the {} hotkey", HotkeyIDs::name(other)));
+    }
+    return services_.registrar.grab(id, binding);
+}
+
+void Hotkey::hold(const HotkeyBinding& binding, std::uint32_t id) {
+    bindings_[id] = binding;
+    held_.insert(id);
+    statuses_[id] = {.line = "registered " + HotkeyNames::display(binding),
+                     .inWords = "registered " + HotkeyNames::onKeyboard(binding)};
+    statusChanges_.tell();
 }
 
 void Hotkey::letGo(std::uint32_t id) {
@@ -74,11 +113,14 @@ void Hotkey::letGo(std::uint32_t id) {
         services_.registrar.release(id);
 }
 
-std::string Hotkey::refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const {
-    const auto chord = HotkeyNames::display(binding);
-    if (outcome.kind == HotkeyOutcome::Kind::heldByAnother)
-        return fmt::format("{} is held by another app ({}); not registered", chord, suspects());
-    return fmt::format("could not register {} ({})", chord, outcome.reason);
+Hotkey::Status Hotkey::refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const {
+    const auto says = [&](const std::string& chord) {
+        if (outcome.kind == HotkeyOutcome::Kind::heldByAnother)
+            return fmt::format("{} is held by another app ({}); not registered", chord, suspects());
+        return fmt::format("could not register {} ({})", chord, outcome.reason);
+    };
+    return {.line = says(HotkeyNames::display(binding)),
+            .inWords = says(HotkeyNames::onKeyboard(binding))};
 }
 
 /// The display doesn't tell who holds a chord, so these are the ones that might.
@@ -106,7 +148,12 @@ std::map<std::uint32_t, bool> Hotkey::reassertAll(std::string_view reason) {
 
 std::string Hotkey::status(std::uint32_t id) const {
     const auto found = statuses_.find(id);
-    return found == statuses_.end() ? "not registered" : found->second;
+    return found == statuses_.end() ? "not registered" : found->second.line;
+}
+
+std::string Hotkey::statusInWords(std::uint32_t id) const {
+    const auto found = statuses_.find(id);
+    return found == statuses_.end() ? "not registered" : found->second.inWords;
 }
 
 std::optional<HotkeyBinding> Hotkey::binding(std::uint32_t id) const {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -37,6 +38,10 @@ public:
              std::uint32_t id,
              std::optional<std::function<void()>> action);
 
+    /// Takes the chord for `id` where the desktop grants it. On a refusal everything stays as it
+    /// is: false, and `id` keeps the chord that it holds.
+    bool addIfFree(const HotkeyBinding& binding, std::uint32_t id);
+
     /// Gives the chord back and forgets the action; nothing happens for an unknown id.
     void remove(std::uint32_t id);
 
@@ -46,6 +51,9 @@ public:
 
     /// One line for the settings and the doctor; "not registered" for an unknown id.
     std::string status(std::uint32_t id = HotkeyIDs::panel) const;
+
+    /// The same line for people: with the names of their keyboard's keys.
+    std::string statusInWords(std::uint32_t id = HotkeyIDs::panel) const;
 
     /// The chord that `id` holds; nothing while it holds none.
     std::optional<HotkeyBinding> binding(std::uint32_t id) const;
@@ -59,20 +67,40 @@ public:
         return statusChanges_.add(std::move(changed));
     }
 
+    /// Calls `changed` after the keyboard's change of layout, when the chords have been taken
+    /// again.
+    Subscription onKeysChanged(std::function<void()> changed) {
+        return keysChanges_.add(std::move(changed));
+    }
+
+    /// While the subscription lasts, a press of a chord runs no action but is told here: so a field
+    /// that records chords can be given one that is taken.
+    Subscription divert(std::function<void(const HotkeyBinding&)> pressed);
+
 private:
+    struct Status {
+        std::string line;
+        std::string inWords;
+    };
+
     void pressed(const HotkeyRegistrar::Press& press);
     bool take(const HotkeyBinding& binding, std::uint32_t id);
     void letGo(std::uint32_t id);
-    std::string refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const;
+    HotkeyOutcome grab(const HotkeyBinding& binding, std::uint32_t id);
+    void hold(const HotkeyBinding& binding, std::uint32_t id);
+    Status refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const;
     std::string suspects() const;
 
     Services services_;
     std::map<std::uint32_t, std::function<void()>> actions_;
     std::map<std::uint32_t, HotkeyBinding> bindings_; ///< those to take again at a reassert
     std::set<std::uint32_t> held_;                    ///< which of them are ours now
-    std::map<std::uint32_t, std::string> statuses_;
+    std::map<std::uint32_t, Status> statuses_;
     std::optional<Seconds> lastPressEventTime_;
     Observers<> statusChanges_;
+    Observers<> keysChanges_;
+    Observers<HotkeyBinding> diversions_;
+    std::shared_ptr<int> diverting_ = std::make_shared<int>(0); ///< how many want the presses
 };
 
 } // namespace tessarine

@@ -3,10 +3,11 @@
 #include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/hotkeys/HotkeySetup.h"
 #include "launcherapp/operations/Diagnostics.h"
-#include "launcherapp/platform/RivalLaunchers.h"
 #include "launcherapp/shell/Prefs.h"
 
 #include <fmt/format.h>
+
+#include <array>
 
 namespace tessarine {
 
@@ -16,15 +17,19 @@ constexpr Seconds checkInterval{120};
 constexpr Seconds checkTolerance{30};
 constexpr Seconds burst{2}; ///< launchers come and go in several steps
 
+/// A program gives its name on the bus back before its connection to the display, and the display
+/// takes its time to clear up after one that ended.
+constexpr std::array<Seconds, 2> afterQuitting{Seconds{0.5}, Seconds{2.5}};
+
 } // namespace
 
 HotkeyGuard::HotkeyGuard(Services services) : services_(services) {}
 
 void HotkeyGuard::start() {
+    requireMainThread(services_.queue);
     auto& rivals = services_.rivals;
     changes_ = rivals.onChange([this](const std::string& name, RivalLaunchers::Change change) {
-        const auto* verb = change == RivalLaunchers::Change::launched ? "launched" : "quit";
-        reassert(fmt::format("{} {}", name, verb));
+        rivalChanged(name, change);
     });
     session_ = rivals.onSessionResumed([this] { reassert("session resumed"); });
     timer_ = services_.queue.every(checkInterval, checkTolerance, [this] {
@@ -35,6 +40,26 @@ void HotkeyGuard::start() {
         fmt::format("hotkey guard armed (watching {} rival launchers; {} running now)",
                     rivals.known(),
                     rivals.running().size()));
+}
+
+void HotkeyGuard::rivalChanged(const std::string& name, RivalLaunchers::Change change) {
+    switch (change) {
+    case RivalLaunchers::Change::launched:
+        return reassert(fmt::format("{} launched", name));
+    case RivalLaunchers::Change::quit:
+        reassert(fmt::format("{} quit", name));
+        return retryLater();
+    case RivalLaunchers::Change::found:
+        return services_.setup.registerHotkey(); // it would have been decided otherwise
+    }
+}
+
+void HotkeyGuard::retryLater() {
+    for (const auto delay : afterQuitting)
+        services_.queue.postAfter(delay, [this, alive = std::weak_ptr(alive_)] {
+            if (!alive.expired() && !services_.setup.chordIsLeftTo())
+                services_.setup.retry();
+        });
 }
 
 void HotkeyGuard::reassert(std::string_view reason) {
@@ -50,8 +75,8 @@ void HotkeyGuard::reassert(std::string_view reason) {
         return;
     }
     lastReassert_ = now;
-    services_.setup.retry();
     services_.hotkey.reassertAll(reason);
+    services_.setup.retry(); // what was lost just now may have a stand-in
 }
 
 } // namespace tessarine

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/RivalLaunchers.h"
 #include "launcherapp/platform/Subscription.h"
 
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tessarine {
@@ -12,7 +15,6 @@ class Diagnostics;
 class Hotkey;
 class HotkeySetup;
 class Prefs;
-class RivalLaunchers;
 
 /// Watches the launchers that may hold the same chords, and takes the chords again whenever one
 /// may have become free or been lost. Main thread only.
@@ -34,9 +36,12 @@ public:
     void start();
 
 private:
+    void rivalChanged(const std::string& name, RivalLaunchers::Change change);
     void reassert(std::string_view reason);
+    void retryLater();
 
     Services services_;
+    std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
     std::optional<Seconds> lastReassert_;
     Subscription changes_;
     Subscription session_;

@@ -23,13 +23,13 @@ constexpr auto words = std::to_array<Modifier>({{HotkeyModifiers::command, "Supe
                                                 {HotkeyModifiers::option, "Alt+"},
                                                 {HotkeyModifiers::shift, "Shift+"}});
 
-std::string written(const HotkeyBinding& binding, const std::array<Modifier, 4>& modifiers) {
+std::string modifiersOf(const HotkeyBinding& binding, const std::array<Modifier, 4>& modifiers) {
     std::string text;
     for (const auto& modifier : modifiers) {
         if (binding.carbonModifiers & modifier.bit)
             text += modifier.text;
     }
-    return text + VirtualKeys::label(binding.keyCode);
+    return text;
 }
 
 } // namespace
@@ -48,11 +48,11 @@ std::string HotkeyIDs::name(std::uint32_t id) {
 }
 
 std::string HotkeyNames::display(const HotkeyBinding& binding) {
-    return written(binding, glyphs);
+    return modifiersOf(binding, glyphs) + VirtualKeys::label(binding.keyCode);
 }
 
 std::string HotkeyNames::onKeyboard(const HotkeyBinding& binding) {
-    return written(binding, words);
+    return modifiersOf(binding, words) + VirtualKeys::printed(binding.keyCode);
 }
 
 } // namespace tessarine

@@ -5,7 +5,9 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace tessarine {
 
@@ -31,36 +33,48 @@ public:
         std::function<void()> voice;
     };
 
-    /// Stands in for a chord of the panel's that can't be had.
-    static const HotkeyBinding fallback;
+    /// Stand in for a chord of the panel's that can't be had, the first that is free. Alt+Space
+    /// opens a window's menu with most window managers, and a desktop's runner may have it too, so
+    /// it alone may leave the panel without any key; the others have Super and a second modifier,
+    /// which desktops leave to the user and programs don't bind.
+    static std::span<const HotkeyBinding> fallbacks();
 
     HotkeySetup(Services services, Actions actions);
     HotkeySetup(const HotkeySetup&) = delete;
     HotkeySetup& operator=(const HotkeySetup&) = delete;
 
-    /// Takes the chords. From then on it is done again when a setting of them changes.
+    /// Takes the chords. From then on it is done again when a setting of them changes, and those
+    /// that were refused are asked for again when the keyboard does.
     void registerHotkey();
 
-    /// Asks again for those chords of the settings that are not held now.
+    /// Asks again for those chords of the settings that are not held now. What stands in for one
+    /// is given up only for it.
     void retry();
 
     /// The other launcher that the panel's chord is left to, as nobody said that it is to be taken
-    /// from it; nothing when the chord may be asked for.
+    /// from it; nothing when the chord may be asked for, or was taken after all as there was no
+    /// other.
     std::optional<std::string> chordIsLeftTo() const;
 
 private:
     enum class Report { everything, changes };
+    enum class Wanted { first, last };
 
     void registerPanel(Report report);
-    void registerOptional(std::uint32_t id,
-                          const HotkeyBinding& binding,
-                          std::function<void()> action,
-                          Report report);
+    void registerOptionals(Report report);
+    std::vector<HotkeyBinding> panelChords(Wanted order) const;
+    void resolveSwaps();
+    std::optional<HotkeyBinding> wanted(std::uint32_t id) const;
+    std::optional<std::string> rivalInTheWay() const;
+    void retryPanel();
+    void registerOptional(std::uint32_t id, const std::function<void()>& action, Report report);
     void settingChanged(std::string_view key);
 
     Services services_;
     Actions actions_;
+    bool isTakenAfterAll_ = false; ///< from another launcher, as every other chord was held
     Subscription settings_;
+    Subscription keys_;
 };
 
 } // namespace tessarine

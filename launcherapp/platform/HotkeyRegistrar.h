@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace tessarine {
@@ -43,11 +44,16 @@ public:
     /// Set once, before the first chord.
     virtual void setEvents(Events events) = 0;
 
-    /// Takes the chord for `id`, which holds none. Waits for the display's answer.
+    /// Takes the chord for `id`, in place of one that it holds and that it keeps when this one is
+    /// not to be had. Waits for the display's answer.
     virtual HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) = 0;
 
     /// Gives the chord of `id` back; nothing happens when it holds none.
     virtual void release(std::uint32_t id) = 0;
+
+    /// The chord that a press of a key makes, by the numbers that the display gives the key and
+    /// what is held with it; nothing for a key that no binding can name, a modifier among them.
+    virtual std::optional<HotkeyBinding> chord(std::uint32_t key, std::uint32_t state) const = 0;
 };
 
 } // namespace tessarine

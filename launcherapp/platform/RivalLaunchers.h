@@ -10,10 +10,14 @@
 namespace tessarine {
 
 /// Other programs that people summon by a key, and that may hold the same one. Main thread only;
-/// answers from what was last seen, without waiting.
+/// answers from what was last seen, without waiting for more than a moment.
 class RivalLaunchers {
 public:
-    enum class Change { launched, quit };
+    enum class Change {
+        launched,
+        quit,
+        found, ///< it ran before anybody asked, and shows only now
+    };
 
     virtual ~RivalLaunchers() = default;
 

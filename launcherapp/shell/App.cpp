@@ -264,9 +264,7 @@ void App::Parts::registerHotkeys() {
         return;
     }
     presence->registerHotkey();
-    if (const auto limit = Invitation::limitOfChords(environment))
-        diagnostics.log("hotkey: chords are heard " + *limit);
-    invite(Invitation::withPanel(presence->chord(), environment, startedFrom()));
+    invite(Invitation::withPanel(presence->chord(), startedFrom()));
 }
 
 void App::Parts::takeBusName() {

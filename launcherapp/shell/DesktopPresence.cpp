@@ -80,6 +80,7 @@ public:
                        .rivals = rivals,
                        .prefs = sources.prefs,
                        .diagnostics = services.diagnostics}};
+    Subscription activeChanges = services.windows.onActiveChanged([this] { rivals.look(); });
     std::optional<SessionLock> lock;
 };
 
@@ -91,6 +92,15 @@ public:
                       .settings = services.openSettings,
                       .quit = services.quit,
                       .log = [this](const std::string& line) { services.diagnostics.log(line); }}) {
+    }
+
+    /// The copy state joins when the clipboard's history is there.
+    void refreshStatusItem() {
+        const auto& hotkey = onScreen->hotkey;
+        const auto chord = hotkey.binding(HotkeyIDs::panel);
+        statusItem.refresh({.key = chord ? HotkeyNames::onKeyboard(*chord) : std::string(),
+                            .problem = chord ? std::string() : hotkey.statusInWords(),
+                            .copy = {}});
     }
 
     Services services;
@@ -111,8 +121,7 @@ void DesktopPresence::installStatusItem() {
 PanelController& DesktopPresence::makePanel(PanelViewServices view) {
     auto& parts = *parts_;
     auto& onScreen = parts.onScreen.emplace(parts.services, view);
-    parts.hotkeyChanges = onScreen.hotkey.onChange(
-        [&parts, &onScreen] { parts.statusItem.setStatus(onScreen.hotkey.status()); });
+    parts.hotkeyChanges = onScreen.hotkey.onChange([&parts] { parts.refreshStatusItem(); });
     return onScreen.panel;
 }
 
@@ -154,7 +163,7 @@ std::string DesktopPresence::voiceStatus() const {
 Invitation::Chord DesktopPresence::chord() const {
     const auto binding = parts_->onScreen->hotkey.binding(HotkeyIDs::panel);
     return {.keys = binding ? std::optional(HotkeyNames::onKeyboard(*binding)) : std::nullopt,
-            .status = hotkeyStatus()};
+            .status = parts_->onScreen->hotkey.statusInWords()};
 }
 
 } // namespace tessarine

@@ -23,7 +23,7 @@ public:
         MainQueue& queue;
         WorkQueues& work;
         Diagnostics& diagnostics;
-        const WindowList& windows;
+        WindowList& windows;
         std::function<void()> openSettings;
         std::function<void()> quit;
     };

@@ -20,15 +20,12 @@ struct Chord {
     std::string status;              ///< why
 };
 
-std::string withPanel(const Chord& chord, const Environment& environment, StartedFrom startedFrom);
+std::string withPanel(const Chord& chord, StartedFrom startedFrom);
 
 std::string withoutPanel(const Environment& environment, StartedFrom startedFrom);
 
 /// Why no panel can be shown, for a run in which none can.
 std::string missingDisplay(const Environment& environment);
-
-/// What the chords of this desktop don't reach; nothing when they reach everything.
-std::optional<std::string> limitOfChords(const Environment& environment);
 
 } // namespace Invitation
 } // namespace tessarine

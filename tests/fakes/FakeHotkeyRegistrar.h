@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +29,10 @@ public:
     }
 
     void release(std::uint32_t id) override { held.erase(id); }
+
+    std::optional<HotkeyBinding> chord(std::uint32_t key, std::uint32_t state) const override {
+        return HotkeyBinding{.keyCode = key, .carbonModifiers = state};
+    }
 
     /// Whoever holds the chord hears of it.
     void press(const HotkeyBinding& binding, Seconds at) {

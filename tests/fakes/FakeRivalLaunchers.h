@@ -28,6 +28,11 @@ public:
         changes_.tell(name, Change::launched);
     }
 
+    void find(const std::string& name) {
+        names.push_back(name);
+        changes_.tell(name, Change::found);
+    }
+
     void quit(const std::string& name) {
         std::erase(names, name);
         changes_.tell(name, Change::quit);

@@ -84,6 +84,38 @@ TEST_F(HotkeyGuardTest, leavesAnotherLauncherItsChord) {
     EXPECT_EQ(told("hotkey re-assert (KRunner quit)"), 1u);
 }
 
+TEST_F(HotkeyGuardTest, asksAgainForAChordThatComesFreeAfterItsLauncherHasQuit) {
+    prefs.tookHotkeyDeliberately.set(true);
+    registrar.heldByOthers = {commandSpace};
+    rivals.names = {"KRunner", "Albert"};
+    start();
+    rivals.quit("Albert");
+    rivals.quit("KRunner"); // in the burst of the other
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+    time.advance(Seconds{1});
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+    registrar.heldByOthers.clear();
+    time.advance(Seconds{1.5});
+    EXPECT_EQ(hotkey.binding(1), commandSpace);
+    EXPECT_EQ(told("hotkey re-assert"), 1u);
+}
+
+TEST_F(HotkeyGuardTest, aChordThatWasTakenFromUsHasAStandInAtOnce) {
+    start();
+    registrar.heldByOthers = {commandSpace};
+    rivals.resumeSession();
+    EXPECT_EQ(told("hotkey re-assert (session resumed): panel=failed"), 1u);
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+}
+
+TEST_F(HotkeyGuardTest, aLauncherThatShowsLateIsLeftTheChordAllTheSame) {
+    start();
+    EXPECT_EQ(hotkey.binding(1), commandSpace);
+    rivals.find("KRunner");
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+    EXPECT_EQ(told("KRunner is running; leaving ⌘Space to it and using ⌥Space"), 1u);
+}
+
 TEST_F(HotkeyGuardTest, retriesEveryTwoMinutesWhileAnotherLauncherRuns) {
     prefs.tookHotkeyDeliberately.set(true);
     registrar.heldByOthers = {commandSpace};

@@ -16,6 +16,8 @@ using testing::Pair;
 
 constexpr HotkeyBinding commandSpace{.keyCode = 49, .carbonModifiers = 0x100};
 constexpr HotkeyBinding optionSpace{.keyCode = 49, .carbonModifiers = 0x800};
+constexpr HotkeyBinding controlCommandSpace{.keyCode = 49, .carbonModifiers = 0x1100};
+constexpr HotkeyBinding optionCommandSpace{.keyCode = 49, .carbonModifiers = 0x900};
 constexpr HotkeyBinding commandShiftV{.keyCode = 9, .carbonModifiers = 0x300};
 constexpr HotkeyBinding controlF5{.keyCode = 96, .carbonModifiers = 0x1000};
 
@@ -85,20 +87,64 @@ TEST_F(HotkeySetupTest, fallsBackWhenItsChordIsHeld) {
     EXPECT_EQ(hotkey.binding(1), optionSpace);
     EXPECT_EQ(services.log(), log);
     registrar.heldByOthers.clear();
+    const int changes = registrar.grabs;
     setup.retry();
     EXPECT_EQ(hotkey.binding(1), commandSpace);
+    EXPECT_EQ(registrar.grabs, changes + 1) << "the clipboard's was held all along";
+    EXPECT_THAT(services.log(), HasSubstr(" ⌘Space is free; ⌥Space is given up for it\n"));
+}
+
+TEST_F(HotkeySetupTest, aFallbackIsOneThatIsFreeAndThatNoOtherPartWants) {
+    registrar.heldByOthers = {commandSpace, controlCommandSpace};
+    prefs.clipboardHotkey.set(optionSpace);
+    setup.registerHotkey();
+    EXPECT_THAT(registrar.held, ElementsAre(Pair(1, optionCommandSpace), Pair(2, optionSpace)));
+    EXPECT_THAT(services.log(), HasSubstr(" fell back to ⌥⌘Space until ⌘Space is free\n"));
+}
+
+TEST_F(HotkeySetupTest, chordsCanBeSwapped) {
+    setup.registerHotkey();
+    prefs.hotkey.set(commandShiftV); // still the clipboard's
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+    prefs.clipboardHotkey.set(commandSpace);
+    EXPECT_THAT(registrar.held, ElementsAre(Pair(1, commandShiftV), Pair(2, commandSpace)));
+    registrar.press(commandSpace, Seconds{1});
+    EXPECT_EQ(fired, "clipboard ");
+}
+
+TEST_F(HotkeySetupTest, aNewLayoutThatTakesTheChordLeavesTheFallback) {
+    registrar.problem = "a modifier of it is on no key of this keyboard";
+    setup.registerHotkey();
+    EXPECT_TRUE(registrar.held.empty());
+    registrar.problem.clear();
+    registrar.changeKeys();
+    EXPECT_THAT(registrar.held, ElementsAre(Pair(1, commandSpace), Pair(2, commandShiftV)));
+    registrar.heldByOthers = {commandSpace};
+    registrar.changeKeys();
+    EXPECT_EQ(hotkey.binding(1), optionSpace);
+    EXPECT_THAT(services.log(), HasSubstr(" fell back to ⌥Space until ⌘Space is free\n"));
 }
 
 TEST_F(HotkeySetupTest, aLauncherThatUsesTheFallbackItselfLeavesTheChordToUs) {
     rivals.names = {"KRunner"};
-    registrar.heldByOthers = {optionSpace};
+    registrar.heldByOthers = {optionSpace, controlCommandSpace, optionCommandSpace};
     setup.registerHotkey();
     EXPECT_EQ(hotkey.binding(1), commandSpace);
     EXPECT_THAT(services.log(), HasSubstr(" using ⌘Space after all\n"));
+    EXPECT_EQ(setup.chordIsLeftTo(), std::nullopt);
+    rivals.names.clear();
+    setup.retry();
+    rivals.names = {"KRunner"}; // a later one
+    EXPECT_EQ(setup.chordIsLeftTo(), "KRunner");
 }
 
 TEST_F(HotkeySetupTest, withoutAnyChordTheStatusTellsOfTheOneThatWasWanted) {
-    registrar.heldByOthers = {commandSpace, optionSpace, commandShiftV, controlF5};
+    registrar.heldByOthers = {commandSpace,
+                              optionSpace,
+                              controlCommandSpace,
+                              optionCommandSpace,
+                              commandShiftV,
+                              controlF5};
     prefs.voiceHotkey.set(controlF5);
     setup.registerHotkey();
     EXPECT_THAT(hotkey.status(), HasSubstr("⌘Space is held by another app"));

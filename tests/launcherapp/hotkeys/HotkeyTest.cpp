@@ -13,6 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
+using testing::StartsWith;
 
 constexpr HotkeyBinding commandSpace{.keyCode = 49, .carbonModifiers = 0x100};
 constexpr HotkeyBinding commandShiftV{.keyCode = 9, .carbonModifiers = 0x300};
@@ -26,6 +27,8 @@ TEST(HotkeyNames, chordsReadAsPeopleKnowThem) {
         {commandSpace, "⌘Space", "Super+Space"},
         {{.keyCode = 9, .carbonModifiers = 0x1b00}, "⌃⌥⇧⌘V", "Super+Ctrl+Alt+Shift+V"},
         {{.keyCode = 36, .carbonModifiers = 0x800}, "⌥Return", "Alt+Return"}, // not "enter"
+        {{.keyCode = 116, .carbonModifiers = 0x100}, "⌘Pageup", "Super+Page Up"},
+        {{.keyCode = 51, .carbonModifiers = 0x100}, "⌘Delete", "Super+Backspace"}, // as printed
         {{.keyCode = 50, .carbonModifiers = 0x1000}, "⌃`", "Ctrl+`"},
         {{.keyCode = 111, .carbonModifiers = 0}, "F12", "F12"},
         {{.keyCode = 200, .carbonModifiers = 0x200}, "⇧key 200", "Shift+key 200"},
@@ -92,6 +95,7 @@ TEST_F(HotkeyTest, aRefusalSaysWhy) {
     EXPECT_EQ(hotkey.status(),
               "⌘Space is held by another app (an input method or the desktop itself); "
               "not registered");
+    EXPECT_THAT(hotkey.statusInWords(), StartsWith("Super+Space is held by another app (an input"));
     EXPECT_EQ(hotkey.binding(1), std::nullopt);
     rivals.names = {"KRunner", "Albert"};
     hotkey.add(commandSpace, 1, [] {});
@@ -101,6 +105,44 @@ TEST_F(HotkeyTest, aRefusalSaysWhy) {
     registrar.problem = "there is no X11 display";
     EXPECT_FALSE(hotkey.add(commandSpace, 1, [] {}));
     EXPECT_EQ(hotkey.status(), "could not register ⌘Space (there is no X11 display)");
+}
+
+TEST_F(HotkeyTest, aKeyAloneIsLeftToOtherProgramsUnlessItTypesNothing) {
+    EXPECT_FALSE(hotkey.add({.keyCode = 9, .carbonModifiers = 0}, 1, [] {}));
+    EXPECT_EQ(hotkey.status(),
+              "could not register V (without a modifier no other program would get that key)");
+    EXPECT_TRUE(hotkey.add({.keyCode = 96, .carbonModifiers = 0}, 1, [] {})); // F5
+}
+
+TEST_F(HotkeyTest, whatIsHeldIsGivenUpOnlyForWhatIsFree) {
+    int told = 0;
+    const auto changes = hotkey.onChange([&] { ++told; });
+    hotkey.remove(1);
+    EXPECT_EQ(told, 0) << "there was nothing";
+    hotkey.add(commandSpace, 1, [this] { ++fired; });
+    told = 0;
+    registrar.heldByOthers = {commandShiftV};
+    EXPECT_FALSE(hotkey.addIfFree(commandShiftV, 1));
+    EXPECT_EQ(hotkey.status(), "registered ⌘Space");
+    EXPECT_EQ(told, 0);
+    registrar.heldByOthers.clear();
+    EXPECT_TRUE(hotkey.addIfFree(commandShiftV, 1));
+    EXPECT_THAT(registrar.held, ElementsAre(Pair(1, commandShiftV)));
+    registrar.press(commandShiftV, Seconds{1});
+    EXPECT_EQ(fired, 1);
+}
+
+TEST_F(HotkeyTest, aPressCanBeRecordedInsteadOfActedOn) {
+    hotkey.add(commandSpace, 1, [this] { ++fired; });
+    std::vector<HotkeyBinding> recorded;
+    auto recording =
+        hotkey.divert([&](const HotkeyBinding& binding) { recorded.push_back(binding); });
+    registrar.press(commandSpace, Seconds{1});
+    EXPECT_THAT(recorded, ElementsAre(commandSpace));
+    EXPECT_EQ(fired, 0);
+    recording.end();
+    registrar.press(commandSpace, Seconds{2});
+    EXPECT_EQ(fired, 1);
 }
 
 TEST_F(HotkeyTest, oneChordServesOneOnly) {

@@ -17,15 +17,11 @@ const Environment both{.hasX11 = true, .hasWayland = true};
 constexpr auto byTheDesktop = "gapplication action com.corvane.tessarine toggle";
 
 TEST(Invitation, namesAKeyThatWorks) {
-    EXPECT_EQ(Invitation::withPanel({.keys = "Super+Space", .status = "registered"}, x11, desktop),
+    EXPECT_EQ(Invitation::withPanel({.keys = "Super+Space", .status = "registered"}, desktop),
               "Tessarine is running. Super+Space brings it up.");
-    const auto refused = Invitation::withPanel({.keys = {}, .status = "it is held"}, x11, desktop);
+    const auto refused = Invitation::withPanel({.keys = {}, .status = "it is held"}, desktop);
     EXPECT_THAT(refused, HasSubstr("no key brings it up: it is held"));
     EXPECT_THAT(refused, HasSubstr(byTheDesktop));
-    const auto bridged =
-        Invitation::withPanel({.keys = "Super+Space", .status = "registered"}, both, desktop);
-    EXPECT_THAT(bridged, HasSubstr("on Wayland only while a program of X11 has the keyboard"));
-    EXPECT_THAT(bridged, HasSubstr(byTheDesktop)) << "Wayland's programs keep their keys";
 }
 
 TEST(Invitation, saysWhatIsMissingWithoutAPanel) {

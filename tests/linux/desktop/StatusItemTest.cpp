@@ -88,7 +88,7 @@ TEST(StatusItem, waitsForATrayAndShowsItselfThere) {
     int opened = 0;
     StatusItem item({.open = [&] { ++opened; },
                      .log = [&](const std::string& line) { lines.push_back(line); }});
-    item.setStatus("registered ⌥Space");
+    item.refresh({.key = "Alt+Space", .problem = {}, .copy = {}});
     item.start();
     ASSERT_TRUE(spinUntil([&] { return !lines.empty(); }));
     EXPECT_THAT(lines.front(), HasSubstr("this desktop shows no tray"));
@@ -99,16 +99,27 @@ TEST(StatusItem, waitsForATrayAndShowsItselfThere) {
                               QStringLiteral("org.freedesktop.DBus.Properties.Get"),
                               QStringLiteral("string:org.kde.StatusNotifierItem"),
                               QStringLiteral("string:ToolTip")};
-    EXPECT_THAT(asked(tray.item(), toolTip), HasSubstr("Tessarine: registered ⌥Space"));
-    item.setStatus("not registered");
-    EXPECT_THAT(asked(tray.item(), toolTip), HasSubstr("Tessarine: not registered"));
-    EXPECT_THAT(asked(tray.item(),
-                      {QStringLiteral("/MenuBar"),
-                       QStringLiteral("com.canonical.dbusmenu.GetLayout"),
-                       QStringLiteral("int32:0"),
-                       QStringLiteral("int32:-1"),
-                       QStringLiteral("array:string:")}),
-                AllOf(HasSubstr("Open Tessarine"), HasSubstr("Settings…"), HasSubstr("Quit")));
+    const QStringList iconName{toolTip.mid(0, 3) << QStringLiteral("string:IconName")};
+    const QStringList menu{QStringLiteral("/MenuBar"),
+                           QStringLiteral("com.canonical.dbusmenu.GetLayout"),
+                           QStringLiteral("int32:0"),
+                           QStringLiteral("int32:-1"),
+                           QStringLiteral("array:string:")};
+    EXPECT_THAT(asked(tray.item(), toolTip), HasSubstr("Alt+Space opens Tessarine"));
+    EXPECT_THAT(asked(tray.item(), menu),
+                AllOf(HasSubstr("Alt+Space opens Tessarine"),
+                      HasSubstr("Open Tessarine"),
+                      HasSubstr("Settings…"),
+                      HasSubstr("Quit")));
+    const auto pixels = [&] {
+        return asked(tray.item(), toolTip.mid(0, 3) << QStringLiteral("string:IconPixmap"));
+    };
+    const auto before = pixels() + asked(tray.item(), iconName);
+    item.refresh({.key = {}, .problem = "Super+Space is held by another app", .copy = "Off"});
+    const auto line = "No key opens Tessarine: Super+Space is held by another app";
+    EXPECT_THAT(asked(tray.item(), toolTip), HasSubstr(line));
+    EXPECT_THAT(asked(tray.item(), menu), AllOf(HasSubstr(line), HasSubstr("\"Off\"")));
+    EXPECT_NE(pixels() + asked(tray.item(), iconName), before) << "another icon";
     EXPECT_EQ(opened, 0);
     asked(tray.item(),
           {QStringLiteral("/StatusNotifierItem"),

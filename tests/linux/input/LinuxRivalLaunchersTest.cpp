@@ -48,17 +48,20 @@ protected:
         return QString::fromStdString(path);
     }
 
-    void listen() {
-        subscription = rivals.onChange([this](const std::string& name, auto change) {
+    void watch() {
+        rivals.emplace(queue, work, Seconds{1});
+        subscription = rivals->onChange([this](const std::string& name, auto change) {
             using Change = RivalLaunchers::Change;
-            changes.push_back(name + (change == Change::launched ? " launched" : " quit"));
+            changes.push_back(name + (change == Change::launched ? " launched"
+                                      : change == Change::found  ? " found"
+                                                                 : " quit"));
         });
     }
 
     ScratchFolder folder;
     QtMainQueue queue;
     ThreadPoolWorkQueues work{queue};
-    LinuxRivalLaunchers rivals{queue, work};
+    std::optional<LinuxRivalLaunchers> rivals;
     std::vector<std::string> changes;
     Subscription subscription;
     const QStringList aMinute{QStringLiteral("60")};
@@ -68,33 +71,55 @@ TEST_F(LinuxRivalLaunchersTest, seesThoseWithABusNameComeAndGo) {
     std::optional<BusObject> kupfer;
     kupfer.emplace("se.kaizer.kupfer", "/x");
     ASSERT_TRUE(kupfer->owns);
-    listen();
-    EXPECT_THAT(rivals.running(), ElementsAre("Kupfer")); // at once, and no change
+    watch();
+    ASSERT_TRUE(spinUntil([&] { return !changes.empty(); })); // nobody waits for the bus
+    EXPECT_THAT(rivals->running(), ElementsAre("Kupfer"));
     kupfer.reset();
-    ASSERT_TRUE(spinUntil([&] { return !changes.empty(); }));
-    EXPECT_THAT(rivals.running(), IsEmpty());
-    const BusObject runner("org.kde.krunner", "/x");
     ASSERT_TRUE(spinUntil([&] { return changes.size() > 1; }));
-    EXPECT_THAT(rivals.running(), ElementsAre("KRunner"));
-    EXPECT_THAT(changes, ElementsAre("Kupfer quit", "KRunner launched"));
+    EXPECT_THAT(rivals->running(), IsEmpty());
+    const BusObject runner("org.kde.krunner", "/x");
+    ASSERT_TRUE(spinUntil([&] { return changes.size() > 2; }));
+    EXPECT_THAT(rivals->running(), ElementsAre("KRunner"));
+    EXPECT_THAT(changes, ElementsAre("Kupfer found", "Kupfer quit", "KRunner launched"));
 }
 
 TEST_F(LinuxRivalLaunchersTest, findsTheOthersAmongTheProcesses) {
     const Impostor decoy(program("not-albert"), aMinute);
+    const Impostor noShell(program("sherlock"), aMinute); // "sh" in front makes no shell
     // A script of that name, and the name as an argument of something else.
     const auto script = folder.write("/ulauncher", "read line\n");
     const Impostor scripted(QStringLiteral("/bin/sh"), {QString::fromStdString(script)});
     const Impostor reader(
         QStringLiteral("/usr/bin/tail"),
-        {QStringLiteral("-f"), QString::fromStdString(folder.write("/ueli", ""))});
+        {QStringLiteral("-f"), QString::fromStdString(folder.write("/walker", ""))});
+    folder.folder("/ueli/resources");
+    const auto archive = folder.write("/ueli/resources/app.asar", "read line\n");
+    std::filesystem::copy_file("/bin/dash", folder.path("/electron28"));
+    const Impostor packed(QString::fromStdString(folder.path("/electron28")),
+                          {QString::fromStdString(archive)});
     std::optional<Impostor> albert;
     albert.emplace(program("albert"), aMinute);
-    listen();
-    EXPECT_THAT(rivals.running(), ElementsAre("Ulauncher", "Albert"));
+    watch();
+    EXPECT_THAT(rivals->running(), ElementsAre("Ulauncher", "Albert", "Ueli", "Sherlock"));
     albert.reset();
-    ASSERT_TRUE(spinUntil([&] { return !changes.empty(); })); // without anybody asking
-    EXPECT_THAT(changes, ElementsAre("Albert quit"));
-    EXPECT_THAT(rivals.running(), ElementsAre("Ulauncher"));
+    ASSERT_TRUE(spinUntil([&] { return changes.size() > 4; })); // without anybody asking
+    EXPECT_EQ(changes.back(), "Albert quit");
+    EXPECT_THAT(rivals->running(), ElementsAre("Ulauncher", "Ueli", "Sherlock"));
+}
+
+TEST_F(LinuxRivalLaunchersTest, seesThemComeWhenTheDesktopChanges) {
+    watch();
+    EXPECT_THAT(rivals->running(), IsEmpty());
+    const Impostor albert(program("albert"), aMinute);
+    rivals->look();
+    rivals->look(); // is the same one
+    ASSERT_TRUE(spinUntil([&] { return !changes.empty(); }));
+    const Impostor walker(program("walker"), aMinute);
+    const auto passer =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("passer"));
+    ASSERT_TRUE(spinUntil([&] { return changes.size() > 1; }));
+    QDBusConnection::disconnectFromBus(QStringLiteral("passer"));
+    EXPECT_THAT(changes, ElementsAre("Albert launched", "Walker launched"));
 }
 
 /// A logind that says which session is the asker's.
@@ -145,7 +170,8 @@ public:
 TEST_F(LinuxRivalLaunchersTest, tellsWhenTheSessionIsInFrontAgain) {
     Logind logind;
     int resumes = 0;
-    const auto resumed = rivals.onSessionResumed([&] { ++resumes; });
+    watch();
+    const auto resumed = rivals->onSessionResumed([&] { ++resumes; });
     ASSERT_TRUE(spinUntil([&] { return !logind.asked.isEmpty(); }));
     spinFor(50); // for the rules that the bus is given then
 
@@ -185,7 +211,8 @@ TEST_F(LinuxRivalLaunchersTest, withoutABusTheProcessesAreLeft) {
     const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     qunsetenv("DBUS_SESSION_BUS_ADDRESS");
     const Impostor runner(program("krunner"), aMinute);
-    EXPECT_THAT(rivals.running(), ElementsAre("KRunner"));
+    watch();
+    EXPECT_THAT(rivals->running(), ElementsAre("KRunner"));
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
 }
 

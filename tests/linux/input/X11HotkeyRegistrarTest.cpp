@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <xcb/xcb.h>
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 #include <QGuiApplication>
@@ -75,6 +76,34 @@ public:
         auto* error = xcb_request_check(connection_, cookie);
         free(error);
         return !error;
+    }
+
+    /// As window managers do, with every keyboard's keys or with those of a single one.
+    bool grabsByInputExtension(std::uint32_t modifiers, std::uint8_t key, std::uint16_t device) {
+        const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+        auto* version = xcb_input_xi_query_version_reply(
+            connection_, xcb_input_xi_query_version(connection_, 2, 2), nullptr);
+        free(version);
+        auto* reply = xcb_input_xi_passive_grab_device_reply(
+            connection_,
+            xcb_input_xi_passive_grab_device(connection_,
+                                             XCB_CURRENT_TIME,
+                                             root(),
+                                             XCB_NONE,
+                                             key,
+                                             device,
+                                             1,
+                                             1,
+                                             XCB_INPUT_GRAB_TYPE_KEYCODE,
+                                             XCB_INPUT_GRAB_MODE_22_ASYNC,
+                                             XCB_INPUT_GRAB_MODE_22_ASYNC,
+                                             XCB_INPUT_GRAB_OWNER_NO_OWNER,
+                                             &events,
+                                             &modifiers),
+            nullptr);
+        const bool granted = reply && reply->num_modifiers == 0;
+        free(reply);
+        return granted;
     }
 
     /// Has the keyboard as the program in front has it.
@@ -259,6 +288,126 @@ TEST_F(X11HotkeyRegistrarTest, aChordOfAnotherProgramIsHeldByIt) {
                              .reason = "no keyboard has that key"}));
 }
 
+TEST_F(X11HotkeyRegistrarTest, aChordOfAWindowManagersIsHeldByItToo) {
+    constexpr std::uint16_t virtualCoreKeyboard = 3;
+    for (const auto device :
+         {virtualCoreKeyboard, static_cast<std::uint16_t>(XCB_INPUT_DEVICE_ALL_MASTER)}) {
+        OtherClient manager;
+        ASSERT_TRUE(manager.grabsByInputExtension(XCB_MOD_MASK_4, spaceKey, device)) << device;
+        EXPECT_EQ(registrar.grab(1, commandSpace).kind, held) << device;
+        EXPECT_EQ(pressesOf([&] { user.chord(superKey, spaceKey); }), 0u);
+    }
+    ASSERT_EQ(registrar.grab(1, commandSpace).kind, registered);
+    EXPECT_EQ(registrar.grab(1, commandSpace).kind, registered) << "again, over its own";
+    OtherClient later;
+    EXPECT_TRUE(later.grabsByInputExtension(XCB_MOD_MASK_1, spaceKey, virtualCoreKeyboard))
+        << "the question left nothing behind";
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, spaceKey); }), 1u);
+}
+
+TEST_F(X11HotkeyRegistrarTest, aNewChordTakesTheOldOnesPlaceOnceItIsGranted) {
+    OtherClient other;
+    ASSERT_TRUE(other.grabs(XCB_MOD_MASK_4, vKey));
+    ASSERT_EQ(registrar.grab(1, commandSpace).kind, registered);
+    EXPECT_EQ(registrar.grab(1, commandV).kind, held);
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, spaceKey); }), 1u);
+    EXPECT_EQ(registrar.grab(1, commandA).kind, registered);
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, aKey); }), 1u);
+    EXPECT_TRUE(other.grabs(XCB_MOD_MASK_4, spaceKey)) << "the old one was given back";
+}
+
+TEST_F(X11HotkeyRegistrarTest, twoBindingsOnOneKeyDoNotTakeItFromEachOther) {
+    constexpr HotkeyBinding commandSlash{.keyCode = 44, .carbonModifiers = 0x100};
+    constexpr HotkeyBinding commandMinus{.keyCode = 27, .carbonModifiers = 0x100};
+    constexpr std::uint8_t slashKey = 61; // where a German keyboard has the minus
+    const int before = keyChanges;
+    ASSERT_EQ(registrar.grab(1, commandSlash).kind, registered);
+    layout({QStringLiteral("de")});
+    spinFor(300);
+    EXPECT_EQ(keyChanges, before) << "no slash without Shift: the place counts, and is the same";
+    EXPECT_EQ(registrar.grab(2, commandMinus),
+              (HotkeyOutcome{.kind = HotkeyOutcome::Kind::refused,
+                             .reason = "it is the same key as another hotkey on this keyboard"}));
+    registrar.release(2);
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, slashKey); }), 1u);
+}
+
+TEST_F(X11HotkeyRegistrarTest, tellsOfANewLayoutAlsoForAChordThatItRefused) {
+    constexpr std::uint8_t freeKey = 61; // the slash of a US keyboard
+    OtherClient other;
+    ASSERT_TRUE(other.grabs(XCB_MOD_MASK_4, qKey));
+    EXPECT_EQ(registrar.grab(1, {.keyCode = 12, .carbonModifiers = 0x100}).kind, held);
+    layout({QStringLiteral("fr")}); // the letter is on another key now
+    EXPECT_TRUE(spinUntil([&] { return keyChanges > 0; }));
+    registrar.release(1);
+    const int before = keyChanges;
+    ASSERT_EQ(QProcess::execute(
+                  QStringLiteral("xmodmap"),
+                  {QStringLiteral("-e"), QStringLiteral("keycode %1 = F35").arg(int{freeKey})}),
+              0);
+    spinFor(300);
+    EXPECT_EQ(keyChanges, before) << "nobody wants that key";
+}
+
+TEST_F(X11HotkeyRegistrarTest, aPressOfAKeyReadsAsTheChordThatGrabsIt) {
+    constexpr std::uint32_t secondLayout = 0x2000;
+
+    const struct {
+        const char* reason;
+        std::uint8_t key;
+        std::uint32_t state;
+        std::optional<HotkeyBinding> chord;
+    } cases[] = {
+        {"plain", spaceKey, 0, HotkeyBinding{49, 0}},
+        {"all modifiers",
+         vKey,
+         XCB_MOD_MASK_4 | XCB_MOD_MASK_1 | XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL,
+         HotkeyBinding{9, 0x1b00}},
+        {"locks and the layout count for nothing",
+         aKey,
+         XCB_MOD_MASK_4 | XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2 | secondLayout,
+         commandA},
+        {"a modifier is no key", superKey, XCB_MOD_MASK_4, std::nullopt},
+        {"a key without a number", 255, XCB_MOD_MASK_4, std::nullopt},
+    };
+
+    for (const auto& each : cases)
+        EXPECT_EQ(registrar.chord(each.key, each.state), each.chord) << each.reason;
+
+    layout({QStringLiteral("fr")}); // where it types another letter
+    ASSERT_TRUE(spinUntil([&] {
+        return registrar.chord(aKey, XCB_MOD_MASK_4) == HotkeyBinding{12, 0x100};
+    }));
+}
+
+TEST_F(X11HotkeyRegistrarTest, aQuickSecondPressIsNoRepetition) {
+    Field field;
+    registrar.grab(1, commandSpace);
+    bool up = false;
+    whenPressed = [&] {
+        if (up)
+            field.giveKeyboardBack();
+        else
+            field.takeKeyboard();
+        up = !up;
+    };
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, spaceKey); }), 1u);
+    EXPECT_EQ(pressesOf([&] {
+                  user.down(superKey);
+                  user.down(spaceKey);
+                  user.finish();
+                  EXPECT_TRUE(spinUntil([&] { return !up; }));
+                  user.up(spaceKey); // goes to another program
+                  user.down(spaceKey);
+                  user.finish();
+                  EXPECT_TRUE(spinUntil([&] { return up; }));
+                  user.up(spaceKey);
+                  user.up(superKey);
+              }),
+              2u);
+    field.giveKeyboardBack();
+}
+
 TEST_F(X11HotkeyRegistrarTest, whatIsTypedSinceThePressLandsInThePanel) {
     Field field;
     registrar.grab(1, commandSpace);
@@ -374,6 +523,18 @@ TEST_F(X11HotkeyRegistrarTest, aProgramThatHangsDoesNotKeepTheKeyboard) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2500));
     EXPECT_THAT(front.keys(), ElementsAre(xKey));
     EXPECT_TRUE(spinUntil([&] { return !presses.empty(); }));
+}
+
+TEST(HotkeyRegistrar, takesNoKeyInAWaylandSession) {
+    QtMainQueue queue;
+    EXPECT_EQ(hotkeyRegistrar(queue)->grab(1, commandSpace), HotkeyOutcome{});
+    qputenv("WAYLAND_DISPLAY", "wayland-0");
+    const auto registrar = hotkeyRegistrar(queue);
+    qunsetenv("WAYLAND_DISPLAY");
+    EXPECT_EQ(registrar->grab(1, commandSpace),
+              (HotkeyOutcome{.kind = HotkeyOutcome::Kind::refused,
+                             .reason = "only X11 sessions let programs take keys, and this is "
+                                       "none"}));
 }
 
 TEST(NoHotkeyRegistrar, saysWhy) {

@@ -26,10 +26,15 @@ QString watcherPath() {
 
 /// The installed one follows the desktop's icon theme; a program run from its build folder has its
 /// own.
-QIcon trayIcon() {
+QIcon trayIcon(const QString& name) {
     return QIcon::fromTheme(
-        QStringLiteral("com.corvane.tessarine-symbolic"),
-        QIcon(QStringLiteral(":/tessarine/icons/com.corvane.tessarine-symbolic.svg")));
+        name, QIcon(QStringLiteral(":/tessarine/icons/") + name + QStringLiteral(".svg")));
+}
+
+std::string inWords(const StatusItem::State& state) {
+    if (!state.key.empty())
+        return state.key + " opens Tessarine";
+    return "No key opens Tessarine" + (state.problem.empty() ? "" : ": " + state.problem);
 }
 
 } // namespace
@@ -57,11 +62,25 @@ void StatusItem::start() {
     lookForHost();
 }
 
-void StatusItem::setStatus(const std::string& line) {
-    status_ = QString::fromStdString(line);
-    if (icon_)
-        icon_->setToolTip(status_.isEmpty() ? QStringLiteral("Tessarine")
-                                            : QStringLiteral("Tessarine: ") + status_);
+void StatusItem::refresh(State state) {
+    if (state == state_)
+        return;
+    state_ = std::move(state);
+    tell();
+}
+
+void StatusItem::tell() {
+    if (!icon_)
+        return;
+    const auto line = QString::fromStdString(inWords(state_));
+    const auto copy = QString::fromStdString(state_.copy);
+    icon_->setIcon(trayIcon(state_.key.empty()
+                                ? QStringLiteral("com.corvane.tessarine-nokey-symbolic")
+                                : QStringLiteral("com.corvane.tessarine-symbolic")));
+    icon_->setToolTip(copy.isEmpty() ? line : line + QLatin1Char('\n') + copy);
+    keyLine_->setText(line);
+    copyLine_->setText(copy);
+    copyLine_->setVisible(!copy.isEmpty());
 }
 
 /// A watcher keeps the list of items; only a host, which registers there, shows them.
@@ -88,13 +107,18 @@ void StatusItem::show() {
     if (icon_)
         return;
     menu_ = std::make_unique<QMenu>();
+    for (auto* line : {&keyLine_, &copyLine_}) {
+        *line = menu_->addAction(QString());
+        (*line)->setEnabled(false);
+    }
+    menu_->addSeparator();
     add("Open Tessarine", hooks_.open);
     add("Settings…", hooks_.settings);
     menu_->addSeparator();
     add("Quit", hooks_.quit);
-    icon_ = std::make_unique<QSystemTrayIcon>(trayIcon());
+    icon_ = std::make_unique<QSystemTrayIcon>();
     icon_->setContextMenu(menu_.get());
-    setStatus(status_.toStdString());
+    tell();
     connect(icon_.get(),
             &QSystemTrayIcon::activated,
             this,

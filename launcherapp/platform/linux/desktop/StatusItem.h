@@ -2,11 +2,11 @@
 
 #include <QDBusServiceWatcher>
 #include <QObject>
-#include <QString>
 #include <functional>
 #include <memory>
 #include <string>
 
+class QAction;
 class QMenu;
 class QSystemTrayIcon;
 
@@ -26,6 +26,14 @@ public:
         std::function<void(const std::string& line)> log;
     };
 
+    struct State {
+        std::string key;     ///< that opens the panel ("Super+Space"); empty when none does
+        std::string problem; ///< why none does, in words
+        std::string copy;    ///< how it stands with what is copied, in a line; empty for no line
+
+        bool operator==(const State&) const = default;
+    };
+
     explicit StatusItem(Hooks hooks);
     ~StatusItem() override;
     StatusItem(const StatusItem&) = delete;
@@ -34,21 +42,25 @@ public:
     /// Looks for a tray, without waiting for it.
     void start();
 
-    /// What the tool tip says below the program's name: the hotkey's state, in one line.
-    void setStatus(const std::string& line);
+    /// Makes the icon, the tool tip and the menu's first lines say how things stand. Not every
+    /// tray shows tool tips.
+    void refresh(State state);
 
 private Q_SLOTS:
     void lookForHost();
 
 private:
     void show();
+    void tell();
     void add(const char* title, const std::function<void()>& chosen);
     void say(const char* reason);
 
     Hooks hooks_;
     QDBusServiceWatcher watcher_;
-    QString status_;
+    State state_;
     std::unique_ptr<QMenu> menu_;
+    QAction* keyLine_ = nullptr;            ///< the menu's
+    QAction* copyLine_ = nullptr;           ///< likewise
     std::unique_ptr<QSystemTrayIcon> icon_; ///< none until there is a tray
 };
 

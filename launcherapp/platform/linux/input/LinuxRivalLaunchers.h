@@ -1,21 +1,25 @@
 #pragma once
 
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/RivalLaunchers.h"
 
 #include <memory>
 
 namespace tessarine {
 
-class MainQueue;
 class WorkQueues;
 
-/// The launchers of RivalTable. Those with a name on the session bus are seen coming and going;
-/// the others are looked for among the processes, in the background and only when somebody asks
-/// who runs, and seen going. The first question is answered by a look at once, which takes some
-/// milliseconds. Main thread only, with Qt's event loop.
+/// The launchers of RivalTable. Those with a name on the session bus are seen coming and going at
+/// once. The others are looked for among the processes, in the background and not too often: when a
+/// program comes to the bus, when `look` is called, when somebody asks who runs; their end is seen
+/// at once. The first look begins as this is made; whoever asks before it has ended waits for it,
+/// but not for long, and is told later of what it finds. Main thread only, with Qt's event loop.
 class LinuxRivalLaunchers : public RivalLaunchers {
 public:
-    LinuxRivalLaunchers(MainQueue& queue, WorkQueues& work);
+    /// So soon after a look among the processes there is no other.
+    static constexpr Seconds restOfLooks{10};
+
+    LinuxRivalLaunchers(MainQueue& queue, WorkQueues& work, Seconds betweenLooks = restOfLooks);
     ~LinuxRivalLaunchers() override;
     LinuxRivalLaunchers(const LinuxRivalLaunchers&) = delete;
     LinuxRivalLaunchers& operator=(const LinuxRivalLaunchers&) = delete;
@@ -24,6 +28,9 @@ public:
     std::vector<std::string> running() const override;
     Subscription onChange(std::function<void(const std::string&, Change)> changed) override;
     Subscription onSessionResumed(std::function<void()> resumed) override;
+
+    /// Something happened that programs which just began bring with them, as a new window does.
+    void look();
 
 private:
     class Watch;

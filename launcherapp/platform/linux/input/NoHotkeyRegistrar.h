@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/HotkeyRegistrar.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,10 @@ public:
     }
 
     void release(std::uint32_t) override {}
+
+    std::optional<HotkeyBinding> chord(std::uint32_t, std::uint32_t) const override {
+        return std::nullopt;
+    }
 
 private:
     std::string reason_;

@@ -23,10 +23,21 @@ std::string_view fileName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+/// "python3.11" and "electron28" are, "sherlock" is no "sh".
 bool isInterpreter(std::string_view program) {
     constexpr auto interpreters = std::to_array<std::string_view>(
-        {"python", "node", "electron", "perl", "bash", "dash", "sh"});
-    return std::ranges::any_of(interpreters, [&](auto each) { return program.starts_with(each); });
+        {"python", "node", "nodejs", "electron", "perl", "bash", "dash", "sh"});
+    const auto version = program.find_last_not_of("0123456789.") + 1;
+    return std::ranges::count(interpreters, program.substr(0, version)) > 0;
+}
+
+/// Programs of Electron's are archives, in a folder by the program's name.
+std::string_view withoutArchive(std::string_view script) {
+    for (const std::string_view part : {"/app.asar", "/resources"}) {
+        if (script.ends_with(part))
+            script.remove_suffix(part.size());
+    }
+    return script;
 }
 
 /// The script that an interpreter runs: its first argument that is no option.
@@ -36,7 +47,7 @@ std::string scriptOf(const std::string& folder) {
     std::getline(arguments, argument, '\0');
     while (std::getline(arguments, argument, '\0')) {
         if (!argument.starts_with('-'))
-            return argument;
+            return std::string(withoutArchive(argument));
     }
     return {};
 }

@@ -6,6 +6,7 @@ namespace {
 
 constexpr auto table = std::to_array<RivalTable::Rival>({
     {"KRunner", {"org.kde.krunner"}, "krunner"},
+    {"LXQt Runner", {}, "lxqt-runner"},
     {"Ulauncher", {"io.ulauncher.Ulauncher", "net.launchpad.ulauncher"}, "ulauncher"},
     {"Albert", {}, "albert"},
     {"Kupfer", {"se.kaizer.kupfer"}, "kupfer"},

@@ -5,7 +5,9 @@
 #include <string_view>
 
 /// The launchers that people run on Linux desktops and summon by a key: those that stay in memory
-/// and so hold it. What a desktop has built in is not here: it can't be quit. Pure; any thread.
+/// and so hold it. The desktop's own runner is one where it is a program of its own (KDE's, Xfce's,
+/// LXQt's). Where the shell or the window manager has it built in, it can't be quit, and its keys
+/// show by being refused. Pure; any thread.
 namespace tessarine::RivalTable {
 
 struct Rival {

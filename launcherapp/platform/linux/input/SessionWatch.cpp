@@ -1,11 +1,13 @@
 #include "launcherapp/platform/linux/input/SessionWatch.h"
 
+#include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QPointer>
 #include <array>
 #include <unistd.h>
 #include <utility>
@@ -33,16 +35,26 @@ QDBusMessage questionToLogind(const char* method) {
 
 } // namespace
 
-SessionWatch::SessionWatch(std::function<void()> resumed)
-    : resumed_(std::move(resumed)),
-      system_(QDBusConnection::connectToBus(QDBusConnection::SystemBus, systemConnection)) {
+SessionWatch::SessionWatch(WorkQueues& work, std::function<void()> resumed)
+    : resumed_(std::move(resumed)) {
     hearScreenSavers();
-    if (system_.isConnected())
-        findSession();
+    connectToSystem(work);
 }
 
 SessionWatch::~SessionWatch() {
     QDBusConnection::disconnectFromBus(systemConnection);
+}
+
+/// A bus that doesn't answer is waited for half a minute.
+void SessionWatch::connectToSystem(WorkQueues& work) {
+    work.runApart(
+        [] { return QDBusConnection::connectToBus(QDBusConnection::SystemBus, systemConnection); },
+        [watch = QPointer(this)](const QDBusConnection& system) {
+            if (!watch || !system.isConnected())
+                return;
+            watch->system_ = system;
+            watch->findSession();
+        });
 }
 
 void SessionWatch::hearScreenSavers() {

@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/linux/input/FreezeLimit.h"
 #include "launcherapp/platform/linux/input/NoHotkeyRegistrar.h"
+#include "launcherapp/platform/linux/input/X11InputDevices.h"
 #include "launcherapp/platform/linux/input/X11Keyboard.h"
 
 #include <xcb/xcb.h>
@@ -24,6 +25,8 @@ namespace {
 
 constexpr std::chrono::milliseconds keyLook{50};      ///< how often a key is looked at while down
 constexpr std::chrono::milliseconds mappingRest{100}; ///< a new layout comes in several steps
+/// Displays are told of delays from 150 ms on, and a quick finger presses twice in less than this.
+constexpr std::int32_t firstRepetition = 120;
 
 // The X Keyboard Extension's events of a changed keyboard.
 constexpr std::uint8_t xkbNewKeyboard = 0;
@@ -62,6 +65,20 @@ struct Chord {
     std::uint16_t modifiers = 0;
     std::vector<std::uint16_t> lockStates;
 
+    /// Whether a grab of the one is among those of the other.
+    bool sharesGrabs(const Chord& other) const {
+        return modifiers == other.modifiers &&
+               std::ranges::find_first_of(keyCodes, other.keyCodes) != keyCodes.end();
+    }
+
+    /// What a press of it has as its state, for each state of the lock keys.
+    std::vector<std::uint16_t> states() const {
+        std::vector<std::uint16_t> result;
+        for (const auto locks : lockStates)
+            result.push_back(static_cast<std::uint16_t>(modifiers | locks));
+        return result;
+    }
+
     bool operator==(const Chord&) const = default;
 };
 
@@ -72,7 +89,7 @@ public:
     explicit Keys(MainQueue& queue)
         : queue_(queue), connection_(qtConnection()),
           root_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root),
-          keyboard_(X11Keyboard::read(connection_)), xkbEvent_(xkbEvent()) {
+          keyboard_(X11Keyboard::read(connection_)), devices_(connection_), xkbEvent_(xkbEvent()) {
         QObject::connect(&mapping_, &QTimer::timeout, &mapping_, [this] { readMapping(); });
         mapping_.setSingleShot(true);
         QObject::connect(&look_, &QTimer::timeout, &look_, [this] { forgetReleasedKeys(); });
@@ -90,34 +107,37 @@ public:
     Keys& operator=(const Keys&) = delete;
 
     HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) {
-        const auto modifiers = keyboard_.modifiers(binding.carbonModifiers);
-        const Chord chord{.keyCodes = keyboard_.keyCodes(binding.keyCode),
-                          .modifiers = modifiers.value_or(0),
-                          .lockStates = keyboard_.lockStates()};
-        if (chord.keyCodes.empty())
-            return refused("no keyboard has that key");
-        if (!modifiers)
-            return refused("a modifier of it is on no key of this keyboard");
-        if (const auto error = grabAll(chord)) {
-            ungrab(chord); // what was granted before the refusal
-            if (*error == XCB_ACCESS)
-                return {.kind = HotkeyOutcome::Kind::heldByAnother,
-                        .reason = "another program holds it"};
-            return refused("X11 error " + std::to_string(*error));
+        const auto chord = chordOf(binding);
+        const auto outcome = take(id, chord);
+        if (outcome.kind != HotkeyOutcome::Kind::registered) {
+            refused_[id] = {binding, chord};
+            return outcome;
+        }
+        refused_.erase(id);
+        const auto before = chords_.find(id);
+        if (before != chords_.end() && before->second.chord != chord) {
+            const auto old = before->second.chord;
+            chords_.erase(before);
+            chords_[id] = {binding, chord};
+            giveBack(old);
         }
         chords_[id] = {binding, chord};
         if (!limit_)
             limit_.emplace([connection = connection_] { thaw(connection); });
-        return {};
+        return outcome;
     }
 
     void release(std::uint32_t id) {
+        refused_.erase(id);
         const auto found = chords_.find(id);
         if (found == chords_.end())
             return;
-        ungrab(found->second.chord);
+        const auto chord = found->second.chord;
         chords_.erase(found);
+        giveBack(chord);
     }
+
+    const X11Keyboard& keyboard() const { return keyboard_; }
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr*) override {
         if (type != "xcb_generic_event_t")
@@ -144,8 +164,53 @@ private:
         Chord chord;
     };
 
+    struct Down {
+        xcb_timestamp_t pressed = 0;
+        std::optional<xcb_timestamp_t> released; ///< which may be a repetition's
+    };
+
     static HotkeyOutcome refused(std::string reason) {
         return {.kind = HotkeyOutcome::Kind::refused, .reason = std::move(reason)};
+    }
+
+    Chord chordOf(const HotkeyBinding& binding) const {
+        const auto modifiers = keyboard_.modifiers(binding.carbonModifiers);
+        if (!modifiers)
+            return {};
+        return {.keyCodes = keyboard_.keyCodes(binding.keyCode),
+                .modifiers = *modifiers,
+                .lockStates = keyboard_.lockStates()};
+    }
+
+    HotkeyOutcome take(std::uint32_t id, const Chord& chord) {
+        if (chord.lockStates.empty())
+            return refused("a modifier of it is on no key of this keyboard");
+        if (chord.keyCodes.empty())
+            return refused("no keyboard has that key");
+        // On some layouts two bindings are one key, and one of them would never hear of a press.
+        const bool isOurs = std::ranges::any_of(chords_, [&](const auto& each) {
+            return each.first != id && each.second.chord.sharesGrabs(chord);
+        });
+        if (isOurs)
+            return refused("it is the same key as another hotkey on this keyboard");
+        const HotkeyOutcome held{.kind = HotkeyOutcome::Kind::heldByAnother,
+                                 .reason = "another program holds it"};
+        if (devices_.isGrabbed(chord.keyCodes, chord.states()))
+            return held;
+        if (const auto error = grabAll(chord)) {
+            giveBack(chord); // what was granted before the refusal
+            return *error == XCB_ACCESS ? held : refused("X11 error " + std::to_string(*error));
+        }
+        return {};
+    }
+
+    /// Gives back what no chord that is still held has too.
+    void giveBack(const Chord& chord) {
+        ungrab(chord);
+        for (const auto& [id, held] : chords_) {
+            if (held.chord.sharesGrabs(chord))
+                grabAll(held.chord);
+        }
     }
 
     static void thaw(xcb_connection_t* connection) {
@@ -169,15 +234,14 @@ private:
     std::optional<std::uint8_t> grabAll(const Chord& chord) {
         std::vector<xcb_void_cookie_t> cookies;
         for (const auto keyCode : chord.keyCodes) {
-            for (const auto locks : chord.lockStates)
-                cookies.push_back(
-                    xcb_grab_key_checked(connection_,
-                                         0,
-                                         root_,
-                                         static_cast<std::uint16_t>(chord.modifiers | locks),
-                                         keyCode,
-                                         XCB_GRAB_MODE_ASYNC,
-                                         XCB_GRAB_MODE_SYNC));
+            for (const auto state : chord.states())
+                cookies.push_back(xcb_grab_key_checked(connection_,
+                                                       0,
+                                                       root_,
+                                                       state,
+                                                       keyCode,
+                                                       XCB_GRAB_MODE_ASYNC,
+                                                       XCB_GRAB_MODE_SYNC));
         }
         std::optional<std::uint8_t> first;
         for (const auto cookie : cookies) {
@@ -190,11 +254,8 @@ private:
 
     void ungrab(const Chord& chord) {
         for (const auto keyCode : chord.keyCodes) {
-            for (const auto locks : chord.lockStates)
-                xcb_ungrab_key(connection_,
-                               keyCode,
-                               root_,
-                               static_cast<std::uint16_t>(chord.modifiers | locks));
+            for (const auto state : chord.states())
+                xcb_ungrab_key(connection_, keyCode, root_, state);
         }
         xcb_flush(connection_);
     }
@@ -224,7 +285,7 @@ private:
         const auto id = holder(event);
         if (!id)
             return false;
-        down_[event.detail] = std::nullopt;
+        down_[event.detail] = {.pressed = event.time, .released = {}};
         look_.start(keyLook);
         if (events.pressed)
             events.pressed({.id = *id, .at = pressedAt(event.time, queue_.uptime())});
@@ -237,8 +298,10 @@ private:
         const auto key = down_.find(event.detail);
         if (key == down_.end())
             return false;
-        auto& released = key->second;
-        if (released && *released != event.time) {
+        auto& [pressed, released] = key->second;
+        // Of a key that was let go, unseen, in another program's window.
+        const bool isTooSoon = static_cast<std::int32_t>(event.time - pressed) < firstRepetition;
+        if (isTooSoon || (released && *released != event.time)) {
             down_.erase(key);
             return false;
         }
@@ -250,7 +313,7 @@ private:
         const auto key = down_.find(event.detail);
         if (key == down_.end())
             return false;
-        key->second = event.time;
+        key->second.released = event.time;
         return true;
     }
 
@@ -268,16 +331,15 @@ private:
     }
 
     /// Programs that type by giving spare keys a meaning change the mapping all the time; only what
-    /// concerns a chord is told.
+    /// concerns a chord is told, one that could not be had included.
     void readMapping() {
         keyboard_ = X11Keyboard::read(connection_);
-        const auto lockStates = keyboard_.lockStates();
-        const bool changed = std::ranges::any_of(chords_, [&](const auto& each) {
+        const auto isAnother = [&](const auto& each) {
             const auto& [binding, chord] = each.second;
-            return Chord{.keyCodes = keyboard_.keyCodes(binding.keyCode),
-                         .modifiers = keyboard_.modifiers(binding.carbonModifiers).value_or(0),
-                         .lockStates = lockStates} != chord;
-        });
+            return chordOf(binding) != chord;
+        };
+        const bool changed =
+            std::ranges::any_of(chords_, isAnother) || std::ranges::any_of(refused_, isAnother);
         if (changed && events.keysChanged)
             events.keysChanged();
     }
@@ -286,11 +348,11 @@ private:
     xcb_connection_t* connection_;
     xcb_window_t root_;
     X11Keyboard keyboard_;
+    X11InputDevices devices_;
     std::optional<int> xkbEvent_; ///< the number of its events; nothing without the extension
     std::map<std::uint32_t, Held> chords_;
-    /// Keys of chords that may still be down, with the time of a release that may be a
-    /// repetition's.
-    std::map<std::uint8_t, std::optional<xcb_timestamp_t>> down_;
+    std::map<std::uint32_t, Held> refused_; ///< what was asked for last, by those who hold it not
+    std::map<std::uint8_t, Down> down_;     ///< keys of chords that may still be down
     QTimer look_;
     QTimer mapping_;
     std::optional<FreezeLimit> limit_;
@@ -312,12 +374,20 @@ void X11HotkeyRegistrar::release(std::uint32_t id) {
     keys_->release(id);
 }
 
+std::optional<HotkeyBinding> X11HotkeyRegistrar::chord(std::uint32_t key,
+                                                       std::uint32_t state) const {
+    return keys_->keyboard().binding(key, state);
+}
+
 std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue) {
-    if (qtConnection())
-        return std::make_unique<X11HotkeyRegistrar>(queue);
-    return std::make_unique<NoHotkeyRegistrar>(
-        "without X11 the desktop's own settings must give a key to the command \"gapplication "
-        "action com.corvane.tessarine toggle\"");
+    auto* connection = qtConnection();
+    // Qt takes the display that a Wayland compositor keeps for X11 programs where it has nothing
+    // to speak Wayland with.
+    if (!connection || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+        isWaylandsDisplay(connection))
+        return std::make_unique<NoHotkeyRegistrar>(
+            "only X11 sessions let programs take keys, and this is none");
+    return std::make_unique<X11HotkeyRegistrar>(queue);
 }
 
 } // namespace tessarine

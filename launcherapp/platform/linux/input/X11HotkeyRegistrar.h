@@ -23,14 +23,15 @@ public:
     void setEvents(Events events) override;
     HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) override;
     void release(std::uint32_t id) override;
+    std::optional<HotkeyBinding> chord(std::uint32_t key, std::uint32_t state) const override;
 
 private:
     class Keys;
     std::unique_ptr<Keys> keys_;
 };
 
-/// The registrar of the display that Qt runs on; one that refuses, with its reason, where that is
-/// not X11.
+/// The registrar of the display that Qt runs on; one that refuses, with its reason, where the
+/// session is not X11's, even if Qt runs on an X11 display inside it.
 std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue);
 
 } // namespace tessarine

@@ -116,18 +116,16 @@ std::vector<std::uint8_t> X11Keyboard::keyCodes(std::uint32_t virtualKey) const 
     return {key->usKeyCode};
 }
 
-std::optional<std::uint16_t> X11Keyboard::modifiers(std::uint32_t carbonModifiers) const {
-    struct Modifier {
-        std::uint32_t carbon;
-        std::uint16_t bit;
-    };
+std::array<X11Keyboard::Modifier, 4> X11Keyboard::modifiers() const {
+    return {Modifier{HotkeyModifiers::command, super_},
+            Modifier{HotkeyModifiers::option, alt_},
+            Modifier{HotkeyModifiers::shift, XCB_MOD_MASK_SHIFT},
+            Modifier{HotkeyModifiers::control, XCB_MOD_MASK_CONTROL}};
+}
 
-    const std::array all{Modifier{HotkeyModifiers::command, super_},
-                         Modifier{HotkeyModifiers::option, alt_},
-                         Modifier{HotkeyModifiers::shift, XCB_MOD_MASK_SHIFT},
-                         Modifier{HotkeyModifiers::control, XCB_MOD_MASK_CONTROL}};
+std::optional<std::uint16_t> X11Keyboard::modifiers(std::uint32_t carbonModifiers) const {
     std::uint16_t bits = 0;
-    for (const auto& [carbon, bit] : all) {
+    for (const auto& [carbon, bit] : modifiers()) {
         if (!(carbonModifiers & carbon))
             continue;
         if (bit == 0)
@@ -135,6 +133,23 @@ std::optional<std::uint16_t> X11Keyboard::modifiers(std::uint32_t carbonModifier
         bits = static_cast<std::uint16_t>(bits | bit);
     }
     return bits;
+}
+
+std::optional<HotkeyBinding> X11Keyboard::binding(std::uint32_t keyCode,
+                                                  std::uint32_t state) const {
+    if (keyCode > lastKeyCode)
+        return std::nullopt;
+    std::uint32_t held = 0;
+    for (const auto& [carbon, bit] : modifiers()) {
+        if (state & bit)
+            held |= carbon;
+    }
+    // Asked the way that a grab goes, so that what is recorded here is the key that is grabbed.
+    for (const auto& key : keys) {
+        if (std::ranges::count(keyCodes(key.virtualKey), keyCode) > 0)
+            return HotkeyBinding{.keyCode = key.virtualKey, .carbonModifiers = held};
+    }
+    return std::nullopt;
 }
 
 std::vector<std::uint16_t> X11Keyboard::lockStates() const {

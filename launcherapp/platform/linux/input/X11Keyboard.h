@@ -1,5 +1,8 @@
 #pragma once
 
+#include "LauncherCore/commands/HotkeyBinding.h"
+
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -24,6 +27,10 @@ public:
     /// The state's bits for the modifiers of a binding; nothing when a modifier is on no key.
     std::optional<std::uint16_t> modifiers(std::uint32_t carbonModifiers) const;
 
+    /// The binding that a key code with such a state is; nothing for a key that has no number in
+    /// bindings. The state's locks, layout and mouse buttons count for nothing.
+    std::optional<HotkeyBinding> binding(std::uint32_t keyCode, std::uint32_t state) const;
+
     /// The bits that a pressed lock key leaves in the state: Caps Lock, Num Lock and Scroll Lock.
     std::uint16_t locks() const { return locks_; }
 
@@ -33,6 +40,12 @@ public:
     bool operator==(const X11Keyboard&) const = default;
 
 private:
+    struct Modifier {
+        std::uint32_t carbon;
+        std::uint16_t bit; ///< of a state; 0 when it is on no key
+    };
+
+    std::array<Modifier, 4> modifiers() const;
     std::span<const std::uint32_t> symbolsOf(std::uint8_t keyCode) const;
 
     std::uint8_t firstKeyCode_ = 8;
