@@ -1,5 +1,6 @@
 #include "launcherapp/shell/App.h"
 
+#include "LauncherCore/answers/RateTableJson.h"
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppLauncher.h"
@@ -48,6 +49,7 @@
 #include "launcherapp/shell/modes/Modes.h"
 #include "launcherapp/sources/AnswerService.h"
 #include "launcherapp/sources/CalcStore.h"
+#include "launcherapp/sources/DemonstrationSources.h"
 #include "launcherapp/sources/Rates.h"
 #include "launcherapp/sources/ZoneStore.h"
 
@@ -224,7 +226,7 @@ struct App::Services {
                           {.numbers = environment.numbersLocale,
                            .money = environment.moneyLocale,
                            .dates = environment.datesLocale}};
-    CreditResolver credits{catalog, icons, files, environment};
+    CreditResolver credits{catalog, files, environment};
     RecentApps recent{running, catalog};
 
     PortalAppearance desktop;
@@ -351,6 +353,8 @@ void App::Services::wireModel() {
     hideBeforeVerbs();
     wireFiles();
     wireAnswers();
+    if (demonstration.isOn())
+        addDemonstrationSources(model);
     model.families.recentApps = [this] { return recent.recent(catalog.apps()); };
     model.families.lookUp = [this](const std::string& word,
                                    const std::function<void(std::string)>& found) {
@@ -462,6 +466,9 @@ void App::Services::rememberHome(const std::string& zone) {
 }
 
 void App::Services::startAnswers() {
+    if (demonstration.isOn())
+        files.save(support.path() + "/rates.json",
+                   RateTableJson::encoded(demonstrationRates(queue.now())));
     // What is typed into a mode that ends by itself is answered from the last run's rates.
     if (endsByItself || demonstration.isOn())
         rates.load();

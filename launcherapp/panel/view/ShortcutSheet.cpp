@@ -5,6 +5,7 @@
 #include "launcherapp/panel/view/drawing/KeyCaps.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 
+#include <QAccessible>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
@@ -51,6 +52,13 @@ std::vector<ShortcutSheet::Line> ShortcutSheet::lines() {
             same->chords.push_back(keys);
     }
     return lines;
+}
+
+/// Nothing in it can be reached with the keys, so a reader would never come to it by itself.
+void ShortcutSheet::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 int ShortcutSheet::chordsWidth(const Line& line) const {

@@ -16,8 +16,7 @@ protected:
     }
 
     FakeServices services;
-    CreditResolver credits{
-        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
 };
 
 TEST_F(CreditResolverTest, schemesAreCreditedToWhoOpensThem) {

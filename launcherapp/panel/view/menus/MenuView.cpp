@@ -76,7 +76,7 @@ ItemView::Item MenuView::item(int index) const {
     auto name = entry.title;
     if (!entry.detail.isEmpty())
         name += QStringLiteral(", ") + entry.detail;
-    return {.name = name, .isDestructive = entry.isDestructive};
+    return {.name = name, .isDestructive = entry.isDestructive, .isSeparator = entry.isSeparator()};
 }
 
 QRect MenuView::place(int index) const {
