@@ -101,7 +101,8 @@ void FieldRow::restyle() {
 QRect FieldRow::chipRectangle() const {
     if (chip_.isEmpty())
         return {};
-    const int text = QFontMetrics(style_.subtitle).horizontalAdvance(chip_);
+    // Advances are rounded, and a text that lacks a part of a pixel would be cut.
+    const int text = QFontMetrics(style_.subtitle).horizontalAdvance(chip_) + 1;
     const int arrow = model_.clipboardMode() ? chipArrowSide + 4 : 0;
     const int width = std::min(text + 2 * chipPadding + arrow, mostChipWidth);
     const QRect chip(

@@ -20,6 +20,7 @@ namespace {
 
 constexpr int hintGap = 18;
 constexpr int keyGap = 7;
+constexpr int leastPlaceWidth = 60;
 
 /// Labels are words within a sentence; alone, they begin one.
 QString capitalised(std::string_view label) {
@@ -128,6 +129,8 @@ void Footer::paintEvent(QPaintEvent*) {
         const int caps = KeyCaps::width(style_, hint.keys);
         const int text = metrics.horizontalAdvance(hint.label);
         const int width = text + keyGap + caps;
+        if (taken + width > this->width() - PanelStyle::edge)
+            break; // the others are in the sheet of shortcuts
         const QRect whole = QStyle::visualRect(
             layoutDirection(), rect(), QRect(this->width() - taken - width, 0, width, height()));
         const int capsLeft = isMirrored ? whole.left() : whole.right() + 1 - caps;
@@ -141,6 +144,8 @@ void Footer::paintEvent(QPaintEvent*) {
     if (state() == FooterState::collapsed && prefs_.autoHideFooter())
         return;
     const int room = width() - taken - PanelStyle::edge;
+    if (room < leastPlaceWidth)
+        return; // a lone ellipsis names no place
     const auto name = metrics.elidedText(place(), Qt::ElideMiddle, room);
     const auto rectangle =
         QStyle::visualRect(layoutDirection(), rect(), QRect(PanelStyle::edge, 0, room, 2 * middle));

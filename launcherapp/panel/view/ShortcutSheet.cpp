@@ -73,8 +73,8 @@ QSize ShortcutSheet::wantedSize() const {
     int width = 0;
     const auto all = lines();
     for (const auto& line : all)
-        width =
-            std::max(width, metrics.horizontalAdvance(line.label) + textGap + chordsWidth(line));
+        width = std::max(width,
+                         metrics.horizontalAdvance(line.label) + 1 + textGap + chordsWidth(line));
     return {width + 2 * padding, titleHeight + static_cast<int>(all.size()) * lineHeight + padding};
 }
 

@@ -25,7 +25,7 @@ constexpr std::string_view updater = "the updater";
 constexpr std::string_view dictation = "the dictation doctor";
 constexpr std::string_view importer = "the workflow importer";
 constexpr std::string_view stallWatch = "the stall watch";
-constexpr std::string_view panel = "the panel";
+constexpr std::string_view helpMenu = "a menu bar with a Help menu";
 constexpr std::string_view clipboard = "the clipboard history";
 constexpr std::string_view clipboardSync = "clipboard sync";
 constexpr std::string_view settingsSync = "settings sync";
@@ -74,7 +74,7 @@ constexpr auto earlyModes = std::to_array<Mode>({
     {"startup", none, {}, "the login item"},
     {"--import-alfred", none, {}, importer},
     {"--selftest-stall-sample", none, {}, stallWatch},
-    {"--selftest-help-menu", none, {}, panel},
+    {"--selftest-help-menu", none, {}, helpMenu},
 });
 
 constexpr auto residentModes = std::to_array<Mode>({

@@ -1,10 +1,11 @@
 #include "launcherapp/panel/view/heads/ModeParts.h"
 
-#include "launcherapp/panel/view/PanelRoot.h"
 #include "launcherapp/panel/view/heads/CurrencyStrip.h"
 #include "launcherapp/panel/view/heads/PersonHead.h"
 #include "launcherapp/panel/view/preview/ClippingPreview.h"
 #include "launcherapp/query/SearchModel.h"
+
+#include <utility>
 
 namespace tessarine {
 
@@ -14,6 +15,13 @@ ModeParts::ModeParts(PanelRoot& root,
                      RowImages& images)
     : root_(root), model_(model), strip_(new CurrencyStrip(&root, style, images)),
       person_(new PersonHead(&root, style)), preview_(new ClippingPreview(&root, style, images)) {}
+
+/// A slot that another part was put into stays that part's.
+void ModeParts::put(PanelRoot::Slot slot, QWidget* part) {
+    auto& last = put_[static_cast<std::size_t>(slot)];
+    if (std::exchange(last, part) != part)
+        root_.setAccessory(slot, part);
+}
 
 ModeParts::~ModeParts() {
     delete strip_;
@@ -35,7 +43,7 @@ void ModeParts::refreshHead() {
         strip_->show(*money);
         head = strip_;
     }
-    root_.setAccessory(PanelRoot::Slot::aboveList, head);
+    put(PanelRoot::Slot::aboveList, head);
 }
 
 void ModeParts::refreshPreview() {
@@ -49,8 +57,8 @@ void ModeParts::refreshPreview() {
         preview_->show(*std::move(preview));
         preview_->setPlacement(placement);
     }
-    root_.setAccessory(besideList, isShown && !isBelow ? preview_ : nullptr);
-    root_.setAccessory(belowList, isShown && isBelow ? preview_ : nullptr);
+    put(besideList, isShown && !isBelow ? preview_ : nullptr);
+    put(belowList, isShown && isBelow ? preview_ : nullptr);
 }
 
 } // namespace tessarine

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "launcherapp/panel/view/PanelRoot.h"
+
+#include <array>
+
 namespace tessarine {
 
 class ClippingPreview;
 class CurrencyStrip;
-class PanelRoot;
 class PersonHead;
 class RowImages;
 class SearchModel;
@@ -28,12 +31,14 @@ public:
 private:
     void refreshHead();
     void refreshPreview();
+    void put(PanelRoot::Slot slot, QWidget* part);
 
     PanelRoot& root_;
     const SearchModel& model_;
     CurrencyStrip* strip_;
     PersonHead* person_;
     ClippingPreview* preview_;
+    std::array<QWidget*, 3> put_{}; ///< what of these is in each slot; null for none
 };
 
 } // namespace tessarine

@@ -50,8 +50,8 @@ QSize MenuView::wantedSize() const {
     for (const auto& entry : entries_) {
         const int detail =
             entry.detail.isEmpty() ? 0 : detailGap + details.horizontalAdvance(entry.detail);
-        width =
-            std::max(width, textLeft + titles.horizontalAdvance(entry.title) + detail + textRight);
+        width = std::max(width,
+                         textLeft + titles.horizontalAdvance(entry.title) + 1 + detail + textRight);
     }
     return {std::min(width, mostWidth), contentHeight()};
 }

@@ -20,7 +20,7 @@ namespace tessarine {
 
 namespace {
 
-constexpr int padding = 14;
+constexpr int padding = 14;      ///< above and below
 constexpr int heightBelow = 210; ///< of the whole part, below the list
 constexpr int symbolSide = 16;
 constexpr int symbolGap = 8;
@@ -67,7 +67,7 @@ QSize ClippingPreview::sizeHint() const {
 void ClippingPreview::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     drawEdge(painter);
-    auto inside = rect().adjusted(padding, padding, -padding, -padding);
+    auto inside = rect().adjusted(PanelStyle::edge, padding, -PanelStyle::edge, -padding);
     std::string facts;
     for (const auto& fact : preview_.facts)
         facts += (facts.empty() ? "" : " · ") + fact;

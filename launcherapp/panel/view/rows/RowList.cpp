@@ -136,12 +136,13 @@ RowLook RowList::look(int index) const {
     const auto& rows = sources_.model.rows();
     const auto firstApp = std::ranges::find(rows, RowKind::app, &ResultRow::kind);
     const auto& row = rows[static_cast<std::size_t>(index)];
+    const bool isInert = row.kind == RowKind::hint && !row.primary; // a key would do nothing
     return {.rectangle = itemRectangle(index),
             .direction = layoutDirection(),
             .isRunning = row.running || (isMarkShown_ && firstApp == rows.begin() + index),
             .isSelected = index == currentItem(),
             .isHovered = index == hovered_,
-            .digit = index < lastDigit ? index + 1 : 0,
+            .digit = index < lastDigit && !isInert ? index + 1 : 0,
             .isDigitAsked = isCommandHeld_};
 }
 
