@@ -140,7 +140,13 @@ TEST_F(ModePartsTest, thePreviewFollowsTheSelectionAndTheSettings) {
     EXPECT_TRUE(shown.isVisible());
     EXPECT_EQ(spoken<ClippingPreview>(), "Preview: one\ntwo, 7 characters");
     EXPECT_GT(shown.x(), list().geometry().right());
+    // Two rows alone would leave it no room.
+    EXPECT_EQ(panel.heightBeyondRows(), shown.minimumSizeHint().height() - list().wantedHeight());
+    for (int i = 0; i < 5; ++i)
+        rows.push_back(row("more " + std::to_string(i)));
+    model.recompute();
     EXPECT_EQ(panel.heightBeyondRows(), 0);
+    fit();
 
     services.prefs.clipPreviewPlacement.set(ClipPreviewPlacement::left);
     EXPECT_LT(shown.geometry().right(), list().x());

@@ -185,8 +185,11 @@ int PanelRoot::overlayHeight() const {
 }
 
 int PanelRoot::wantedHeight() const {
-    const int parts =
-        ordinaryHeight() + accessoryHeight(Slot::aboveList) + accessoryHeight(Slot::belowList);
+    const auto* beside = accessory(Slot::besideList);
+    const int lacking =
+        beside ? std::max(0, beside->minimumSizeHint().height() - list_->wantedHeight()) : 0;
+    const int parts = ordinaryHeight() + lacking + accessoryHeight(Slot::aboveList) +
+                      accessoryHeight(Slot::belowList);
     return std::max(parts, PanelStyle::headerHeight + overlayHeight() + PanelStyle::footerHeight);
 }
 

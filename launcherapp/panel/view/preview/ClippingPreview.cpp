@@ -20,8 +20,9 @@ namespace tessarine {
 
 namespace {
 
-constexpr int padding = 14;      ///< above and below
-constexpr int heightBelow = 210; ///< of the whole part, below the list
+constexpr int padding = 14;            ///< above and below
+constexpr int leastHeightBeside = 180; ///< a list of one row has no room to see anything in
+constexpr int heightBelow = 210;       ///< of the whole part, below the list
 constexpr int symbolSide = 16;
 constexpr int symbolGap = 8;
 
@@ -62,6 +63,10 @@ void ClippingPreview::setPlacement(ClipPreviewPlacement placement) {
 
 QSize ClippingPreview::sizeHint() const {
     return {0, heightBelow};
+}
+
+QSize ClippingPreview::minimumSizeHint() const {
+    return {0, leastHeightBeside};
 }
 
 void ClippingPreview::paintEvent(QPaintEvent*) {

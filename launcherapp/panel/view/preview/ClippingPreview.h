@@ -26,8 +26,10 @@ public:
     /// Which edge parts it from the list.
     void setPlacement(ClipPreviewPlacement placement);
 
-    /// As much as is wanted below the list; beside it the list's height is what there is.
+    /// As much as is wanted below the list.
     QSize sizeHint() const override;
+    /// Beside the list it is as high as that, and no lower than this.
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
