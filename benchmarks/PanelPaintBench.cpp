@@ -53,8 +53,7 @@ struct Panel {
     FakeDesktopAppearance desktop;
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
-    CreditResolver credits{
-        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
     Appearance appearance{services.prefs, desktop, services.diagnostics};
     LauncherPanel panel{PanelViewServices{.model = model,
                                           .prefs = services.prefs,

@@ -7,7 +7,6 @@
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/AppScan.h"
 #include "launcherapp/catalog/StandInApps.h"
-#include "launcherapp/platform/Icons.h"
 
 #include <optional>
 #include <utility>
@@ -17,8 +16,8 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::string_view missingSymbol = "app.dashed";
-constexpr std::string_view applicationSymbol = "app";
+constexpr auto missingSymbol = "app.dashed";
+constexpr auto applicationSymbol = "app";
 constexpr std::string_view computerIcon = "computer";
 constexpr std::string_view entryExtension = ".desktop";
 constexpr std::string_view bundleExtension = ".app";
@@ -26,17 +25,19 @@ constexpr std::string_view bundleExtension = ".app";
 } // namespace
 
 CreditResolver::CreditResolver(const AppCatalog& catalog,
-                               Icons& icons,
                                const FileStore& files,
                                Environment environment)
-    : catalog_(catalog), icons_(icons), files_(files), environment_(std::move(environment)) {}
+    : catalog_(catalog), files_(files), environment_(std::move(environment)) {}
+
+/// Before the first scan nothing is installed yet, so what was resolved then is resolved anew.
+bool CreditResolver::isResolved(const RowCreditSpec& spec) const {
+    const bool mayHaveArrived = catalog_.lastScan() && resolvedBeforeScan_.contains(spec);
+    return resolved_.contains(spec) && !mayHaveArrived;
+}
 
 const ResolvedCredit& CreditResolver::resolve(const RowCreditSpec& spec) {
-    const auto known = resolved_.find(spec);
-    // Before the first scan nothing is installed yet, so what was resolved then is resolved anew.
-    const bool mayHaveArrived = catalog_.lastScan() && resolvedBeforeScan_.contains(spec);
-    if (known != resolved_.end() && !mayHaveArrived)
-        return known->second;
+    if (isResolved(spec))
+        return resolved_.at(spec);
     if (catalog_.lastScan())
         resolvedBeforeScan_.erase(spec);
     else
@@ -44,13 +45,18 @@ const ResolvedCredit& CreditResolver::resolve(const RowCreditSpec& spec) {
     return resolved_.insert_or_assign(spec, compute(spec)).first->second;
 }
 
+const ResolvedCredit* CreditResolver::fromMemory(const RowCreditSpec& spec) {
+    const bool isOnDisk = std::holds_alternative<RowCreditSpec::AppPath>(spec.value);
+    return isOnDisk && !isResolved(spec) ? nullptr : &resolve(spec);
+}
+
 ResolvedCredit CreditResolver::compute(const RowCreditSpec& spec) {
     const AppRegistry& registry = *catalog_.registry();
 
     if (const auto* machine = std::get_if<RowCreditSpec::Machine>(&spec.value)) {
-        auto icon = icons_.icon(computerIcon, iconPoints);
         return {.name = machine->name,
-                .icon = icon ? *std::move(icon) : icons_.symbol(machine->symbol, iconPoints),
+                .icon = std::string(computerIcon),
+                .symbol = machine->symbol,
                 .found = true};
     }
     if (const auto* onDisk = std::get_if<RowCreditSpec::AppPath>(&spec.value)) {
@@ -58,19 +64,28 @@ ResolvedCredit CreditResolver::compute(const RowCreditSpec& spec) {
         if (!files_.info(path))
             return missing(spec);
         if (const auto* installed = registry.byPath(path))
-            return {.name = installed->name, .icon = iconOf(installed->icon), .found = true};
+            return {.name = installed->name,
+                    .icon = installed->icon,
+                    .symbol = applicationSymbol,
+                    .found = true};
         return credited(path);
     }
     if (const auto* url = std::get_if<RowCreditSpec::UrlHandler>(&spec.value)) {
         const auto* handler = registry.handlerForScheme(url->scheme);
         if (!handler)
             return missing(spec);
-        return {.name = handler->name, .icon = iconOf(handler->icon), .found = true};
+        return {.name = handler->name,
+                .icon = handler->icon,
+                .symbol = applicationSymbol,
+                .found = true};
     }
     const auto& app = std::get<RowCreditSpec::App>(spec.value);
     for (const auto& id : app.bundleIDs) {
         if (const auto* installed = StandInApps::application(registry, id))
-            return {.name = app.name, .icon = iconOf(installed->icon), .found = true};
+            return {.name = app.name,
+                    .icon = installed->icon,
+                    .symbol = applicationSymbol,
+                    .found = true};
     }
     return missing(spec);
 }
@@ -83,26 +98,20 @@ ResolvedCredit CreditResolver::credited(const std::string& path) {
         if (const auto entry = AppScan::entryAt(files_, path, languages)) {
             const auto names = AppNaming::names(*entry, path, "", languages);
             return {.name = names.name,
-                    .icon = iconOf(entry->localized("Icon", languages).value_or("")),
+                    .icon = entry->localized("Icon", languages).value_or(""),
+                    .symbol = applicationSymbol,
                     .found = true};
         }
     }
     std::string name(Paths::lastPart(Paths::withoutEndSlashes(path)));
     if (name.size() > bundleExtension.size() && name.ends_with(bundleExtension))
         name.resize(name.size() - bundleExtension.size());
-    return {.name = name.empty() ? path : name, .icon = iconOf(""), .found = true};
+    return {
+        .name = name.empty() ? path : name, .icon = "", .symbol = applicationSymbol, .found = true};
 }
 
 ResolvedCredit CreditResolver::missing(const RowCreditSpec& spec) {
-    return {.name = spec.fallbackName(),
-            .icon = icons_.symbol(missingSymbol, iconPoints),
-            .found = false};
-}
-
-Image CreditResolver::iconOf(const std::string& themeNameOrPath) {
-    if (auto icon = icons_.icon(themeNameOrPath, iconPoints))
-        return *std::move(icon);
-    return icons_.symbol(applicationSymbol, iconPoints);
+    return {.name = spec.fallbackName(), .icon = "", .symbol = missingSymbol, .found = false};
 }
 
 } // namespace tessarine

@@ -3,7 +3,6 @@
 #include "LauncherCore/query/RowCredit.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
-#include "launcherapp/platform/Image.h"
 
 #include <string>
 #include <unordered_map>
@@ -12,12 +11,12 @@
 namespace tessarine {
 
 class AppCatalog;
-class Icons;
 
 /// A credit as it is drawn.
 struct ResolvedCredit {
     std::string name;   ///< never empty
-    Image icon;         ///< may be empty without a display
+    std::string icon;   ///< a name in the icon theme, or a path; may be empty
+    std::string symbol; ///< drawn where there is no such icon
     bool found = false; ///< the named thing is really on this machine
 };
 
@@ -27,23 +26,20 @@ struct ResolvedCredit {
 /// thread only.
 class CreditResolver {
 public:
-    static constexpr int iconPoints = 16;
-
-    CreditResolver(const AppCatalog& catalog,
-                   Icons& icons,
-                   const FileStore& files,
-                   Environment environment);
+    CreditResolver(const AppCatalog& catalog, const FileStore& files, Environment environment);
 
     const ResolvedCredit& resolve(const RowCreditSpec& spec);
 
+    /// The same without looking at any disk; null for one that has to be looked for there first.
+    const ResolvedCredit* fromMemory(const RowCreditSpec& spec);
+
 private:
+    bool isResolved(const RowCreditSpec& spec) const;
     ResolvedCredit compute(const RowCreditSpec& spec);
     ResolvedCredit credited(const std::string& path);
     ResolvedCredit missing(const RowCreditSpec& spec);
-    Image iconOf(const std::string& themeNameOrPath);
 
     const AppCatalog& catalog_;
-    Icons& icons_;
     const FileStore& files_;
     Environment environment_;
     std::unordered_map<RowCreditSpec, ResolvedCredit> resolved_;

@@ -3,8 +3,10 @@
 #include "LauncherCore/answers/CurrencyReading.h"
 #include "LauncherCore/catalog/CatalogApp.h"
 #include "LauncherCore/commands/CommandSpec.h"
+#include "launcherapp/query/PersonCard.h"
 #include "launcherapp/query/ResultRow.h"
 #include "launcherapp/query/RowAction.h"
+#include "launcherapp/query/RowPreview.h"
 
 #include <cstdint>
 #include <functional>
@@ -37,7 +39,7 @@ struct AnswerRows {
     Rows unitFan;
     Rows zones;
     Rows earlier; ///< calculations made before, shown below a calculation
-    std::optional<CurrencyReading> currencyReading; ///< an amount of money and nothing else
+    std::optional<CurrencyReading> currencyReading; ///< an amount and nothing else, as money
 };
 
 /// One entry of the clipboard's filter menu.
@@ -93,6 +95,8 @@ struct RowFamilies {
     std::function<std::vector<CatalogApp>()> recentApps;       ///< running, most recent first
     /// The person whose card the row opens; nothing for any other row.
     std::function<std::optional<std::string>(const ResultRow& row)> personID;
+    /// Whose card is open; nothing for somebody who is no longer known.
+    std::function<std::optional<PersonCard>(const std::string& personID)> person;
     /// The folder that the row stands for; nothing for any other row.
     std::function<std::optional<std::string>(const ResultRow& row)> folderPath;
     std::function<bool(const std::string& folder)> isBrowseRoot; ///< leaving it ends browsing
@@ -113,6 +117,8 @@ struct RowFamilies {
     std::function<std::vector<std::size_t>(std::string_view argument)> partialFilters;
     std::function<void(const std::string& clippingID)> removeClipping;
     std::function<bool(const std::string& clippingID)> copyClippingToTop;
+    /// What is shown beside the list while the row is selected; nothing for most.
+    std::function<std::optional<RowPreview>(const ResultRow& row)> preview;
 
     /// What the actions menu offers for a row of the source beyond what its kind has.
     std::function<std::vector<RowAction>(const ResultRow& row)> menuActions;

@@ -182,9 +182,9 @@ Rows SearchModel::builtRows() {
 
 std::optional<Rows> SearchModel::modeRows(std::string_view q) {
     if (clipboardMode_)
-        return rowsOf(families.clipboard, q, clipFilter_);
+        return clippingRows(q);
     if (personPath_)
-        return rowsOf(families.personCard, *personPath_, q);
+        return cardRows(*personPath_, q);
     if (browsePath_)
         return rowsOf(families.browse, *browsePath_, q);
     return std::nullopt;
@@ -235,7 +235,26 @@ Rows SearchModel::clipboardKeywordRows(std::string argument) {
         argument.clear();
     }
     queryWithoutRecompute(argument);
-    return rowsOf(families.clipboard, query_, clipFilter_);
+    return clippingRows(query_);
+}
+
+/// An empty list says why it is empty.
+Rows SearchModel::clippingRows(std::string_view q) {
+    if (!families.clipboard)
+        return {missingClipboardRow()};
+    auto rows = families.clipboard(q, clipFilter_);
+    if (rows.empty())
+        rows.push_back(
+            emptyClipboardRow(q, clipFilter_ ? std::optional(filterTitle()) : std::nullopt));
+    return rows;
+}
+
+Rows SearchModel::cardRows(const std::string& personID, std::string_view q) {
+    personCache_ = rowsOf(families.person, personID);
+    auto rows = rowsOf(families.personCard, personID, q);
+    if (rows.empty() && personCache_)
+        rows.push_back(emptyCardRow(personCache_->name, q));
+    return rows;
 }
 
 Rows SearchModel::atRestRows(const std::vector<CommandSpec>& commands) {

@@ -94,6 +94,9 @@ public:
 
     const std::optional<std::string>& personPath() const { return personPath_; }
 
+    /// The person whose card was shown last, which is the open one while there is one.
+    const std::optional<PersonCard>& personCache() const { return personCache_; }
+
     const std::set<std::string>& expandedGroups() const { return expandedGroups_; }
 
     bool filterMenuOpen() const { return filterMenuOpen_; }
@@ -135,6 +138,7 @@ public:
 
     // The clipboard's filter menu.
     std::vector<FilterMenuItem> filterMenuItems() const;
+    std::string filterTitle() const; ///< of what the list is narrowed to
     enum class TabDirection { forward, backward };
     void filterMenuTab(TabDirection direction); ///< opens the menu, then goes round in it
     void moveFilterMenu(int delta);
@@ -153,6 +157,8 @@ private:
     std::optional<Rows> modeRows(std::string_view q);
     std::optional<Rows> keywordRows(std::string_view q);
     Rows clipboardKeywordRows(std::string argument);
+    Rows clippingRows(std::string_view q);
+    Rows cardRows(const std::string& personID, std::string_view q);
     Rows atRestRows(const std::vector<CommandSpec>& commands);
     Rows mainRows(std::string_view q, const std::vector<CommandSpec>& commands, Rows keptRows);
     void addAnswersAndSources(Rows& rows, std::string_view q);
@@ -181,6 +187,7 @@ private:
     std::optional<std::string> clipFilter_;
     std::optional<std::string> browsePath_;
     std::optional<std::string> personPath_;
+    std::optional<PersonCard> personCache_;
     std::set<std::string> running_;
     std::set<std::string> expandedGroups_;
     bool hasBuiltRows_ = false;

@@ -23,6 +23,13 @@ std::vector<FilterMenuItem> SearchModel::filterMenuItems() const {
     return rowsOf(families.filterMenu);
 }
 
+std::string SearchModel::filterTitle() const {
+    const auto items = filterMenuItems();
+    const auto key = clipFilter_.value_or(std::string(FilterMenuItem::everything));
+    const auto found = std::ranges::find(items, key, &FilterMenuItem::key);
+    return found == items.end() ? clipFilter_.value_or("Everything") : found->title;
+}
+
 void SearchModel::filterMenuTab(TabDirection direction) {
     const auto items = filterMenuItems();
     if (items.size() < fewestFilters)

@@ -18,6 +18,7 @@
 #include "launcherapp/shell/StartUp.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/Modes.h"
+#include "launcherapp/sources/DemonstrationSources.h"
 
 #include <fmt/format.h>
 
@@ -232,6 +233,8 @@ void App::Parts::makeServices() {
                                      .diagnostics = diagnostics},
                  std::move(verbs),
                  environment.home);
+    if (kind.isDemonstration)
+        addDemonstrationSources(made.model);
     if (isResident)
         made.defaults.follow(doors.watcher);
     made.loadUsage();

@@ -81,7 +81,7 @@ public:
     SearchModel model{modelServices()};
     Rates rates;
     ZoneStore zones;
-    CreditResolver credits{catalog, doors.icons, doors.files, environment};
+    CreditResolver credits{catalog, doors.files, environment};
     std::optional<RecentApps> recent;
     std::optional<CalcStore> calculations;
     std::optional<AnswerService> answers;

@@ -102,8 +102,7 @@ protected:
     Rows rows;
     std::vector<std::string> ran;
     int dismissals = 0;
-    CreditResolver credits{
-        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
     Appearance appearance{services.prefs, desktop, services.diagnostics};
     LauncherPanel panel{PanelViewServices{.model = model,
                                           .prefs = services.prefs,

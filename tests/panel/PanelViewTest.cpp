@@ -78,6 +78,7 @@ TEST_F(PanelViewTest, theFieldStaysOnItsPixel) {
     panel.root().setSheetShown(true);
     EXPECT_EQ(settle(), place);
     EXPECT_EQ(field().width(), left);
+    model.families.clipboard = [](std::string_view, const auto&) { return Rows(); };
     model.enterClipboardMode(); // with the mode's name at the far end
     EXPECT_EQ(settle(), place);
     EXPECT_LT(field().width(), left);
@@ -215,6 +216,27 @@ TEST_F(PanelViewTest, aPartThatComesWithAModeHasItsSlot) {
     EXPECT_EQ(fieldPlace(), place);
 }
 
+TEST_F(PanelViewTest, whereThePointerRestsAfterTypingNoRowIsMeant) {
+    addRows({"alpha", "beta"});
+    model.setQuery("a");
+    fit();
+    field().clearFocus(); // a caret that blinks is a difference too
+    panel.root().settle(1);
+    const auto moveTo = [&](const QPoint& place) {
+        QMouseEvent event(
+            QEvent::MouseMove, place, list().mapToGlobal(place), Qt::NoButton, {}, {});
+        QApplication::sendEvent(&list(), &event);
+    };
+    const auto second = list().itemRectangle(1).center();
+    moveTo(second);
+    moveTo(second + QPoint(1, 0));
+    rows[1].id = "row:other"; // another row, that reads the same
+    const auto lit = drawn();
+    model.recompute();
+    const auto changed = difference(lit, drawn());
+    EXPECT_TRUE(changed.contains(second + list().mapTo(&panel, QPoint())));
+}
+
 TEST_F(PanelViewTest, thePointerAtRestMeansNoRow) {
     addRows({"alpha", "beta"});
     model.setQuery("a");
@@ -250,12 +272,15 @@ TEST_F(PanelViewTest, theFooterSaysWhatIsAskedOfIt) {
     first.secondaryLabel = "reveal";
     rows.push_back(first);
     model.setQuery("a");
-    EXPECT_THAT(said(), ElementsAre("Enter Open"));
+    EXPECT_THAT(said(), IsEmpty()); // they stay out of the way until they are asked for
     press(Qt::Key_Control, Qt::ControlModifier);
     EXPECT_EQ(footer.state(), Footer::FooterState::hints);
     EXPECT_THAT(
         said(),
         ElementsAre("Enter Open", "Ctrl+Enter Reveal", "Ctrl+K Actions", "Ctrl+/ Shortcuts"));
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_THAT(said(), ElementsAre("Enter Choose", "Esc Close")); // the menu has the keys
+    press(Qt::Key_Escape);
     release(Qt::Key_Control);
     services.prefs.autoHideFooter.set(true);
     EXPECT_THAT(said(), IsEmpty());
@@ -348,16 +373,38 @@ TEST_F(PanelViewTest, theSheetListsEveryChordOnceByItsLinuxNames) {
 
 TEST_F(PanelViewTest, aCreditIsLookedUpOnlyForARowThatIsSeen) {
     for (int i = 0; i < 20; ++i) {
+        const auto scheme = "scheme" + std::to_string(i);
+        services.install(
+            scheme, "Opener", "Icon=" + scheme + "\nMimeType=x-scheme-handler/" + scheme + ";\n");
+        services.platform.icons.known.insert(scheme);
         rows.push_back(row("row " + std::to_string(100 + i)));
-        rows.back().credit =
-            RowCreditSpec{RowCreditSpec::App{{"no.such.App"}, "App " + std::to_string(i)}};
+        rows.back().credit = RowCreditSpec::forURLString(scheme + ":x");
     }
+    services.startCatalog();
+    model.setQuery("a");
+    fit();
+    panel.root().settle(1);
+    EXPECT_EQ(services.platform.icons.drawn.size(), 9u);
+}
+
+TEST_F(PanelViewTest, aCreditHasItsNameFromTheFirstPaintAndItsIconMovesNothing) {
+    services.install(
+        "fox", "A Browser With A Long Name", "Icon=fox\nMimeType=x-scheme-handler/https;\n");
+    services.platform.icons.known.insert("fox");
+    services.startCatalog();
+    rows.push_back(row("alpha"));
+    rows.back().credit = RowCreditSpec::forURLString("https://a");
+    field().clearFocus(); // a caret that blinks is a difference too
     model.setQuery("a");
     fit();
     drawn();
-    const auto before = services.platform.icons.symbols.size();
-    list().lookUpCredits();
-    EXPECT_EQ(services.platform.icons.symbols.size(), before + 9);
+    panel.root().images().readAll(); // the row's symbol, and the credit's icon
+    services.platform.icons.known.erase("fox");
+    PanelRoot& root = panel.root();
+    const auto with = drawn();
+    root.images().readAll();
+    const auto changed = difference(with, drawn());
+    EXPECT_TRUE(changed.isEmpty());
 }
 
 } // namespace

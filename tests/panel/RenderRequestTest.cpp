@@ -39,7 +39,14 @@ TEST(RenderRequest, readsItsQualifiers) {
     EXPECT_EQ(request.menu, RenderRequest::Menu::actions);
     EXPECT_EQ(request.settle, Seconds(0.5));
     EXPECT_EQ(request.scale, 1.5);
-    EXPECT_EQ(read({"--clip-filter", "Links"}).request->mode, RenderRequest::Mode::clipboard);
+    const auto clips =
+        *read({"--clip-filter", "Links", "--clip-rows", "4", "--preview-placement", "below"})
+             .request;
+    EXPECT_EQ(clips.mode, RenderRequest::Mode::clipboard);
+    EXPECT_EQ(clips.query, ""); // the whole list, not what the letter "s" finds in it
+    EXPECT_EQ(clips.clipRows, 4);
+    EXPECT_EQ(clips.preview, ClipPreviewPlacement::below);
+    EXPECT_EQ(read({"--clip", "--query", "pier"}).request->query, "pier");
 }
 
 TEST(RenderRequest, saysWhatAValueCanBe) {
@@ -50,6 +57,7 @@ TEST(RenderRequest, saysWhatAValueCanBe) {
         {{"--preview-placement", "top"}, "--preview-placement: expected one of right, left, below"},
         {{"--footer", "up"}, "--footer: expected one of collapsed, hints"},
         {{"--skin", "plaid"}, "--skin: expected one of ink, violet, "},
+        {{"--clip-rows", "none"}, "--clip-rows: expected a number from 1 to 60"},
         {{"--select", "0"}, "--select: expected a number from 1 to 60"},
         {{"--select", "3rd"}, "--select: expected a number from 1 to 60"},
         {{"--settle", "nan"}, "--settle: expected a number from 0 to 60"},

@@ -209,6 +209,8 @@ std::vector<Palettes::Pair> Palettes::pairs(const Palette& p) {
         {"key name", &Palette::keyCapText, "key cap", &Palette::keyCap, text},
         {"menu text", &Palette::menuText, "menu", &Palette::menu, text},
         {"menu text", &Palette::menuText, "menu selection", &Palette::menuSelection, text},
+        {"menu text", &Palette::menuText, "hover", &Palette::hover, text},
+        {"warning", &Palette::destructive, "hover", &Palette::hover, text},
         {"menu detail", &Palette::subtitle, "menu", &Palette::menu, text},
         {"menu detail",
          &Palette::selectedSubtitle,

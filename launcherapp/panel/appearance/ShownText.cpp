@@ -91,6 +91,27 @@ std::string ShownText::harmless(std::string_view text) {
     return matching(text, {}).text;
 }
 
+std::string ShownText::harmlessLines(std::string_view text) {
+    constexpr auto most = 10 * mostCharacters;
+    auto shown = Graphemes::prefix(text.substr(0, 16 * most), most);
+    const bool isCut = shown.size() < text.size();
+    std::string lines;
+    while (!shown.empty()) {
+        const auto end = std::min(shown.find('\n'), shown.size());
+        for (auto line = shown.substr(0, end); !line.empty();) {
+            const auto tab = std::min(line.find('\t'), line.size());
+            appendHarmless(lines, line.substr(0, tab));
+            if (tab < line.size())
+                lines += "    ";
+            line.remove_prefix(std::min(tab + 1, line.size()));
+        }
+        if (end < shown.size())
+            lines += '\n';
+        shown.remove_prefix(std::min(end + 1, shown.size()));
+    }
+    return isCut ? lines + std::string(more) : lines;
+}
+
 ShownText::Line ShownText::matching(std::string_view text, std::string_view query) {
     const auto shown = Graphemes::prefix(text.substr(0, 16 * mostCharacters), mostCharacters);
     const auto match = query.empty() ? std::nullopt : Matcher::score(query, shown);

@@ -34,7 +34,11 @@ struct Line {
 /// since scripts and emoji are written with them. Ends in "…" when there was more.
 std::string harmless(std::string_view text);
 
-/// The same, with the characters marked that the query names.
+/// The same with its lines kept, their tabs as four blanks, for a part that has room for more than
+/// one line. At most ten times as many characters.
+std::string harmlessLines(std::string_view text);
+
+/// One line, with the characters marked that the query names.
 Line matching(std::string_view text, std::string_view query);
 
 /// The text with at most so many of its characters, and an ellipsis where the others were. A

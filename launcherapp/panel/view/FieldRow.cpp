@@ -26,35 +26,47 @@ constexpr int mostChipWidth = 200;
 /// The editor's own margin inside its frame (qlineedit_p.h).
 constexpr int editorMargin = 2;
 
+QString shown(const std::string& text) {
+    return Drawing::toQt(ShownText::harmless(text));
+}
+
 /// What is searched at the moment.
 struct Mode {
     std::string symbol = "magnifyingglass";
     std::string name; ///< empty for the ordinary one
     QString placeholder = QStringLiteral("Search or type a command");
+    QString spoken; ///< for those who see neither symbol nor name; empty for the ordinary one
 };
 
-std::string filterTitle(const SearchModel& model) {
-    const auto key = model.clipFilter().value_or(std::string(FilterMenuItem::everything));
-    const auto items = model.filterMenuItems();
-    const auto found = std::ranges::find(items, key, &FilterMenuItem::key);
-    if (found != items.end())
-        return found->title;
-    return model.clipFilter().value_or("Everything");
-}
-
 Mode modeOf(const SearchModel& model) {
-    if (model.clipboardMode())
-        return {"doc.on.clipboard", filterTitle(model), QStringLiteral("Search the clipboard")};
-    if (model.personPath())
-        return {"person.crop.circle", "", QStringLiteral("Search this card")};
+    if (model.clipboardMode()) {
+        // Nothing is narrowed while there is nothing at all.
+        const auto filter = model.families.clipboard ? model.filterTitle() : std::string();
+        return {"doc.on.clipboard",
+                filter,
+                QStringLiteral("Search the clipboard"),
+                QStringLiteral("Clipboard") +
+                    (filter.empty() ? QString() : QStringLiteral(", ") + shown(filter))};
+    }
+    if (model.personPath()) {
+        const auto name = model.personCache() ? model.personCache()->name : std::string();
+        return {"person.crop.circle",
+                name,
+                QStringLiteral("Search this card"),
+                QStringLiteral("Card of %1").arg(shown(name))};
+    }
     if (model.browsePath()) {
         const auto name = ShownText::harmless(Paths::lastPart(*model.browsePath()));
         return {"folder",
                 name.empty() ? "/" : name,
-                QStringLiteral("Search in %1").arg(Drawing::toQt(name.empty() ? "/" : name))};
+                QStringLiteral("Search in %1").arg(Drawing::toQt(name.empty() ? "/" : name)),
+                QStringLiteral("Folder %1").arg(shown(*model.browsePath()))};
     }
     if (model.engaged())
-        return {model.engaged()->defaultSymbol(), model.engaged()->name, {}};
+        return {model.engaged()->defaultSymbol(),
+                model.engaged()->name,
+                {},
+                QStringLiteral("Command %1").arg(shown(model.engaged()->name))};
     return {};
 }
 
@@ -68,8 +80,10 @@ FieldRow::FieldRow(QWidget* parent, SearchModel& model, const PanelStyle& style,
 void FieldRow::refresh() {
     field_->show(model_.query());
     const auto mode = modeOf(model_);
-    const auto chip = Drawing::toQt(ShownText::harmless(mode.name));
+    const auto chip = shown(mode.name);
     field_->setPlaceholderText(mode.placeholder);
+    if (mode.spoken != field_->accessibleDescription())
+        field_->setAccessibleDescription(mode.spoken);
     if (chip == chip_ && mode.symbol == symbol_)
         return;
     chip_ = chip;
@@ -87,7 +101,8 @@ void FieldRow::restyle() {
 QRect FieldRow::chipRectangle() const {
     if (chip_.isEmpty())
         return {};
-    const int text = QFontMetrics(style_.subtitle).horizontalAdvance(chip_);
+    // Advances are rounded, and a text that lacks a part of a pixel would be cut.
+    const int text = QFontMetrics(style_.subtitle).horizontalAdvance(chip_) + 1;
     const int arrow = model_.clipboardMode() ? chipArrowSide + 4 : 0;
     const int width = std::min(text + 2 * chipPadding + arrow, mostChipWidth);
     const QRect chip(

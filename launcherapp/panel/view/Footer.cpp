@@ -20,6 +20,7 @@ namespace {
 
 constexpr int hintGap = 18;
 constexpr int keyGap = 7;
+constexpr int leastPlaceWidth = 60;
 
 /// Labels are words within a sentence; alone, they begin one.
 QString capitalised(std::string_view label) {
@@ -43,18 +44,34 @@ Footer::FooterState Footer::state() const {
 }
 
 std::vector<Footer::Hint> Footer::hints() const {
+    if (state() == FooterState::collapsed)
+        return {};
+    const bool isMenuOpen = !model_.actions().empty() || model_.filterMenuOpen();
+    return isMenuOpen ? menuHints() : rowHints();
+}
+
+/// An open menu has the keys, so what they would do to the row is not to be had.
+std::vector<Footer::Hint> Footer::menuHints() const {
+    return {{QStringLiteral("Choose"), {QStringLiteral("Enter")}},
+            {QStringLiteral("Close"), {QStringLiteral("Esc")}}};
+}
+
+std::vector<Footer::Hint> Footer::rowHints() const {
     const auto* row = model_.selectedRow();
-    const bool isAsked = state() == FooterState::hints;
     std::vector<Hint> hints;
-    if (!isAsked && prefs_.autoHideFooter())
-        return hints;
     if (row && !row->primaryLabel.empty())
         hints.push_back({capitalised(row->primaryLabel), {QStringLiteral("Enter")}});
-    if (!isAsked)
-        return hints;
     if (row && row->secondary && !row->secondaryLabel.empty())
         hints.push_back({capitalised(row->secondaryLabel),
                          KeyTranslation::keyNames(PanelKeyAction::secondary)});
+    if (row && row->id.starts_with("clip:") && model_.families.removeClipping)
+        hints.push_back(
+            {QStringLiteral("Delete"), {QStringLiteral("Ctrl"), QStringLiteral("Backspace")}});
+    if (row && model_.personPath() && row->id.starts_with("field:"))
+        hints.push_back(
+            {QStringLiteral("Copy field"), KeyTranslation::keyNames(PanelKeyAction::copyField)});
+    if (model_.clipboardMode() && model_.filterMenuItems().size() > 1)
+        hints.push_back({QStringLiteral("Filter"), {QStringLiteral("Tab")}});
     hints.push_back({QStringLiteral("Actions"), KeyTranslation::keyNames(PanelKeyAction::actions)});
     hints.push_back(
         {QStringLiteral("Shortcuts"), KeyTranslation::keyNames(PanelKeyAction::shortcuts)});
@@ -93,6 +110,8 @@ void Footer::leaveEvent(QEvent*) {
 QString Footer::place() const {
     if (model_.clipboardMode())
         return QStringLiteral("Clipboard");
+    if (model_.personPath() && model_.personCache())
+        return Drawing::toQt(ShownText::harmless(model_.personCache()->name));
     if (model_.browsePath())
         return Drawing::toQt(ShownText::harmless(*model_.browsePath()));
     return Drawing::toQt(ProductInfo::name);
@@ -110,6 +129,8 @@ void Footer::paintEvent(QPaintEvent*) {
         const int caps = KeyCaps::width(style_, hint.keys);
         const int text = metrics.horizontalAdvance(hint.label);
         const int width = text + keyGap + caps;
+        if (taken + width > this->width() - PanelStyle::edge)
+            break; // the others are in the sheet of shortcuts
         const QRect whole = QStyle::visualRect(
             layoutDirection(), rect(), QRect(this->width() - taken - width, 0, width, height()));
         const int capsLeft = isMirrored ? whole.left() : whole.right() + 1 - caps;
@@ -120,9 +141,11 @@ void Footer::paintEvent(QPaintEvent*) {
         painter.drawText(QRect(textLeft, 0, text + 1, 2 * middle), Qt::AlignVCenter, hint.label);
         taken += width + hintGap;
     }
-    if (shown.empty() && prefs_.autoHideFooter())
+    if (state() == FooterState::collapsed && prefs_.autoHideFooter())
         return;
     const int room = width() - taken - PanelStyle::edge;
+    if (room < leastPlaceWidth)
+        return; // a lone ellipsis names no place
     const auto name = metrics.elidedText(place(), Qt::ElideMiddle, room);
     const auto rectangle =
         QStyle::visualRect(layoutDirection(), rect(), QRect(PanelStyle::edge, 0, room, 2 * middle));

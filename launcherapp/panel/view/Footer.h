@@ -12,15 +12,15 @@ class Prefs;
 class SearchModel;
 struct PanelStyle;
 
-/// What the selected row can do. Quiet until it is asked: by the pointer over it, or by Ctrl held.
-/// Main thread only.
+/// Where one is, and when it is asked, by the pointer over it or by Ctrl held, what the keys do
+/// there. Main thread only.
 class Footer : public QWidget {
     Q_OBJECT
 
 public:
     enum class FooterState {
-        collapsed, ///< what Return does; nothing at all if the settings say so
-        hints,     ///< every chord for the selected row
+        collapsed, ///< where one is; nothing at all if the settings say so
+        hints,     ///< every chord for the selected row, or for the open menu
     };
 
     struct Hint {
@@ -47,6 +47,8 @@ protected:
     void leaveEvent(QEvent* event) override;
 
 private:
+    std::vector<Hint> menuHints() const;
+    std::vector<Hint> rowHints() const;
     QString place() const;
 
     SearchModel& model_;

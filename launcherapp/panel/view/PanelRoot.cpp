@@ -6,6 +6,7 @@
 #include "launcherapp/panel/view/QueryField.h"
 #include "launcherapp/panel/view/ShortcutSheet.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/heads/ModeParts.h"
 #include "launcherapp/panel/view/menus/PanelMenus.h"
 #include "launcherapp/panel/view/rows/RowList.h"
 #include "launcherapp/query/SearchModel.h"
@@ -40,7 +41,8 @@ PanelRoot::PanelRoot(QWidget* parent, PanelViewServices services)
       footer_(new Footer(this, services.model, services.prefs, style_)),
       actions_(new ActionsMenuView(this, services.model, style_, images_)),
       filter_(new FilterMenuView(this, services.model, style_, images_)),
-      sheet_(new ShortcutSheet(this, style_)) {
+      sheet_(new ShortcutSheet(this, style_)),
+      modeParts_(std::make_unique<ModeParts>(*this, services.model, style_, images_)) {
     setFocusProxy(fieldRow_);
     for (auto* view : {static_cast<ItemView*>(list_),
                        static_cast<ItemView*>(actions_),
@@ -52,6 +54,7 @@ PanelRoot::PanelRoot(QWidget* parent, PanelViewServices services)
 }
 
 PanelRoot::~PanelRoot() {
+    modeParts_.reset();
     for (const auto& accessory : accessories_) {
         if (accessory)
             accessory->setParent(nullptr);
@@ -65,6 +68,11 @@ QueryField& PanelRoot::field() {
 }
 
 void PanelRoot::refresh() {
+    modeParts_->refresh();
+    takeOver();
+}
+
+void PanelRoot::takeOver() {
     fieldRow_->refresh();
     list_->refresh();
     footer_->refresh();
@@ -120,12 +128,26 @@ QWidget* PanelRoot::accessory(Slot slot) const {
 }
 
 void PanelRoot::setAccessory(Slot slot, QWidget* accessory) {
-    accessories_[static_cast<std::size_t>(slot)] = accessory;
+    auto& place = accessories_[static_cast<std::size_t>(slot)];
+    if (place == accessory)
+        return;
+    if (place)
+        place->hide();
+    place = accessory;
     if (accessory) {
         accessory->setParent(this);
         accessory->stackUnder(actions_);
         accessory->show();
     }
+    takeOver();
+}
+
+ClipPreviewPlacement PanelRoot::previewPlacement() const {
+    return heldPlacement_.value_or(services_.prefs.clipPreviewPlacement());
+}
+
+void PanelRoot::holdPreview(std::optional<ClipPreviewPlacement> placement) {
+    heldPlacement_ = placement;
     refresh();
 }
 
@@ -163,8 +185,11 @@ int PanelRoot::overlayHeight() const {
 }
 
 int PanelRoot::wantedHeight() const {
-    const int parts =
-        ordinaryHeight() + accessoryHeight(Slot::aboveList) + accessoryHeight(Slot::belowList);
+    const auto* beside = accessory(Slot::besideList);
+    const int lacking =
+        beside ? std::max(0, beside->minimumSizeHint().height() - list_->wantedHeight()) : 0;
+    const int parts = ordinaryHeight() + lacking + accessoryHeight(Slot::aboveList) +
+                      accessoryHeight(Slot::belowList);
     return std::max(parts, PanelStyle::headerHeight + overlayHeight() + PanelStyle::footerHeight);
 }
 
@@ -193,7 +218,7 @@ void PanelRoot::placeList(QRect room) {
         room.setBottom(room.bottom() - accessoryHeight(Slot::belowList));
     }
     if (auto* beside = accessory(Slot::besideList)) {
-        const bool isLeft = services_.prefs.clipPreviewPlacement() == ClipPreviewPlacement::left;
+        const bool isLeft = previewPlacement() == ClipPreviewPlacement::left;
         const int width = room.width() / 2;
         beside->setGeometry(
             isLeft ? room.x() : room.right() + 1 - width, room.y(), width, room.height());

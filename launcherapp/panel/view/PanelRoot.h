@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <array>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace tessarine {
@@ -17,6 +18,7 @@ namespace tessarine {
 class ActionsMenuView;
 class FieldRow;
 class FilterMenuView;
+class ModeParts;
 class QueryField;
 class RowList;
 class ShortcutSheet;
@@ -68,7 +70,13 @@ public:
     void settle(double scale);
     void setCommandHeld(bool held);
 
-    /// Puts a part into a slot, which owns nothing; null empties it. Its size hint counts.
+    /// Where a clipping's preview is put.
+    ClipPreviewPlacement previewPlacement() const;
+    /// Holds the preview in one place, for a picture; nothing lets it follow the settings.
+    void holdPreview(std::optional<ClipPreviewPlacement> placement);
+
+    /// Puts a part into a slot, which owns nothing; null empties it, and what was in it is hidden.
+    /// Its size hint counts.
     void setAccessory(Slot slot, QWidget* accessory);
 
     void setSheetShown(bool shown);
@@ -91,6 +99,7 @@ private:
     int overlayHeight() const;
     int accessoryHeight(Slot slot) const;
     QWidget* accessory(Slot slot) const;
+    void takeOver();
     void place();
     void placeList(QRect room);
     void placeMenus();
@@ -104,10 +113,12 @@ private:
     ActionsMenuView* actions_;
     FilterMenuView* filter_;
     ShortcutSheet* sheet_;
+    std::unique_ptr<ModeParts> modeParts_;
     std::array<QPointer<QWidget>, 3> accessories_;
     std::optional<QPoint> menuPlace_;
     Blending blending_ = Blending::mixed;
     std::optional<TextScale> heldTextScale_;
+    std::optional<ClipPreviewPlacement> heldPlacement_;
     int toldHeight_ = 0;
 };
 

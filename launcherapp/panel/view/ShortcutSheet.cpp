@@ -5,6 +5,7 @@
 #include "launcherapp/panel/view/drawing/KeyCaps.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 
+#include <QAccessible>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
@@ -53,6 +54,13 @@ std::vector<ShortcutSheet::Line> ShortcutSheet::lines() {
     return lines;
 }
 
+/// Nothing in it can be reached with the keys, so a reader would never come to it by itself.
+void ShortcutSheet::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
 int ShortcutSheet::chordsWidth(const Line& line) const {
     int width = 0;
     for (const auto& chord : line.chords)
@@ -65,8 +73,8 @@ QSize ShortcutSheet::wantedSize() const {
     int width = 0;
     const auto all = lines();
     for (const auto& line : all)
-        width =
-            std::max(width, metrics.horizontalAdvance(line.label) + textGap + chordsWidth(line));
+        width = std::max(width,
+                         metrics.horizontalAdvance(line.label) + 1 + textGap + chordsWidth(line));
     return {width + 2 * padding, titleHeight + static_cast<int>(all.size()) * lineHeight + padding};
 }
 

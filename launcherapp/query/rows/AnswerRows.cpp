@@ -89,9 +89,10 @@ AnswerRows answerRows(std::string_view query, const AnswerRowSources& sources) {
     if (!answer || answer->kind == AnswerKind::math)
         rows.unitFan = fanRows({"unit:", unitScore, measuresFan(query, given)}, query, sources);
 
-    // The money of a figure alone is read in the currency strip, not here: every number would be.
+    // A figure alone is money in the currency strip, and has no rows: every number would have.
     const auto lowered = Folding::lowercase(query);
-    rows.currencyReading = Answers::currencyReading(lowered, given.homeCurrency);
+    rows.currencyReading =
+        Answers::amountReading(lowered, given.homeCurrency, Answers::BareNumbers::read);
     if (rows.currencyReading && !isMoney(*rows.currencyReading, given.measure))
         rows.currencyReading.reset();
     if (rows.currencyReading) {

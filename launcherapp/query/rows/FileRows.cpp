@@ -4,6 +4,7 @@
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Paths.h"
 #include "LauncherCore/text/Urls.h"
+#include "launcherapp/query/rows/HintRows.h"
 
 #include <algorithm>
 #include <map>
@@ -139,6 +140,8 @@ std::vector<ResultRow> browseRows(const std::string& folder,
         rows.back().subtitle.clear(); // the folder is what is browsed
         rows.back().score = score;
     }
+    if (rows.empty())
+        rows.push_back(emptyFolderRow(folder, query));
     return rows;
 }
 

@@ -39,6 +39,7 @@ std::vector<ResultRow> collapseSameName(std::span<const NameIndex::Found> found,
                                         const FileRowSources& sources);
 
 /// What a folder holds, folders first, each by name; with a query only what it names, best first.
+/// A hint when that is nothing.
 std::vector<ResultRow> browseRows(const std::string& folder,
                                   const DirectoryListing& listing,
                                   std::string_view query,

@@ -2,12 +2,10 @@
 
 #include "tests/fakes/FakeServices.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace tessarine {
 namespace {
-
-using testing::ElementsAre;
 
 class CreditResolverTest : public testing::Test {
 protected:
@@ -16,27 +14,25 @@ protected:
     }
 
     FakeServices services;
-    CreditResolver credits{
-        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
 };
 
 TEST_F(CreditResolverTest, schemesAreCreditedToWhoOpensThem) {
     services.install("fox", "Firewolf", "Icon=fox\nMimeType=x-scheme-handler/https;\n");
     services.install("mail", "Post", "MimeType=x-scheme-handler/mailto;\nNoDisplay=true\n");
-    services.platform.icons.known = {"fox"};
     services.startCatalog();
 
     const auto web = resolveUrl("https://example.com");
     EXPECT_EQ(web.name, "Firewolf");
     EXPECT_TRUE(web.found);
-    EXPECT_THAT(services.platform.icons.drawn, ElementsAre("fox"));
+    EXPECT_EQ(web.icon, "fox");
 
     EXPECT_EQ(resolveUrl("mailto:a@b").name, "Post"); // no row of its own, yet it opens mail
 
     const auto nobody = resolveUrl("gopher://x");
     EXPECT_EQ(nobody.name, "gopher");
     EXPECT_FALSE(nobody.found);
-    EXPECT_THAT(services.platform.icons.symbols, testing::Contains("app.dashed"));
+    EXPECT_EQ(nobody.symbol, "app.dashed");
 }
 
 TEST_F(CreditResolverTest, partsOfTheDesktopAreCreditedToWhatTakesThem) {
@@ -89,18 +85,27 @@ TEST_F(CreditResolverTest, aMachineIsAlwaysFound) {
     const RowCreditSpec spec{
         .value = RowCreditSpec::Machine{.name = "studio", .symbol = "desktopcomputer"}};
     EXPECT_TRUE(credits.resolve(spec).found);
-    EXPECT_THAT(services.platform.icons.symbols, ElementsAre("desktopcomputer"));
+    EXPECT_EQ(credits.resolve(spec).symbol, "desktopcomputer");
 }
 
 TEST_F(CreditResolverTest, aCreditIsLookedUpOncePerProcess) {
     services.startCatalog();
     EXPECT_FALSE(resolveUrl("https://a").found);
-    const auto drawn = services.platform.icons.symbols.size();
     services.install("fox", "Firewolf", "MimeType=x-scheme-handler/https;\n");
     services.catalog.rescan();
     services.platform.time.settle();
     EXPECT_FALSE(resolveUrl("https://b").found);
-    EXPECT_EQ(services.platform.icons.symbols.size(), drawn);
+}
+
+TEST_F(CreditResolverTest, aPaintNeverWaitsForADisk) {
+    services.platform.files.file("/home/u/bin/tool.sh", "");
+    services.startCatalog();
+    const RowCreditSpec onDisk{.value = RowCreditSpec::AppPath{"~/bin/tool.sh"}};
+    EXPECT_EQ(credits.fromMemory(onDisk), nullptr);
+    credits.resolve(onDisk);
+    ASSERT_NE(credits.fromMemory(onDisk), nullptr);
+    EXPECT_TRUE(credits.fromMemory(onDisk)->found);
+    EXPECT_NE(credits.fromMemory(*RowCreditSpec::forURLString("https://a")), nullptr);
 }
 
 TEST_F(CreditResolverTest, whatWasMissingBeforeTheFirstScanIsLookedUpAgain) {

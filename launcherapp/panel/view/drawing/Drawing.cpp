@@ -1,6 +1,10 @@
 #include "launcherapp/panel/view/drawing/Drawing.h"
 
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
+
+#include <QFontMetrics>
 #include <QImage>
+#include <algorithm>
 #include <cmath>
 
 namespace tessarine {
@@ -55,6 +59,24 @@ void Drawing::roundedFrame(QPainter& painter,
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(rectangle.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
     painter.restore();
+}
+
+void Drawing::separator(QPainter& painter, const QWidget& widget, const QColor& color) {
+    painter.fillRect(QRect(PanelStyle::edge,
+                           widget.height() - PanelStyle::separatorHeight,
+                           widget.width() - 2 * PanelStyle::edge,
+                           PanelStyle::separatorHeight),
+                     color);
+}
+
+bool Drawing::canDraw(const QFont& font, const QString& text) {
+    const QFontMetrics metrics(font);
+    const auto scalars = text.toUcs4();
+    return std::ranges::all_of(scalars, [&](char32_t scalar) {
+        // Joiners and the like only shape what is beside them.
+        return QChar::category(scalar) == QChar::Other_Format ||
+               QChar::category(scalar) == QChar::Mark_NonSpacing || metrics.inFontUcs4(scalar);
+    });
 }
 
 QString Drawing::toQt(std::string_view text) {

@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QRectF>
 #include <QString>
+#include <QWidget>
 #include <string_view>
 
 /// Small things that all parts of the panel draw alike.
@@ -24,6 +25,12 @@ void roundedRectangle(QPainter& painter, const QRectF& rectangle, qreal radius, 
 
 /// A frame of one logical pixel that lies wholly inside the rectangle.
 void roundedFrame(QPainter& painter, const QRectF& rectangle, qreal radius, const QColor& color);
+
+/// A line along the lower edge, from text edge to text edge.
+void separator(QPainter& painter, const QWidget& widget, const QColor& color);
+
+/// Whether some font of this machine has all of the text, which matters for flags and other emoji.
+bool canDraw(const QFont& font, const QString& text);
 
 /// UTF-8 of the services as the widgets take it.
 QString toQt(std::string_view text);

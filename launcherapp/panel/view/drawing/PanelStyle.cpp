@@ -22,6 +22,7 @@ PanelStyle::PanelStyle(const Palette& colors, TextScale scale, const QFont& desk
     field = sized(desktopFont, 22 * factor);
     title = sized(desktopFont, 15 * factor);
     answer = sized(desktopFont, 17 * factor, QFont::DemiBold);
+    heading = sized(desktopFont, 19 * factor, QFont::DemiBold);
     subtitle = sized(desktopFont, 12 * factor);
     small = sized(desktopFont, 11.5 * factor);
     rowHeight = static_cast<int>(std::lround(46 * factor));

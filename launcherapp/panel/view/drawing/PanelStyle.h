@@ -34,7 +34,8 @@ struct PanelStyle {
     Palette palette;
     QFont field;
     QFont title;
-    QFont answer; ///< of a computed answer's row
+    QFont answer;  ///< of a computed answer's row
+    QFont heading; ///< the name over a person's card
     QFont subtitle;
     QFont small; ///< credits, digits, footers
     int rowHeight = 0;

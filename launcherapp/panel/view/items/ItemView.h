@@ -19,6 +19,7 @@ public:
     struct Item {
         QString name;
         bool isDestructive = false;
+        bool isSeparator = false;
 
         bool operator==(const Item&) const = default;
     };
@@ -57,7 +58,8 @@ private:
     Item announcedItem_;
 };
 
-/// Makes screen readers see item views; once, before the first of them is looked at.
+/// Makes screen readers see item views and what is read beside them; once, before the first of them
+/// is looked at.
 void installItemViewAccessibility();
 
 } // namespace tessarine

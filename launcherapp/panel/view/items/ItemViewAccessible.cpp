@@ -1,6 +1,7 @@
 // What assistive programs see of an item view: the view as a list or menu, its items as children.
 
 #include "launcherapp/panel/view/items/ItemView.h"
+#include "launcherapp/panel/view/items/SpokenPart.h"
 
 #include <QAccessible>
 #include <QAccessibleActionInterface>
@@ -51,8 +52,10 @@ public:
     }
 
     QAccessible::Role role() const override {
-        return view_ && view_->role() == ItemView::Role::menu ? QAccessible::MenuItem
-                                                              : QAccessible::ListItem;
+        if (!view_ || view_->role() == ItemView::Role::list)
+            return QAccessible::ListItem;
+        const bool isSeparator = isValid() && view_->item(index_).isSeparator;
+        return isSeparator ? QAccessible::Separator : QAccessible::MenuItem;
     }
 
     QAccessible::State state() const override {
@@ -62,8 +65,9 @@ public:
             return state;
         }
         const bool isCurrent = view_->currentItem() == index_;
-        state.selectable = true;
-        state.focusable = true;
+        const bool canBeCurrent = !view_->item(index_).isSeparator;
+        state.selectable = canBeCurrent;
+        state.focusable = canBeCurrent;
         state.selected = isCurrent;
         state.focused = isCurrent && view_->isVisible();
         state.active = isCurrent;
@@ -145,6 +149,8 @@ private:
 };
 
 QAccessibleInterface* make(const QString&, QObject* object) {
+    if (auto* part = qobject_cast<SpokenPart*>(object))
+        return new QAccessibleWidget(part, QAccessible::StaticText);
     auto* view = qobject_cast<ItemView*>(object);
     return view ? new ItemViewAccessible(view) : nullptr;
 }

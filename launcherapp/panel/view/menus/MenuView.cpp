@@ -50,8 +50,8 @@ QSize MenuView::wantedSize() const {
     for (const auto& entry : entries_) {
         const int detail =
             entry.detail.isEmpty() ? 0 : detailGap + details.horizontalAdvance(entry.detail);
-        width =
-            std::max(width, textLeft + titles.horizontalAdvance(entry.title) + detail + textRight);
+        width = std::max(width,
+                         textLeft + titles.horizontalAdvance(entry.title) + 1 + detail + textRight);
     }
     return {std::min(width, mostWidth), contentHeight()};
 }
@@ -76,7 +76,7 @@ ItemView::Item MenuView::item(int index) const {
     auto name = entry.title;
     if (!entry.detail.isEmpty())
         name += QStringLiteral(", ") + entry.detail;
-    return {.name = name, .isDestructive = entry.isDestructive};
+    return {.name = name, .isDestructive = entry.isDestructive, .isSeparator = entry.isSeparator()};
 }
 
 QRect MenuView::place(int index) const {

@@ -31,7 +31,7 @@ namespace {
 constexpr Seconds retryAfter{0.05};
 constexpr int lastAttempt = 299;
 constexpr double sheetScale = 2;
-constexpr auto clipboardMissing = "NOT MEASURED, the clipboard history is not built yet";
+constexpr int notMeasured = static_cast<int>(SelftestResult::Verdict::notMeasured);
 
 /// For as long as it lives the panel looks otherwise; no setting is touched.
 class SkinWhileDrawing {
@@ -107,11 +107,25 @@ void RenderModes::renderOnceScanned(ModeContext& context,
         });
         return;
     }
-    if (const auto problem = prepare(request); !problem.empty())
-        return end(context, problem, 1);
-    // What a mode lists may still be on its way.
-    context.queue.postAfter(request.settle,
-                            [this, &context, request, out] { take(context, request, out); });
+    if (const auto problem = prepare(request))
+        return end(context, problem->words, problem->status);
+    context.queue.postAfter(request.settle, [this, &context, request, out] {
+        takeOnceListed(context, request, out, 0);
+    });
+}
+
+/// What a folder or a card holds may still be on its way; one that is empty says so in a row.
+void RenderModes::takeOnceListed(ModeContext& context,
+                                 const RenderRequest& request,
+                                 const std::string& out,
+                                 int attempt) {
+    const bool isListed =
+        request.mode == RenderRequest::Mode::ordinary || !services_.model.rows().empty();
+    if (isListed || attempt == lastAttempt)
+        return take(context, request, out);
+    context.queue.postAfter(retryAfter, [this, &context, request, out, attempt] {
+        takeOnceListed(context, request, out, attempt + 1);
+    });
 }
 
 void RenderModes::take(ModeContext& context, const RenderRequest& request, const std::string& out) {
@@ -133,62 +147,73 @@ void RenderModes::take(ModeContext& context, const RenderRequest& request, const
         0);
 }
 
-std::string RenderModes::prepare(const RenderRequest& request) {
+std::optional<RenderModes::Problem> RenderModes::prepare(const RenderRequest& request) {
     auto& model = services_.model;
     model.setQuery("");
-    if (request.hasPreview)
-        return fmt::format("--preview-placement: {}", clipboardMissing);
     if (request.mode == RenderRequest::Mode::clipboard)
-        return prepareMode(request);
+        return prepareClipboard(request);
     model.setQuery(request.query);
-    return prepareMode(request);
-}
-
-std::string RenderModes::prepareMode(const RenderRequest& request) {
-    auto& model = services_.model;
-    const auto select = [&](const auto& isWanted) {
-        const auto found = std::ranges::find_if(model.rows(), isWanted);
-        if (found == model.rows().end())
-            return false;
-        model.select(static_cast<std::size_t>(found - model.rows().begin()));
-        return true;
-    };
     switch (request.mode) {
     case RenderRequest::Mode::ordinary:
-        break;
     case RenderRequest::Mode::clipboard:
-        if (!model.families.clipboard)
-            return fmt::format("--clip: {}", clipboardMissing);
-        if (request.clipFilter && !rowsOf(model.families.resolveFilter, *request.clipFilter))
-            return fmt::format("--clip-filter: no built-in category or taught group named {}",
-                               *request.clipFilter);
-        model.enterClipboardMode();
-        if (request.clipFilter) {
-            const auto items = model.filterMenuItems();
-            const auto key = *rowsOf(model.families.resolveFilter, *request.clipFilter);
-            const auto found = std::ranges::find(items, key, &FilterMenuItem::key);
-            model.commitFilterMenu(static_cast<std::size_t>(found - items.begin()));
-        }
-        break;
+        return std::nullopt;
     case RenderRequest::Mode::browse:
-        if (!select([&](const ResultRow& row) {
-                return rowsOf(model.families.folderPath, row).has_value();
-            }))
-            return fmt::format("--browse: no folder matches {}", request.query);
-        model.drillIn();
-        break;
+        return prepareFolder(request);
     case RenderRequest::Mode::person:
-        if (!model.families.people || !model.families.personCard)
-            return "--person: NOT MEASURED, contacts had not loaded when the panel was "
-                   "photographed";
-        if (!select([&](const ResultRow& row) {
-                return rowsOf(model.families.personID, row).has_value();
-            }))
-            return fmt::format("--person: no contact matches {}", request.query);
-        model.drillIn();
-        break;
+        return preparePerson(request);
     }
-    return {};
+    return std::nullopt;
+}
+
+std::optional<RenderModes::Problem> RenderModes::prepareClipboard(const RenderRequest& request) {
+    auto& model = services_.model;
+    if (!model.families.clipboard)
+        return Problem{"--clip: NOT MEASURED, the clipboard history is not built yet", notMeasured};
+    const auto key = request.clipFilter ? rowsOf(model.families.resolveFilter, *request.clipFilter)
+                                        : std::nullopt;
+    if (request.clipFilter && !key)
+        return Problem{fmt::format("--clip-filter: no built-in category or taught group named {}",
+                                   *request.clipFilter)};
+    model.enterClipboardMode();
+    if (key) {
+        const auto items = model.filterMenuItems();
+        const auto found = std::ranges::find(items, *key, &FilterMenuItem::key);
+        model.commitFilterMenu(static_cast<std::size_t>(found - items.begin()));
+    }
+    model.setQuery(request.query);
+    return std::nullopt;
+}
+
+std::optional<RenderModes::Problem> RenderModes::prepareFolder(const RenderRequest& request) {
+    auto& model = services_.model;
+    if (!select([&](const ResultRow& row) {
+            return rowsOf(model.families.folderPath, row).has_value();
+        }))
+        return Problem{fmt::format("--browse: no folder matches {}", request.query)};
+    model.drillIn();
+    return std::nullopt;
+}
+
+std::optional<RenderModes::Problem> RenderModes::preparePerson(const RenderRequest& request) {
+    auto& model = services_.model;
+    if (!model.families.people || !model.families.personCard)
+        return Problem{"--person: NOT MEASURED, contacts had not loaded when the panel was "
+                       "photographed",
+                       notMeasured};
+    if (!select(
+            [&](const ResultRow& row) { return rowsOf(model.families.personID, row).has_value(); }))
+        return Problem{fmt::format("--person: no contact matches {}", request.query)};
+    model.drillIn();
+    return std::nullopt;
+}
+
+bool RenderModes::select(const std::function<bool(const ResultRow& row)>& isWanted) {
+    const auto& rows = services_.model.rows();
+    const auto found = std::ranges::find_if(rows, isWanted);
+    if (found == rows.end())
+        return false;
+    services_.model.select(static_cast<std::size_t>(found - rows.begin()));
+    return true;
 }
 
 void RenderModes::prepareMenu(const RenderRequest& request) {
@@ -220,6 +245,8 @@ QImage RenderModes::picture(const RenderRequest& request) {
     root.setTextScale(request.text);
     root.footer().hold(request.footer);
     root.list().setMarkShown(request.hasMark);
+    root.list().holdClipRows(request.clipRows);
+    root.holdPreview(request.preview);
     const auto width = PanelPlacement::width(request.width.value_or(services_.prefs.width()));
     const QSize inside(static_cast<int>(width), root.wantedHeight());
     panel.resize(inside.grownBy(panel.contentsMargins()));

@@ -5,6 +5,7 @@
 #include "launcherapp/shell/modes/PanelModes.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 class QImage;
@@ -14,6 +15,7 @@ namespace tessarine {
 
 class LauncherPanel;
 struct ModeContext;
+struct ResultRow;
 
 /// Pictures of the panel, taken of the very widgets that the user sees, and what can be proved by
 /// them. Nothing is shown on a screen. Main thread only; the services outlive it.
@@ -30,15 +32,27 @@ private:
                            const RenderRequest& request,
                            const std::string& out,
                            int attempt);
+    void takeOnceListed(ModeContext& context,
+                        const RenderRequest& request,
+                        const std::string& out,
+                        int attempt);
     void take(ModeContext& context, const RenderRequest& request, const std::string& out);
     void renderSheet(ModeContext& context, const std::string& out);
     void renderShortcuts(ModeContext& context, const std::string& folder);
     void selftestRenderPurity(ModeContext& context);
 
-    /// Puts the model into the state that is asked for. Why it can't be, in words; empty when it
-    /// is.
-    std::string prepare(const RenderRequest& request);
-    std::string prepareMode(const RenderRequest& request);
+    /// Why a picture can't be taken.
+    struct Problem {
+        std::string words;
+        int status = 1; ///< 2 where what it would show is not there to be looked at
+    };
+
+    /// Puts the model into the state that is asked for; nothing when it is in it.
+    std::optional<Problem> prepare(const RenderRequest& request);
+    std::optional<Problem> prepareClipboard(const RenderRequest& request);
+    std::optional<Problem> prepareFolder(const RenderRequest& request);
+    std::optional<Problem> preparePerson(const RenderRequest& request);
+    bool select(const std::function<bool(const ResultRow& row)>& isWanted);
     void prepareMenu(const RenderRequest& request);
 
     QImage picture(const RenderRequest& request);

@@ -18,6 +18,7 @@ namespace {
 
 constexpr double leastScale = 0.5;
 constexpr double mostScale = 4;
+constexpr double mostClipRows = 60;  ///< as many as a list has
 constexpr double longestSettle = 60; ///< seconds
 
 constexpr auto footerStates = std::to_array<std::string_view>({"collapsed", "hints"});
@@ -105,8 +106,10 @@ RenderRequest::Menu menuOf(const Qualifiers& qualifiers) {
 ReadRequest readRenderRequest(const CommandLine& commandLine) {
     Qualifiers qualifiers(commandLine);
     RenderRequest request;
-    request.query = qualifiers.text("--query").value_or(request.query);
     request.mode = modeOf(qualifiers);
+    const bool isOfClips = request.mode == RenderRequest::Mode::clipboard;
+    request.query =
+        qualifiers.text("--query").value_or(isOfClips ? "" : RenderRequest::defaultQuery);
     request.menu = menuOf(qualifiers);
     request.skin = stored<AppearancePreset>(qualifiers, "--skin");
     request.selected = qualifiers.position("--select");
@@ -115,8 +118,9 @@ ReadRequest readRenderRequest(const CommandLine& commandLine) {
     if (const auto state = qualifiers.word("--footer", footerStates))
         request.footer = static_cast<Footer::FooterState>(*state);
     request.hasMark = qualifiers.has("--mark");
-    request.hasPreview =
-        stored<ClipPreviewPlacement>(qualifiers, "--preview-placement").has_value();
+    request.preview = stored<ClipPreviewPlacement>(qualifiers, "--preview-placement");
+    if (const auto rows = qualifiers.number("--clip-rows", 1, mostClipRows))
+        request.clipRows = static_cast<std::int64_t>(*rows);
     request.settle = Seconds(qualifiers.number("--settle", 0, longestSettle).value_or(0));
     request.scale =
         qualifiers.number("--render-scale", leastScale, mostScale).value_or(request.scale);

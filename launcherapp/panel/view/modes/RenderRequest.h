@@ -5,6 +5,7 @@
 #include "launcherapp/shell/Prefs.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -19,10 +20,13 @@ class CommandLine;
 /// <compact|standard|wide>`, `--render-text <regular|large>`, `--render-mirrored` (as in scripts
 /// that run from the right) and `--render-opaque` (as without mixing).
 struct RenderRequest {
+    static constexpr auto defaultQuery = "s"; ///< of the ordinary list and for opening a row of it
+
     enum class Mode { ordinary, clipboard, browse, person };
     enum class Menu { none, actions, panelActions, filter };
 
-    std::string query = "s";
+    /// Nothing for a list of its own, which is whole then.
+    std::string query;
     Mode mode = Mode::ordinary;
     Menu menu = Menu::none;
     std::optional<AppearancePreset> skin;
@@ -31,7 +35,8 @@ struct RenderRequest {
     std::size_t filterRow = 0;
     std::optional<Footer::FooterState> footer;
     bool hasMark = false;
-    bool hasPreview = false; ///< a clipping's preview, on any side
+    std::optional<ClipPreviewPlacement> preview; ///< nothing: as the settings say
+    std::optional<std::int64_t> clipRows;        ///< clippings shown at a time
     Seconds settle{0};
     double scale = 2;
     std::optional<PanelWidth> width; ///< nothing: as the settings say

@@ -53,6 +53,11 @@ const RowImages::Picture* RowImages::icon(const ResultRow& row, Square square) {
     return &none;
 }
 
+const RowImages::Picture* RowImages::named(const std::string& nameOrPath, Square square) {
+    static const Picture none;
+    return nameOrPath.empty() ? &none : picture({Kind::theme, nameOrPath, square});
+}
+
 const QImage* RowImages::symbol(std::string_view name, Square square, const QColor& color) {
     if (name.empty())
         return nullptr;

@@ -45,6 +45,9 @@ public:
     /// a row whose symbol is to be drawn.
     const Picture* icon(const ResultRow& row, Square square);
 
+    /// An icon by its name in the theme or its path; as `icon`.
+    const Picture* named(const std::string& nameOrPath, Square square);
+
     /// A symbol in a colour; null while it is not read yet.
     const QImage* symbol(std::string_view name, Square square, const QColor& color);
 

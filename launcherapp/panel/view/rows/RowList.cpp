@@ -34,8 +34,9 @@ RowList::RowList(QWidget* parent, Sources sources)
 
 int RowList::rowsShown() const {
     const auto& prefs = sources_.prefs;
-    const bool ofClips = sources_.model.clipboardMode() && prefs.clipRows() > 0;
-    const auto most = std::max<std::int64_t>(1, ofClips ? prefs.clipRows() : prefs.resultRows());
+    const auto clips =
+        sources_.model.clipboardMode() ? heldClipRows_.value_or(prefs.clipRows()) : 0;
+    const auto most = std::max<std::int64_t>(1, clips > 0 ? clips : prefs.resultRows());
     return static_cast<int>(std::min<std::int64_t>(itemCount(), most));
 }
 
@@ -55,8 +56,11 @@ void RowList::refresh() {
         first_ = 0;
     listed_ = leader;
     lines_.resize(rows.size());
-    if (hovered_ >= itemCount())
-        hovered_ = -1;
+    // The pointer rests where another row is now, and that one is not what it pointed at.
+    const bool isSame = hovered_ >= 0 && hovered_ < itemCount() &&
+                        rows[static_cast<std::size_t>(hovered_)].id == hoveredID_;
+    if (!isSame)
+        setHovered(-1);
     keepSelectionSeen();
     announceCurrent();
     update();
@@ -75,6 +79,11 @@ void RowList::setCommandHeld(bool held) {
 void RowList::setMarkShown(bool shown) {
     isMarkShown_ = shown;
     update();
+}
+
+void RowList::holdClipRows(std::optional<std::int64_t> rows) {
+    heldClipRows_ = rows;
+    refresh();
 }
 
 void RowList::keepSelectionSeen() {
@@ -101,6 +110,8 @@ ItemView::Item RowList::item(int index) const {
     auto name = ShownText::harmless(row.title);
     if (!row.subtitle.empty())
         name += ", " + ShownText::harmless(row.subtitle);
+    if (row.running)
+        name += ", running";
     return {.name = Drawing::toQt(name)};
 }
 
@@ -125,12 +136,13 @@ RowLook RowList::look(int index) const {
     const auto& rows = sources_.model.rows();
     const auto firstApp = std::ranges::find(rows, RowKind::app, &ResultRow::kind);
     const auto& row = rows[static_cast<std::size_t>(index)];
+    const bool isInert = row.kind == RowKind::hint && !row.primary; // a key would do nothing
     return {.rectangle = itemRectangle(index),
             .direction = layoutDirection(),
             .isRunning = row.running || (isMarkShown_ && firstApp == rows.begin() + index),
             .isSelected = index == currentItem(),
             .isHovered = index == hovered_,
-            .digit = index < lastDigit ? index + 1 : 0,
+            .digit = index < lastDigit && !isInert ? index + 1 : 0,
             .isDigitAsked = isCommandHeld_};
 }
 
@@ -169,9 +181,9 @@ void RowList::drawScrollMark(QPainter& painter) const {
 const ResolvedCredit* RowList::credit(const ResultRow& row) {
     if (!row.credit)
         return nullptr;
-    if (creditsKnown_.contains(*row.credit))
-        return &sources_.credits.resolve(*row.credit);
-    // A look-up may read an icon, which is no business of a paint.
+    if (const auto* known = sources_.credits.fromMemory(*row.credit))
+        return known;
+    // The rest is looked for on disk, which is no business of a paint.
     if (creditsWanted_.empty())
         QTimer::singleShot(0, this, &RowList::lookUpCredits);
     creditsWanted_.push_back(*row.credit);
@@ -179,10 +191,8 @@ const ResolvedCredit* RowList::credit(const ResultRow& row) {
 }
 
 void RowList::lookUpCredits() {
-    for (const auto& spec : std::exchange(creditsWanted_, {})) {
+    for (const auto& spec : std::exchange(creditsWanted_, {}))
         sources_.credits.resolve(spec);
-        creditsKnown_.insert(spec);
-    }
     update();
 }
 
@@ -192,6 +202,8 @@ void RowList::resizeEvent(QResizeEvent* event) {
 }
 
 void RowList::setHovered(int index) {
+    hoveredID_ =
+        index < 0 ? std::string() : sources_.model.rows()[static_cast<std::size_t>(index)].id;
     if (std::exchange(hovered_, index) != index)
         update();
 }

@@ -5,9 +5,10 @@
 #include "launcherapp/panel/view/rows/RowPainter.h"
 
 #include <QPoint>
+#include <cstdint>
 #include <functional>
 #include <optional>
-#include <unordered_set>
+#include <string>
 #include <vector>
 
 namespace tessarine {
@@ -46,6 +47,9 @@ public:
     /// Draws the mark of a running application on the first one, whatever runs: for a picture.
     void setMarkShown(bool shown);
 
+    /// Shows so many clippings at a time, for a picture; nothing lets it follow the settings.
+    void holdClipRows(std::optional<std::int64_t> rows);
+
     /// Height for the rows that are shown at a time; 0 for an empty list.
     int wantedHeight() const;
 
@@ -83,12 +87,13 @@ private:
     std::string listed_;          ///< the first row's id, to know another list by
     int first_ = 0;               ///< the topmost row that is shown
     int hovered_ = -1;
+    std::string hoveredID_; ///< the id of that row
+    std::optional<std::int64_t> heldClipRows_;
     int pressed_ = -1;
     std::optional<QPoint> pointer_;
     bool isCommandHeld_ = false;
     bool isMarkShown_ = false;
     int wheelRemainder_ = 0; ///< eighths of a degree that made no row yet
-    std::unordered_set<RowCreditSpec> creditsKnown_;
     std::vector<RowCreditSpec> creditsWanted_;
 };
 

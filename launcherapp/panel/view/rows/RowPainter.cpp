@@ -19,11 +19,13 @@ constexpr int digitWidth = 22;
 constexpr int digitHeight = 20;
 constexpr int digitEdge = 16; ///< from the panel's side to the digit
 constexpr int gap = 10;       ///< between a row's texts and what stands right of them
-constexpr int creditIconSide = CreditResolver::iconPoints;
+constexpr int creditIconSide = 16;
 constexpr int mostCreditWidth = 190;
 constexpr int symbolSide = 18; ///< in its tile
 constexpr int runningSide = 6;
 constexpr qreal tileRadius = 8;
+constexpr int markSide = 15;  ///< of the mark at a tile's corner
+constexpr int markBeyond = 4; ///< how far it stands out of the tile
 
 /// An answer is text to read; what opens something is marked by what was typed of its name.
 bool showsMatch(const ResultRow& row) {
@@ -61,7 +63,7 @@ void RowPainter::draw(QPainter& painter,
                       RowLines& lines) const {
     drawBackground(painter, look);
     const auto slot = part(look, PanelStyle::edge, PanelStyle::edge + PanelStyle::iconSide);
-    drawIcon(painter, row, look, middle(slot, PanelStyle::iconSide));
+    drawIcon(painter, row, look, middle(slot, PanelStyle::iconSide), lines.picture);
     drawDigit(painter, look);
     const int credited = drawCredit(painter, row, credit, look, lines.credit);
     const int room = look.rectangle.width() - PanelStyle::textStart - digitEdge - digitWidth - gap -
@@ -82,14 +84,28 @@ void RowPainter::drawBackground(QPainter& painter, const RowLook& look) const {
 void RowPainter::drawIcon(QPainter& painter,
                           const ResultRow& row,
                           const RowLook& look,
-                          const QRect& slot) const {
-    if (row.image && !row.image->isEmpty() && !row.image->isMask) {
-        const auto picture = RowImages::toQt(*row.image);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(QRectF(slot), picture);
+                          const QRect& slot,
+                          FittedPicture& picture) const {
+    // An answer's glyph is what it is about, and stands for the picture; a clipping's is a mark
+    // beside what stands for the clipping.
+    const bool hasMark = row.glyph && row.kind != RowKind::calc;
+    const double scale = Drawing::scale(painter);
+    if (row.image && !row.image->isEmpty()) {
+        const bool isMask = row.image->isMask;
+        if (isMask)
+            drawTile(painter, look, slot);
+        const int side = isMask ? symbolSide : slot.width();
+        Drawing::centred(
+            painter,
+            slot,
+            picture.image(
+                *row.image,
+                {.size = {side, side}, .scale = scale, .tint = toQt(style_.palette.symbol)}));
+        if (hasMark)
+            drawMark(painter, *row.glyph, look, slot);
         return;
     }
-    const auto* icon = images_.icon(row, {slot.width(), Drawing::scale(painter)});
+    const auto* icon = images_.icon(row, {slot.width(), scale});
     if (!icon)
         return; // its place is kept, and it arrives with a later paint
     if (!icon->image.isNull() && !icon->isMask)
@@ -98,6 +114,42 @@ void RowPainter::drawIcon(QPainter& painter,
         drawMonogram(painter, row, slot);
     else
         drawSymbolTile(painter, row, look, slot);
+    if (hasMark)
+        drawMark(painter, *row.glyph, look, slot);
+}
+
+/// At the far lower corner, ringed by the row's ground so that it stays apart from any picture.
+void RowPainter::drawMark(QPainter& painter,
+                          const std::string& glyph,
+                          const RowLook& look,
+                          const QRect& slot) const {
+    const auto& palette = style_.palette;
+    const auto mark = Drawing::toQt(ShownText::harmless(glyph));
+    auto font = style_.small;
+    font.setPixelSize(markSide * 2 / 3);
+    font.setWeight(QFont::DemiBold);
+    if (!Drawing::canDraw(font, mark))
+        return;
+    QRect place(0, 0, markSide, markSide);
+    place.moveBottomRight({slot.right() + markBeyond, slot.bottom() + markBeyond - 1});
+    place = QStyle::visualRect(look.direction, slot, place);
+    const auto ground = look.isSelected  ? palette.selection
+                        : look.isHovered ? palette.hover
+                                         : palette.panel.withAlpha(255);
+    Drawing::roundedRectangle(
+        painter, QRectF(place).adjusted(-1.5, -1.5, 1.5, 1.5), markSide / 2.0 + 1.5, toQt(ground));
+    Drawing::roundedRectangle(painter, place, markSide / 2.0, toQt(palette.keyCap));
+    painter.setFont(font);
+    painter.setPen(toQt(palette.keyCapText));
+    painter.drawText(place, Qt::AlignCenter, mark);
+}
+
+void RowPainter::drawTile(QPainter& painter, const RowLook& look, const QRect& slot) const {
+    const auto& palette = style_.palette;
+    Drawing::roundedRectangle(painter,
+                              QRectF(slot).adjusted(1, 1, -1, -1),
+                              tileRadius,
+                              toQt(look.isSelected ? palette.selectedTile : palette.symbolTile));
 }
 
 /// For an application without an icon: its first letter, on a colour that is always the same.
@@ -118,16 +170,14 @@ void RowPainter::drawSymbolTile(QPainter& painter,
                                 const RowLook& look,
                                 const QRect& slot) const {
     const auto& palette = style_.palette;
-    Drawing::roundedRectangle(painter,
-                              QRectF(slot).adjusted(1, 1, -1, -1),
-                              tileRadius,
-                              toQt(look.isSelected ? palette.selectedTile : palette.symbolTile));
-    if (row.glyph) {
-        auto font = style_.title;
-        font.setPixelSize(slot.height() * 3 / 5);
+    drawTile(painter, look, slot);
+    auto font = style_.title;
+    font.setPixelSize(slot.height() * 3 / 5);
+    const auto glyph = Drawing::toQt(ShownText::harmless(row.glyph.value_or("")));
+    if (row.kind == RowKind::calc && !glyph.isEmpty() && Drawing::canDraw(font, glyph)) {
         painter.setFont(font);
         painter.setPen(toQt(palette.title));
-        painter.drawText(slot, Qt::AlignCenter, Drawing::toQt(ShownText::harmless(*row.glyph)));
+        painter.drawText(slot, Qt::AlignCenter, glyph);
         return;
     }
     const auto& color = row.kind == RowKind::hint ? palette.accent : palette.symbol;
@@ -170,14 +220,24 @@ int RowPainter::drawCredit(QPainter& painter,
         return textWidth;
     const int iconRight = right - textWidth - 6;
     const auto slot = middle(part(look, iconRight - creditIconSide, iconRight), creditIconSide);
-    if (credit && !credit->icon.isEmpty()) {
-        auto picture = RowImages::toQt(credit->icon);
-        if (credit->icon.isMask)
-            picture = Drawing::tinted(picture, color);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(QRectF(slot), picture);
-    }
+    if (credit)
+        drawCreditIcon(painter, *credit, color, slot);
     return textWidth + 6 + creditIconSide;
+}
+
+void RowPainter::drawCreditIcon(QPainter& painter,
+                                const ResolvedCredit& credit,
+                                const QColor& color,
+                                const QRect& slot) const {
+    const RowImages::Square square{creditIconSide, Drawing::scale(painter)};
+    const auto* icon = images_.named(credit.icon, square);
+    if (!icon)
+        return;
+    if (!icon->image.isNull())
+        Drawing::centred(
+            painter, slot, icon->isMask ? Drawing::tinted(icon->image, color) : icon->image);
+    else if (const auto* symbol = images_.symbol(credit.symbol, square, color))
+        Drawing::centred(painter, slot, *symbol);
 }
 
 void RowPainter::drawTexts(QPainter& painter,

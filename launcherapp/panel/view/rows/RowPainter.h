@@ -1,5 +1,6 @@
 #pragma once
 
+#include "launcherapp/panel/view/drawing/FittedPicture.h"
 #include "launcherapp/panel/view/rows/TextLine.h"
 #include "launcherapp/query/ResultRow.h"
 
@@ -25,8 +26,9 @@ struct RowLook {
     bool isDigitAsked = false; ///< Ctrl is held, so the digit is a key to press
 };
 
-/// The shaped texts of a row, kept from one paint to the next.
+/// The shaped texts and the fitted picture of a row, kept from one paint to the next.
 struct RowLines {
+    FittedPicture picture;
     TextLine title;
     TextLine subtitle;
     TextLine credit;
@@ -47,14 +49,26 @@ public:
 
 private:
     void drawBackground(QPainter& painter, const RowLook& look) const;
-    void
-    drawIcon(QPainter& painter, const ResultRow& row, const RowLook& look, const QRect& slot) const;
+    void drawIcon(QPainter& painter,
+                  const ResultRow& row,
+                  const RowLook& look,
+                  const QRect& slot,
+                  FittedPicture& picture) const;
+    void drawTile(QPainter& painter, const RowLook& look, const QRect& slot) const;
+    void drawMark(QPainter& painter,
+                  const std::string& glyph,
+                  const RowLook& look,
+                  const QRect& slot) const;
     void drawMonogram(QPainter& painter, const ResultRow& row, const QRect& slot) const;
     void drawSymbolTile(QPainter& painter,
                         const ResultRow& row,
                         const RowLook& look,
                         const QRect& slot) const;
     void drawDigit(QPainter& painter, const RowLook& look) const;
+    void drawCreditIcon(QPainter& painter,
+                        const ResolvedCredit& credit,
+                        const QColor& color,
+                        const QRect& slot) const;
     /// The logical width that it took.
     int drawCredit(QPainter& painter,
                    const ResultRow& row,

@@ -22,8 +22,7 @@ protected:
 
     FakeServices services;
     std::unique_ptr<SearchModel> model = services.makeModel();
-    CreditResolver credits{
-        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
     CommandLine commandLine{{"--search", "pad"}};
     std::vector<std::string> lines;
     std::optional<int> status;

@@ -1,0 +1,195 @@
+#include "launcherapp/panel/view/preview/ClippingPreview.h"
+
+#include "LauncherCore/text/Paths.h"
+#include "launcherapp/panel/appearance/ShownText.h"
+#include "launcherapp/panel/view/drawing/Drawing.h"
+#include "launcherapp/panel/view/drawing/PanelStyle.h"
+#include "launcherapp/panel/view/rows/RowImages.h"
+
+#include <fmt/format.h>
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QStyle>
+#include <QTextLayout>
+#include <algorithm>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr int padding = 14;            ///< above and below
+constexpr int leastHeightBeside = 180; ///< a list of one row has no room to see anything in
+constexpr int heightBelow = 210;       ///< of the whole part, below the list
+constexpr int symbolSide = 16;
+constexpr int symbolGap = 8;
+
+QString spoken(const RowPreview& preview, const QString& text) {
+    QString said = text;
+    if (const auto* files = std::get_if<RowPreview::Files>(&preview.content)) {
+        QStringList names;
+        for (const auto& path : files->paths)
+            names << Drawing::toQt(ShownText::harmless(Paths::lastPart(path)));
+        said = names.join(QStringLiteral(", "));
+    } else if (std::holds_alternative<RowPreview::Picture>(preview.content)) {
+        said = QStringLiteral("Picture");
+    }
+    for (const auto& fact : preview.facts)
+        said += QStringLiteral(", ") + Drawing::toQt(ShownText::harmless(fact));
+    return QStringLiteral("Preview: ") + said;
+}
+
+} // namespace
+
+ClippingPreview::ClippingPreview(QWidget* parent, const PanelStyle& style, RowImages& images)
+    : SpokenPart(parent), style_(style), images_(images) {}
+
+void ClippingPreview::show(RowPreview preview) {
+    preview_ = std::move(preview);
+    files_.clear();
+    text_.clear();
+    if (const auto* text = std::get_if<RowPreview::Text>(&preview_.content))
+        text_ = Drawing::toQt(ShownText::harmlessLines(text->text));
+    say(spoken(preview_, text_));
+    update();
+}
+
+void ClippingPreview::setPlacement(ClipPreviewPlacement placement) {
+    if (std::exchange(placement_, placement) != placement)
+        update();
+}
+
+QSize ClippingPreview::sizeHint() const {
+    return {0, heightBelow};
+}
+
+QSize ClippingPreview::minimumSizeHint() const {
+    return {0, leastHeightBeside};
+}
+
+void ClippingPreview::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    drawEdge(painter);
+    auto inside = rect().adjusted(PanelStyle::edge, padding, -PanelStyle::edge, -padding);
+    std::string facts;
+    for (const auto& fact : preview_.facts)
+        facts += (facts.empty() ? "" : " · ") + fact;
+    facts_.set({.text = facts,
+                .query = {},
+                .font = style_.small,
+                .width = static_cast<qreal>(inside.width())});
+    const int factsHeight = QFontMetrics(style_.small).height();
+    if (!facts.empty() && inside.height() > 2 * factsHeight) {
+        const auto color = toQt(style_.palette.credit);
+        const QRect line(
+            inside.left(), inside.bottom() + 1 - factsHeight, inside.width(), factsHeight);
+        facts_.draw(painter, line, layoutDirection(), {color, color});
+        inside.setBottom(line.top() - padding / 2);
+    }
+    painter.setClipRect(inside);
+    if (const auto* text = std::get_if<RowPreview::Text>(&preview_.content))
+        drawText(painter, *text, inside);
+    else if (const auto* picture = std::get_if<RowPreview::Picture>(&preview_.content))
+        drawPicture(painter, *picture, inside);
+    else if (const auto* files = std::get_if<RowPreview::Files>(&preview_.content))
+        drawFiles(painter, *files, inside);
+}
+
+/// As many whole lines as there is room for; a line that is cut in half reads like a fault.
+void ClippingPreview::drawText(QPainter& painter,
+                               const RowPreview::Text& text,
+                               const QRect& place) {
+    auto font = style_.subtitle;
+    if (text.isCode) {
+        font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        font.setPixelSize(style_.subtitle.pixelSize());
+    }
+    painter.setPen(toQt(style_.palette.title));
+    qreal y = place.top();
+    for (const auto& paragraph : text_.split(QLatin1Char('\n'))) {
+        QTextLayout layout(paragraph, font);
+        QTextOption option;
+        option.setTextDirection(Qt::LayoutDirectionAuto);
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        layout.setTextOption(option);
+        layout.beginLayout();
+        qreal height = 0;
+        for (auto line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(place.width());
+            if (y + height + line.height() > place.bottom() + 1)
+                break;
+            line.setPosition({0, height});
+            height += line.height();
+            line.draw(&painter, QPointF(place.left(), y));
+        }
+        layout.endLayout();
+        y += std::max<qreal>(height, QFontMetricsF(font).height());
+        if (y >= place.bottom())
+            return;
+    }
+}
+
+void ClippingPreview::drawPicture(QPainter& painter,
+                                  const RowPreview::Picture& picture,
+                                  const QRect& place) {
+    const auto& shown = picture_.image(picture.image,
+                                       {.size = place.size(),
+                                        .scale = Drawing::scale(painter),
+                                        .fit = FittedPicture::Fit::unscaled,
+                                        .tint = toQt(style_.palette.title)});
+    if (!shown.isNull())
+        Drawing::centred(painter, place, shown);
+}
+
+void ClippingPreview::drawFiles(QPainter& painter,
+                                const RowPreview::Files& files,
+                                const QRect& place) {
+    const int lineHeight = QFontMetrics(style_.subtitle).height() + 8;
+    const int fit = std::max(1, place.height() / lineHeight);
+    const int count = static_cast<int>(files.paths.size());
+    // The last line that fits says how many don't.
+    const int named = count <= fit ? count : fit - 1;
+    files_.resize(static_cast<std::size_t>(std::min(count, fit)));
+    for (int i = 0; i < std::min(count, fit); ++i) {
+        const bool isNamed = i < named;
+        const QRect line(place.left(), place.top() + i * lineHeight, place.width(), lineHeight);
+        const auto mirrored = [&](int left, int width) {
+            return QStyle::visualRect(
+                layoutDirection(), line, QRect(line.left() + left, line.top(), width, lineHeight));
+        };
+        const auto color = toQt(isNamed ? style_.palette.title : style_.palette.subtitle);
+        if (const auto* symbol = images_.symbol(isNamed ? "doc" : "",
+                                                {symbolSide, Drawing::scale(painter)},
+                                                toQt(style_.palette.symbol)))
+            Drawing::centred(painter, mirrored(0, symbolSide), *symbol);
+        const int left = symbolSide + symbolGap;
+        auto& text = files_[static_cast<std::size_t>(i)];
+        text.set({.text = isNamed ? std::string(
+                                        Paths::lastPart(files.paths[static_cast<std::size_t>(i)]))
+                                  : fmt::format("and {} more", count - named),
+                  .query = {},
+                  .font = style_.subtitle,
+                  .width = static_cast<qreal>(line.width() - left),
+                  .cut = ShownText::Cut::middle});
+        text.draw(painter, mirrored(left, line.width() - left), layoutDirection(), {color, color});
+    }
+}
+
+void ClippingPreview::drawEdge(QPainter& painter) const {
+    const auto color = toQt(style_.palette.separator);
+    switch (placement_) {
+    case ClipPreviewPlacement::right:
+        painter.fillRect(QRect(0, padding, 1, height() - 2 * padding), color);
+        break;
+    case ClipPreviewPlacement::left:
+        painter.fillRect(QRect(width() - 1, padding, 1, height() - 2 * padding), color);
+        break;
+    case ClipPreviewPlacement::below:
+        painter.fillRect(QRect(PanelStyle::edge, 0, width() - 2 * PanelStyle::edge, 1), color);
+        break;
+    }
+}
+
+} // namespace tessarine
