@@ -25,18 +25,24 @@ constexpr int textGap = 24;
 ShortcutSheet::ShortcutSheet(QWidget* parent, const PanelStyle& style)
     : QWidget(parent), style_(style) {
     setAccessibleName(QStringLiteral("Keyboard shortcuts"));
+    hide();
+}
+
+void ShortcutSheet::showEvent(QShowEvent* event) {
     QStringList spoken;
     for (const auto& line : lines()) {
         for (const auto& chord : line.chords)
             spoken << chord.join(QLatin1Char('+')) + QStringLiteral(": ") + line.label;
     }
     setAccessibleDescription(spoken.join(QStringLiteral(". ")));
-    hide();
+    QWidget::showEvent(event);
 }
 
-std::vector<ShortcutSheet::Line> ShortcutSheet::lines() {
+std::vector<ShortcutSheet::Line> ShortcutSheet::lines() const {
     std::vector<Line> lines;
     for (const auto& chord : PanelKeys::chords()) {
+        if (offers && !offers(chord.action))
+            continue;
         auto keys = KeyTranslation::keyNames(chord);
         if (chord.action == PanelKeyAction::digit) {
             if (KeyTranslation::digit(chord) > 1)
