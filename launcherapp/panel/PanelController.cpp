@@ -2,6 +2,8 @@
 
 #include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/operations/StageMarks.h"
+#include "launcherapp/operations/Updater.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/shell/Prefs.h"
 
@@ -24,6 +26,9 @@ constexpr double slowPress = 100;    ///< milliseconds
 constexpr Seconds longestPress{2};   ///< an older press brought up something else
 /// A drag moves the window with every frame; the file of settings need not be written as often.
 constexpr Seconds dragPause{0.3};
+/// Between looks for a newer version that the panel's comings and goings start.
+constexpr Seconds updateInterval{600};
+constexpr std::string_view stage = "panel.show";
 constexpr std::string_view selfTestQuery = "settings";
 
 std::string inWords(const Rectangle& frame) {
@@ -42,13 +47,16 @@ std::string inWords(const std::vector<Screen>& screens) {
 
 PanelController::PanelController(Services services) : services_(services) {
     services_.window.setEvents({.lostKeyboard = [this] { hide(); },
+                                .keyboardRefused =
+                                    [this] {
+                                        services_.diagnostics.log(
+                                            "panel: another program holds the keyboard, so the "
+                                            "panel goes away");
+                                    },
+                                .keyboardCame = [this] { keyboardCame(); },
                                 .moved = [this](Rectangle frame) { windowMoved(frame); },
                                 .painted = [this] { painted(); },
-                                .screensChanged =
-                                    [this] {
-                                        if (isVisible())
-                                            place();
-                                    }});
+                                .screensChanged = [this] { screensChanged(); }});
     services_.model.dismiss = [this] { hide(); };
     modelChanges_ = services_.model.onChange([this] { relayout(); });
 }
@@ -63,6 +71,7 @@ bool PanelController::isVisible() const {
 }
 
 void PanelController::show() {
+    const StageMarks::Stage inside(services_.stages, stage);
     showBody();
 }
 
@@ -74,6 +83,10 @@ void PanelController::show(const std::string& query) {
 void PanelController::showClipboard() {
     show();
     services_.model.enterClipboardMode();
+}
+
+void PanelController::showListening() {
+    services_.diagnostics.log("panel: there is no voice input to listen with");
 }
 
 void PanelController::toggle() {
@@ -100,16 +113,19 @@ void PanelController::showBody() {
     shownAt_ = services_.queue.uptime();
     isMeasured_ = false;
     previousApp_ = services_.windows.active();
+    services_.model.previousApp = previousApp_;
     // Mostly it is at rest already, as hiding and the warm passes see to it.
     if (!services_.model.isAtRest())
         services_.model.reset();
-    place();
+    services_.model.closeMenus(); // of a panel that is up already
+    const auto screens = place();
     window.show();
     services_.diagnostics.log(fmt::format("panel show: visible={} key={} frame={} screen={}",
                                           window.isVisible(),
                                           window.hasKeyboard(),
                                           inWords(window.frame()),
-                                          inWords(window.screens())));
+                                          inWords(screens)));
+    services_.updater.checkIfDue(updateInterval);
 }
 
 /// The work of drawing is over, so that it counts.
@@ -138,8 +154,7 @@ void PanelController::hide() {
     if (!isVisible())
         return;
     rememberDrag();
-    if (!model.actions().empty())
-        model.closeActions();
+    model.closeMenus();
     services_.window.hide();
     // Here rather than at the next show: now nobody waits for it.
     model.reset();
@@ -147,6 +162,7 @@ void PanelController::hide() {
     countedPress_ = services_.hotkey.lastPressEventTime(); // it may be the one that hides
     lastVisibleAt_ = services_.queue.uptime();
     services_.diagnostics.log("panel hide");
+    services_.updater.checkIfDue(updateInterval);
 }
 
 void PanelController::runTopRow() {
@@ -157,33 +173,82 @@ void PanelController::runTopRow() {
         services_.model.reset();
 }
 
-double PanelController::desiredHeight() const {
-    const auto& model = services_.model;
-    const auto& prefs = services_.prefs;
-    auto mostRows = prefs.resultRows();
-    if (model.clipboardMode() && prefs.clipRows() > 0)
-        mostRows = prefs.clipRows();
-    return PanelPlacement::desiredHeight(
-        {.rows = model.rows().size(),
-         .mostRows = static_cast<std::size_t>(std::max<std::int64_t>(mostRows, 0)),
-         .rowHeight = rowHeight,
-         .previewBelow = previewBelow});
+void PanelController::togglePreview() {
+    if (const auto* row = services_.model.selectedRow(); row && preview)
+        preview(*row);
 }
 
-void PanelController::place() {
+void PanelController::showActions() {
+    auto& model = services_.model;
+    if (model.actions().empty())
+        model.openActions();
+    else
+        model.closeActions();
+}
+
+void PanelController::showActions(Point at, std::optional<std::size_t> row) {
+    auto& model = services_.model;
+    if (!row)
+        return model.openPanelActions(at);
+    model.select(*row);
+    model.openActions(at);
+}
+
+PanelPlacement::Contents PanelController::contents() const {
+    const auto& model = services_.model;
+    return {.rows = model.rows().size(), .mostRows = model.rowsAtATime(), .heights = heights_};
+}
+
+void PanelController::setHeights(const PanelPlacement::Heights& heights) {
+    heights_ = heights;
+    relayout();
+}
+
+/// Gives the screens that it chose from.
+std::vector<Screen> PanelController::place() {
     rememberDrag();
-    const auto screen =
-        PanelPlacement::screen(services_.window.screens(), services_.window.pointer());
+    auto screens = services_.window.screens();
+    const auto screen = PanelPlacement::screen(screens, services_.window.pointer());
     if (!screen)
-        return;
+        return screens;
     const auto& prefs = services_.prefs;
+    const auto shown = contents();
+    const bool isRemembered = prefs.position() == PanelPosition::remembered;
     auto frame = PanelPlacement::frame(screen->workArea,
                                        prefs.position(),
                                        PanelPlacement::width(prefs.width()),
-                                       desiredHeight(),
+                                       isRemembered ? PanelPlacement::leastRoom(shown)
+                                                    : PanelPlacement::desiredHeight(shown),
                                        prefs.rememberedOrigin());
-    frame.height = PanelPlacement::fittingHeight(screen->workArea, frame.y, frame.height);
+    frame.height = PanelPlacement::fittingHeight(screen->workArea, frame.y, shown);
     putWindow(frame);
+    return screens;
+}
+
+/// A panel that can still be seen stays where it is: a bar that hides itself changes the screens
+/// too.
+void PanelController::screensChanged() {
+    if (!isVisible())
+        return;
+    auto field = services_.window.frame();
+    field.height = PanelPlacement::emptyHeight;
+    const auto screens = services_.window.screens();
+    const bool isSeen = std::ranges::any_of(screens, [&](const Screen& screen) {
+        const auto& area = screen.workArea;
+        return field.x >= area.x && field.y >= area.y && field.right() <= area.right() &&
+               field.bottom() <= area.bottom();
+    });
+    if (isSeen)
+        relayout();
+    else
+        place();
+}
+
+void PanelController::keyboardCame() {
+    services_.diagnostics.log(
+        fmt::format("panel: key=true {:.0f} ms after the show, as another program held the "
+                    "keyboard",
+                    milliseconds(shownAt_.value_or(services_.queue.uptime()))));
 }
 
 void PanelController::putWindow(const Rectangle& frame) {
@@ -194,6 +259,7 @@ void PanelController::putWindow(const Rectangle& frame) {
 }
 
 void PanelController::relayout() {
+    const StageMarks::Stage inside(services_.stages, stage);
     relayoutBody();
 }
 
@@ -203,10 +269,11 @@ void PanelController::relayoutBody() {
         return;
     auto frame = services_.window.frame();
     const auto before = frame.height;
-    frame.height = desiredHeight();
+    const auto shown = contents();
+    frame.height = PanelPlacement::desiredHeight(shown);
     const Point top{.x = frame.x + frame.width / 2, .y = frame.y};
     if (const auto screen = PanelPlacement::screen(services_.window.screens(), top))
-        frame.height = PanelPlacement::fittingHeight(screen->workArea, frame.y, frame.height);
+        frame.height = PanelPlacement::fittingHeight(screen->workArea, frame.y, shown);
     if (frame.height != before)
         putWindow(frame);
 }
@@ -239,6 +306,7 @@ void PanelController::warm() {
     if (!services_.model.isAtRest())
         services_.model.reset();
     const double rows = milliseconds(started);
+    place(); // in the size of the next show
     services_.window.drawHidden();
     const double total = milliseconds(started);
     if (total >= slowWarmPass)
@@ -258,10 +326,11 @@ std::string PanelController::selfTestShow() {
     services_.model.reset();
     show(std::string(selfTestQuery));
     const auto& window = services_.window;
+    const auto height = window.displayedHeight();
     return fmt::format("visible={} key={} height={:.0f} rows={}",
-                       window.isVisible(),
+                       height.has_value(),
                        window.hasKeyboard(),
-                       window.frame().height,
+                       height.value_or(0),
                        services_.model.rows().size());
 }
 

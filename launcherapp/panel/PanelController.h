@@ -6,16 +6,21 @@
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/platform/WindowList.h"
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tessarine {
 
 class Diagnostics;
 class Hotkey;
 class Prefs;
+struct ResultRow;
 class SearchModel;
+class StageMarks;
+class Updater;
 
 /// Owns the life of the panel's window: brings it up within a frame, keeps it where it belongs,
 /// takes it away without a trace, and keeps it warm while nobody looks. Main thread only.
@@ -29,6 +34,8 @@ public:
         PanelWindow& window;
         const WindowList& windows;
         const Hotkey& hotkey;
+        StageMarks& stages;
+        Updater& updater;
     };
 
     /// Becomes the window's and the model's: it hears of what happens to the one, and hides the
@@ -43,6 +50,8 @@ public:
     void show();
     void show(const std::string& query);
     void showClipboard();
+    /// There is no voice input: the log says so.
+    void showListening();
     void hide();
     void toggle();
     /// Hides the clipboard's list if that is what is up, else shows it.
@@ -53,6 +62,13 @@ public:
     void relayout();
     /// Runs the first row with no list to be seen: for a command's own chord.
     void runTopRow();
+    /// Shows the selected row to look at, or takes that away; nothing happens while `preview` is
+    /// empty.
+    void togglePreview();
+    /// Opens the menu of the selected row, or closes what is open.
+    void showActions();
+    /// Opens the menu at a place of the panel: a row's, or the panel's own where there is no row.
+    void showActions(Point at, std::optional<std::size_t> row);
 
     bool isVisible() const;
 
@@ -60,27 +76,31 @@ public:
     /// when there was none.
     const std::optional<AppWindow>& previousApp() const { return previousApp_; }
 
-    /// "visible=… key=… height=… rows=…" of the window itself, after a show with a query.
+    /// "visible=… key=… height=… rows=…" as the display has them, after a show with a query.
     std::string selfTestShow();
 
-    /// Height of a row as it is drawn now; set by the view when the text's size changes.
-    double rowHeight = 0;
-    /// Height of a clipping's preview below the list; 0 for none.
-    double previewBelow = 0;
+    /// Takes over the heights of the view's parts, at once when the panel is up.
+    void setHeights(const PanelPlacement::Heights& heights);
+
+    /// Shows a row's contents in a window of the desktop; empty where nothing can.
+    std::function<void(const ResultRow& row)> preview;
 
 private:
     void showBody();
     void relayoutBody();
-    void place();
+    std::vector<Screen> place();
     void warm();
     void painted();
+    void screensChanged();
+    void keyboardCame();
     void windowMoved(const Rectangle& frame);
     void rememberDrag();
     void putWindow(const Rectangle& frame);
-    double desiredHeight() const;
+    PanelPlacement::Contents contents() const;
     double milliseconds(Seconds from) const;
 
     Services services_;
+    PanelPlacement::Heights heights_;
     std::optional<AppWindow> previousApp_;
     std::optional<Seconds> shownAt_;       ///< when the last show began
     bool isMeasured_ = true;               ///< the last show's time is noted

@@ -13,6 +13,9 @@ constexpr double belowRows = 12;
 constexpr double separator = 1;
 constexpr double footer = 30;
 
+/// Below these a list is no list: kept free under a remembered place.
+constexpr std::size_t fewRows = 3;
+
 constexpr double upperShare = 0.2;  ///< of the work area, above the panel
 constexpr double centerSink = 0.25; ///< of the height beyond the field's, below the middle
 
@@ -37,12 +40,18 @@ double PanelPlacement::width(PanelWidth width) {
 }
 
 double PanelPlacement::desiredHeight(const Contents& contents) {
-    const auto shown = std::min(contents.rows, contents.mostRows);
-    if (shown == 0)
-        return emptyHeight;
-    const double preview = contents.previewBelow > 0 ? contents.previewBelow + separator : 0;
-    return contents.rowHeight * static_cast<double>(shown) + aboveRows + belowRows + separator +
-           footer + preview;
+    const auto& heights = contents.heights;
+    const auto part = [](double height) { return height > 0 ? height + separator : 0; };
+    double height = emptyHeight;
+    if (contents.rows > 0) {
+        const auto shown = static_cast<double>(std::min(contents.rows, contents.mostRows));
+        const double list = std::max(heights.row * shown + belowRows, heights.previewBeside);
+        height = aboveRows + list + separator + footer + part(heights.previewBelow);
+    }
+    height += part(heights.headAbove);
+    // A menu opens over an empty list too.
+    const double open = heights.overlay > 0 ? aboveRows + heights.overlay + footer : 0;
+    return std::max(height, open);
 }
 
 std::optional<Screen> PanelPlacement::screen(std::span<const Screen> screens,
@@ -81,8 +90,21 @@ Rectangle PanelPlacement::frame(const Rectangle& workArea,
     return frame;
 }
 
-double PanelPlacement::fittingHeight(const Rectangle& workArea, double top, double height) {
-    return std::max(emptyHeight, std::min(height, workArea.bottom() - margin - top));
+double PanelPlacement::leastRoom(const Contents& contents) {
+    auto few = contents;
+    few.rows = std::max(contents.rows, fewRows);
+    few.mostRows = std::min(contents.mostRows, fewRows);
+    return std::max(desiredHeight(contents), desiredHeight(few));
+}
+
+double
+PanelPlacement::fittingHeight(const Rectangle& workArea, double top, const Contents& contents) {
+    const double room = workArea.bottom() - margin - top;
+    auto fitted = contents;
+    fitted.mostRows = std::min(contents.rows, contents.mostRows);
+    while (fitted.mostRows > 1 && desiredHeight(fitted) > room)
+        --fitted.mostRows;
+    return std::max(emptyHeight, std::min(desiredHeight(fitted), room));
 }
 
 } // namespace tessarine

@@ -16,15 +16,26 @@ inline constexpr double emptyHeight = 97; ///< of the panel without rows
 inline constexpr double fieldHeight = 58; ///< of the row that holds the field
 inline constexpr double margin = 8;       ///< kept to the edges of a screen
 
+/// What the view says of its parts, each 0 for none.
+struct Heights {
+    double row = 0;          ///< live: it follows the text's size
+    double headAbove = 0;    ///< of what stands between the field and the list
+    double previewBelow = 0; ///< of a clipping's preview below the list; it is nothing without rows
+    double previewBeside = 0; ///< least height of the list for a preview beside it
+    double overlay = 0;      ///< that an open menu or the sheet wants between field row and footer
+
+    bool operator==(const Heights&) const = default;
+};
+
 /// What the panel's height is made of.
 struct Contents {
     std::size_t rows = 0;
     std::size_t mostRows = 0; ///< that are shown at a time
-    double rowHeight = 0;     ///< live: it follows the text's size
-    double previewBelow = 0;  ///< of a clipping's preview below the list; 0 for none
+    Heights heights;
 };
 
 double width(PanelWidth width);
+
 double desiredHeight(const Contents& contents);
 
 /// The screen to come up on: the pointer's, else the main one, else the first. Nothing for none.
@@ -39,8 +50,12 @@ Rectangle frame(const Rectangle& workArea,
                 double height,
                 const std::vector<double>& remembered);
 
-/// As much of the height as there is room for below `top`, so that a list which grows scrolls
-/// before it leaves the screen; at least `emptyHeight`.
-double fittingHeight(const Rectangle& workArea, double top, double height);
+/// The height to pull a remembered place into the screen by: that of a few rows at least. With the
+/// field's alone, a panel that was left at the lower edge would never have room for a list.
+double leastRoom(const Contents& contents);
+
+/// The height for as many of the rows as there is room for below `top`, so that a list which grows
+/// scrolls before it leaves the screen; at least `emptyHeight`.
+double fittingHeight(const Rectangle& workArea, double top, const Contents& contents);
 
 } // namespace tessarine::PanelPlacement

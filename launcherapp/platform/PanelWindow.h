@@ -27,6 +27,11 @@ public:
     struct Events {
         /// The keyboard went elsewhere: a click outside, another window that took it, a lost grab.
         std::function<void()> lostKeyboard;
+        /// Another program had the keyboard at the show and has it still: told before the
+        /// `lostKeyboard` that follows from it.
+        std::function<void()> keyboardRefused;
+        /// The keyboard was not free at the show and has come since.
+        std::function<void()> keyboardCame;
         /// The user moved the window, or the program did.
         std::function<void(Rectangle frame)> moved;
         /// What was asked for is drawn and on its way to the display: once after each `show`.
@@ -54,6 +59,8 @@ public:
     virtual void hide() = 0;
     virtual bool isVisible() const = 0;
     virtual bool hasKeyboard() const = 0;
+    /// The height that the display itself has the window at; nothing when it has none to be seen.
+    virtual std::optional<double> displayedHeight() const = 0;
 
     /// Lays out and draws all of it without anything to be seen, so that the next show need not.
     virtual void drawHidden() = 0;

@@ -74,6 +74,13 @@ const ResultRow* SearchModel::selectedRow() const {
     return selection_ < rows_.size() ? &rows_[selection_] : nullptr;
 }
 
+std::size_t SearchModel::rowsAtATime() const {
+    const auto& prefs = services_.prefs;
+    const auto clips = clipboardMode_ ? heldClipRows_.value_or(prefs.clipRows()) : 0;
+    const auto most = clips > 0 ? clips : prefs.resultRows();
+    return static_cast<std::size_t>(std::max<std::int64_t>(0, most));
+}
+
 bool SearchModel::isAtRest() const {
     return query_.empty() && hasBuiltRows_ && !clipboardMode_ && !browsePath_ && !personPath_;
 }
@@ -82,6 +89,7 @@ void SearchModel::setQuery(std::string text) {
     if (text != query_) {
         selection_ = 0;
         expandedGroups_.clear();
+        forgetActions();
         query_ = std::move(text);
     }
     recompute();
@@ -95,7 +103,7 @@ void SearchModel::queryWithoutRecompute(std::string text) {
 void SearchModel::reset() {
     leaveModes();
     filterMenuOpen_ = false;
-    actions_.clear();
+    forgetActions();
     setQuery({});
 }
 
@@ -135,6 +143,7 @@ void SearchModel::finish(Rows rows, Seconds started) {
         rows.erase(rows.begin() + maximumRows, rows.end());
     rows_ = std::move(rows);
     selection_ = rows_.empty() ? 0 : std::min(selection_, rows_.size() - 1);
+    forgetActionsOfAnotherRow();
     lastMillis_ =
         std::chrono::duration<double, std::milli>(services_.queue.uptime() - started).count();
     services_.diagnostics.recordSearch(lastMillis_);

@@ -2,9 +2,11 @@
 
 #include "LauncherCore/answers/CurrencyReading.h"
 #include "LauncherCore/commands/CommandSpec.h"
+#include "LauncherCore/geometry/Rectangle.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
+#include "launcherapp/platform/WindowList.h"
 #include "launcherapp/query/ResultRow.h"
 #include "launcherapp/query/RowAction.h"
 #include "launcherapp/query/RowFamilies.h"
@@ -38,6 +40,10 @@ enum class FieldCommand {
     right,
     left,
     deleteToStart, ///< Command-Delete
+    pageUp,
+    pageDown,
+    listStart, ///< Command-Home
+    listEnd,   ///< Command-End
 };
 
 enum class CaretPlace { atEnd, inside };
@@ -66,6 +72,9 @@ public:
     RowVerbs verbs;
     /// Hides the panel; may be empty.
     std::function<void()> dismiss;
+    /// The window that was in front when the panel came up, to paste and type into; nothing when
+    /// there was none. It stays until the next show.
+    std::optional<AppWindow> previousApp;
 
     /// Calls `changed` after each change of what is shown.
     Subscription onChange(std::function<void()> changed);
@@ -78,6 +87,12 @@ public:
     std::size_t selection() const { return selection_; }
 
     const ResultRow* selectedRow() const; ///< null for an empty list
+
+    /// How many rows the settings show at a time, of clippings or of any other list.
+    std::size_t rowsAtATime() const;
+
+    /// For a picture: so many clippings at a time, whatever the preferences say.
+    void holdClipRows(std::optional<std::int64_t> rows) { heldClipRows_ = rows; }
 
     const std::optional<CommandSpec>& engaged() const { return engaged_; }
 
@@ -106,6 +121,9 @@ public:
     const std::vector<RowAction>& actions() const { return actions_; } ///< empty: menu closed
 
     std::size_t actionSelection() const { return actionSelection_; }
+
+    /// Where in the panel the actions menu was asked for; nothing: beside its row.
+    const std::optional<Point>& actionAnchor() const { return actionAnchor_; }
 
     /// Whether the list is the one of an empty field, so that a show need not rebuild it.
     bool isAtRest() const;
@@ -146,9 +164,11 @@ public:
 
     // The actions menu.
     enum class ActionDriver { keyboard, click };
-    void openActions();      ///< of the selected row, or of the panel when there is none
-    void openPanelActions(); ///< of the panel itself
+    /// Of the selected row, or of the panel when there is none.
+    void openActions(std::optional<Point> at = std::nullopt);
+    void openPanelActions(std::optional<Point> at = std::nullopt); ///< of the panel itself
     void closeActions();
+    bool closeMenus(); ///< both of them; false when none was open
     void moveAction(int delta);
     void runAction(std::size_t index, ActionDriver driver);
 
@@ -173,6 +193,9 @@ private:
     void run(std::size_t index);
     void openPerson(const std::string& personID);
     bool closeMenu();
+    void forgetActions();
+    void forgetActionsOfAnotherRow();
+    void moveFar(FieldCommand command);
     void leaveModes();
     void changed();
 
@@ -183,6 +206,7 @@ private:
     std::optional<CommandSpec> engaged_;
     std::optional<CurrencyReading> currencyReading_;
     double lastMillis_ = 0;
+    std::optional<std::int64_t> heldClipRows_;
     bool clipboardMode_ = false;
     std::optional<std::string> clipFilter_;
     std::optional<std::string> browsePath_;
@@ -197,6 +221,8 @@ private:
     std::size_t filterMenuSelection_ = 0;
     std::vector<RowAction> actions_;
     std::size_t actionSelection_ = 0;
+    std::optional<std::string> actionsRow_; ///< id of the row whose actions are open
+    std::optional<Point> actionAnchor_;
     Observers<> observers_;
 };
 

@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 
 namespace tessarine {
 
@@ -74,6 +75,13 @@ bool SearchModel::perform(FieldCommand command, CaretPlace caret) {
         return !inActions && !inFilterMenu && query_.empty() && drillOut();
     case FieldCommand::deleteToStart:
         return !inActions && !inFilterMenu && deleteSelected();
+    case FieldCommand::pageUp:
+    case FieldCommand::pageDown:
+    case FieldCommand::listStart:
+    case FieldCommand::listEnd:
+        if (!inActions && !inFilterMenu)
+            moveFar(command);
+        return true;
     }
     return false;
 }
@@ -82,6 +90,7 @@ void SearchModel::select(std::size_t row) {
     if (row >= rows_.size() || row == selection_)
         return;
     selection_ = row;
+    forgetActionsOfAnotherRow();
     changed();
 }
 
@@ -91,6 +100,21 @@ void SearchModel::moveUp() {
 
 void SearchModel::moveDown() {
     select(std::min(selection_ + 1, rows_.empty() ? 0 : rows_.size() - 1));
+}
+
+/// By as many rows as are shown at a time, or to an end of the list.
+void SearchModel::moveFar(FieldCommand command) {
+    if (rows_.empty())
+        return;
+    const auto last = static_cast<std::int64_t>(rows_.size()) - 1;
+    if (command == FieldCommand::listStart)
+        return select(0);
+    if (command == FieldCommand::listEnd)
+        return select(rows_.size() - 1);
+    const auto page = std::max<std::int64_t>(1, static_cast<std::int64_t>(rowsAtATime()));
+    const auto wanted =
+        static_cast<std::int64_t>(selection_) + (command == FieldCommand::pageUp ? -page : page);
+    select(static_cast<std::size_t>(std::clamp<std::int64_t>(wanted, 0, last)));
 }
 
 void SearchModel::runSelected() {
@@ -170,18 +194,20 @@ void SearchModel::toggleFavorite() {
 }
 
 bool SearchModel::copySelected() {
-    const auto* row = selectedRow();
-    if (!row)
+    const auto* selected = selectedRow();
+    if (!selected)
         return false;
+    // A copy: copying hides the panel, which empties the list that the row stands in.
+    const auto row = *selected;
     if (clipboardMode_)
-        return row->id.starts_with(clippingPrefix) && families.copyClippingToTop &&
-               families.copyClippingToTop(row->id.substr(clippingPrefix.size()));
+        return row.id.starts_with(clippingPrefix) && families.copyClippingToTop &&
+               families.copyClippingToTop(row.id.substr(clippingPrefix.size()));
     if (!verbs.copyText)
         return false;
-    const auto text = rowsOf(families.copyText, *row).value_or(copiedText(*row));
+    const auto text = rowsOf(families.copyText, row).value_or(copiedText(row));
     verbs.copyText(text);
     services_.diagnostics.log(
-        fmt::format("{} characters from a {} row", Graphemes::count(text), name(row->kind)));
+        fmt::format("{} characters from a {} row", Graphemes::count(text), name(row.kind)));
     return true;
 }
 

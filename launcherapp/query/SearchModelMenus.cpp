@@ -70,12 +70,10 @@ void SearchModel::commitFilterMenu(std::size_t index) {
     recompute();
 }
 
-void SearchModel::openActions() {
+void SearchModel::openActions(std::optional<Point> at) {
     const auto* row = selectedRow();
-    if (!row) {
-        openPanelActions();
-        return;
-    }
+    if (!row)
+        return openPanelActions(at);
     const auto& prefs = services_.prefs;
     const auto& apps = services_.catalog.apps();
     RowMenuSources sources{.verbs = verbs,
@@ -100,18 +98,43 @@ void SearchModel::openActions() {
         sources.showTwins = [this, key = *row->sameNameKey] { expandGroup(key); };
     actions_ = rowActions(*row, sources);
     actionSelection_ = 0;
+    actionsRow_ = row->id;
+    actionAnchor_ = at;
     changed();
 }
 
-void SearchModel::openPanelActions() {
+void SearchModel::openPanelActions(std::optional<Point> at) {
     actions_ = panelActions(verbs, ProductInfo::name);
     actionSelection_ = 0;
+    actionsRow_.reset();
+    actionAnchor_ = at;
     changed();
 }
 
 void SearchModel::closeActions() {
-    actions_.clear();
+    forgetActions();
     changed();
+}
+
+bool SearchModel::closeMenus() {
+    if (actions_.empty() && !filterMenuOpen_)
+        return false;
+    filterMenuOpen_ = false;
+    closeActions();
+    return true;
+}
+
+void SearchModel::forgetActions() {
+    actions_.clear();
+    actionsRow_.reset();
+    actionAnchor_.reset();
+}
+
+/// Its actions would run on a row that it doesn't name.
+void SearchModel::forgetActionsOfAnotherRow() {
+    const auto* row = selectedRow();
+    if (actionsRow_ && (!row || row->id != *actionsRow_))
+        forgetActions();
 }
 
 void SearchModel::moveAction(int delta) {

@@ -5,6 +5,8 @@
 #include "launcherapp/hotkeys/HotkeyNames.h"
 #include "launcherapp/hotkeys/HotkeySetup.h"
 #include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/operations/StageMarks.h"
+#include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
@@ -17,7 +19,8 @@
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
 #include "launcherapp/query/SearchModel.h"
 
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
@@ -29,6 +32,12 @@ public:
     OnScreen(const Services& given, PanelViewServices viewed) : services(given), sources(viewed) {
         view.onResignKey = [this] { panel.hide(); };
         view.onHeights = [this] { takeHeights(); };
+        view.onActions = [this] { panel.showActions(); };
+        view.onMenu = [this](Point at, std::optional<std::size_t> row) {
+            panel.showActions(at, row);
+        };
+        window.keyArrives = [this](std::uint32_t scanCode) { view.field().keyArrives(scanCode); };
+        window.drawsHidden = [this] { view.warm(); };
         window.mixesChanged = [this] { blend(); };
         blend();
         takeHeights();
@@ -39,12 +48,7 @@ public:
         window.setFrame(window.frame()); // with another shadow around it
     }
 
-    void takeHeights() {
-        panel.rowHeight = view.rowHeight();
-        // A pixel of its own parts what is below the list from it; it is in the view's figure.
-        panel.previewBelow = std::max(0, view.heightBeyondRows() - 1);
-        panel.relayout();
-    }
+    void takeHeights() { panel.setHeights(view.heights()); }
 
     /// A chord that other programs can't have any more must show something for it: this one is
     /// taken as soon as there is a clipboard history.
@@ -61,13 +65,17 @@ public:
     LinuxRivalLaunchers rivals{services.queue, services.work};
     std::unique_ptr<HotkeyRegistrar> registrar = hotkeyRegistrar(services.queue);
     Hotkey hotkey{{.registrar = *registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    StageMarks stages; // no watch for stalls runs yet
+    Updater updater;   // and nothing is updated
     PanelController panel{{.queue = services.queue,
                            .diagnostics = services.diagnostics,
                            .prefs = sources.prefs,
                            .model = sources.model,
                            .window = window,
                            .windows = services.windows,
-                           .hotkey = hotkey}};
+                           .hotkey = hotkey,
+                           .stages = stages,
+                           .updater = updater}};
     HotkeySetup setup{
         {.hotkey = hotkey,
          .rivals = rivals,

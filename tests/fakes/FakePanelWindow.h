@@ -44,6 +44,10 @@ public:
 
     bool hasKeyboard() const override { return hasKeyboard_; }
 
+    std::optional<double> displayedHeight() const override {
+        return visible_ && !isWithheld ? std::optional(frame_.height) : std::nullopt;
+    }
+
     void drawHidden() override {
         calls.emplace_back("drawHidden");
         time_.advance(hiddenDrawing);
@@ -60,6 +64,17 @@ public:
         events_.lostKeyboard();
     }
 
+    /// Another program lets go of the keyboard after the show, or never does.
+    void getKeyboard() {
+        hasKeyboard_ = true;
+        events_.keyboardCame();
+    }
+
+    void refuseKeyboard() {
+        events_.keyboardRefused();
+        events_.lostKeyboard();
+    }
+
     void changeScreens(std::vector<Screen> screens) {
         monitors = std::move(screens);
         events_.screensChanged();
@@ -71,6 +86,7 @@ public:
     Seconds drawing{0};
     Seconds hiddenDrawing{0};
     bool keyboardIsTaken = false;
+    bool isWithheld = false; ///< the display maps no window
     std::vector<std::string> calls;
 
 private:

@@ -141,17 +141,17 @@ TEST_F(ModePartsTest, thePreviewFollowsTheSelectionAndTheSettings) {
     EXPECT_EQ(spoken<ClippingPreview>(), "Preview: one\ntwo, 7 characters");
     EXPECT_GT(shown.x(), list().geometry().right());
     // Two rows alone would leave it no room.
-    EXPECT_EQ(panel.heightBeyondRows(), shown.minimumSizeHint().height() - list().wantedHeight());
+    EXPECT_EQ(panel.heights().previewBeside, shown.minimumSizeHint().height());
     for (int i = 0; i < 5; ++i)
         rows.push_back(row("more " + std::to_string(i)));
     model.recompute();
-    EXPECT_EQ(panel.heightBeyondRows(), 0);
+    EXPECT_GE(list().wantedHeight(), panel.heights().previewBeside);
     fit();
 
     services.prefs.clipPreviewPlacement.set(ClipPreviewPlacement::left);
     EXPECT_LT(shown.geometry().right(), list().x());
     services.prefs.clipPreviewPlacement.set(ClipPreviewPlacement::below);
-    EXPECT_EQ(panel.heightBeyondRows(), shown.sizeHint().height() + 1);
+    EXPECT_EQ(panel.heights().previewBelow, shown.sizeHint().height());
     fit();
     EXPECT_GT(shown.y(), list().geometry().bottom());
 

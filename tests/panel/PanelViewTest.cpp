@@ -49,7 +49,6 @@ TEST_F(PanelViewTest, theHeightIsThatOfItsParts) {
         model.setQuery("a");
         const int shown = std::min(i, 9);
         EXPECT_EQ(panel.root().wantedHeight(), 67 + 12 + 1 + 30 + shown * panel.rowHeight());
-        EXPECT_EQ(panel.heightBeyondRows(), 0);
     }
     services.prefs.resultRows.set(5);
     EXPECT_EQ(panel.root().wantedHeight(), 67 + 12 + 1 + 30 + 5 * panel.rowHeight());
@@ -170,7 +169,7 @@ TEST_F(PanelViewTest, aMenuHasRoomEvenBesideASingleRow) {
     told = 0;
     model.openActions();
     EXPECT_EQ(told, 1);
-    EXPECT_GT(panel.heightBeyondRows(), 0);
+    EXPECT_GT(panel.heights().overlay, 0);
     auto& menu = part<ActionsMenuView>();
     // Where the screen has no more room it scrolls instead, and the current entry is seen.
     EXPECT_LT(menu.height(), menu.wantedSize().height());
@@ -182,7 +181,37 @@ TEST_F(PanelViewTest, aMenuHasRoomEvenBesideASingleRow) {
     fit();
     EXPECT_EQ(menu.height(), menu.wantedSize().height());
     press(Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(panel.heightBeyondRows(), 0);
+    EXPECT_EQ(panel.heights().overlay, 0);
+}
+
+TEST_F(PanelViewTest, theRoomOfAMenuIsNoneForMoreRows) {
+    for (int i = 0; i < 12; ++i)
+        rows.push_back(row("row " + std::to_string(i)));
+    services.prefs.resultRows.set(2);
+    model.families.menuActions = [](const ResultRow&) {
+        return std::vector<RowAction>(9, RowAction::make("Action", [] {}));
+    };
+    model.setQuery("a");
+    fit();
+    const auto list = this->list().geometry();
+    model.openActions();
+    fit();
+    EXPECT_GT(panel.root().height(), list.bottom() + panel.rowHeight());
+    EXPECT_EQ(this->list().geometry(), list);
+}
+
+TEST_F(PanelViewTest, aPressBesideAnOpenMenuOnlyClosesIt) {
+    addRows({"alpha", "beta"});
+    model.setQuery("a");
+    fit();
+    model.openActions();
+    click(list(), QPoint(20, list().itemRectangle(1).center().y()));
+    EXPECT_THAT(model.actions(), IsEmpty());
+    EXPECT_THAT(ran, IsEmpty());
+    EXPECT_EQ(model.selection(), 0u);
+    model.openActions();
+    type(QStringLiteral("b")); // another list, of other rows
+    EXPECT_THAT(model.actions(), IsEmpty());
 }
 
 TEST_F(PanelViewTest, aPartThatComesWithAModeHasItsSlot) {
@@ -196,7 +225,7 @@ TEST_F(PanelViewTest, aPartThatComesWithAModeHasItsSlot) {
 
     panel.root().setAccessory(Slot::aboveList, &part);
     fit();
-    EXPECT_EQ(panel.heightBeyondRows(), part.sizeHint().height() + 1);
+    EXPECT_EQ(panel.heights().headAbove, part.sizeHint().height());
     EXPECT_EQ(list().geometry().top(), whole.top() + part.sizeHint().height() + 1);
     EXPECT_EQ(list().height(), whole.height());
     panel.root().setAccessory(Slot::aboveList, nullptr);
@@ -209,7 +238,8 @@ TEST_F(PanelViewTest, aPartThatComesWithAModeHasItsSlot) {
 
     panel.root().setAccessory(Slot::besideList, &part);
     fit();
-    EXPECT_EQ(panel.heightBeyondRows(), 0);
+    EXPECT_EQ(list().geometry().top(), whole.top());
+    EXPECT_EQ(list().height(), whole.height());
     EXPECT_LT(list().geometry().right(), part.geometry().left());
     services.prefs.clipPreviewPlacement.set(ClipPreviewPlacement::left);
     EXPECT_LT(part.geometry().right(), list().geometry().left());
@@ -352,14 +382,16 @@ TEST_F(PanelViewTest, mirroredItIsTheSamePanelFromTheOtherSide) {
 }
 
 TEST_F(PanelViewTest, theSheetListsEveryChordOnceByItsLinuxNames) {
+    const auto& sheet = part<ShortcutSheet>();
+    panel.onPreview = [] {};
     std::size_t chords = 0;
-    for (const auto& line : ShortcutSheet::lines()) {
+    for (const auto& line : sheet.lines()) {
         chords += line.chords.size();
         for (const auto& keys : line.chords)
             EXPECT_FALSE(keys.contains(QString())) << line.label.toStdString();
     }
     EXPECT_EQ(chords, PanelKeys::chords().size() - 8); // the nine digits stand as one
-    EXPECT_EQ(ShortcutSheet::lines().back().chords.front(),
+    EXPECT_EQ(sheet.lines().back().chords.front(),
               (QStringList{QStringLiteral("Ctrl"),
                            QStringLiteral("1"),
                            QStringLiteral("…"),
@@ -369,6 +401,28 @@ TEST_F(PanelViewTest, theSheetListsEveryChordOnceByItsLinuxNames) {
     press(Qt::Key_Escape);
     EXPECT_FALSE(panel.root().isSheetShown());
     EXPECT_EQ(dismissals, 0);
+
+    panel.onPreview = {}; // nothing to look at rows with
+    for (const auto& line : sheet.lines())
+        EXPECT_FALSE(line.label.startsWith(QStringLiteral("Quick Look")));
+}
+
+TEST_F(PanelViewTest, theNextKeyTakesTheSheetAwayAndDoesWhatItAlwaysDoes) {
+    addRows({"alpha", "beta"});
+    model.setQuery("a");
+    const auto onSheet = [&](const std::function<void()>& act) {
+        press(Qt::Key_Slash, Qt::ControlModifier);
+        EXPECT_TRUE(panel.root().isSheetShown());
+        act();
+        EXPECT_FALSE(panel.root().isSheetShown());
+    };
+    onSheet([&] { type(QStringLiteral("l")); });
+    EXPECT_EQ(model.query(), "al");
+    onSheet([&] { press(Qt::Key_Down); });
+    EXPECT_EQ(model.selection(), 1u);
+    onSheet([&] { press(Qt::Key_K, Qt::ControlModifier); });
+    EXPECT_FALSE(model.actions().empty());
+    onSheet([&] { press(Qt::Key_Slash, Qt::ControlModifier); });
 }
 
 TEST_F(PanelViewTest, aCreditIsLookedUpOnlyForARowThatIsSeen) {

@@ -97,6 +97,9 @@ TEST_F(QueryFieldTest, chordsAskForWhatTheyAreFor) {
         {Qt::Key_C, ctrl | Qt::MetaModifier, 0, "copy field", "Control is Super"},
         {Qt::Key_Comma, ctrl, 0, "settings", ""},
         {Qt::Key_Slash, ctrl, 0, "shortcuts", ""},
+        {Qt::Key_Slash, ctrl | Qt::ShiftModifier, 16, "shortcuts", "above 7, as in Germany"},
+        {Qt::Key_Comma, ctrl | Qt::ShiftModifier, 0, "", "another chord"},
+        {Qt::Key_K, ctrl | Qt::ShiftModifier, 0, "", "another chord"},
         {Qt::Key_Y, ctrl, 0, "preview", ""},
         {Qt::Key_Space, Qt::ShiftModifier, 0, "preview", ""},
         {Qt::Key_9, ctrl, 0, "row 9", ""},
@@ -112,6 +115,55 @@ TEST_F(QueryFieldTest, chordsAskForWhatTheyAreFor) {
         EXPECT_EQ(asked.empty() ? "" : asked.front(), expected) << key << ": " << reason;
     }
     EXPECT_EQ(field().text(), QStringLiteral("a")); // no chord types
+}
+
+TEST_F(QueryFieldTest, aChordThatNothingStandsBehindIsTheEditors) {
+    press(Qt::Key_Space, Qt::ShiftModifier, QStringLiteral(" "));
+    type(QStringLiteral("b"));
+    EXPECT_EQ(model.query(), "a b");
+}
+
+TEST_F(QueryFieldTest, aLongListIsGoneThroughByPages) {
+    for (int i = 0; i < 40; ++i)
+        addRows({"row " + std::to_string(i)});
+    model.recompute();
+    const auto last = model.rows().size() - 1;
+
+    const struct {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        std::size_t selection;
+    } cases[] = {
+        {Qt::Key_PageDown, {}, 9},
+        {Qt::Key_PageDown, {}, 18},
+        {Qt::Key_PageUp, {}, 9},
+        {Qt::Key_End, Qt::ControlModifier, last},
+        {Qt::Key_PageDown, {}, last}, // no wrap
+        {Qt::Key_Home, Qt::ControlModifier, 0},
+        {Qt::Key_PageUp, {}, 0},
+    };
+
+    for (const auto& [key, modifiers, selection] : cases) {
+        press(key, modifiers);
+        EXPECT_EQ(model.selection(), selection) << key;
+    }
+    press(Qt::Key_Home); // without Ctrl it is the caret's
+    EXPECT_EQ(field().cursorPosition(), 0);
+    model.openActions();
+    press(Qt::Key_PageDown);
+    EXPECT_EQ(model.selection(), 0u);
+}
+
+TEST_F(QueryFieldTest, nothingComesBackByAnUndoInTheNextShow) {
+    type(QStringLiteral("b"));
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(field().text(), QString());
+    panel.hide();
+    model.reset();
+    panel.show();
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(field().text(), QString());
 }
 
 TEST_F(QueryFieldTest, copyingTakesTheTextThatIsSelectedInTheField) {
@@ -168,6 +220,41 @@ TEST_F(QueryFieldTest, returnAfterAHalfDoneDeadKeyDoesNotLaunch) {
     release(Qt::Key_Dead_Acute);
     type(QStringLiteral("x"));
     EXPECT_EQ(model.query(), "aééx");
+}
+
+TEST_F(QueryFieldTest, returnWhileADeadKeyIsDownDoesNotLaunch) {
+    constexpr quint32 deadKey = 34;
+    constexpr quint32 returnKey = 36;
+    constexpr quint32 shiftKey = 50;
+    const auto sendAndPress = [&](int key, quint32 scanCode) {
+        field().keyArrives(scanCode);
+        press(key, Qt::NoModifier, {}, scanCode);
+    };
+    field().keyArrives(deadKey); // the toolkit keeps it
+    sendAndPress(Qt::Key_Shift, shiftKey);
+    sendAndPress(Qt::Key_Return, returnKey);
+    EXPECT_THAT(ran, IsEmpty());
+    sendAndPress(Qt::Key_Return, returnKey); // the one after it is meant
+    EXPECT_EQ(ran.size(), 1u);
+
+    // The display may send several keys before the first of them comes.
+    field().keyArrives(returnKey);
+    field().keyArrives(returnKey);
+    press(Qt::Key_Return, Qt::NoModifier, {}, returnKey);
+    press(Qt::Key_Return, Qt::NoModifier, {}, returnKey);
+    EXPECT_EQ(ran.size(), 3u);
+
+    field().keyArrives(deadKey);
+    field().keyArrives(26);
+    compose({}, QStringLiteral("é"));
+    sendAndPress(Qt::Key_Return, returnKey);
+    EXPECT_EQ(ran.size(), 4u);
+
+    field().keyArrives(deadKey); // and the panel goes away before its letter
+    panel.hide();
+    panel.show();
+    sendAndPress(Qt::Key_Return, returnKey);
+    EXPECT_EQ(ran.size(), 5u);
 }
 
 TEST_F(QueryFieldTest, pastesOfAnyKindBecomeOneLine) {

@@ -44,6 +44,14 @@ std::string characters(int key) {
     return isPrintable ? QString(QChar(key)).toStdString() : std::string();
 }
 
+/// Of a sign that many keyboards have above another one, as the German one has "/" above 7, Shift
+/// says nothing. With a letter, a digit or a comma it makes another chord.
+bool mayNeedShift(int key) {
+    const bool isLetter = key >= Qt::Key_A && key <= Qt::Key_Z;
+    const bool isDigit = key >= Qt::Key_0 && key <= Qt::Key_9;
+    return !isLetter && !isDigit && key != Qt::Key_Comma && !characters(key).empty();
+}
+
 } // namespace
 
 std::optional<FieldCommand> KeyTranslation::fieldCommand(const QKeyEvent& event,
@@ -51,6 +59,10 @@ std::optional<FieldCommand> KeyTranslation::fieldCommand(const QKeyEvent& event,
     const auto held = event.modifiers() & ~Qt::KeypadModifier;
     if (event.key() == Qt::Key_Backspace && held == Qt::ControlModifier)
         return FieldCommand::deleteToStart;
+    if (event.key() == Qt::Key_Home && held == Qt::ControlModifier)
+        return FieldCommand::listStart;
+    if (event.key() == Qt::Key_End && held == Qt::ControlModifier)
+        return FieldCommand::listEnd;
     if (event.key() == Qt::Key_Backtab || (event.key() == Qt::Key_Tab && held == Qt::ShiftModifier))
         return FieldCommand::backTab;
     if (held != Qt::NoModifier)
@@ -62,6 +74,10 @@ std::optional<FieldCommand> KeyTranslation::fieldCommand(const QKeyEvent& event,
         return FieldCommand::up;
     case Qt::Key_Down:
         return FieldCommand::down;
+    case Qt::Key_PageUp:
+        return FieldCommand::pageUp;
+    case Qt::Key_PageDown:
+        return FieldCommand::pageDown;
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return FieldCommand::enter;
@@ -80,13 +96,20 @@ std::optional<FieldCommand> KeyTranslation::fieldCommand(const QKeyEvent& event,
 
 const PanelChord* KeyTranslation::chord(const QKeyEvent& event) {
     const auto held = modifiers(event);
-    if (const auto* chord = PanelKeys::match(held, keyCode(event.key()), characters(event.key())))
+    const auto typed = characters(event.key());
+    if (const auto* chord = PanelKeys::match(held, keyCode(event.key()), typed))
         return chord;
+    if (held.shift && mayNeedShift(event.key())) {
+        auto unshifted = held;
+        unshifted.shift = false;
+        if (const auto* chord = PanelKeys::match(unshifted, anyOtherKey, typed))
+            return chord;
+    }
     const auto scanCode = event.nativeScanCode();
     if (scanCode < firstDigitScanCode || scanCode > firstDigitScanCode + 8)
         return nullptr;
-    const char typed = static_cast<char>('1' + (scanCode - firstDigitScanCode));
-    return PanelKeys::match(held, anyOtherKey, std::string_view(&typed, 1));
+    const char digit = static_cast<char>('1' + (scanCode - firstDigitScanCode));
+    return PanelKeys::match(held, anyOtherKey, std::string_view(&digit, 1));
 }
 
 int KeyTranslation::digit(const PanelChord& chord) {

@@ -3,6 +3,7 @@
 #include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
 #include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/panel/view/ShortcutSheet.h"
 #include "launcherapp/panel/view/rows/RowList.h"
 #include "launcherapp/platform/DesktopAppearance.h"
 #include "launcherapp/query/SearchModel.h"
@@ -46,18 +47,17 @@ LauncherPanel::LauncherPanel(PanelViewServices services)
     field.perform = [this](FieldCommand command, CaretPlace caret) {
         return perform(command, caret);
     };
-    field.chordPressed = [this](const PanelChord& chord) { chordPressed(chord); };
-    field.typed = [this](const std::string& text) { services_.model.setQuery(text); };
+    field.chordPressed = [this](const PanelChord& chord) { return chordPressed(chord); };
+    field.typed = [this](const std::string& text) {
+        root_->setSheetShown(false);
+        services_.model.setQuery(text);
+    };
     field.commandHeld = [this](bool held) { root_->setCommandHeld(held); };
     root_->heightChanged = [this] { call(onHeights); };
     root_->list().menuAsked = [this](const QPoint& place) {
-        root_->setMenuPlace(root_->list().mapTo(root_, place));
-        // Below the last row it is the panel's own menu that is meant.
-        if (root_->list().itemAt(place) >= 0)
-            services_.model.openActions();
-        else
-            services_.model.openPanelActions();
+        askForMenu(root_->list().mapTo(root_, place));
     };
+    root_->sheet().offers = [this](PanelKeyAction action) { return offers(action); };
     restyle();
 }
 
@@ -82,6 +82,12 @@ void LauncherPanel::setHooks() {
         else
             model.closeActions();
     };
+    onMenu = [&model](Point at, std::optional<std::size_t> row) {
+        if (!row)
+            return model.openPanelActions(at);
+        model.select(*row);
+        model.openActions(at);
+    };
     onFavorite = [&model] { model.toggleFavorite(); };
     const auto copy = [&model] {
         if (model.copySelected())
@@ -100,12 +106,38 @@ bool LauncherPanel::perform(FieldCommand command, CaretPlace caret) {
         return true;
     }
     // The sheet is read, not used: the next key takes it away and does what it always does.
-    if (root_->isSheetShown())
-        root_->setSheetShown(false);
+    root_->setSheetShown(false);
     return services_.model.perform(command, caret);
 }
 
-void LauncherPanel::chordPressed(const PanelChord& chord) {
+/// `place` is the root's. Below the last row it is the panel's own menu that is meant.
+void LauncherPanel::askForMenu(const QPoint& place) {
+    if (!onMenu)
+        return;
+    const auto& list = root_->list();
+    const int row = list.isHidden() ? -1 : list.itemAt(list.mapFrom(root_, place));
+    onMenu({.x = static_cast<double>(place.x()), .y = static_cast<double>(place.y())},
+           row < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(row)));
+}
+
+/// A chord that nothing stands behind is the field's: Shift with a blank types one.
+bool LauncherPanel::offers(PanelKeyAction action) const {
+    const bool isPreview =
+        action == PanelKeyAction::preview || action == PanelKeyAction::previewShift;
+    return !isPreview || onPreview;
+}
+
+bool LauncherPanel::chordPressed(const PanelChord& chord) {
+    if (!offers(chord.action))
+        return false;
+    // As any other key, a chord takes the sheet away and does what it always does.
+    if (chord.action != PanelKeyAction::shortcuts)
+        root_->setSheetShown(false);
+    actOn(chord);
+    return true;
+}
+
+void LauncherPanel::actOn(const PanelChord& chord) {
     using enum PanelKeyAction;
     switch (chord.action) {
     case preview:
@@ -148,6 +180,10 @@ void LauncherPanel::restyle() {
     root_->restyle();
     update();
     call(onHeights);
+}
+
+void LauncherPanel::warm() {
+    root_->images().warm({.side = PanelStyle::iconSide, .scale = devicePixelRatioF()});
 }
 
 void LauncherPanel::preferenceChanged(std::string_view key) {
@@ -193,7 +229,7 @@ void LauncherPanel::mousePressEvent(QMouseEvent* event) {
         return;
     }
     if (event->button() == Qt::RightButton)
-        services_.model.openPanelActions();
+        askForMenu(root_->mapFrom(this, event->position().toPoint()));
     else
         QWidget::mousePressEvent(event);
 }

@@ -7,7 +7,9 @@
 #include "launcherapp/query/PanelKeys.h"
 
 #include <QWidget>
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 namespace tessarine {
@@ -32,8 +34,10 @@ public:
     std::function<void()> onEscape;
     std::function<void()> onCommandReturn;
     std::function<void(int digit)> onDigit;
-    std::function<void()> onPreview; ///< (none)
+    std::function<void()> onPreview; ///< (none) while it is empty its keys are the field's
     std::function<void()> onActions; ///< opens the menu, or closes it
+    /// The menu at a place of the panel: of a row, or of the panel itself where there is no row.
+    std::function<void(Point at, std::optional<std::size_t> row)> onMenu;
     std::function<void()> onFavorite;
     std::function<void()> onCopy;      ///< and hides the panel when something was copied
     std::function<void()> onCopyToTop; ///< the same among clippings
@@ -41,7 +45,7 @@ public:
     std::function<void()> onSettings;
     std::function<void()> onShortcuts; ///< shows the sheet, or takes it away
     std::function<void()> onResignKey; ///< (none) a press beside the panel
-    /// (none) `rowHeight` or `heightBeyondRows` has changed.
+    /// (none) `heights` has changed.
     std::function<void()> onHeights;
 
     QueryField& field() { return root_->field(); }
@@ -54,8 +58,10 @@ public:
     /// Height of a row as it is drawn now.
     int rowHeight() const { return root_->style().rowHeight; }
 
-    /// What is wanted beyond rows, field and footer: for an open menu, the sheet, a preview.
-    int heightBeyondRows() const { return root_->heightBeyondRows(); }
+    PanelPlacement::Heights heights() const { return root_->heights(); }
+
+    /// Has read what the first keys would else wait for, soon and between other events.
+    void warm();
 
     /// The panel itself, in this widget's coordinates.
     QRect panelRectangle() const { return contentsRect(); }
@@ -69,7 +75,10 @@ protected:
 
 private:
     void setHooks();
-    void chordPressed(const PanelChord& chord);
+    bool offers(PanelKeyAction action) const;
+    bool chordPressed(const PanelChord& chord);
+    void actOn(const PanelChord& chord);
+    void askForMenu(const QPoint& place);
     bool perform(FieldCommand command, CaretPlace caret);
     void restyle();
     void preferenceChanged(std::string_view key);

@@ -78,10 +78,8 @@ void PanelRoot::takeOver() {
     footer_->refresh();
     actions_->refresh();
     filter_->refresh();
-    if (services_.model.actions().empty())
-        menuPlace_.reset();
     place();
-    if (std::exchange(toldHeight_, wantedHeight()) != toldHeight_ && heightChanged)
+    if (std::exchange(toldHeights_, heights()) != toldHeights_ && heightChanged)
         heightChanged();
 }
 
@@ -152,18 +150,14 @@ void PanelRoot::holdPreview(std::optional<ClipPreviewPlacement> placement) {
 }
 
 void PanelRoot::setSheetShown(bool shown) {
+    if (shown == isSheetShown())
+        return;
     sheet_->setVisible(shown);
     refresh();
 }
 
 bool PanelRoot::isSheetShown() const {
     return !sheet_->isHidden();
-}
-
-int PanelRoot::ordinaryHeight() const {
-    const int rows = list_->wantedHeight();
-    const int separator = rows > 0 ? PanelStyle::separatorHeight : 0;
-    return PanelStyle::headerHeight + separator + rows + PanelStyle::footerHeight;
 }
 
 int PanelRoot::accessoryHeight(Slot slot) const {
@@ -184,17 +178,28 @@ int PanelRoot::overlayHeight() const {
     return height == 0 ? 0 : height + 2 * menuMargin;
 }
 
-int PanelRoot::wantedHeight() const {
+/// The least height of the list for a preview beside it; 0 without one.
+int PanelRoot::besideHeight() const {
     const auto* beside = accessory(Slot::besideList);
-    const int lacking =
-        beside ? std::max(0, beside->minimumSizeHint().height() - list_->wantedHeight()) : 0;
-    const int parts = ordinaryHeight() + lacking + accessoryHeight(Slot::aboveList) +
-                      accessoryHeight(Slot::belowList);
-    return std::max(parts, PanelStyle::headerHeight + overlayHeight() + PanelStyle::footerHeight);
+    return beside ? beside->minimumSizeHint().height() : 0;
 }
 
-int PanelRoot::heightBeyondRows() const {
-    return wantedHeight() - ordinaryHeight();
+PanelPlacement::Heights PanelRoot::heights() const {
+    const auto inSlot = [&](Slot slot) {
+        const auto* part = accessory(slot);
+        return part ? static_cast<double>(part->sizeHint().height()) : 0.0;
+    };
+    return {.row = static_cast<double>(style_.rowHeight),
+            .headAbove = inSlot(Slot::aboveList),
+            .previewBelow = inSlot(Slot::belowList),
+            .previewBeside = static_cast<double>(besideHeight()),
+            .overlay = static_cast<double>(overlayHeight())};
+}
+
+int PanelRoot::wantedHeight() const {
+    const auto& model = services_.model;
+    return static_cast<int>(PanelPlacement::desiredHeight(
+        {.rows = model.rows().size(), .mostRows = model.rowsAtATime(), .heights = heights()}));
 }
 
 void PanelRoot::place() {
@@ -212,10 +217,16 @@ void PanelRoot::placeList(QRect room) {
         above->setGeometry(room.x(), room.y(), room.width(), above->sizeHint().height());
         room.setTop(room.top() + accessoryHeight(Slot::aboveList));
     }
+    // Room that an open menu has brought is none for more rows.
+    const int height = std::min(std::max(list_->wantedHeight(), besideHeight()),
+                                room.height() - accessoryHeight(Slot::belowList));
+    room.setHeight(std::max(0, height));
     if (auto* below = accessory(Slot::belowList)) {
-        const int height = below->sizeHint().height();
-        below->setGeometry(room.x(), room.bottom() + 1 - height, room.width(), height);
-        room.setBottom(room.bottom() - accessoryHeight(Slot::belowList));
+        below->setVisible(list_->itemCount() > 0);
+        below->setGeometry(room.x(),
+                           room.bottom() + 1 + PanelStyle::separatorHeight,
+                           room.width(),
+                           below->sizeHint().height());
     }
     if (auto* beside = accessory(Slot::besideList)) {
         const bool isLeft = previewPlacement() == ClipPreviewPlacement::left;
@@ -228,14 +239,14 @@ void PanelRoot::placeList(QRect room) {
             room.setRight(room.right() - width - PanelStyle::separatorHeight);
     }
     list_->setGeometry(room);
-    list_->setVisible(list_->itemCount() > 0);
+    list_->setVisible(list_->itemCount() > 0 && services_.model.rowsAtATime() > 0);
 }
 
 void PanelRoot::placeMenus() {
     const int top = PanelStyle::headerHeight;
     const int bottom = footer_->y() - menuMargin;
     const auto inside = [&](const QPoint& corner, QSize size) {
-        size.setHeight(std::min(size.height(), bottom - top));
+        size.setHeight(std::clamp(bottom - top, 0, size.height()));
         const int x = std::clamp(
             corner.x(), menuMargin, std::max(menuMargin, width() - menuMargin - size.width()));
         const int y = std::clamp(corner.y(), top, std::max(top, bottom - size.height()));
@@ -249,7 +260,9 @@ void PanelRoot::placeMenus() {
         const auto size = actions_->wantedSize();
         const auto row = list_->itemRectangle(std::max(0, list_->currentItem()));
         const QPoint beside(farEnd(size), list_->y() + row.top());
-        actions_->setGeometry(inside(menuPlace_.value_or(beside), size));
+        const auto& anchor = services_.model.actionAnchor();
+        const auto corner = anchor ? QPointF(anchor->x, anchor->y).toPoint() : beside;
+        actions_->setGeometry(inside(corner, size));
         actions_->raise();
     }
     if (!filter_->isHidden()) {

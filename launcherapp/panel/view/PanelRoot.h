@@ -1,11 +1,11 @@
 #pragma once
 
+#include "launcherapp/panel/PanelPlacement.h"
 #include "launcherapp/panel/view/Footer.h"
 #include "launcherapp/panel/view/PanelViewServices.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/panel/view/rows/RowImages.h"
 
-#include <QPoint>
 #include <QPointer>
 #include <QWidget>
 #include <array>
@@ -45,7 +45,7 @@ public:
     PanelRoot(QWidget* parent, PanelViewServices services);
     ~PanelRoot() override;
 
-    /// The wanted height has changed.
+    /// `heights` has changed.
     std::function<void()> heightChanged;
 
     QueryField& field();
@@ -55,6 +55,8 @@ public:
     Footer& footer() { return *footer_; }
 
     RowImages& images() { return images_; }
+
+    ShortcutSheet& sheet() { return *sheet_; }
 
     const PanelStyle& style() const { return style_; }
 
@@ -82,12 +84,9 @@ public:
     void setSheetShown(bool shown);
     bool isSheetShown() const;
 
-    /// Opens at `place`, in this widget's coordinates, the next time that the actions menu opens.
-    void setMenuPlace(const QPoint& place) { menuPlace_ = place; }
-
-    /// Height of all parts, and how much of it is more than the rows, field and footer.
+    /// Heights of the parts, and of all of them.
+    PanelPlacement::Heights heights() const;
     int wantedHeight() const;
-    int heightBeyondRows() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -95,8 +94,8 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    int ordinaryHeight() const;
     int overlayHeight() const;
+    int besideHeight() const;
     int accessoryHeight(Slot slot) const;
     QWidget* accessory(Slot slot) const;
     void takeOver();
@@ -115,11 +114,10 @@ private:
     ShortcutSheet* sheet_;
     std::unique_ptr<ModeParts> modeParts_;
     std::array<QPointer<QWidget>, 3> accessories_;
-    std::optional<QPoint> menuPlace_;
     Blending blending_ = Blending::mixed;
     std::optional<TextScale> heldTextScale_;
     std::optional<ClipPreviewPlacement> heldPlacement_;
-    int toldHeight_ = 0;
+    PanelPlacement::Heights toldHeights_;
 };
 
 } // namespace tessarine

@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QPalette>
 #include <QSignalBlocker>
+#include <algorithm>
 
 namespace tessarine {
 
@@ -16,6 +17,8 @@ namespace {
 
 /// Longer than any query anyone means, and short enough to lay out at every key.
 constexpr int longestText = 10000;
+/// More presses than can be under way at a time.
+constexpr std::size_t mostArrived = 64;
 
 bool beginsComposition(int key) {
     return key == Qt::Key_Multi_key ||
@@ -86,9 +89,7 @@ bool QueryField::offer(const QKeyEvent& event) {
         // What is selected in the field is what the user means to copy.
         if (chord->action == PanelKeyAction::copy && hasSelectedText())
             return false;
-        if (chordPressed)
-            chordPressed(*chord);
-        return true;
+        return chordPressed && chordPressed(*chord);
     }
     const auto command = KeyTranslation::fieldCommand(event, layoutDirection());
     if (!command || !perform)
@@ -101,7 +102,8 @@ void QueryField::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Control && commandHeld)
         commandHeld(true);
     // What reaches us in the middle of a composition broke it off: it is no command then.
-    const bool wasComposing = isComposing();
+    const bool hasKept = hasKeptKeyBefore(*event);
+    const bool wasComposing = isComposing() || hasKept;
     if (!isModifier(event->key()))
         awaitsNextKey_ = false;
     lastPressed_ = event->key();
@@ -109,6 +111,27 @@ void QueryField::keyPressEvent(QKeyEvent* event) {
         QLineEdit::keyPressEvent(event);
     // Nobody around the field has a use for a key that it doesn't know.
     event->accept();
+}
+
+void QueryField::keyArrives(std::uint32_t scanCode) {
+    if (arrived_.size() == mostArrived)
+        arrived_.clear();
+    arrived_.push_back(scanCode);
+}
+
+/// Whether a key that was sent before this one never came: a dead key, held down still, that waits
+/// for its letter.
+bool QueryField::hasKeptKeyBefore(const QKeyEvent& event) {
+    const auto sent = std::ranges::find(arrived_, event.nativeScanCode());
+    if (sent == arrived_.end())
+        return false;
+    if (isModifier(event.key())) {
+        arrived_.erase(sent);
+        return false;
+    }
+    const bool hasKept = sent != arrived_.begin();
+    arrived_.erase(arrived_.begin(), sent + 1);
+    return hasKept;
 }
 
 void QueryField::keyReleaseEvent(QKeyEvent* event) {
@@ -128,6 +151,7 @@ void QueryField::inputMethodEvent(QInputMethodEvent* event) {
     preedit_ = event->preeditString();
     hasJustComposed_ = !event->commitString().isEmpty();
     awaitsNextKey_ = false;
+    arrived_.clear();
     QLineEdit::inputMethodEvent(event);
 }
 
@@ -135,6 +159,7 @@ void QueryField::inputMethodEvent(QInputMethodEvent* event) {
 void QueryField::forgetKeys() {
     awaitsNextKey_ = false;
     hasJustComposed_ = false;
+    arrived_.clear();
     if (commandHeld)
         commandHeld(false);
 }
@@ -147,6 +172,11 @@ void QueryField::focusOutEvent(QFocusEvent* event) {
 void QueryField::hideEvent(QHideEvent* event) {
     forgetKeys();
     preedit_.clear();
+    {
+        // What was typed and deleted in this show is not to come back by an undo in the next.
+        const QSignalBlocker quiet(this);
+        setText(text());
+    }
     QLineEdit::hideEvent(event);
 }
 

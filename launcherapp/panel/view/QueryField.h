@@ -4,8 +4,10 @@
 #include "launcherapp/query/SearchModel.h"
 
 #include <QLineEdit>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tessarine {
 
@@ -22,7 +24,8 @@ public:
 
     /// False leaves the key to the editor.
     std::function<bool(FieldCommand command, CaretPlace caret)> perform;
-    std::function<void(const PanelChord& chord)> chordPressed;
+    /// False leaves the key to the editor.
+    std::function<bool(const PanelChord& chord)> chordPressed;
     /// After each change by the user; the text is one line, without control characters.
     std::function<void(const std::string& text)> typed;
     /// Ctrl went down or up.
@@ -32,6 +35,11 @@ public:
     void show(const std::string& text);
 
     void restyle(const PanelStyle& style);
+
+    /// The display has sent the press of a key, which comes as an event next, unless an input
+    /// method or the toolkit's own composing keeps it. Where nobody tells, a dead key shows by its
+    /// release alone.
+    void keyArrives(std::uint32_t scanCode);
 
     /// Whether an input method or a dead key is waiting for more keys.
     bool isComposing() const { return !preedit_.isEmpty() || awaitsNextKey_; }
@@ -50,6 +58,7 @@ protected:
 
 private:
     bool offer(const QKeyEvent& event);
+    bool hasKeptKeyBefore(const QKeyEvent& event);
     void forgetKeys();
     void edited(const QString& text);
     void align();
@@ -58,6 +67,7 @@ private:
     bool awaitsNextKey_ = false;   ///< a dead or Compose key is pending in the toolkit
     bool hasJustComposed_ = false; ///< and the keys that made it are still on their way up
     int lastPressed_ = 0;
+    std::vector<std::uint32_t> arrived_; ///< presses that are sent and have not come as events
 };
 
 } // namespace tessarine

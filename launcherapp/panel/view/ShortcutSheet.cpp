@@ -26,18 +26,26 @@ constexpr int textGap = 24;
 ShortcutSheet::ShortcutSheet(QWidget* parent, const PanelStyle& style)
     : QWidget(parent), style_(style) {
     setAccessibleName(QStringLiteral("Keyboard shortcuts"));
+    hide();
+}
+
+void ShortcutSheet::showEvent(QShowEvent* event) {
     QStringList spoken;
     for (const auto& line : lines()) {
         for (const auto& chord : line.chords)
             spoken << chord.join(QLatin1Char('+')) + QStringLiteral(": ") + line.label;
     }
     setAccessibleDescription(spoken.join(QStringLiteral(". ")));
-    hide();
+    QWidget::showEvent(event);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
-std::vector<ShortcutSheet::Line> ShortcutSheet::lines() {
+std::vector<ShortcutSheet::Line> ShortcutSheet::lines() const {
     std::vector<Line> lines;
     for (const auto& chord : PanelKeys::chords()) {
+        if (offers && !offers(chord.action))
+            continue;
         auto keys = KeyTranslation::keyNames(chord);
         if (chord.action == PanelKeyAction::digit) {
             if (KeyTranslation::digit(chord) > 1)
@@ -55,12 +63,6 @@ std::vector<ShortcutSheet::Line> ShortcutSheet::lines() {
 }
 
 /// Nothing in it can be reached with the keys, so a reader would never come to it by itself.
-void ShortcutSheet::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    QAccessibleEvent alert(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
-}
-
 int ShortcutSheet::chordsWidth(const Line& line) const {
     int width = 0;
     for (const auto& chord : line.chords)

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "launcherapp/query/PanelKeys.h"
+
 #include <QString>
 #include <QStringList>
 #include <QWidget>
+#include <functional>
 #include <vector>
 
 namespace tessarine {
@@ -22,14 +25,17 @@ public:
 
     ShortcutSheet(QWidget* parent, const PanelStyle& style);
 
+    /// Whether there is something behind an action; while this is empty there is behind each.
+    std::function<bool(PanelKeyAction action)> offers;
+
     /// Chords that do the same stand on one line, the nine digits as one chord.
-    static std::vector<Line> lines();
+    std::vector<Line> lines() const;
 
     QSize wantedSize() const;
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void drawLine(QPainter& painter, const Line& line, const QRect& place) const;

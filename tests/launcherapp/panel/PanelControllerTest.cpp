@@ -1,6 +1,8 @@
 #include "launcherapp/panel/PanelController.h"
 
 #include "launcherapp/hotkeys/Hotkey.h"
+#include "launcherapp/operations/StageMarks.h"
+#include "launcherapp/operations/Updater.h"
 #include "tests/fakes/FakeHotkeyRegistrar.h"
 #include "tests/fakes/FakePanelWindow.h"
 #include "tests/fakes/FakeRivalLaunchers.h"
@@ -19,13 +21,29 @@ using testing::Not;
 constexpr HotkeyBinding commandSpace{.keyCode = 49, .carbonModifiers = 0x100};
 constexpr double rowHeight = 50;
 
+class NotedStages : public StageMarks {
+public:
+    void entered(std::string_view label) override { told.emplace_back(label); }
+
+    void left() override { told.emplace_back(); }
+
+    std::vector<std::string> told; ///< empty for a stage that was left
+};
+
+class NotedUpdater : public Updater {
+public:
+    void checkIfDue(Seconds interval) override { asked.push_back(interval); }
+
+    std::vector<Seconds> asked;
+};
+
 class PanelControllerTest : public testing::Test {
 protected:
     PanelControllerTest() {
         for (const auto* name : {"Alpha", "Alpine", "Altitude"})
             services.install(name, name);
         services.startCatalog();
-        panel.rowHeight = rowHeight;
+        panel.setHeights({.row = rowHeight});
         hotkey.add(commandSpace, HotkeyIDs::panel, [this] { panel.hotkeyFired(); });
         model.reset();
     }
@@ -50,13 +68,17 @@ protected:
     Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
+    NotedStages stages;
+    NotedUpdater updater;
     PanelController panel{{.queue = services.platform.queue,
                            .diagnostics = services.diagnostics,
                            .prefs = prefs,
                            .model = model,
                            .window = window,
                            .windows = services.platform.windows,
-                           .hotkey = hotkey}};
+                           .hotkey = hotkey,
+                           .stages = stages,
+                           .updater = updater}};
 };
 
 TEST_F(PanelControllerTest, comesUpInItsPlaceWithTheKeyboard) {
@@ -109,8 +131,7 @@ TEST_F(PanelControllerTest, theClipboardHasItsOwnNumberOfRows) {
     EXPECT_TRUE(model.clipboardMode());
     EXPECT_EQ(window.frame().height, heightOfRows(9)); // as many as of any list
     prefs.clipRows.set(4);
-    panel.previewBelow = 120;
-    panel.relayout();
+    panel.setHeights({.row = rowHeight, .previewBelow = 120});
     EXPECT_EQ(window.frame().height, heightOfRows(4) + 121);
     panel.toggleClipboard();
     EXPECT_FALSE(panel.isVisible());
@@ -176,15 +197,39 @@ TEST_F(PanelControllerTest, staysWithinTheScreensThatAreLeft) {
     prefs.position.set(PanelPosition::remembered);
     prefs.rememberedOrigin.set({3000, 700});
     panel.show();
-    EXPECT_EQ(window.frame(), (Rectangle{552, 695, 720, 97}));
+    // With room for three rows below the field, where there is none for more.
+    const Rectangle pulledIn{552, 532, 720, 97};
+    EXPECT_EQ(window.frame(), pulledIn);
     window.changeScreens({}); // the last monitor is unplugged: it stays as it is
-    EXPECT_EQ(window.frame(), (Rectangle{552, 695, 720, 97}));
+    EXPECT_EQ(window.frame(), pulledIn);
+}
+
+TEST_F(PanelControllerTest, aBarThatHidesItselfDoesNotMoveAPanelThatIsSeen) {
+    const Screen two{
+        .name = "two", .frame = {1280, 0, 1280, 800}, .workArea = {1280, 0, 1280, 800}};
+    auto one = window.monitors.front();
+    window.mouse = Point{.x = 10, .y = 10};
+    panel.show("al");
+    window.mouse = Point{.x = 1300, .y = 10}; // has gone to the other screen since
+    const auto before = window.frame();
+    one.workArea.height = 440;
+    window.changeScreens({one, two});
+    EXPECT_EQ(window.frame().x, before.x);
+    EXPECT_EQ(window.frame().y, before.y);
+    EXPECT_EQ(window.frame().height, heightOfRows(3)); // there is room still: 160 to 420
+    one.workArea.height = 400;
+    window.changeScreens({one, two});
+    EXPECT_EQ(window.frame().height, heightOfRows(2));
+    one.workArea = {0, 300, 1280, 500}; // over the field: now it goes where it would come up
+    window.changeScreens({one, two});
+    EXPECT_EQ(window.frame().x, 1560);
 }
 
 TEST_F(PanelControllerTest, isWarmedWhileNobodyLooks) {
     panel.start();
     time.settle();
-    EXPECT_EQ(count("drawHidden"), 1u); // as soon as the start is over
+    EXPECT_THAT(window.calls, ElementsAre("setFrame", "drawHidden")); // when the start is over
+    EXPECT_EQ(window.frame().width, 720);                             // as the next show has it
     passInterval();
     EXPECT_EQ(count("drawHidden"), 2u);
 
@@ -278,6 +323,70 @@ TEST_F(PanelControllerTest, theSelfTestTellsOfTheWindowItself) {
     panel.hide();
     window.keyboardIsTaken = true;
     EXPECT_THAT(panel.selfTestShow(), HasSubstr("key=false"));
+    window.isWithheld = true;
+    EXPECT_THAT(panel.selfTestShow(), HasSubstr("visible=false key=false height=0 "));
+}
+
+TEST_F(PanelControllerTest, theLogSaysWhatBecameOfAKeyboardThatAnotherHeld) {
+    window.keyboardIsTaken = true;
+    panel.show();
+    time.advance(Seconds{0.03});
+    window.getKeyboard();
+    EXPECT_THAT(services.log(), HasSubstr("panel: key=true 30 ms after the show, "));
+    window.refuseKeyboard();
+    EXPECT_FALSE(panel.isVisible());
+    EXPECT_THAT(services.log(),
+                HasSubstr("panel: another program holds the keyboard, so the panel goes away\n"));
+}
+
+TEST_F(PanelControllerTest, theModelKnowsWhatWasInFront) {
+    services.platform.windows.open = {{.id = 7, .className = "editor"}};
+    services.platform.windows.activeID = 7;
+    panel.show();
+    panel.hide();
+    ASSERT_TRUE(model.previousApp);
+    EXPECT_EQ(model.previousApp->id, 7u);
+    services.platform.windows.activeID = 0;
+    panel.show();
+    EXPECT_FALSE(model.previousApp);
+}
+
+TEST_F(PanelControllerTest, aMenuDoesNotOutliveTheListThatItWasOpenedOver) {
+    model.verbs.openSettings = [] {};
+    panel.show();
+    panel.showActions();
+    ASSERT_FALSE(model.actions().empty());
+    panel.showActions();
+    EXPECT_THAT(model.actions(), IsEmpty());
+    panel.showActions({.x = 30, .y = 40}, std::nullopt);
+    EXPECT_EQ(model.actionAnchor(), (Point{.x = 30, .y = 40}));
+    panel.showClipboard(); // the chord, while the panel is up and at rest
+    EXPECT_THAT(model.actions(), IsEmpty());
+    EXPECT_TRUE(model.clipboardMode());
+}
+
+TEST_F(PanelControllerTest, copyingThatHidesThePanelIsLoggedWithWhatWasCopied) {
+    std::string copied;
+    model.verbs.copyText = [&](const std::string& text) {
+        model.dismiss(); // as the program has it: first of all the panel goes away
+        copied = text;
+    };
+    panel.show("alti");
+    EXPECT_TRUE(model.copySelected());
+    EXPECT_EQ(copied, "Altitude");
+    EXPECT_FALSE(panel.isVisible());
+    EXPECT_THAT(services.log(), HasSubstr("8 characters from a app row\n"));
+}
+
+TEST_F(PanelControllerTest, theWatchKnowsOfShowsAndTheUpdaterOfComingAndGoing) {
+    stages.told.clear();
+    panel.show();
+    EXPECT_THAT(stages.told, ElementsAre("panel.show", ""));
+    EXPECT_THAT(updater.asked, ElementsAre(Seconds{600}));
+    model.setQuery("al"); // a relayout
+    EXPECT_THAT(stages.told, ElementsAre("panel.show", "", "panel.show", ""));
+    panel.hide();
+    EXPECT_EQ(updater.asked.size(), 2u);
 }
 
 } // namespace

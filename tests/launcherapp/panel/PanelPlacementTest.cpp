@@ -92,15 +92,17 @@ TEST(PanelPlacement, isAsTallAsItsRows) {
         PanelPlacement::Contents contents;
         double height;
     } cases[] = {
-        {"the field alone", {.rows = 0, .mostRows = 9, .rowHeight = 48}, 97},
-        {"one row", {.rows = 1, .mostRows = 9, .rowHeight = 48}, 158},
-        {"as many as are shown", {.rows = 60, .mostRows = 9, .rowHeight = 48}, 542},
-        {"a larger text", {.rows = 2, .mostRows = 9, .rowHeight = 57.5}, 225},
-        {"a preview and its line",
-         {.rows = 1, .mostRows = 9, .rowHeight = 48, .previewBelow = 200},
-         359},
-        {"no row to preview", {.rows = 0, .mostRows = 9, .rowHeight = 48, .previewBelow = 200}, 97},
-        {"a setting of no rows", {.rows = 5, .mostRows = 0, .rowHeight = 48}, 97},
+        {"the field alone", {0, 9, {.row = 48}}, 97},
+        {"one row", {1, 9, {.row = 48}}, 158},
+        {"as many as are shown", {60, 9, {.row = 48}}, 542},
+        {"a larger text", {2, 9, {.row = 57.5}}, 225},
+        {"a preview and its line", {1, 9, {.row = 48, .previewBelow = 200}}, 359},
+        {"no row to preview", {0, 9, {.row = 48, .previewBelow = 200}}, 97},
+        {"a setting of no rows", {5, 0, {.row = 48}}, 110},
+        {"a head and its line", {1, 9, {.row = 48, .headAbove = 40}}, 199},
+        {"a head over no rows", {0, 9, {.row = 48, .headAbove = 40}}, 138},
+        {"a menu over no rows", {0, 9, {.row = 48, .overlay = 300}}, 397},
+        {"a menu over a longer list", {9, 9, {.row = 48, .overlay = 300}}, 542},
     };
 
     for (const auto& [reason, contents, height] : cases)
@@ -109,9 +111,18 @@ TEST(PanelPlacement, isAsTallAsItsRows) {
 
 TEST(PanelPlacement, aGrowingListStaysOnTheScreen) {
     const Rectangle area{0, 0, 1280, 800};
-    EXPECT_EQ(PanelPlacement::fittingHeight(area, 160, 542), 542);
-    EXPECT_EQ(PanelPlacement::fittingHeight(area, 400, 542), 392); // eight below it
-    EXPECT_EQ(PanelPlacement::fittingHeight(area, 780, 542), 97);  // parked at the very bottom
+    const PanelPlacement::Contents nine{60, 9, {.row = 48}};
+    const PanelPlacement::Contents menu{0, 9, {.row = 48, .overlay = 300}};
+    using PanelPlacement::fittingHeight;
+    EXPECT_EQ(fittingHeight(area, 160, nine), 542);
+    EXPECT_EQ(fittingHeight(area, 250, nine), 542); // eight below it
+    EXPECT_EQ(fittingHeight(area, 251, nine), 494); // a row less, and none cut in two
+    EXPECT_EQ(fittingHeight(area, 400, nine), 350);
+    EXPECT_EQ(fittingHeight(area, 780, nine), 97); // parked at the very bottom
+    EXPECT_EQ(fittingHeight(area, 500, menu), 292);
+    EXPECT_EQ(PanelPlacement::leastRoom({0, 9, {.row = 48}}), 254);
+    EXPECT_EQ(PanelPlacement::leastRoom({0, 2, {.row = 48}}), 206); // never more than is shown
+    EXPECT_EQ(PanelPlacement::leastRoom(nine), 542);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "launcherapp/shell/FreshRows.h"
 
 #include "launcherapp/hotkeys/Hotkey.h"
+#include "launcherapp/operations/StageMarks.h"
+#include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
 #include "tests/fakes/FakeHotkeyRegistrar.h"
 #include "tests/fakes/FakePanelWindow.h"
@@ -45,13 +47,17 @@ protected:
     Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
+    StageMarks stages;
+    Updater updater;
     PanelController panel{{.queue = services.platform.queue,
                            .diagnostics = services.diagnostics,
                            .prefs = services.prefs,
                            .model = model,
                            .window = window,
                            .windows = services.platform.windows,
-                           .hotkey = hotkey}};
+                           .hotkey = hotkey,
+                           .stages = stages,
+                           .updater = updater}};
     FreshRows fresh{services.platform.queue, model, [this] { return panel.isVisible(); }};
     Subscription publications = services.catalog.onPublished([this] { fresh.published(); });
 };

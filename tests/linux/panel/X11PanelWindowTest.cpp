@@ -27,6 +27,8 @@ protected:
         layout->addWidget(&field);
         widget.setStyleSheet(QStringLiteral("background: #ffeecc"));
         window.setEvents({.lostKeyboard = [this] { ++losses; },
+                          .keyboardRefused = [this] { ++refusals; },
+                          .keyboardCame = [this] { ++arrivals; },
                           .moved = [this](Rectangle to) { moves.push_back(to); },
                           .painted = [this] { ++paints; },
                           .screensChanged = [this] { ++screenChanges; }});
@@ -61,6 +63,8 @@ protected:
     std::string typed() { return field.text().toStdString(); }
 
     int losses = 0;
+    int refusals = 0;
+    int arrivals = 0;
     int paints = 0;
     int screenChanges = 0;
     std::vector<Rectangle> moves;
@@ -163,12 +167,15 @@ TEST_F(X11PanelWindowTest, waitsAMomentForAKeyboardThatAnotherHolds) {
     neighbour.type("late");
     EXPECT_TRUE(spinUntil([&] { return typed() == "late"; }));
     EXPECT_EQ(losses, 0);
+    EXPECT_EQ(arrivals, 1);
     window.hide();
 
     ASSERT_TRUE(neighbour.grabKeyboard(client));
     window.show();
     EXPECT_TRUE(spinUntil([&] { return losses > 0; }));
     EXPECT_EQ(losses, 1);
+    EXPECT_EQ(refusals, 1);
+    EXPECT_EQ(arrivals, 1);
     window.hide();
     neighbour.ungrabKeyboard();
     // The tries ended with the window.
@@ -300,6 +307,45 @@ TEST_F(X11PanelWindowTest, knowsMonitorsTheirBarsAndThePointer) {
     EXPECT_TRUE(spinUntil([&] { return neighbour.topmostAt(110, 210) == native(); }));
     ASSERT_TRUE(arrange({QStringLiteral("--delmonitor"), QStringLiteral("L")}));
     ASSERT_TRUE(spinUntil([&] { return window.screens().front().frame.width == 1280; }));
+}
+
+TEST_F(X11PanelWindowTest, tellsTheHeightThatTheDisplayHasItAt) {
+    EXPECT_EQ(window.displayedHeight(), std::nullopt);
+    showAndWait();
+    EXPECT_EQ(window.displayedHeight(), 200);
+    window.setFrame({.x = 300, .y = 200, .width = 400, .height = 250});
+    EXPECT_EQ(window.displayedHeight(), 250);
+    xcb_unmap_window(neighbour.xcb(), native()); // while the toolkit takes it to be up
+    neighbour.finish();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.displayedHeight(), std::nullopt);
+}
+
+TEST_F(X11PanelWindowTest, aPressInTheShadowIsTheWindowsBelow) {
+    widget.setContentsMargins(30, 30, 30, 30);
+    window.setFrame({.x = 300, .y = 200, .width = 300, .height = 200});
+    showAndWait();
+    EXPECT_TRUE(isOnTop());
+    EXPECT_NE(neighbour.topmostAt(285, 300), native());
+    neighbour.click(285, 300);
+    EXPECT_TRUE(spinUntil([&] { return losses > 0; }));
+    widget.setContentsMargins({});
+}
+
+TEST_F(X11PanelWindowTest, tellsOfKeysThatTheToolkitKeeps) {
+    std::vector<std::uint32_t> sent;
+    window.keyArrives = [&](std::uint32_t scanCode) { sent.push_back(scanCode); };
+    ASSERT_EQ(QProcess::execute(QStringLiteral("setxkbmap"),
+                                {QStringLiteral("us"), QStringLiteral("intl")}),
+              0);
+    showAndWait();
+    neighbour.type("'"); // a dead acute on this keyboard
+    EXPECT_TRUE(spinUntil([&] { return sent.size() == 1; }));
+    EXPECT_EQ(typed(), "");
+    neighbour.type("e");
+    EXPECT_TRUE(spinUntil([&] { return typed() == "é"; }));
+    EXPECT_EQ(sent.size(), 2u);
+    ASSERT_EQ(QProcess::execute(QStringLiteral("setxkbmap"), {QStringLiteral("us")}), 0);
 }
 
 TEST_F(X11PanelWindowTest, tellsWhetherTheDisplayMixesWindows) {

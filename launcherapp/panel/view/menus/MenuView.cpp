@@ -95,8 +95,9 @@ void MenuView::keepCurrentSeen() {
     const int current = currentItem();
     if (current >= 0 && current < itemCount()) {
         const auto entry = place(current).translated(0, scrolled_);
-        scrolled_ =
-            std::clamp(scrolled_, entry.bottom() + 1 + padding - height(), entry.top() - padding);
+        // The entry's top counts where there is no room for all of it.
+        scrolled_ = std::max(scrolled_, entry.bottom() + 1 + padding - height());
+        scrolled_ = std::min(scrolled_, entry.top() - padding);
     }
     scrolled_ = std::clamp(scrolled_, 0, most);
 }

@@ -235,6 +235,7 @@ void RenderModes::prepareMenu(const RenderRequest& request) {
 }
 
 QImage RenderModes::picture(const RenderRequest& request) {
+    services_.model.holdClipRows(request.clipRows);
     LauncherPanel panel(services_);
     panel.setAttribute(Qt::WA_DontShowOnScreen);
     if (request.isMirrored)
@@ -245,7 +246,6 @@ QImage RenderModes::picture(const RenderRequest& request) {
     root.setTextScale(request.text);
     root.footer().hold(request.footer);
     root.list().setMarkShown(request.hasMark);
-    root.list().holdClipRows(request.clipRows);
     root.holdPreview(request.preview);
     const auto width = PanelPlacement::width(request.width.value_or(services_.prefs.width()));
     const QSize inside(static_cast<int>(width), root.wantedHeight());

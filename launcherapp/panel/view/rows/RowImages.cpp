@@ -95,6 +95,11 @@ const RowImages::Picture* RowImages::picture(Wanted wanted) {
     return nullptr;
 }
 
+void RowImages::warm(Square square) {
+    for (const auto& name : {std::string(folderType), std::string(".txt")})
+        picture({Kind::fileType, name, square});
+}
+
 void RowImages::schedule() {
     if (std::exchange(isScheduled_, true))
         return;

@@ -53,6 +53,10 @@ public:
 
     static QImage toQt(const Image& image);
 
+    /// Asks for what a list of files begins with, so that the first of them need not wait for the
+    /// icon theme and the table of file types to be loaded.
+    void warm(Square square);
+
     /// Reads all that was asked for, now.
     void readAll();
 

@@ -33,11 +33,8 @@ RowList::RowList(QWidget* parent, Sources sources)
 }
 
 int RowList::rowsShown() const {
-    const auto& prefs = sources_.prefs;
-    const auto clips =
-        sources_.model.clipboardMode() ? heldClipRows_.value_or(prefs.clipRows()) : 0;
-    const auto most = std::max<std::int64_t>(1, clips > 0 ? clips : prefs.resultRows());
-    return static_cast<int>(std::min<std::int64_t>(itemCount(), most));
+    const auto& model = sources_.model;
+    return static_cast<int>(std::min(model.rows().size(), model.rowsAtATime()));
 }
 
 int RowList::rowsThatFit() const {
@@ -46,7 +43,7 @@ int RowList::rowsThatFit() const {
 
 int RowList::wantedHeight() const {
     const int rows = rowsShown();
-    return rows == 0 ? 0 : rows * sources_.style.rowHeight + 2 * PanelStyle::listPadding;
+    return itemCount() == 0 ? 0 : rows * sources_.style.rowHeight + 2 * PanelStyle::listPadding;
 }
 
 void RowList::refresh() {
@@ -79,11 +76,6 @@ void RowList::setCommandHeld(bool held) {
 void RowList::setMarkShown(bool shown) {
     isMarkShown_ = shown;
     update();
-}
-
-void RowList::holdClipRows(std::optional<std::int64_t> rows) {
-    heldClipRows_ = rows;
-    refresh();
 }
 
 void RowList::keepSelectionSeen() {
@@ -229,6 +221,9 @@ void RowList::hideEvent(QHideEvent* event) {
 void RowList::mousePressEvent(QMouseEvent* event) {
     const auto place = event->position().toPoint();
     pressed_ = itemAt(place);
+    // Beside an open menu it is the menu that the press is about.
+    if (event->button() == Qt::LeftButton && sources_.model.closeMenus())
+        pressed_ = -1;
     if (event->button() != Qt::RightButton)
         return;
     if (pressed_ >= 0)

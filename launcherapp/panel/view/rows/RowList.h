@@ -47,8 +47,6 @@ public:
     /// Draws the mark of a running application on the first one, whatever runs: for a picture.
     void setMarkShown(bool shown);
 
-    /// Shows so many clippings at a time, for a picture; nothing lets it follow the settings.
-    void holdClipRows(std::optional<std::int64_t> rows);
 
     /// Height for the rows that are shown at a time; 0 for an empty list.
     int wantedHeight() const;
@@ -88,7 +86,6 @@ private:
     int first_ = 0;               ///< the topmost row that is shown
     int hovered_ = -1;
     std::string hoveredID_; ///< the id of that row
-    std::optional<std::int64_t> heldClipRows_;
     int pressed_ = -1;
     std::optional<QPoint> pointer_;
     bool isCommandHeld_ = false;

@@ -3,6 +3,7 @@
 #include "LauncherCore/geometry/Rectangle.h"
 #include "launcherapp/platform/PanelWindow.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,6 +22,11 @@ public:
         /// The keyboard is gone or is not to be had, or the user turned to something else. May come
         /// more than once for a show.
         std::function<void()> lostKeyboard;
+        /// As the window's own events of these names.
+        std::function<void()> keyboardRefused;
+        std::function<void()> keyboardCame;
+        /// The press of a key is about to be handed to the toolkit.
+        std::function<void(std::uint32_t scanCode)> keyArrives;
         /// `mixes` has changed.
         std::function<void()> mixesChanged;
     };
@@ -40,6 +46,8 @@ public:
     /// Takes it away and gives the keyboard back to whoever has the focus, who has it on return.
     virtual void hide() = 0;
     virtual bool hasKeyboard() const = 0;
+    /// The height that the display itself has the widget at; nothing when it has none to be seen.
+    virtual std::optional<double> displayedHeight() const = 0;
 
     /// Returns when the display has carried out what was drawn.
     virtual void finishDrawing() = 0;

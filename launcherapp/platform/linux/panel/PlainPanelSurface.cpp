@@ -58,6 +58,13 @@ bool PlainPanelSurface::hasKeyboard() const {
            QGuiApplication::focusWindow() == widget_->windowHandle();
 }
 
+/// All that is known is what Qt has heard.
+std::optional<double> PlainPanelSurface::displayedHeight() const {
+    if (!widget_ || !widget_->isVisible())
+        return std::nullopt;
+    return widget_->height();
+}
+
 void PlainPanelSurface::focusMoved() {
     if (!widget_ || !widget_->isVisible())
         return;

@@ -18,6 +18,7 @@ public:
     void show() override;
     void hide() override;
     bool hasKeyboard() const override;
+    std::optional<double> displayedHeight() const override;
     void finishDrawing() override;
     bool startDrag() override;
     bool mixes() const override;

@@ -35,9 +35,13 @@ public:
                  .width = static_cast<double>(geometry.width()),
                  .height = static_cast<double>(geometry.height())};
         widget.setAttribute(Qt::WA_QuitOnClose, false);
-        surface->prepare(widget,
-                         {.lostKeyboard = [this] { loseKeyboard(); },
-                          .mixesChanged = [&window] { tell(window.mixesChanged); }});
+        surface->prepare(
+            widget,
+            {.lostKeyboard = [this] { loseKeyboard(); },
+             .keyboardRefused = [this] { tell(events.keyboardRefused); },
+             .keyboardCame = [this] { tell(events.keyboardCame); },
+             .keyArrives = [&window](std::uint32_t scanCode) { tell(window.keyArrives, scanCode); },
+             .mixesChanged = [&window] { tell(window.mixesChanged); }});
         widget.installEventFilter(this);
         watchScreens();
     }
@@ -241,12 +245,21 @@ bool QtPanelWindow::hasKeyboard() const {
     return watch_->surface->hasKeyboard();
 }
 
+std::optional<double> QtPanelWindow::displayedHeight() const {
+    const auto height = watch_->surface->displayedHeight();
+    if (!height)
+        return std::nullopt;
+    const auto margins = watch_->widget.contentsMargins();
+    return *height - margins.top() - margins.bottom();
+}
+
 /// Draws into an image: it lays out, shapes text and fills the caches of glyphs and icons as the
 /// window itself would, and can neither flash on a display that doesn't mix nor take a key.
 void QtPanelWindow::drawHidden() {
     auto& widget = watch_->widget;
     if (widget.isVisible())
         return;
+    tell(drawsHidden);
     const double scale = widget.devicePixelRatioF();
     QImage image((QSizeF(widget.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())

@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/PanelWindow.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -33,6 +34,7 @@ public:
     void hide() override;
     bool isVisible() const override;
     bool hasKeyboard() const override;
+    std::optional<double> displayedHeight() const override;
     void drawHidden() override;
 
     /// Whether transparent pixels let through what is below the window; where they don't, the view
@@ -41,6 +43,12 @@ public:
 
     /// Called when `mixes` has changed.
     std::function<void()> mixesChanged;
+
+    /// Called with the press of each key before any part of Qt has seen it.
+    std::function<void(std::uint32_t scanCode)> keyArrives;
+
+    /// Called before each hidden drawing.
+    std::function<void()> drawsHidden;
 
 private:
     class Watch;

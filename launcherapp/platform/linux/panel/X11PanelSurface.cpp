@@ -3,6 +3,7 @@
 #include "launcherapp/platform/linux/panel/X11Screens.h"
 
 #include <xcb/xcb.h>
+#include <xcb/xfixes.h>
 
 #include <QGuiApplication>
 #include <QWidget>
@@ -61,7 +62,9 @@ void X11PanelSurface::prepare(QWidget& widget, Events events) {
     widget.setWindowFlags(widget.windowFlags() | Qt::Window | Qt::FramelessWindowHint |
                           Qt::X11BypassWindowManagerHint);
     widget.setAttribute(Qt::WA_ShowWithoutActivating);
-    widget.winId(); // makes the native window
+    widget.winId();                                                   // makes the native window
+    const auto* fixes = xcb_get_extension_data(qt(), &xcb_xfixes_id); // Qt has agreed on a version
+    hasFixes_ = fixes && fixes->present;
     describeWindow();
 }
 
@@ -96,6 +99,25 @@ void X11PanelSurface::setFrame(const Rectangle& frame) {
                          static_cast<int>(std::lround(frame.y)),
                          static_cast<int>(std::lround(frame.width)),
                          static_cast<int>(std::lround(frame.height)));
+    shapeInput();
+}
+
+/// The shadow is there to be seen alone: what is pressed in it is the window below.
+void X11PanelSurface::shapeInput() {
+    if (!hasFixes_)
+        return;
+    const double scale = widget_->devicePixelRatioF();
+    const auto inside = widget_->contentsRect();
+    const auto native = [scale](int length) { return std::lround(length * scale); };
+    const xcb_rectangle_t panel{.x = static_cast<std::int16_t>(native(inside.x())),
+                                .y = static_cast<std::int16_t>(native(inside.y())),
+                                .width = static_cast<std::uint16_t>(native(inside.width())),
+                                .height = static_cast<std::uint16_t>(native(inside.height()))};
+    const auto region = xcb_generate_id(qt());
+    constexpr xcb_shape_kind_t input = 2; // ShapeInput of the Shape extension 1.1
+    xcb_xfixes_create_region(qt(), region, 1, &panel);
+    xcb_xfixes_set_window_shape_region(qt(), window(), input, 0, 0, region);
+    xcb_xfixes_destroy_region(qt(), region);
 }
 
 void X11PanelSurface::show() {
@@ -134,6 +156,21 @@ bool X11PanelSurface::hasKeyboard() const {
     return heldSince_.has_value();
 }
 
+/// Asked on Qt's connection, so that all that was requested of the window is carried out.
+std::optional<double> X11PanelSurface::displayedHeight() const {
+    if (!widget_)
+        return std::nullopt;
+    const auto attributesCookie = xcb_get_window_attributes(qt(), window());
+    const auto geometryCookie = xcb_get_geometry(qt(), window());
+    const XcbOwned<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(qt(), attributesCookie, nullptr));
+    const XcbOwned<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(qt(), geometryCookie, nullptr));
+    if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+        return std::nullopt;
+    return geometry->height / widget_->devicePixelRatioF();
+}
+
 X11PanelSurface::Grab X11PanelSurface::grab() {
     // The time of a press would be refused where a later grab came between, and a show over the bus
     // has none. On Qt's connection the request follows the one that maps the window.
@@ -152,10 +189,16 @@ void X11PanelSurface::tryForKeyboard() {
     if (heldSince_)
         return retry_.stop();
     const auto outcome = grab();
-    if (outcome == Grab::taken)
+    if (outcome == Grab::taken) {
+        if (retry_.isActive() && events_.keyboardCame)
+            events_.keyboardCame();
         return retry_.stop();
-    if (outcome == Grab::impossible || triesLeft_-- <= 0)
+    }
+    if (outcome == Grab::impossible || triesLeft_-- <= 0) {
+        if (events_.keyboardRefused)
+            events_.keyboardRefused();
         return lose();
+    }
     if (!retry_.isActive())
         retry_.start();
 }
@@ -177,9 +220,12 @@ void X11PanelSurface::lose() {
 /// Notices that the grab has ended or the window was unmapped by someone else. Whoever locks the
 /// screen may do so to get the keyboard.
 bool X11PanelSurface::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
-    if (!heldSince_ || type != "xcb_generic_event_t")
+    if (!isUp_ || type != "xcb_generic_event_t")
         return false;
     const auto& event = *static_cast<const xcb_generic_event_t*>(message);
+    noteKey(message);
+    if (!heldSince_)
+        return false;
     // What follows from the hiding before is told by the display after the next show.
     if (static_cast<std::int32_t>(event.full_sequence - *heldSince_) < 0)
         return false;
@@ -203,6 +249,14 @@ bool X11PanelSurface::nativeEventFilter(const QByteArray& type, void* message, q
             &retry_, [this] { lose(); }, Qt::QueuedConnection);
     }
     return false;
+}
+
+void X11PanelSurface::noteKey(const void* event) {
+    const auto& key = *static_cast<const xcb_key_press_event_t*>(event);
+    if ((key.response_type & 0x7f) != XCB_KEY_PRESS || !events_.keyArrives)
+        return;
+    if (key.event == window())
+        events_.keyArrives(key.detail);
 }
 
 void X11PanelSurface::finishDrawing() {

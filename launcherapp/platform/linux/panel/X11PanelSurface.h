@@ -29,6 +29,7 @@ public:
     void show() override;
     void hide() override;
     bool hasKeyboard() const override;
+    std::optional<double> displayedHeight() const override;
     void finishDrawing() override;
     bool startDrag() override;
     bool mixes() const override;
@@ -42,6 +43,8 @@ private:
     Grab grab();
     void tryForKeyboard();
     void raise();
+    void shapeInput();
+    void noteKey(const void* event);
     void lose();
     void describeWindow();
     xcb_connection_t* qt() const;
@@ -52,6 +55,7 @@ private:
     QPointer<QWidget> widget_;
     Events events_;
     QTimer retry_;
+    bool hasFixes_ = false; ///< input can be shaped
     int triesLeft_ = 0;
     int raisesLeft_ = 0;
     bool isUp_ = false;
