@@ -78,6 +78,20 @@ TEST_F(PanelBareDesktopTest, aLongTextIsPastedWholeAndTypedOnAfterIt) {
     EXPECT_TRUE(started("zeal"));
 }
 
+TEST_F(PanelBareDesktopTest, namesThatWouldCommandATerminalOrTurnTheLineAreRowsLikeOthers) {
+    install("odd", "Odd \u202egnp.exe\u2069\u200f \x1b[31m\x07" + std::string(3000, 'w'));
+    start();
+    summon();
+    keys("type --delay 10 odd");
+    EXPECT_EQ(fieldText(), "odd");
+    const auto frame = panelFrame();
+    ASSERT_TRUE(frame);
+    EXPECT_EQ(frame->width, 720) << "however long the name";
+    keys("key Return");
+    EXPECT_TRUE(started("odd"));
+    EXPECT_TRUE(goesAway());
+}
+
 /// Nothing but the X server.
 class PanelWithoutWindowManagerTest : private BareDisplay, public PanelBareDesktopTest {};
 

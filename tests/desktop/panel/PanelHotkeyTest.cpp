@@ -67,24 +67,6 @@ protected:
         impostor = 0;
     }
 
-    /// Whether Super+Space is somebody's. While it is looked for the display serves nobody else, so
-    /// that whoever wants it at that moment never finds it taken by us.
-    bool isTaken() {
-        auto* const xcb = neighbour.xcb();
-        xcb_grab_server(xcb);
-        const auto grab = xcb_grab_key_checked(xcb,
-                                               0,
-                                               neighbour.root(),
-                                               XCB_MOD_MASK_4,
-                                               spaceKey,
-                                               XCB_GRAB_MODE_ASYNC,
-                                               XCB_GRAB_MODE_ASYNC);
-        xcb_ungrab_key(xcb, spaceKey, neighbour.root(), XCB_MOD_MASK_4);
-        xcb_ungrab_server(xcb);
-        const XcbOwned<xcb_generic_error_t> error(xcb_request_check(xcb, grab));
-        return error && error->error_code == XCB_ACCESS;
-    }
-
     ~PanelRivalTest() override { endImpostor(); }
 
     pid_t impostor = 0;
@@ -104,9 +86,11 @@ TEST_F(PanelRivalTest, anotherLaunchersChordIsLeftToItUntilItQuits) {
 
     endImpostor();
     EXPECT_TRUE(becomes(1, "hotkey re-assert (KRunner quit): "));
-    EXPECT_TRUE(waitUntil(patience, [&] { return isTaken(); }))
-        << "what was left to it is asked for again";
-    summon();
+    // A press right after the chord changed hands may still go to the window in front.
+    EXPECT_TRUE(waitUntil(patience, [&] {
+        keys("key super+space");
+        return waitUntil(std::chrono::seconds(1), [&] { return logged(shown) == 2; });
+    }));
 }
 
 TEST_F(PanelRivalTest, aChordTakenOverOnPurposeIsAskedForBesideARival) {
