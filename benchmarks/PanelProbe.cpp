@@ -217,7 +217,7 @@ private:
         const auto deadline = Clock::now() + 120s;
         while (names > 0 && !options_.log.empty() && namesInLog() < names) {
             if (Clock::now() > deadline) {
-                std::printf("  the index never held %d names\n", names);
+                std::printf("  the index holds %d names and never %d\n", namesInLog(), names);
                 return false;
             }
             std::this_thread::sleep_for(50ms);
@@ -468,6 +468,33 @@ Options optionsOf(int argc, char** argv) {
     return options;
 }
 
+/// The names of the planned tree, no deeper than the index takes files in (the fourth level below
+/// a folder that is searched): a few hundred folders a shelf, each with its files.
+std::vector<PlannedEntry> shallowTree(std::size_t count) {
+    constexpr std::size_t foldersOfShelf = 200;
+    std::map<std::string, std::string> places; ///< of the planned folders
+    std::vector<PlannedEntry> tree;
+    std::string shelf;
+    for (const auto& [path, isFolder] : plannedTree(count)) {
+        const auto slash = path.rfind('/');
+        const auto parent = slash == std::string::npos ? "" : path.substr(0, slash);
+        const auto name = path.substr(slash + 1); // all of it where there is no slash
+        if (!isFolder) {
+            const auto place = parent.empty() ? "" : places.at(parent) + "/";
+            tree.push_back({.path = place + name});
+            continue;
+        }
+        if (places.size() % foldersOfShelf == 0) {
+            shelf = "Shelf " + std::to_string(places.size() / foldersOfShelf);
+            tree.push_back({.path = shelf, .isFolder = true});
+        }
+        const auto place = shelf + "/" + name + " " + std::to_string(places.size());
+        places[path] = place;
+        tree.push_back({.path = place, .isFolder = true});
+    }
+    return tree;
+}
+
 /// A home folder of that many files, so that the user's own counts for nothing.
 void furnish(const std::filesystem::path& home, int names) {
     std::filesystem::create_directories(home / "Documents");
@@ -475,7 +502,7 @@ void furnish(const std::filesystem::path& home, int names) {
     for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
         ::unsetenv(name);
     if (names > 0)
-        makeTree(home / "Documents", plannedTree(static_cast<std::size_t>(names)));
+        makeTree(home / "Documents", shallowTree(static_cast<std::size_t>(names)));
 }
 
 /// Gives the home folder an application that leaves that file behind when it is launched.
