@@ -162,6 +162,21 @@ TEST_F(ResidentTest, aCopyThatHangsIsForced) {
     EXPECT_TRUE(logged(" single instance: forced quit succeeded; the chord is free\n"));
 }
 
+TEST_F(ResidentTest, withoutADisplayItRunsAndSaysWhatIsMissing) {
+    for (const char* display : {"", ":987"}) {
+        SCOPED_TRACE(display);
+        environment["DISPLAY"] = display;
+        Program resident({}, environment);
+        EXPECT_TRUE(resident.waitForError("without a display that it can show a panel on"));
+        EXPECT_TRUE(logged("; hotkey: no display; "));
+        const auto show = run({"--selftest-show"}, environment);
+        EXPECT_EQ(show.status, 2);
+        EXPECT_EQ(show.out,
+                  "selftest-show: NOT MEASURED, there is no display to show the panel on\n");
+        EXPECT_FALSE(resident.finish(0ms)) << "it answers the bus all the same";
+    }
+}
+
 TEST_F(ResidentTest, aOneShotModeLeavesTheResidentCopyAlone) {
     Program resident({}, environment);
     ASSERT_TRUE(resident.waitForError(ready));

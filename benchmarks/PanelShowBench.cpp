@@ -1,0 +1,160 @@
+// What a warm show takes from the call until the panel is drawn, as the program itself counts it on
+// every use, to more digits than its log has. Run on a display, whose round trips are part of it.
+// Bar: 2 ms in the median. An empty window that is shown and drawn goes before it, as the limit.
+
+#include "launcherapp/hotkeys/Hotkey.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/panel/PanelController.h"
+#include "launcherapp/panel/appearance/Appearance.h"
+#include "launcherapp/panel/view/LauncherPanel.h"
+#include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/platform/linux/desktop/X11WindowList.h"
+#include "launcherapp/platform/linux/panel/PanelSurface.h"
+#include "launcherapp/platform/linux/panel/QtPanelWindow.h"
+#include "launcherapp/platform/linux/processes/QtMainQueue.h"
+#include "launcherapp/query/CreditResolver.h"
+#include "tests/fakes/FakeDesktopAppearance.h"
+#include "tests/fakes/FakeHotkeyRegistrar.h"
+#include "tests/fakes/FakeRivalLaunchers.h"
+#include "tests/fakes/FakeServices.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <optional>
+#include <vector>
+
+namespace tessarine {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr int rounds = 200;
+constexpr double medianBar = 2; ///< milliseconds
+constexpr auto rest = 20ms;     ///< after each step, so that nothing of it is left to the next
+
+/// The panel over a real window, everything else in memory.
+struct Panel {
+    FakeServices services;
+    QtMainQueue queue;
+    FakeDesktopAppearance desktop;
+    std::unique_ptr<SearchModel> model = services.makeModel();
+    CreditResolver credits{
+        services.catalog, services.platform.icons, services.platform.files, services.environment};
+    Appearance appearance{services.prefs, desktop};
+    LauncherPanel view{PanelViewServices{.model = *model,
+                                         .prefs = services.prefs,
+                                         .appearance = appearance,
+                                         .desktop = desktop,
+                                         .icons = services.platform.icons,
+                                         .credits = credits,
+                                         .catalog = services.catalog}};
+    QtPanelWindow window{view, view.field(), makePanelSurface()};
+    X11WindowList windows;
+    FakeHotkeyRegistrar registrar;
+    FakeRivalLaunchers rivals;
+    Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    PanelController controller{{.queue = queue,
+                                .diagnostics = services.diagnostics,
+                                .prefs = services.prefs,
+                                .model = *model,
+                                .window = window,
+                                .windows = windows,
+                                .hotkey = hotkey}};
+};
+
+void runFor(Clock::duration time) {
+    const auto end = Clock::now() + time;
+    while (Clock::now() < end)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 1);
+}
+
+/// Until it holds; false after two seconds.
+template <typename Condition> bool runUntil(Condition holds) {
+    const auto end = Clock::now() + 2s;
+    while (!holds()) {
+        if (Clock::now() >= end)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    }
+    return true;
+}
+
+/// As the program recorded it; nothing when the panel was never drawn.
+std::optional<double> showOnce(Panel& panel) {
+    constexpr double none = -1; // the record is a list that never tells how many it has seen
+    auto& diagnostics = panel.services.diagnostics;
+    diagnostics.recordShow(none);
+    panel.controller.show();
+    if (!runUntil([&] { return diagnostics.showTimes().back() != none; }))
+        return std::nullopt;
+    const double time = diagnostics.showTimes().back();
+    runFor(rest);
+    panel.controller.hide();
+    runFor(rest);
+    return time;
+}
+
+/// The least that can be shown in the same kind of window.
+std::optional<double> showLeast(QtPanelWindow& window) {
+    bool isDrawn = false;
+    window.setEvents({.painted = [&] { isDrawn = true; }});
+    const auto started = Clock::now();
+    window.show();
+    if (!runUntil([&] { return isDrawn; }))
+        return std::nullopt;
+    const std::chrono::duration<double, std::milli> time = Clock::now() - started;
+    runFor(rest);
+    window.hide();
+    runFor(rest);
+    return time.count();
+}
+
+/// The median of so many shows after one that warms up; nothing when one never came.
+template <typename Show> std::optional<double> measure(const char* what, Show show) {
+    show();
+    std::vector<double> times;
+    for (int i = 0; i < rounds; ++i) {
+        const auto time = show();
+        if (!time) {
+            std::printf("%s: the panel was never drawn\n", what);
+            return std::nullopt;
+        }
+        times.push_back(*time);
+    }
+    const double worst = std::ranges::max(times);
+    const auto median = *Diagnostics::median(times);
+    std::printf("%s: median %.2f ms, worst %.2f ms over %d\n", what, median, worst, rounds);
+    return median;
+}
+
+bool run() {
+    {
+        QLineEdit field;
+        QtPanelWindow window(field, field, makePanelSurface());
+        window.setFrame({.x = 280, .y = 150, .width = 720, .height = 97});
+        measure("an empty field in such a window", [&] { return showLeast(window); });
+    }
+    Panel panel;
+    panel.controller.start(); // makes the warm pass
+    runFor(rest);
+    const auto median = measure("inside show, warm", [&] { return showOnce(panel); });
+    if (median)
+        std::printf("of the bar %.2f\n", *median / medianBar);
+    return median && *median <= medianBar;
+}
+
+} // namespace
+} // namespace tessarine
+
+int main(int argc, char** argv) {
+    const QApplication application(argc, argv);
+    if (QGuiApplication::platformName() != QStringLiteral("xcb")) {
+        std::puts("NOT MEASURED: there is no X11 display");
+        return 2;
+    }
+    return tessarine::run() ? 0 : 1;
+}
