@@ -4,6 +4,8 @@
 
 #include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/operations/StageMarks.h"
+#include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
 #include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
@@ -42,9 +44,8 @@ struct Panel {
     QtMainQueue queue;
     FakeDesktopAppearance desktop;
     std::unique_ptr<SearchModel> model = services.makeModel();
-    CreditResolver credits{
-        services.catalog, services.platform.icons, services.platform.files, services.environment};
-    Appearance appearance{services.prefs, desktop};
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
+    Appearance appearance{services.prefs, desktop, services.diagnostics};
     LauncherPanel view{PanelViewServices{.model = *model,
                                          .prefs = services.prefs,
                                          .appearance = appearance,
@@ -57,13 +58,17 @@ struct Panel {
     FakeHotkeyRegistrar registrar;
     FakeRivalLaunchers rivals;
     Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    StageMarks stages;
+    Updater updater;
     PanelController controller{{.queue = queue,
                                 .diagnostics = services.diagnostics,
                                 .prefs = services.prefs,
                                 .model = *model,
                                 .window = window,
                                 .windows = windows,
-                                .hotkey = hotkey}};
+                                .hotkey = hotkey,
+                                .stages = stages,
+                                .updater = updater}};
 };
 
 void runFor(Clock::duration time) {
