@@ -15,6 +15,7 @@
 // PanelProbeSubject, the least that a panel can be, is measured before the program in the same run.
 
 #include "benchmarks/PanelProbeDisplay.h"
+#include "benchmarks/StolenTime.h"
 #include "benchmarks/TreeGenerator.h"
 
 #include <algorithm>
@@ -99,25 +100,48 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
+/// Times in milliseconds, in the order in which they were taken.
+struct Sample {
+    std::vector<double> times;
+    int missing = 0;   ///< what never came
+    int uncounted = 0; ///< the machine's host took the processor away meanwhile
+
+    /// `measure` gives a time, or nothing when what it waited for never came.
+    template <typename Measure> void take(Measure measure) {
+        stolen_.wasTaken();
+        const auto time = measure();
+        if (!time)
+            ++missing;
+        else if (stolen_.wasTaken())
+            ++uncounted;
+        else
+            times.push_back(*time);
+    }
+
+private:
+    StolenTime stolen_;
+};
+
 /// Prints the figures with their ratios to the bar; whether they are within it.
-bool report(const Bar& bar, const std::vector<double>& values, int missing) {
-    if (values.empty() || missing > 0)
-        std::printf("  %s: %d of %zu never came\n",
+bool report(const Bar& bar, const Sample& sample) {
+    const auto& times = sample.times;
+    if (sample.missing > 0)
+        std::printf("  %s: %d never came\n", bar.what, sample.missing);
+    if (sample.uncounted > 0)
+        std::printf("  %s: %d not counted, as the machine's host took the processor away\n",
                     bar.what,
-                    missing,
-                    values.size() + static_cast<std::size_t>(missing));
-    if (values.empty())
+                    sample.uncounted);
+    if (times.empty())
         return false;
-    const double middle = median(values);
-    const double worst = std::ranges::max(values);
+    const double middle = median(times);
+    const auto slowest = std::ranges::max_element(times);
     std::printf(
-        "  %s: median %.2f ms, worst %.2f ms over %zu", bar.what, middle, worst, values.size());
+        "  %s: median %.2f ms, worst %.2f ms over %zu", bar.what, middle, *slowest, times.size());
     std::printf("; of the bar %.2f", middle / bar.median);
     if (bar.worst > 0)
-        std::printf(" and %.2f", worst / bar.worst);
-    std::printf("; slowest: number %td\n",
-                1 + std::distance(values.begin(), std::ranges::max_element(values)));
-    return missing == 0 && middle <= bar.median && (bar.worst == 0 || worst <= bar.worst);
+        std::printf(" and %.2f", *slowest / bar.worst);
+    std::printf("; slowest: number %td\n", 1 + (slowest - times.begin()));
+    return sample.missing == 0 && middle <= bar.median && (bar.worst == 0 || *slowest <= bar.worst);
 }
 
 /// The program under the probe, ended with this.
@@ -262,16 +286,14 @@ private:
     }
 
     bool measureStarts(const std::vector<std::string>& command) {
-        std::vector<double> times;
-        int missing = 0;
+        Sample sample;
         for (int i = 0; i < options_.number("--starts"); ++i) {
-            const Subject subject(command);
-            if (const auto time = awaitRegistration(subject))
-                times.push_back(*time);
-            else
-                ++missing;
+            sample.take([&] {
+                const Subject subject(command);
+                return awaitRegistration(subject);
+            });
         }
-        return report(startBar, times, missing);
+        return report(startBar, sample);
     }
 
     /// Milliseconds from the press until half of the panel was drawn; nothing when it never was.
@@ -318,18 +340,14 @@ private:
     }
 
     bool measurePresses() {
-        std::vector<double> times;
-        int missing = 0;
+        Sample sample;
         for (int i = 0; i < options_.number("--rounds"); ++i) {
-            if (const auto time = show())
-                times.push_back(*time);
-            else
-                ++missing;
+            sample.take([&] { return show(); });
             settle();
             hide();
             settle();
         }
-        return report(pressBar, times, missing);
+        return report(pressBar, sample);
     }
 
     /// Milliseconds until the list below the field was drawn to its end; nothing when it wasn't.
@@ -349,16 +367,12 @@ private:
 
     bool measureKeys() {
         const std::string words[] = {"report", "image", "music", "photo", "text", "settings"};
-        std::vector<double> times;
-        int missing = 0;
+        Sample sample;
         show();
         for (int typed = 0, i = 0; typed < options_.number("--rounds"); ++i) {
             const auto& word = words[static_cast<std::size_t>(i) % std::size(words)];
             for (const char letter : word) {
-                if (const auto time = typeLetter(letter))
-                    times.push_back(*time);
-                else
-                    ++missing;
+                sample.take([&] { return typeLetter(letter); });
                 ++typed;
             }
             for (std::size_t k = 0; k < word.size(); ++k) {
@@ -367,7 +381,7 @@ private:
             }
         }
         hide();
-        return report(keyBar, times, missing);
+        return report(keyBar, sample);
     }
 
     /// Letters every ten milliseconds from the hotkey on, the first so long after it; gives the
