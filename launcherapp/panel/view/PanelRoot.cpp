@@ -17,6 +17,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tessarine {
@@ -289,30 +290,76 @@ void PanelRoot::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+/// The ground and its frame in full: what it looks like, and slow.
+void PanelRoot::drawGround(QPainter& painter, const QRectF& plate) const {
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    Drawing::roundedRectangle(painter, plate, PanelStyle::cornerRadius, toQt(style_.palette.panel));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    Drawing::roundedFrame(painter, plate, PanelStyle::cornerRadius, toQt(style_.palette.border));
+}
+
+/// The same by four corners, drawn once, and plain fills between them. Only whole pixels meet
+/// without a seam.
+void PanelRoot::drawGroundByCorners(QPainter& painter, int scale) {
+    const int radius = static_cast<int>(PanelStyle::cornerRadius);
+    const int side = 2 * radius;
+    const auto& palette = style_.palette;
+    const CornersOf key{palette.panel, palette.border, scale};
+    if (corners_.isNull() || cornersOf_ != key) {
+        cornersOf_ = key;
+        corners_ = QImage(side * scale, side * scale, QImage::Format_ARGB32_Premultiplied);
+        corners_.setDevicePixelRatio(scale);
+        corners_.fill(Qt::transparent);
+        QPainter patch(&corners_);
+        drawGround(patch, QRectF(0, 0, side, side));
+    }
+
+    const auto ground = toQt(palette.panel);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(rect().adjusted(0, radius, 0, -radius), ground);
+    painter.fillRect(rect().adjusted(radius, 0, -radius, 0), ground);
+    for (const int x : {0, 1}) {
+        for (const int y : {0, 1}) {
+            const QPoint to(x * (width() - radius), y * (height() - radius));
+            const QRect from(
+                x * radius * scale, y * radius * scale, radius * scale, radius * scale);
+            painter.drawImage(QRect(to, QSize(radius, radius)), corners_, from);
+        }
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    const auto border = toQt(palette.border);
+    for (const int x : {0, width() - 1})
+        painter.fillRect(QRect(x, radius, 1, height() - 2 * radius), border);
+    for (const int y : {0, height() - 1})
+        painter.fillRect(QRect(radius, y, width() - 2 * radius, 1), border);
+}
+
 void PanelRoot::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const auto& palette = style_.palette;
     const int radius = static_cast<int>(PanelStyle::cornerRadius);
     const bool isOpaque = blending_ == Blending::opaque;
+    const double scale = Drawing::scale(painter);
     const auto ground = toQt(isOpaque ? palette.panel.withAlpha(255) : palette.panel);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    // A repaint of rows touches no corner, and a plain fill costs a tenth of a rounded one.
-    if (isOpaque || rect().adjusted(1, radius, -1, -radius).contains(event->rect()))
+    const auto separator = QRect(PanelStyle::edge,
+                                 PanelStyle::headerHeight,
+                                 width() - 2 * PanelStyle::edge,
+                                 PanelStyle::separatorHeight);
+    // A repaint of rows touches neither corner nor frame.
+    const bool isInside = rect().adjusted(1, radius, -1, -radius).contains(event->rect());
+    if (isOpaque || isInside) {
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillRect(event->rect(), ground);
-    else
-        Drawing::roundedRectangle(painter, rect(), PanelStyle::cornerRadius, ground);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    } else if (scale == std::floor(scale)) {
+        drawGroundByCorners(painter, static_cast<int>(scale));
+    } else {
+        drawGround(painter, rect());
+    }
     if (list_->itemCount() > 0)
-        painter.fillRect(QRect(PanelStyle::edge,
-                               PanelStyle::headerHeight,
-                               width() - 2 * PanelStyle::edge,
-                               PanelStyle::separatorHeight),
-                         toQt(palette.separator));
-    if (isOpaque)
+        painter.fillRect(separator, toQt(palette.separator));
+    if (isOpaque && !isInside)
         Drawing::roundedFrame(painter, rect(), 0.5, toQt(palette.border));
-    else
-        Drawing::roundedFrame(painter, rect(), PanelStyle::cornerRadius, toQt(palette.border));
 }
 
 } // namespace tessarine

@@ -6,6 +6,7 @@
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/panel/view/rows/RowImages.h"
 
+#include <QImage>
 #include <QPointer>
 #include <QWidget>
 #include <array>
@@ -94,6 +95,15 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    /// What the picture of the corners was drawn with.
+    struct CornersOf {
+        Color ground;
+        Color border;
+        int scale = 0;
+
+        bool operator==(const CornersOf&) const = default;
+    };
+
     int overlayHeight() const;
     int besideHeight() const;
     int accessoryHeight(Slot slot) const;
@@ -102,6 +112,8 @@ private:
     void place();
     void placeList(QRect room);
     void placeMenus();
+    void drawGround(QPainter& painter, const QRectF& plate) const;
+    void drawGroundByCorners(QPainter& painter, int scale);
 
     PanelViewServices services_;
     PanelStyle style_;
@@ -118,6 +130,8 @@ private:
     std::optional<TextScale> heldTextScale_;
     std::optional<ClipPreviewPlacement> heldPlacement_;
     PanelPlacement::Heights toldHeights_;
+    QImage corners_; ///< all four of a plate without edges; none until it is drawn
+    CornersOf cornersOf_;
 };
 
 } // namespace tessarine

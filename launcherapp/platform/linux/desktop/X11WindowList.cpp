@@ -126,6 +126,26 @@ public:
         return windows.front();
     }
 
+    /// Mostly it is still the one of the last time: that one is asked about before it is known,
+    /// which saves waiting for the display once more.
+    std::optional<AppWindow> active() {
+        if (!answers())
+            return std::nullopt;
+        const auto cookie = ask(root_, ewmh_._NET_ACTIVE_WINDOW, XCB_ATOM_WINDOW);
+        const auto guessed = lastActive_;
+        const auto early = guessed ? std::optional(askAbout(*guessed)) : std::nullopt;
+        const auto windows = numbersOf(reply(cookie));
+        auto described = early ? answer(*guessed, *early) : std::nullopt;
+        takeQueuedEvents();
+        lastActive_ = windows.empty() || windows.front() == XCB_WINDOW_NONE
+                          ? std::nullopt
+                          : std::optional(windows.front());
+        if (!lastActive_ || lastActive_ == guessed)
+            return lastActive_ ? described : std::nullopt;
+        auto others = describe({*lastActive_});
+        return others.empty() ? std::nullopt : std::optional(std::move(others.front()));
+    }
+
     /// All questions about all windows are asked before the first answer is waited for.
     std::vector<AppWindow> describe(const std::vector<xcb_window_t>& windows) {
         std::vector<Questions> questions;
@@ -360,7 +380,8 @@ private:
     xcb_atom_t kdeDesktopFile_ = XCB_ATOM_NONE;
     std::string problem_;
     std::unique_ptr<QSocketNotifier> notifier_;
-    bool activeChanged_ = false; ///< events are noted while questions are asked
+    std::optional<xcb_window_t> lastActive_; ///< as it was when it was asked for
+    bool activeChanged_ = false;             ///< events are noted while questions are asked
     std::map<int, std::function<void()>> observers_;
     int lastObserver_ = 0;
     std::shared_ptr<int> alive_ = std::make_shared<int>();
@@ -379,11 +400,7 @@ std::vector<AppWindow> X11WindowList::windows() const {
 }
 
 std::optional<AppWindow> X11WindowList::active() const {
-    const auto window = display_->activeWindow();
-    if (!window)
-        return std::nullopt;
-    auto described = display_->describe({*window});
-    return described.empty() ? std::nullopt : std::optional(std::move(described.front()));
+    return display_->active();
 }
 
 Subscription X11WindowList::onActiveChanged(std::function<void()> changed) {

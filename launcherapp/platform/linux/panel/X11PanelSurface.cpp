@@ -1,7 +1,5 @@
 #include "launcherapp/platform/linux/panel/X11PanelSurface.h"
 
-#include "launcherapp/platform/linux/panel/X11Screens.h"
-
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
@@ -274,13 +272,13 @@ bool X11PanelSurface::mixes() const {
 }
 
 std::vector<Screen> X11PanelSurface::screens() const {
-    auto screens = X11Screens::all(display_);
+    auto screens = screens_.all();
     watch_.takeQueuedEvents();
     return screens;
 }
 
 std::optional<Point> X11PanelSurface::pointer() const {
-    const auto point = X11Screens::pointer(display_);
+    const auto point = screens_.pointer();
     watch_.takeQueuedEvents();
     return point;
 }

@@ -3,6 +3,7 @@
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/X11Connection.h"
 #include "launcherapp/platform/linux/panel/X11PanelWatch.h"
+#include "launcherapp/platform/linux/panel/X11Screens.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QPointer>
@@ -51,6 +52,7 @@ private:
     X11Connection::Window window() const;
 
     X11Connection display_;
+    mutable X11Screens screens_{display_};
     mutable X11PanelWatch watch_; ///< notes what comes in while anything is asked
     QPointer<QWidget> widget_;
     Events events_;
