@@ -79,6 +79,12 @@ struct Chord {
         return result;
     }
 
+    /// Whether a grab of it is that of the key with the state.
+    bool has(std::uint8_t keyCode, std::uint16_t state) const {
+        const auto all = states();
+        return std::ranges::count(keyCodes, keyCode) > 0 && std::ranges::count(all, state) > 0;
+    }
+
     bool operator==(const Chord&) const = default;
 };
 
@@ -98,8 +104,9 @@ public:
 
     ~Keys() override {
         QCoreApplication::instance()->removeNativeEventFilter(this);
-        for (const auto& [id, held] : chords_)
-            ungrab(held.chord);
+        const auto chords = std::exchange(chords_, {});
+        for (const auto& [id, held] : chords)
+            giveBack(held.chord);
         thaw();
     }
 
@@ -114,14 +121,8 @@ public:
             return outcome;
         }
         refused_.erase(id);
-        const auto before = chords_.find(id);
-        if (before != chords_.end() && before->second.chord != chord) {
-            const auto old = before->second.chord;
-            chords_.erase(before);
-            chords_[id] = {binding, chord};
-            giveBack(old);
-        }
-        chords_[id] = {binding, chord};
+        const auto before = std::exchange(chords_[id], {binding, chord});
+        giveBack(before.chord);
         if (!limit_)
             limit_.emplace([connection = connection_] { thaw(connection); });
         return outcome;
@@ -206,11 +207,16 @@ private:
 
     /// Gives back what no chord that is still held has too.
     void giveBack(const Chord& chord) {
-        ungrab(chord);
-        for (const auto& [id, held] : chords_) {
-            if (held.chord.sharesGrabs(chord))
-                grabAll(held.chord);
+        for (const auto keyCode : chord.keyCodes) {
+            for (const auto state : chord.states()) {
+                const bool isHeld = std::ranges::any_of(chords_, [&](const auto& each) {
+                    return each.second.chord.has(keyCode, state);
+                });
+                if (!isHeld)
+                    xcb_ungrab_key(connection_, keyCode, root_, state);
+            }
         }
+        xcb_flush(connection_);
     }
 
     static void thaw(xcb_connection_t* connection) {
@@ -250,14 +256,6 @@ private:
                 first = error->error_code;
         }
         return first;
-    }
-
-    void ungrab(const Chord& chord) {
-        for (const auto keyCode : chord.keyCodes) {
-            for (const auto state : chord.states())
-                xcb_ungrab_key(connection_, keyCode, root_, state);
-        }
-        xcb_flush(connection_);
     }
 
     std::optional<std::uint32_t> holder(const xcb_key_press_event_t& event) const {
