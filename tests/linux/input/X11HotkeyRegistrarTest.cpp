@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QProcess>
 #include <QWindow>
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -314,6 +315,20 @@ TEST_F(X11HotkeyRegistrarTest, aNewChordTakesTheOldOnesPlaceOnceItIsGranted) {
     EXPECT_EQ(registrar.grab(1, commandA).kind, registered);
     EXPECT_EQ(pressesOf([&] { user.chord(superKey, aKey); }), 1u);
     EXPECT_TRUE(other.grabs(XCB_MOD_MASK_4, spaceKey)) << "the old one was given back";
+}
+
+TEST_F(X11HotkeyRegistrarTest, chordsThatChangePlacesOnANewLayoutAreBothTakenAgain) {
+    constexpr HotkeyBinding commandQ{.keyCode = 12, .carbonModifiers = HotkeyModifiers::command};
+    registrar.grab(1, commandA);
+    registrar.grab(2, commandQ);
+    layout({QStringLiteral("fr")});
+    ASSERT_TRUE(spinUntil([&] { return keyChanges > 0; }));
+    EXPECT_EQ(registrar.grab(1, commandA), HotkeyOutcome{});
+    EXPECT_EQ(registrar.grab(2, commandQ), HotkeyOutcome{});
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, qKey); }), 1u);
+    EXPECT_EQ(presses.at(0).id, 1u);
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, aKey); }), 1u);
+    EXPECT_EQ(presses.at(0).id, 2u);
 }
 
 TEST_F(X11HotkeyRegistrarTest, twoBindingsOnOneKeyDoNotTakeItFromEachOther) {

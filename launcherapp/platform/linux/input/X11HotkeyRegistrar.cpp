@@ -189,8 +189,9 @@ private:
         if (chord.keyCodes.empty())
             return refused("no keyboard has that key");
         // On some layouts two bindings are one key, and one of them would never hear of a press.
+        // What counts is where they are now: on a new layout two may have changed places.
         const bool isOurs = std::ranges::any_of(chords_, [&](const auto& each) {
-            return each.first != id && each.second.chord.sharesGrabs(chord);
+            return each.first != id && chordOf(each.second.binding).sharesGrabs(chord);
         });
         if (isOurs)
             return refused("it is the same key as another hotkey on this keyboard");
