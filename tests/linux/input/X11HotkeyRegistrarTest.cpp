@@ -317,6 +317,27 @@ TEST_F(X11HotkeyRegistrarTest, aNewChordTakesTheOldOnesPlaceOnceItIsGranted) {
     EXPECT_TRUE(other.grabs(XCB_MOD_MASK_4, spaceKey)) << "the old one was given back";
 }
 
+TEST_F(X11HotkeyRegistrarTest, aChordThatIsTakenAgainMissesNoPressMeanwhile) {
+    constexpr std::size_t count = 300;
+    ASSERT_EQ(registrar.grab(1, commandSpace).kind, registered);
+    OtherClient front;
+    front.takeFocus();
+    std::jthread fingers([] {
+        OtherClient fast;
+        for (std::size_t i = 0; i < count; ++i) {
+            fast.chord(superKey, spaceKey);
+            fast.finish();
+        }
+    });
+    EXPECT_TRUE(spinUntil([&] {
+        registrar.grab(1, commandSpace);
+        return presses.size() == count;
+    })) << presses.size();
+    fingers.join();
+    const auto keys = front.keys();
+    EXPECT_EQ(std::ranges::count(keys, spaceKey), 0) << "went to the program in front";
+}
+
 TEST_F(X11HotkeyRegistrarTest, chordsThatChangePlacesOnANewLayoutAreBothTakenAgain) {
     constexpr HotkeyBinding commandQ{.keyCode = 12, .carbonModifiers = HotkeyModifiers::command};
     registrar.grab(1, commandA);

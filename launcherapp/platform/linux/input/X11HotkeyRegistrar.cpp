@@ -147,6 +147,8 @@ public:
         const auto kind = event->response_type & 0x7f;
         if (kind == XCB_KEY_PRESS)
             return keyPressed(*reinterpret_cast<const xcb_key_press_event_t*>(event));
+        if (kind == XCB_GE_GENERIC)
+            return keyPressed(*reinterpret_cast<const xcb_ge_generic_event_t*>(event));
         if (kind == XCB_KEY_RELEASE)
             return keyReleased(*reinterpret_cast<const xcb_key_release_event_t*>(event));
         // Both kinds: which of them the display sends depends on what Qt has told it.
@@ -276,6 +278,17 @@ private:
         if (event.event == root_)
             thaw();
         return taken;
+    }
+
+    bool keyPressed(const xcb_ge_generic_event_t& event) {
+        const auto press = devices_.keyPress(event);
+        if (!press)
+            return false;
+        xcb_key_press_event_t same{};
+        same.detail = press->key;
+        same.state = press->state;
+        same.time = press->time;
+        return takePress(same);
     }
 
     bool takePress(const xcb_key_press_event_t& event) {
