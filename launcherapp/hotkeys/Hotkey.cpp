@@ -73,13 +73,15 @@ void Hotkey::remove(std::uint32_t id) {
         statusChanges_.tell();
 }
 
+/// What is held is let go only for the new chord or after its refusal: before, a press in between
+/// would be lost, and another program might have the chord.
 bool Hotkey::take(const HotkeyBinding& binding, std::uint32_t id) {
-    letGo(id);
     const auto outcome = grab(binding, id);
     if (outcome.kind == HotkeyOutcome::Kind::registered) {
         hold(binding, id);
         return true;
     }
+    letGo(id);
     bindings_[id] = binding;
     statuses_[id] = refusal(binding, outcome);
     statusChanges_.tell();

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 namespace tessarine {
@@ -75,8 +76,12 @@ void HotkeyGuard::reassert(std::string_view reason) {
         return;
     }
     lastReassert_ = now;
-    services_.hotkey.reassertAll(reason);
-    services_.setup.retry(); // what was lost just now may have a stand-in
+    services_.setup.retry(); // first, so that the log's line speaks of the chords there are then
+    const auto results = services_.hotkey.reassertAll(reason);
+    const bool isAnyLost =
+        std::ranges::any_of(results, [](const auto& each) { return !each.second; });
+    if (isAnyLost)
+        services_.setup.retry(); // for a stand-in
 }
 
 } // namespace tessarine

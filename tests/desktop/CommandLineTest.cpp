@@ -163,11 +163,20 @@ TEST_F(ResidentTest, aCopyThatHangsIsForced) {
 }
 
 TEST_F(ResidentTest, withoutADisplayItRunsAndSaysWhatIsMissing) {
-    for (const char* display : {"", ":987"}) {
-        SCOPED_TRACE(display);
+    const struct {
+        const char* display;
+        const char* missing;
+    } cases[] = {
+        {"", "there is no display"},
+        {":987", "the X11 display does not answer"},
+    };
+
+    for (const auto& [display, missing] : cases) {
+        SCOPED_TRACE(missing);
         environment["DISPLAY"] = display;
         Program resident({}, environment);
-        EXPECT_TRUE(resident.waitForError("without a display that it can show a panel on"));
+        EXPECT_TRUE(resident.waitForError(
+            std::string("Tessarine is running, but its panel can't come up: ") + missing));
         EXPECT_TRUE(logged("; hotkey: no display; "));
         const auto show = run({"--selftest-show"}, environment);
         EXPECT_EQ(show.status, 2);

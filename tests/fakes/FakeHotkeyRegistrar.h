@@ -28,7 +28,7 @@ public:
         return {};
     }
 
-    void release(std::uint32_t id) override { held.erase(id); }
+    void release(std::uint32_t id) override { releases += static_cast<int>(held.erase(id)); }
 
     std::optional<HotkeyBinding> chord(std::uint32_t key, std::uint32_t state) const override {
         return HotkeyBinding{.keyCode = key, .carbonModifiers = state};
@@ -49,6 +49,7 @@ public:
     std::string problem; ///< why no chord can be taken; empty when it can
     std::map<std::uint32_t, HotkeyBinding> held;
     int grabs = 0;
+    int releases = 0; ///< of chords that were held
 
 private:
     Events events_;

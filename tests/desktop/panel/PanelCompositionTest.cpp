@@ -49,6 +49,7 @@ TEST_F(PanelCompositionTest, returnInTheMiddleOfACompositionLaunchesNothing) {
         const char* reason;
     } cases[] = {
         {"key " + apostropheKey + " Return", "after a dead key"},
+        {"keydown " + apostropheKey + " key Return keyup " + apostropheKey, "while it is down"},
         {"key " + rightAlt + " Return", "after Compose"},
         {"key " + rightAlt + " o Return", "amid a sequence"},
     };

@@ -56,6 +56,9 @@ TEST_F(HotkeyGuardTest, aLauncherThatQuitsGivesTheChordBackAtOnce) {
     rivals.quit("KRunner");
     EXPECT_EQ(hotkey.binding(1), commandSpace);
     EXPECT_EQ(told("hotkey re-assert (KRunner quit): panel=ok, clipboard=ok\n"), 1u);
+    const auto log = services.log();
+    EXPECT_LT(log.find("⌘Space is free; ⌥Space is given up for it"), log.find("hotkey re-assert"))
+        << "the line speaks of the chord that is held by then";
 }
 
 TEST_F(HotkeyGuardTest, aBurstOfLaunchesReassertsOnce) {

@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QProcess>
 #include <QWindow>
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -314,6 +315,41 @@ TEST_F(X11HotkeyRegistrarTest, aNewChordTakesTheOldOnesPlaceOnceItIsGranted) {
     EXPECT_EQ(registrar.grab(1, commandA).kind, registered);
     EXPECT_EQ(pressesOf([&] { user.chord(superKey, aKey); }), 1u);
     EXPECT_TRUE(other.grabs(XCB_MOD_MASK_4, spaceKey)) << "the old one was given back";
+}
+
+TEST_F(X11HotkeyRegistrarTest, aChordThatIsTakenAgainMissesNoPressMeanwhile) {
+    constexpr std::size_t count = 300;
+    ASSERT_EQ(registrar.grab(1, commandSpace).kind, registered);
+    OtherClient front;
+    front.takeFocus();
+    std::jthread fingers([] {
+        OtherClient fast;
+        for (std::size_t i = 0; i < count; ++i) {
+            fast.chord(superKey, spaceKey);
+            fast.finish();
+        }
+    });
+    EXPECT_TRUE(spinUntil([&] {
+        registrar.grab(1, commandSpace);
+        return presses.size() == count;
+    })) << presses.size();
+    fingers.join();
+    const auto keys = front.keys();
+    EXPECT_EQ(std::ranges::count(keys, spaceKey), 0) << "went to the program in front";
+}
+
+TEST_F(X11HotkeyRegistrarTest, chordsThatChangePlacesOnANewLayoutAreBothTakenAgain) {
+    constexpr HotkeyBinding commandQ{.keyCode = 12, .carbonModifiers = HotkeyModifiers::command};
+    registrar.grab(1, commandA);
+    registrar.grab(2, commandQ);
+    layout({QStringLiteral("fr")});
+    ASSERT_TRUE(spinUntil([&] { return keyChanges > 0; }));
+    EXPECT_EQ(registrar.grab(1, commandA), HotkeyOutcome{});
+    EXPECT_EQ(registrar.grab(2, commandQ), HotkeyOutcome{});
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, qKey); }), 1u);
+    EXPECT_EQ(presses.at(0).id, 1u);
+    EXPECT_EQ(pressesOf([&] { user.chord(superKey, aKey); }), 1u);
+    EXPECT_EQ(presses.at(0).id, 2u);
 }
 
 TEST_F(X11HotkeyRegistrarTest, twoBindingsOnOneKeyDoNotTakeItFromEachOther) {

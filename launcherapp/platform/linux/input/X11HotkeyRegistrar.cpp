@@ -79,6 +79,12 @@ struct Chord {
         return result;
     }
 
+    /// Whether a grab of it is that of the key with the state.
+    bool has(std::uint8_t keyCode, std::uint16_t state) const {
+        const auto all = states();
+        return std::ranges::count(keyCodes, keyCode) > 0 && std::ranges::count(all, state) > 0;
+    }
+
     bool operator==(const Chord&) const = default;
 };
 
@@ -98,8 +104,9 @@ public:
 
     ~Keys() override {
         QCoreApplication::instance()->removeNativeEventFilter(this);
-        for (const auto& [id, held] : chords_)
-            ungrab(held.chord);
+        const auto chords = std::exchange(chords_, {});
+        for (const auto& [id, held] : chords)
+            giveBack(held.chord);
         thaw();
     }
 
@@ -114,14 +121,8 @@ public:
             return outcome;
         }
         refused_.erase(id);
-        const auto before = chords_.find(id);
-        if (before != chords_.end() && before->second.chord != chord) {
-            const auto old = before->second.chord;
-            chords_.erase(before);
-            chords_[id] = {binding, chord};
-            giveBack(old);
-        }
-        chords_[id] = {binding, chord};
+        const auto before = std::exchange(chords_[id], {binding, chord});
+        giveBack(before.chord);
         if (!limit_)
             limit_.emplace([connection = connection_] { thaw(connection); });
         return outcome;
@@ -146,6 +147,8 @@ public:
         const auto kind = event->response_type & 0x7f;
         if (kind == XCB_KEY_PRESS)
             return keyPressed(*reinterpret_cast<const xcb_key_press_event_t*>(event));
+        if (kind == XCB_GE_GENERIC)
+            return keyPressed(*reinterpret_cast<const xcb_ge_generic_event_t*>(event));
         if (kind == XCB_KEY_RELEASE)
             return keyReleased(*reinterpret_cast<const xcb_key_release_event_t*>(event));
         // Both kinds: which of them the display sends depends on what Qt has told it.
@@ -188,8 +191,9 @@ private:
         if (chord.keyCodes.empty())
             return refused("no keyboard has that key");
         // On some layouts two bindings are one key, and one of them would never hear of a press.
+        // What counts is where they are now: on a new layout two may have changed places.
         const bool isOurs = std::ranges::any_of(chords_, [&](const auto& each) {
-            return each.first != id && each.second.chord.sharesGrabs(chord);
+            return each.first != id && chordOf(each.second.binding).sharesGrabs(chord);
         });
         if (isOurs)
             return refused("it is the same key as another hotkey on this keyboard");
@@ -206,11 +210,16 @@ private:
 
     /// Gives back what no chord that is still held has too.
     void giveBack(const Chord& chord) {
-        ungrab(chord);
-        for (const auto& [id, held] : chords_) {
-            if (held.chord.sharesGrabs(chord))
-                grabAll(held.chord);
+        for (const auto keyCode : chord.keyCodes) {
+            for (const auto state : chord.states()) {
+                const bool isHeld = std::ranges::any_of(chords_, [&](const auto& each) {
+                    return each.second.chord.has(keyCode, state);
+                });
+                if (!isHeld)
+                    xcb_ungrab_key(connection_, keyCode, root_, state);
+            }
         }
+        xcb_flush(connection_);
     }
 
     static void thaw(xcb_connection_t* connection) {
@@ -252,14 +261,6 @@ private:
         return first;
     }
 
-    void ungrab(const Chord& chord) {
-        for (const auto keyCode : chord.keyCodes) {
-            for (const auto state : chord.states())
-                xcb_ungrab_key(connection_, keyCode, root_, state);
-        }
-        xcb_flush(connection_);
-    }
-
     std::optional<std::uint32_t> holder(const xcb_key_press_event_t& event) const {
         constexpr std::uint16_t modifierBits = 0xff; // above them are layouts and mouse buttons
         const auto state = event.state & modifierBits & ~keyboard_.locks();
@@ -277,6 +278,17 @@ private:
         if (event.event == root_)
             thaw();
         return taken;
+    }
+
+    bool keyPressed(const xcb_ge_generic_event_t& event) {
+        const auto press = devices_.keyPress(event);
+        if (!press)
+            return false;
+        xcb_key_press_event_t same{};
+        same.detail = press->key;
+        same.state = press->state;
+        same.time = press->time;
+        return takePress(same);
     }
 
     bool takePress(const xcb_key_press_event_t& event) {

@@ -37,12 +37,12 @@ X11InputDevices::X11InputDevices(xcb_connection_t* connection) : connection_(con
     const auto* extension = xcb_get_extension_data(connection, &xcb_input_id);
     if (!extension || !extension->present)
         return;
+    extension_ = extension->major_opcode;
     const auto cookie = xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL);
     const Owned<xcb_input_xi_query_device_reply_t> reply(
         xcb_input_xi_query_device_reply(connection, cookie, nullptr));
     if (!reply)
         return;
-    keyboards_ = {XCB_INPUT_DEVICE_ALL, XCB_INPUT_DEVICE_ALL_MASTER};
     for (auto each = xcb_input_xi_query_device_infos_iterator(reply.get()); each.rem > 0;
          xcb_input_xi_device_info_next(&each)) {
         if (each.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD)
@@ -52,7 +52,9 @@ X11InputDevices::X11InputDevices(xcb_connection_t* connection) : connection_(con
 
 bool X11InputDevices::isGrabbed(std::span<const std::uint8_t> keyCodes,
                                 std::span<const std::uint16_t> states) const {
-    constexpr std::uint32_t noEvents = 0;
+    // A grab for a moment shows it. One of each keyboard meets those of all keyboards at once too.
+    // A press may find it all the same, and then it comes here.
+    constexpr std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
     const std::vector<std::uint32_t> modifiers(states.begin(), states.end());
     const auto count = static_cast<std::uint16_t>(modifiers.size());
     const auto root = rootOf(connection_);
@@ -71,9 +73,8 @@ bool X11InputDevices::isGrabbed(std::span<const std::uint8_t> keyCodes,
                                                                XCB_INPUT_GRAB_MODE_22_ASYNC,
                                                                XCB_INPUT_GRAB_MODE_22_ASYNC,
                                                                XCB_INPUT_GRAB_OWNER_NO_OWNER,
-                                                               &noEvents,
+                                                               &events,
                                                                modifiers.data()));
-            // At once, before a press can find it.
             xcb_input_xi_passive_ungrab_device(connection_,
                                                root,
                                                keyCode,
@@ -91,6 +92,16 @@ bool X11InputDevices::isGrabbed(std::span<const std::uint8_t> keyCodes,
         isGrabbed = isGrabbed || (reply && reply->num_modifiers > 0);
     }
     return isGrabbed;
+}
+
+std::optional<X11InputDevices::KeyPress>
+X11InputDevices::keyPress(const xcb_ge_generic_event_t& event) const {
+    if (event.extension != extension_ || event.event_type != XCB_INPUT_KEY_PRESS)
+        return std::nullopt;
+    const auto& press = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
+    return KeyPress{.key = static_cast<std::uint8_t>(press.detail),
+                    .state = static_cast<std::uint16_t>(press.mods.effective),
+                    .time = press.time};
 }
 
 bool isWaylandsDisplay(xcb_connection_t* connection) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
 struct xcb_connection_t;
+struct xcb_ge_generic_event_t;
 
 namespace tessarine {
 
@@ -12,6 +14,12 @@ namespace tessarine {
 /// without it there are none. Main thread only; each function waits for the display's answer.
 class X11InputDevices {
 public:
+    struct KeyPress {
+        std::uint8_t key = 0;
+        std::uint16_t state = 0;
+        std::uint32_t time = 0; ///< the display's, in milliseconds
+    };
+
     /// Reads the list of devices, on a connection that has agreed on a version of the extension.
     explicit X11InputDevices(xcb_connection_t* connection);
 
@@ -21,9 +29,14 @@ public:
     bool isGrabbed(std::span<const std::uint8_t> keyCodes,
                    std::span<const std::uint16_t> states) const;
 
+    /// The press that an event tells of, which `isGrabbed` kept from everybody else as it came
+    /// while it was asking; nothing for any other event.
+    std::optional<KeyPress> keyPress(const xcb_ge_generic_event_t& event) const;
+
 private:
     xcb_connection_t* connection_;
-    std::vector<std::uint16_t> keyboards_; ///< whose grabs count, the stand-ins for all included
+    std::optional<std::uint8_t> extension_; ///< its number; nothing without it
+    std::vector<std::uint16_t> keyboards_;  ///< those that programs get keys of
 };
 
 /// Whether the display is one that a Wayland compositor keeps for X11 programs: keys reach it only
