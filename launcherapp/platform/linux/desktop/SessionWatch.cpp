@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
+#include "launcherapp/platform/linux/desktop/SystemBus.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
@@ -9,12 +10,16 @@
 #include <QDBusPendingReply>
 #include <QPointer>
 #include <array>
+#include <chrono>
 #include <unistd.h>
 #include <utility>
 
 namespace tessarine {
 
 namespace {
+
+/// With the system's bus, which may be busy with the user's login.
+constexpr std::chrono::seconds patience{30};
 
 const auto systemConnection = QStringLiteral("tessarine-session");
 const auto logind = QStringLiteral("org.freedesktop.login1");
@@ -36,8 +41,7 @@ QDBusMessage questionToLogind(const char* method) {
 } // namespace
 
 SessionWatch::SessionWatch(WorkQueues& work) {
-    // One thread of Qt's serves all buses: while it waits for the system's greeting it does nothing
-    // for the session's, which the rest of the present turn, the program's start, may need.
+    // The session's bus may be slow to greet, and the present turn is the program's start.
     QMetaObject::invokeMethod(
         this,
         [this, &work] {
@@ -72,18 +76,16 @@ void SessionWatch::hearScreenSavers() {
                      SLOT(screenSaverChanged(bool)));
 }
 
-/// A bus that doesn't answer is waited for half a minute, so that no thread of the pool can be had
-/// for it.
+/// For so long no thread of the pool can be had.
 void SessionWatch::connectToSystem(WorkQueues& work) {
-    work.runApart(
-        [] { return QDBusConnection::connectToBus(QDBusConnection::SystemBus, systemConnection); },
-        [watch = QPointer(this)](const QDBusConnection& system) {
-            if (!watch || !system.isConnected())
-                return;
-            watch->system_ = system;
-            watch->hearLogind();
-            watch->findSession();
-        });
+    work.runApart([] { return systemBus(systemConnection, patience); },
+                  [watch = QPointer(this)](const QDBusConnection& system) {
+                      if (!watch || !system.isConnected())
+                          return;
+                      watch->system_ = system;
+                      watch->hearLogind();
+                      watch->findSession();
+                  });
 }
 
 /// Signals are heard from logind's connection: by its name, the library would wait for the bus to
