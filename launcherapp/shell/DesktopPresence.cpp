@@ -11,7 +11,7 @@
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
 #include "launcherapp/platform/HotkeyRegistrar.h"
-#include "launcherapp/platform/linux/desktop/SessionLock.h"
+#include "launcherapp/platform/linux/desktop/SessionWatch.h"
 #include "launcherapp/platform/linux/desktop/StatusItem.h"
 #include "launcherapp/platform/linux/input/LinuxRivalLaunchers.h"
 #include "launcherapp/platform/linux/input/X11HotkeyRegistrar.h"
@@ -62,7 +62,8 @@ public:
     PanelViewServices sources;
     LauncherPanel view{sources};
     QtPanelWindow window{view, view.field(), makePanelSurface()};
-    LinuxRivalLaunchers rivals{services.queue, services.work};
+    SessionWatch session{services.work};
+    LinuxRivalLaunchers rivals{services.queue, services.work, session};
     std::unique_ptr<HotkeyRegistrar> registrar = hotkeyRegistrar(services.queue);
     Hotkey hotkey{{.registrar = *registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
     StageMarks stages; // no watch for stalls runs yet
@@ -89,7 +90,7 @@ public:
                        .prefs = sources.prefs,
                        .diagnostics = services.diagnostics}};
     Subscription activeChanges = services.windows.onActiveChanged([this] { rivals.look(); });
-    std::optional<SessionLock> lock;
+    Subscription locks;
 };
 
 class DesktopPresence::Parts {
@@ -143,7 +144,7 @@ void DesktopPresence::keepWarm() {
 
 void DesktopPresence::watchSessionLock() {
     auto& onScreen = *parts_->onScreen;
-    onScreen.lock.emplace(parts_->services.work, [&panel = onScreen.panel] { panel.hide(); });
+    onScreen.locks = onScreen.session.onLocked([&panel = onScreen.panel] { panel.hide(); });
 }
 
 void DesktopPresence::registerHotkey() {

@@ -15,12 +15,14 @@ public:
 
     /// Owns the name until it goes. The connection that the tests' own code uses would answer
     /// itself without the bus, so this is another.
-    BusObject(const char* name, const char* path) : path_(QLatin1String(path)) {
-        owns = bus_.registerService(QLatin1String(name)) && bus_.registerVirtualObject(path_, this);
+    BusObject(const char* name, const char* path)
+        : name_(QLatin1String(name)), path_(QLatin1String(path)) {
+        owns = bus_.registerService(name_) && bus_.registerVirtualObject(path_, this);
     }
 
     ~BusObject() override {
         bus_.unregisterObject(path_);
+        bus_.unregisterService(name_); // the next owner may come before the bus sees us gone
         QDBusConnection::disconnectFromBus(QStringLiteral("other"));
     }
 
@@ -30,6 +32,17 @@ public:
     bool owns = false;
     Answer answer = Answer::yes;
     QDBusMessage last;
+
+    /// A signal, from any path.
+    void tell(const QString& path,
+              const char* interface,
+              const char* signal,
+              const QVariantList& values = {}) {
+        auto message =
+            QDBusMessage::createSignal(path, QLatin1String(interface), QLatin1String(signal));
+        message.setArguments(values);
+        bus_.send(message);
+    }
 
     QString introspect(const QString&) const override { return {}; }
 
@@ -45,6 +58,7 @@ public:
     }
 
 private:
+    QString name_;
     QString path_;
     QDBusConnection bus_ =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("other"));

@@ -4,11 +4,11 @@
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
+#include "launcherapp/platform/linux/desktop/SessionWatch.h"
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
 #include "launcherapp/platform/linux/input/BusArrivals.h"
 #include "launcherapp/platform/linux/input/RivalProcesses.h"
 #include "launcherapp/platform/linux/input/RivalTable.h"
-#include "launcherapp/platform/linux/input/SessionWatch.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -53,7 +53,7 @@ public:
         : queue_(queue), work_(work), betweenLooks_(betweenLooks) {}
 
     /// The first look on its way, and after the present turn of the event loop, which the program's
-    /// start is, the buses: they may hang.
+    /// start is, the bus: it may hang.
     void begin() {
         lookedAt_ = queue_.uptime();
         std::promise<Looked> promise;
@@ -70,7 +70,7 @@ public:
             });
         queue_.post([weak = weak_from_this()] {
             if (const auto watch = weak.lock())
-                watch->watchBuses();
+                watch->watchSessionBus();
         });
     }
 
@@ -102,7 +102,6 @@ public:
     }
 
     Observers<std::string, Change> changes;
-    Observers<> resumes;
 
 private:
     using Looked = std::vector<RivalProcesses::Found>;
@@ -112,11 +111,6 @@ private:
             return;
         takeIn(first_.get());
         tellChanges(Change::found);
-    }
-
-    void watchBuses() {
-        watchSessionBus();
-        session_ = std::make_unique<SessionWatch>(work_, [this] { resumes.tell(); });
     }
 
     void watchSessionBus() {
@@ -252,11 +246,13 @@ private:
     std::set<std::string_view> told_; ///< names of the table, as the observers know them
     std::unique_ptr<QDBusServiceWatcher> busWatcher_;
     std::unique_ptr<BusArrivals> arrivals_;
-    std::unique_ptr<SessionWatch> session_;
 };
 
-LinuxRivalLaunchers::LinuxRivalLaunchers(MainQueue& queue, WorkQueues& work, Seconds betweenLooks)
-    : watch_(std::make_shared<Watch>(queue, work, betweenLooks)) {
+LinuxRivalLaunchers::LinuxRivalLaunchers(MainQueue& queue,
+                                         WorkQueues& work,
+                                         SessionWatch& session,
+                                         Seconds betweenLooks)
+    : session_(session), watch_(std::make_shared<Watch>(queue, work, betweenLooks)) {
     watch_->begin();
 }
 
@@ -276,7 +272,7 @@ LinuxRivalLaunchers::onChange(std::function<void(const std::string&, Change)> ch
 }
 
 Subscription LinuxRivalLaunchers::onSessionResumed(std::function<void()> resumed) {
-    return watch_->resumes.add(std::move(resumed));
+    return session_.onResumed(std::move(resumed));
 }
 
 void LinuxRivalLaunchers::look() {

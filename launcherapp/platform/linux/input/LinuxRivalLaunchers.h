@@ -7,6 +7,7 @@
 
 namespace tessarine {
 
+class SessionWatch;
 class WorkQueues;
 
 /// The launchers of RivalTable. Those with a name on the session bus are seen coming and going at
@@ -19,7 +20,10 @@ public:
     /// So soon after a look among the processes there is no other.
     static constexpr Seconds restOfLooks{10};
 
-    LinuxRivalLaunchers(MainQueue& queue, WorkQueues& work, Seconds betweenLooks = restOfLooks);
+    LinuxRivalLaunchers(MainQueue& queue,
+                        WorkQueues& work,
+                        SessionWatch& session,
+                        Seconds betweenLooks = restOfLooks);
     ~LinuxRivalLaunchers() override;
     LinuxRivalLaunchers(const LinuxRivalLaunchers&) = delete;
     LinuxRivalLaunchers& operator=(const LinuxRivalLaunchers&) = delete;
@@ -34,6 +38,7 @@ public:
 
 private:
     class Watch;
+    SessionWatch& session_;
     std::shared_ptr<Watch> watch_;
 };
 
