@@ -23,7 +23,9 @@ public:
 
 private:
     xcb_connection_t* connection_;
-    std::vector<std::uint16_t> keyboards_; ///< whose grabs count, the stand-ins for all included
+    /// Devices whose grabs count: each keyboard, and the two numbers that stand for all devices and
+    /// for all main ones. Empty without the extension.
+    std::vector<std::uint16_t> keyboards_;
 };
 
 /// Whether the display is one that a Wayland compositor keeps for X11 programs: keys reach it only
