@@ -9,6 +9,13 @@
 /// write. Pure; any thread.
 namespace tessarine::VirtualKeys {
 
+// Those that the program itself speaks of.
+inline constexpr std::uint16_t v = 9;
+inline constexpr std::uint16_t enter = 36;
+inline constexpr std::uint16_t space = 49;
+inline constexpr std::uint16_t backspace = 51;
+inline constexpr std::uint16_t escape = 53;
+
 /// The key of a name in lower case ("v", "space", "f5"); nothing for an unknown one.
 std::optional<std::uint32_t> code(std::string_view name);
 

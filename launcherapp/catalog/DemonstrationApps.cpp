@@ -13,7 +13,7 @@ struct Invented {
     std::string_view name;
     std::string_view id;
     std::string_view alias;
-    std::string_view icon;   ///< of the Icon Naming Specification, or widely drawn
+    std::string_view icon;   ///< of the desktop's icon naming standard, or widely drawn
     std::string_view symbol; ///< our own, where no theme draws it
     bool isRunning = false;
 };

@@ -1,5 +1,6 @@
 #include "launcherapp/hotkeys/HotkeyRecorder.h"
 
+#include "LauncherCore/commands/VirtualKeys.h"
 #include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/hotkeys/HotkeyNames.h"
 
@@ -7,8 +8,6 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::uint32_t escapeKey = 53;
-constexpr std::uint32_t backspaceKey = 51;
 constexpr HotkeyBinding none;
 
 } // namespace
@@ -35,24 +34,24 @@ void HotkeyRecorder::stop() {
     changed();
 }
 
-HotkeyRecorder::Key HotkeyRecorder::keyDown(const std::optional<HotkeyBinding>& pressed) {
+HotkeyRecorder::Outcome HotkeyRecorder::keyDown(const std::optional<HotkeyBinding>& pressed) {
     if (!isRecording_ || !pressed)
-        return Key::ignored;
+        return Outcome::ignored;
     if (pressed->carbonModifiers != 0) {
         capture(pressed);
-        return Key::captured;
+        return Outcome::captured;
     }
-    if (pressed->keyCode == escapeKey) {
+    if (pressed->keyCode == VirtualKeys::escape) {
         stop();
-        return Key::cancelled;
+        return Outcome::cancelled;
     }
-    if (pressed->keyCode == backspaceKey && allowsClear()) {
+    if (pressed->keyCode == VirtualKeys::backspace && allowsClear()) {
         capture(std::nullopt);
-        return Key::cleared;
+        return Outcome::cleared;
     }
     isRefused_ = true;
     changed();
-    return Key::refused;
+    return Outcome::refused;
 }
 
 void HotkeyRecorder::clear() {

@@ -13,14 +13,14 @@ namespace tessarine {
 class Hotkey;
 
 /// A field that a new chord is pressed into, as logic: what it shows, and what a key means to it.
-/// While it records, a chord that the program holds reaches it in place of its action. Main thread
-/// only.
+/// While it records, a chord that the program holds reaches it in place of its action. For the
+/// window of settings, which is not built yet. Main thread only.
 class HotkeyRecorder {
 public:
     enum class Clearing { forbidden, allowed };
 
     /// What became of a key.
-    enum class Key {
+    enum class Outcome {
         captured,  ///< it is the chord now
         cancelled, ///< Escape: the chord stays
         cleared,   ///< Backspace, where that is allowed
@@ -54,7 +54,7 @@ public:
     bool hasBinding() const { return binding_.has_value(); }
 
     /// A key went down; `pressed` is nothing for one that no binding can name.
-    Key keyDown(const std::optional<HotkeyBinding>& pressed);
+    Outcome keyDown(const std::optional<HotkeyBinding>& pressed);
 
     /// Takes the chord away; nothing happens where that is not allowed.
     void clear();

@@ -1,5 +1,6 @@
 #include "launcherapp/hotkeys/HotkeySetup.h"
 
+#include "LauncherCore/commands/VirtualKeys.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/RivalLaunchers.h"
 #include "launcherapp/shell/Prefs.h"
@@ -15,22 +16,22 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::uint32_t spaceKey = 49;
-constexpr HotkeyBinding commandSpace{.keyCode = spaceKey,
-                                     .carbonModifiers = HotkeyModifiers::command};
+using VirtualKeys::space;
+
+constexpr HotkeyBinding commandSpace{.keyCode = space, .carbonModifiers = HotkeyModifiers::command};
+/// For a chord of the panel's that can't be had, the first that is free. Alt+Space opens a window's
+/// menu with most window managers, and a desktop's runner may have it too, so it alone may leave
+/// the panel without any key; the others have Super and a second modifier, which desktops leave to
+/// the user and programs don't bind.
 constexpr auto standIns = std::to_array<HotkeyBinding>({
-    {.keyCode = spaceKey, .carbonModifiers = HotkeyModifiers::option},
-    {.keyCode = spaceKey, .carbonModifiers = HotkeyModifiers::control | HotkeyModifiers::command},
-    {.keyCode = spaceKey, .carbonModifiers = HotkeyModifiers::option | HotkeyModifiers::command},
+    {.keyCode = space, .carbonModifiers = HotkeyModifiers::option},
+    {.keyCode = space, .carbonModifiers = HotkeyModifiers::control | HotkeyModifiers::command},
+    {.keyCode = space, .carbonModifiers = HotkeyModifiers::option | HotkeyModifiers::command},
 });
 constexpr HotkeyBinding none;
 constexpr std::array ownIDs{HotkeyIDs::panel, HotkeyIDs::clipboard, HotkeyIDs::voice};
 
 } // namespace
-
-std::span<const HotkeyBinding> HotkeySetup::fallbacks() {
-    return standIns;
-}
 
 HotkeySetup::HotkeySetup(Services services, Actions actions)
     : services_(services), actions_(std::move(actions)) {}

@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -33,18 +32,12 @@ public:
         std::function<void()> voice;
     };
 
-    /// Stand in for a chord of the panel's that can't be had, the first that is free. Alt+Space
-    /// opens a window's menu with most window managers, and a desktop's runner may have it too, so
-    /// it alone may leave the panel without any key; the others have Super and a second modifier,
-    /// which desktops leave to the user and programs don't bind.
-    static std::span<const HotkeyBinding> fallbacks();
-
     HotkeySetup(Services services, Actions actions);
     HotkeySetup(const HotkeySetup&) = delete;
     HotkeySetup& operator=(const HotkeySetup&) = delete;
 
-    /// Takes the chords. From then on it is done again when a setting of them changes, and those
-    /// that were refused are asked for again when the keyboard does.
+    /// Takes the chords, and again whenever a setting of them changes. When the keyboard changes,
+    /// those that were refused are asked for once more.
     void registerHotkey();
 
     /// Asks again for those chords of the settings that are not held now. What stands in for one

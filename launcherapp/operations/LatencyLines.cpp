@@ -11,6 +11,7 @@ namespace tessarine {
 
 namespace {
 
+// Milliseconds.
 constexpr double showBar = 50;
 constexpr double pressBar = 33;
 constexpr double slowestPress = 100;
@@ -41,8 +42,10 @@ ReportLine LatencyLines::show(std::span<const double> samples) {
     const auto median = medianOf(samples);
     return {.status = judged(median < showBar),
             .label = label,
-            .value = fmt::format(
-                "median {:.1f} ms over {} opens (target under 50)", median, samples.size())};
+            .value = fmt::format("median {:.1f} ms over {} opens (target under {:.0f})",
+                                 median,
+                                 samples.size(),
+                                 showBar)};
 }
 
 ReportLine LatencyLines::press(std::span<const double> samples) {
@@ -54,10 +57,12 @@ ReportLine LatencyLines::press(std::span<const double> samples) {
     return {.status = judged(median < pressBar && slowest <= slowestPress),
             .label = label,
             .value = fmt::format("median {:.1f} ms, slowest {:.0f} ms over {} presses (target: "
-                                 "median under 33, none over 100)",
+                                 "median under {:.0f}, none over {:.0f})",
                                  median,
                                  slowest,
-                                 samples.size())};
+                                 samples.size(),
+                                 pressBar,
+                                 slowestPress)};
 }
 
 ReportLine LatencyLines::search(std::span<const double> samples) {
@@ -68,9 +73,10 @@ ReportLine LatencyLines::search(std::span<const double> samples) {
     return {.status = judged(median < searchBar),
             .label = label,
             .value = fmt::format("median {:.2f} ms per keystroke over {} keystrokes (bar: under "
-                                 "one 60 Hz frame, 16 ms)",
+                                 "one 60 Hz frame, {:.0f} ms)",
                                  median,
-                                 samples.size())};
+                                 samples.size(),
+                                 searchBar)};
 }
 
 std::vector<ReportLine> LatencyLines::of(const Diagnostics& diagnostics) {

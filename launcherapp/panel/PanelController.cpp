@@ -128,7 +128,7 @@ void PanelController::showBody() {
     services_.updater.checkIfDue(updateInterval);
 }
 
-/// The work of drawing is over, so that it counts.
+/// The time of a show ends here, so that drawing is part of it.
 void PanelController::painted() {
     if (std::exchange(isMeasured_, true))
         return;
@@ -217,7 +217,7 @@ std::vector<Screen> PanelController::place() {
     auto frame = PanelPlacement::frame(screen->workArea,
                                        prefs.position(),
                                        PanelPlacement::width(prefs.width()),
-                                       isRemembered ? PanelPlacement::leastRoom(shown)
+                                       isRemembered ? PanelPlacement::heightToKeepFree(shown)
                                                     : PanelPlacement::desiredHeight(shown),
                                        prefs.rememberedOrigin());
     frame.height = PanelPlacement::fittingHeight(screen->workArea, frame.y, shown);

@@ -38,8 +38,7 @@ public:
         Updater& updater;
     };
 
-    /// Becomes the window's and the model's: it hears of what happens to the one, and hides the
-    /// panel for the other.
+    /// Takes over the window's events and the model's `dismiss`.
     explicit PanelController(Services services);
     PanelController(const PanelController&) = delete;
     PanelController& operator=(const PanelController&) = delete;
@@ -50,7 +49,7 @@ public:
     void show();
     void show(const std::string& query);
     void showClipboard();
-    /// There is no voice input: the log says so.
+    /// Shows nothing, as there is no voice input yet: a line of the log says so.
     void showListening();
     void hide();
     void toggle();
@@ -62,8 +61,7 @@ public:
     void relayout();
     /// Runs the first row with no list to be seen: for a command's own chord.
     void runTopRow();
-    /// Shows the selected row to look at, or takes that away; nothing happens while `preview` is
-    /// empty.
+    /// Hands the selected row to `preview`. Nothing happens while that is empty, or without a row.
     void togglePreview();
     /// Opens the menu of the selected row, or closes what is open.
     void showActions();
@@ -82,7 +80,8 @@ public:
     /// Takes over the heights of the view's parts, at once when the panel is up.
     void setHeights(const PanelPlacement::Heights& heights);
 
-    /// Shows a row's contents in a window of the desktop; empty where nothing can.
+    /// Shows a row's contents in a window of its own, or takes that away. Empty until there is
+    /// something that does.
     std::function<void(const ResultRow& row)> preview;
 
 private:

@@ -7,19 +7,13 @@ namespace tessarine {
 
 namespace {
 
-// What surrounds the rows, from top to bottom.
-constexpr double aboveRows = 67;
-constexpr double belowRows = 12;
-constexpr double separator = 1;
-constexpr double footer = 30;
-
 /// Below these a list is no list: kept free under a remembered place.
 constexpr std::size_t fewRows = 3;
 
 constexpr double upperShare = 0.2;  ///< of the work area, above the panel
 constexpr double centerSink = 0.25; ///< of the height beyond the field's, below the middle
 
-/// Between the edges with their margin; at the lower edge where there is no room.
+/// Between the two edges with their margin; at the first of them where there is no room.
 double within(double value, double low, double high, double size) {
     return std::max(low + PanelPlacement::margin,
                     std::min(value, high - PanelPlacement::margin - size));
@@ -41,16 +35,16 @@ double PanelPlacement::width(PanelWidth width) {
 
 double PanelPlacement::desiredHeight(const Contents& contents) {
     const auto& heights = contents.heights;
-    const auto part = [](double height) { return height > 0 ? height + separator : 0; };
+    const auto part = [](double height) { return height > 0 ? height + separatorHeight : 0; };
     double height = emptyHeight;
     if (contents.rows > 0) {
         const auto shown = static_cast<double>(std::min(contents.rows, contents.mostRows));
-        const double list = std::max(heights.row * shown + belowRows, heights.previewBeside);
-        height = aboveRows + list + separator + footer + part(heights.previewBelow);
+        const double list = std::max(heights.row * shown + 2 * listPadding, heights.previewBeside);
+        height = headerHeight + list + separatorHeight + footerHeight + part(heights.previewBelow);
     }
     height += part(heights.headAbove);
     // A menu opens over an empty list too.
-    const double open = heights.overlay > 0 ? aboveRows + heights.overlay + footer : 0;
+    const double open = heights.overlay > 0 ? headerHeight + heights.overlay + footerHeight : 0;
     return std::max(height, open);
 }
 
@@ -90,7 +84,7 @@ Rectangle PanelPlacement::frame(const Rectangle& workArea,
     return frame;
 }
 
-double PanelPlacement::leastRoom(const Contents& contents) {
+double PanelPlacement::heightToKeepFree(const Contents& contents) {
     auto few = contents;
     few.rows = std::max(contents.rows, fewRows);
     few.mostRows = std::min(contents.mostRows, fewRows);

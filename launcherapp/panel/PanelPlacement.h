@@ -12,9 +12,13 @@
 /// Where the panel stands and how tall it is. Pure; any thread. Logical pixels.
 namespace tessarine::PanelPlacement {
 
-inline constexpr double emptyHeight = 97; ///< of the panel without rows
-inline constexpr double fieldHeight = 58; ///< of the row that holds the field
-inline constexpr double margin = 8;       ///< kept to the edges of a screen
+inline constexpr double fieldHeight = 58;  ///< of the row that holds the field
+inline constexpr double headerHeight = 67; ///< of that row and the air around it
+inline constexpr double separatorHeight = 1;
+inline constexpr double listPadding = 6; ///< above the first row and below the last one
+inline constexpr double footerHeight = 30;
+inline constexpr double emptyHeight = headerHeight + footerHeight; ///< of the panel without rows
+inline constexpr double margin = 8;                                ///< kept to a screen's edges
 
 /// What the view says of its parts, each 0 for none.
 struct Heights {
@@ -22,7 +26,7 @@ struct Heights {
     double headAbove = 0;    ///< of what stands between the field and the list
     double previewBelow = 0; ///< of a clipping's preview below the list; it is nothing without rows
     double previewBeside = 0; ///< least height of the list for a preview beside it
-    double overlay = 0;      ///< that an open menu or the sheet wants between field row and footer
+    double overlay = 0;       ///< that an open menu or the sheet wants between field row and footer
 
     bool operator==(const Heights&) const = default;
 };
@@ -50,9 +54,9 @@ Rectangle frame(const Rectangle& workArea,
                 double height,
                 const std::vector<double>& remembered);
 
-/// The height to pull a remembered place into the screen by: that of a few rows at least. With the
-/// field's alone, a panel that was left at the lower edge would never have room for a list.
-double leastRoom(const Contents& contents);
+/// The height that a remembered place is to have free below it: that of a few rows at least. With
+/// the field's alone, a panel that was left at the lower edge would never have room for a list.
+double heightToKeepFree(const Contents& contents);
 
 /// The height for as many of the rows as there is room for below `top`, so that a list which grows
 /// scrolls before it leaves the screen; at least `emptyHeight`.

@@ -34,7 +34,7 @@ public:
         std::function<void()> keyboardCame;
         /// The user moved the window, or the program did.
         std::function<void(Rectangle frame)> moved;
-        /// What was asked for is drawn and on its way to the display: once after each `show`.
+        /// What was asked for is drawn and the display has it: once after each `show`.
         std::function<void()> painted;
         /// Monitors came, went or changed.
         std::function<void()> screensChanged;
@@ -54,7 +54,7 @@ public:
     virtual void setFrame(const Rectangle& frame) = 0;
 
     /// Brings it up with the field focused, and takes the keyboard: at once when it is free, else
-    /// as soon as it is, trying for a moment before `lostKeyboard`.
+    /// as soon as it is, trying for a second before `lostKeyboard`.
     virtual void show() = 0;
     virtual void hide() = 0;
     virtual bool isVisible() const = 0;

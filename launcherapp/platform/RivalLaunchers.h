@@ -10,7 +10,7 @@
 namespace tessarine {
 
 /// Other programs that people summon by a key, and that may hold the same one. Main thread only;
-/// answers from what was last seen, without waiting for more than a moment.
+/// answers from what was last seen, and waits no longer than 50 ms for the first look.
 class RivalLaunchers {
 public:
     enum class Change {

@@ -1,5 +1,6 @@
 #include "launcherapp/query/PanelKeys.h"
 
+#include "LauncherCore/commands/VirtualKeys.h"
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
@@ -8,10 +9,6 @@
 namespace tessarine {
 
 namespace {
-
-// Virtual key codes, as chords name them.
-constexpr std::uint16_t spaceKey = 49;
-constexpr std::uint16_t returnKey = 36;
 
 constexpr KeyModifiers command{.command = true};
 constexpr std::string_view quickLook = "Quick Look the selected result";
@@ -23,11 +20,11 @@ chord(PanelKeyAction action, std::string_view characters, std::string_view label
 }
 
 constexpr auto table = std::to_array<PanelChord>({
-    {PanelKeyAction::previewShift, {.shift = true}, spaceKey, std::nullopt, quickLook},
+    {PanelKeyAction::previewShift, {.shift = true}, VirtualKeys::space, std::nullopt, quickLook},
     chord(PanelKeyAction::preview, "y", quickLook),
     {PanelKeyAction::secondary,
      command,
-     returnKey,
+     VirtualKeys::enter,
      std::nullopt,
      "Run the selected result's second action"},
     chord(PanelKeyAction::actions, "k", "Show actions for the selected result"),

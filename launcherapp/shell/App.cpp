@@ -37,7 +37,8 @@ namespace tessarine {
 
 namespace {
 
-/// How long the end of the program waits for background work, of which nothing is lost.
+/// How long the end of the program waits for background work. Saves take much less; a walk or a
+/// scan that is cut off is made anew by the next start.
 constexpr Seconds lastPatience{0.5};
 
 void printLine(std::string_view line) {

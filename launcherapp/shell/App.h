@@ -8,8 +8,10 @@
 
 namespace tessarine {
 
-/// The running program: every long-lived object, made in start-up order and wired here, nowhere
-/// else. Main thread only.
+/// The running program. It makes what lives as long as that, in start-up order: `AppDoors` with the
+/// doors to the world, `AppServices` with the services that every run has, `RowWiring`, which gives
+/// the search model its rows and what they do, and `DesktopPresence` with the panel, its chords and
+/// the tray icon. Main thread only.
 class App {
 public:
     /// `launchedAt` is when the process began, by the main queue's uptime. Throws

@@ -106,6 +106,8 @@ void AppServices::preferenceChanged(std::string_view key) {
         rates.refreshIfStale(Rates::Force::no);
 }
 
+/// Of a save that fails nobody is told: the value in memory stays valid, and the next use of the
+/// program saves it again.
 StateFile AppServices::stateFile(const std::string& name) {
     return {doors.files,
             doors.work.serial("com.corvane.tessarine.state"),

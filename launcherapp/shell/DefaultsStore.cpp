@@ -107,7 +107,7 @@ bool agree(const Json& one, const Json& other, const std::string& key) {
     return *inOne == *inOther;
 }
 
-/// The first change is looked at after this, so that an editor that writes in steps is done.
+/// From the first change of the file until it is read: an editor that writes in steps is done then.
 constexpr Seconds settling{0.2};
 constexpr Seconds latency{0.25}; ///< between reports of the folder's changes
 

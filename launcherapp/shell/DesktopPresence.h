@@ -15,8 +15,9 @@ class PanelController;
 class WindowList;
 class WorkQueues;
 
-/// What of the program is on the desktop: the panel, the keys that summon it, and the tray icon.
-/// Made where Qt has windows; its parts come in the order of the functions. Main thread only.
+/// What the user sees of the program on the desktop: the panel, the keys that summon it, and the
+/// tray icon. Made only where Qt has windows. The functions up to `registerHotkey` make its parts,
+/// and are called in this order. Main thread only.
 class DesktopPresence {
 public:
     struct Services {

@@ -19,7 +19,7 @@ namespace tessarine {
 /// The stored words of an enumeration, in the order of its cases; specialised beside each.
 template <typename Enum> struct StoredNames;
 
-/// How a value of a preference is stored. Nothing for what is stored but can't be read so.
+/// How a preference's value is stored. Reading gives nothing when what is stored is no such value.
 template <typename T, typename = void> struct StoredForm {
     static DefaultsValue toStore(const T& value) { return value; }
 
@@ -57,7 +57,7 @@ template <> struct StoredForm<ClipRetention> {
 struct PreferenceGroup {
     DefaultsStore& store;
     std::function<void(std::string_view key)> changed = nullptr; ///< after each change
-    /// By key: reads the stored value again; whether it is another one now.
+    /// By key: reads the stored value again, and says whether it is another one now.
     std::map<std::string_view, std::function<bool()>> rereads = {};
 };
 
@@ -87,8 +87,8 @@ public:
         group_.changed(key_);
     }
 
-    /// Takes the stored value through `newer` now and whenever it is read: in memory alone, for
-    /// one that is read in a newer way than it was written.
+    /// Changes what was read by `newer`, now and at each later reading: for a setting that an
+    /// older version wrote in another way. The file keeps the old form until `set`.
     void readAs(std::function<T(const T& stored)> newer) {
         newer_ = std::move(newer);
         value_ = newer_(value_);

@@ -1,5 +1,6 @@
 #include "launcherapp/shell/Prefs.h"
 
+#include "LauncherCore/commands/VirtualKeys.h"
 #include "LauncherCore/query/LearnedRank.h"
 #include "LauncherCore/query/UsageLog.h"
 #include "LauncherCore/text/LocaleFacts.h"
@@ -14,9 +15,11 @@ namespace {
 
 using StoredNumbers = std::map<std::string, std::int64_t>;
 
-// Virtual key codes and modifiers of the chords that come with the program.
-constexpr HotkeyBinding commandSpace{.keyCode = 49, .carbonModifiers = 0x100};
-constexpr HotkeyBinding commandShiftV{.keyCode = 9, .carbonModifiers = 0x300};
+constexpr HotkeyBinding commandSpace{.keyCode = VirtualKeys::space,
+                                     .carbonModifiers = HotkeyModifiers::command};
+constexpr HotkeyBinding commandShiftV{.keyCode = VirtualKeys::v,
+                                      .carbonModifiers =
+                                          HotkeyModifiers::command | HotkeyModifiers::shift};
 constexpr std::int64_t usualRows = 9;
 constexpr std::int64_t longestClipping = 5'000'000;
 constexpr std::int64_t recentCalculations = 3;

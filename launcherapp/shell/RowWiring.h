@@ -23,8 +23,8 @@ class RecentApps;
 class SearchModel;
 class UsageStore;
 
-/// Gives the model its families of rows and what rows can have done, of the services that there
-/// are. Main thread only; the references live as long as this.
+/// Connects the search model to the services: which of them gives it which rows, and which does
+/// what a row asks for. Main thread only; what it refers to outlives it.
 class RowWiring {
 public:
     struct Services {
@@ -39,14 +39,15 @@ public:
         Diagnostics& diagnostics;
     };
 
-    /// What rows have done by the program itself.
+    /// What a row asks the program itself to do.
     struct Verbs {
         std::function<void(const std::string& text)> copyText; ///< empty without a clipboard
         std::function<void()> openSettings;
         std::function<void()> quitProgram;
     };
 
-    /// Wires everything but what is told of below. `home` is shown as "~" in paths.
+    /// Connects all services but those that `add` takes, which are made later. `home` is shown as
+    /// "~" in paths.
     RowWiring(Services services, Verbs verbs, std::string home);
     RowWiring(const RowWiring&) = delete;
     RowWiring& operator=(const RowWiring&) = delete;

@@ -15,20 +15,19 @@ constexpr auto singleInstance = std::to_array<Task>({
     {"services", &Hooks::services},
 });
 constexpr auto settingsShortcut = std::to_array<Task>({
-    // The panel's own chord opens the settings until there is another window to press it in.
-    {"settings shortcut"},
+    {"settings shortcut"}, // not built yet: the panel's own chord opens the settings
 });
 constexpr auto appearance = std::to_array<Task>({
     {"appearance presets", &Hooks::appearance},
     {"app icon", &Hooks::appIcon},
 });
 constexpr auto menus = std::to_array<Task>({
-    {"main menu"},
+    {"main menu"}, // not built yet
     {"status item", &Hooks::statusItem},
 });
 constexpr auto catalogs = std::to_array<Task>({
-    {"command store"},
-    {"system commands"},
+    {"command store"},   // not built yet
+    {"system commands"}, // not built yet
     {"app catalog", &Hooks::appCatalog},
     {"mounted volumes", &Hooks::mountedVolumes},
     {"file index", &Hooks::fileIndex},
@@ -37,13 +36,13 @@ constexpr auto panel = std::to_array<Task>({
     {"panel", &Hooks::panel},
 });
 constexpr auto stallWatch = std::to_array<Task>({
-    {"stall watch"}, // a ping every 0.25 s
+    {"stall watch"}, // not built yet
 });
 constexpr auto sources = std::to_array<Task>({
-    {"clip groups"},
-    {"clipboard watcher"},
-    {"clipboard sync"},
-    {"settings sync"},
+    {"clip groups"},       // not built yet
+    {"clipboard watcher"}, // not built yet
+    {"clipboard sync"},    // not built yet
+    {"settings sync"},     // not built yet
     {"recent apps", &Hooks::recentApps},
     {"rates", &Hooks::rates},
     {"zones", &Hooks::zones},
@@ -53,8 +52,8 @@ constexpr auto tables = std::to_array<Task>({
 });
 constexpr auto companions = std::to_array<Task>({
     {"calculations", &Hooks::calculations},
-    {"companions"},
-    {"chat source"},
+    {"companions"},  // not built yet
+    {"chat source"}, // not built yet
     {"session lock", &Hooks::sessionLock},
 });
 constexpr auto hotkeys = std::to_array<Task>({
@@ -62,9 +61,9 @@ constexpr auto hotkeys = std::to_array<Task>({
     {"name on the session bus", &Hooks::busName},
 });
 constexpr auto updater = std::to_array<Task>({
-    {"doctor's look at the desktop's own search"},
-    // A check every 900 s, held while the user is busy: a flag says so, or the last use is less
-    // than 120 s ago.
+    {"doctor's look at the desktop's own search"}, // not built yet
+    // Not built yet: it will check every 900 s, but not while the user is busy, of which a flag or
+    // a use less than 120 s ago is the sign.
     {"updater's configuration"},
     {"updater"},
 });

@@ -31,15 +31,15 @@ struct Hooks {
     std::function<void()> answerTables; ///< in the background: time zones and places
     std::function<void()> calculations;
     std::function<void()> sessionLock;
-    std::function<void()> hotkeys; ///< only now can the panel be summoned by a key
-    std::function<void()> busName; ///< nor by the desktop
+    std::function<void()> hotkeys; ///< from here on a key summons the panel
+    std::function<void()> busName; ///< from here on the desktop can summon it too
     std::function<void()> launchLine;
     std::function<void()> modes;
 };
 
 struct Task {
     std::string_view name;
-    /// Null for a service that has not landed: its place is kept.
+    /// Null for a service that is not built yet: its place is kept.
     std::function<void()> Hooks::*hook = nullptr;
 };
 

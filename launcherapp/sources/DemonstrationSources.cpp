@@ -1,10 +1,12 @@
 #include "launcherapp/sources/DemonstrationSources.h"
 
 #include "LauncherCore/query/Matcher.h"
+#include "LauncherCore/text/Graphemes.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/sources/DemonstrationPictures.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -115,13 +117,19 @@ struct Clipping {
     RowPreview preview;
 };
 
+std::string lengthInWords(std::string_view text) {
+    return fmt::format("{} characters", Graphemes::count(text));
+}
+
 std::vector<Clipping> inventedClippings() {
-    constexpr auto letter =
+    constexpr std::string_view link = "https://tidewater.example/slipway";
+    constexpr std::string_view letter =
         "Dear Wren,\n\nthe mooring by the lantern pier is free from the first of May. The tide "
         "table says that we can come in between ten and noon; later the bar is dry.\n\nBring the "
         "blue kite.\n\nImani";
-    constexpr auto code = "def tide(hours):\n    \"\"\"Height above the bar, in metres.\"\"\"\n"
-                          "    return 2.4 + 1.9 * cos(hours / 12.42 * tau)\n";
+    constexpr std::string_view code =
+        "def tide(hours):\n    \"\"\"Height above the bar, in metres.\"\"\"\n"
+        "    return 2.4 + 1.9 * cos(hours / 12.42 * tau)\n";
     return {
         {"1",
          "text",
@@ -129,7 +137,8 @@ std::vector<Clipping> inventedClippings() {
          "Bluebird Mail · 2 min ago",
          "doc.text",
          std::nullopt,
-         {RowPreview::Text{letter}, {"211 characters", "copied from Bluebird Mail"}}},
+         {RowPreview::Text{std::string(letter)},
+          {lengthInWords(letter), "copied from Bluebird Mail"}}},
         {"2",
          "image",
          "Harbour at dusk",
@@ -140,12 +149,11 @@ std::vector<Clipping> inventedClippings() {
           {"480 × 300", "copied from Darkroom"}}},
         {"3",
          "link",
-         "https://tidewater.example/slipway",
+         std::string(link),
          "Firewheel · 40 min ago",
          "link",
          "↗",
-         {RowPreview::Text{"https://tidewater.example/slipway"},
-          {"33 characters", "copied from Firewheel"}}},
+         {RowPreview::Text{std::string(link)}, {lengthInWords(link), "copied from Firewheel"}}},
         {"4",
          "file",
          "Kite drawings and 2 more",
@@ -162,9 +170,19 @@ std::vector<Clipping> inventedClippings() {
          "Teletype · yesterday",
          "terminal",
          std::nullopt,
-         {RowPreview::Text{.text = code, .isCode = true},
-          {"119 characters", "copied from Teletype"}}},
+         {RowPreview::Text{.text = std::string(code), .isCode = true},
+          {lengthInWords(code), "copied from Teletype"}}},
     };
+}
+
+/// What a copy of it puts on the clipboard, which takes text alone: of a picture there is its name.
+std::string textOf(const Clipping& clipping) {
+    const auto& content = clipping.preview.content;
+    if (const auto* text = std::get_if<RowPreview::Text>(&content))
+        return text->text;
+    if (const auto* files = std::get_if<RowPreview::Files>(&content))
+        return fmt::format("{}", fmt::join(files->paths, "\n"));
+    return clipping.title;
 }
 
 Rows clippingRows(const std::vector<Clipping>& clippings,
@@ -183,7 +201,7 @@ Rows clippingRows(const std::vector<Clipping>& clippings,
                         .subtitle = clipping.detail,
                         .image = picture ? std::optional(picture->image) : std::nullopt,
                         .symbol = clipping.symbol,
-                        .primary = copying(verbs, clipping.title),
+                        .primary = copying(verbs, textOf(clipping)),
                         .primaryLabel = "copy",
                         .glyph = clipping.glyph});
     }

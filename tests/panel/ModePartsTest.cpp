@@ -71,6 +71,26 @@ protected:
         fit();
     }
 
+    QImage pictureOf(QWidget& part, const QSize& size) {
+        part.resize(size);
+        QImage image(size, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        part.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        return image;
+    }
+
+    /// The smallest rectangle that holds all pixels that differ; empty for none.
+    QRect difference(const QImage& one, const QImage& other) {
+        QRect rectangle;
+        for (int y = 0; y < one.height(); ++y) {
+            for (int x = 0; x < one.width(); ++x) {
+                if (one.pixel(x, y) != other.pixel(x, y))
+                    rectangle |= QRect(x, y, 1, 1);
+            }
+        }
+        return rectangle;
+    }
+
     std::optional<CurrencyReading> money;
     std::optional<RowPreview> preview = RowPreview{PreviewText{"one\ntwo"}, {"7 characters"}};
 };
@@ -104,15 +124,15 @@ TEST_F(ModePartsTest, anEqualReadingIsNotDrawnAgain) {
     money = CurrencyReading{.amount = 20, .code = "EUR", .typed = "eur"};
     CurrencyStrip strip(nullptr, panel.root().style(), panel.root().images());
     strip.resize(400, strip.sizeHint().height());
-    strip.show(*money);
-    static_cast<QWidget&>(strip).show();
+    strip.setReading(*money);
+    strip.show();
     QApplication::processEvents();
     Paints paints(strip);
-    strip.show(*money);
+    strip.setReading(*money);
     QApplication::processEvents();
     EXPECT_EQ(paints.count, 0);
     money->amount = 21;
-    strip.show(*money);
+    strip.setReading(*money);
     QApplication::processEvents();
     EXPECT_GT(paints.count, 0);
 }
@@ -166,22 +186,42 @@ TEST_F(ModePartsTest, anyContentIsDrawnInAnyRoom) {
                          .pixels = std::make_shared<const std::vector<std::uint32_t>>(600, ~0U)};
     auto mask = picture;
     mask.isMask = true;
-    const RowPreview previews[] = {
-        {PreviewText{std::string(20000, 'w')}, {}},
-        {PreviewText{"\x01\u202E\t\n\n\nא", true}, {"", "\n"}},
-        {PreviewPicture{picture}, {"300 × 2"}},
-        {PreviewPicture{mask}, {}},
-        {PreviewPicture{}, {}},
-        {PreviewFiles{std::vector<std::string>(40, "/a/b")}, {}},
-        {PreviewFiles{}, {}},
+    enum class Seen { something, nothing };
+
+    struct Case {
+        std::string name;
+        RowPreview preview;
+        Seen seen = Seen::something;
     };
+
+    const Case cases[] = {
+        {"a text with no end", {PreviewText{std::string(20000, 'w')}, {}}},
+        {"signs that can't be seen", {PreviewText{"\x01\u202E\t\n\n\nא", true}, {"", "\n"}}},
+        {"a line of a picture", {PreviewPicture{picture}, {"300 × 2"}}},
+        {"a mask", {PreviewPicture{mask}, {}}},
+        {"no picture", {PreviewPicture{}, {}}, Seen::nothing},
+        {"more files than lines", {PreviewFiles{std::vector<std::string>(40, "/a/b")}, {}}},
+        {"no file", {PreviewFiles{}, {}}, Seen::nothing},
+    };
+    preview = RowPreview{};
     services.prefs.clipPreviewPlacement.set(ClipPreviewPlacement::below);
-    for (const auto& each : previews) {
-        preview = each;
-        openClipboard();
-        drawn();
-        part<ClippingPreview>().resize(3, 3);
-        drawn();
+    openClipboard();
+    auto& shown = part<ClippingPreview>();
+    const auto size = shown.size();
+    constexpr QSize noRoom(3, 3);
+    const auto empty = pictureOf(shown, size);
+    const auto emptyWithoutRoom = pictureOf(shown, noRoom);
+    for (const auto& [name, content, seen] : cases) {
+        SCOPED_TRACE(name);
+        shown.setPreview(content);
+        const auto changed = difference(pictureOf(shown, size), empty);
+        EXPECT_EQ(changed.isEmpty(), seen == Seen::nothing);
+        // The edge between the part and the list, and the air to both sides, stay free.
+        EXPECT_TRUE(QRect(QPoint(), size)
+                        .adjusted(PanelStyle::edge, 2, -PanelStyle::edge, 0)
+                        .contains(changed) ||
+                    changed.isEmpty());
+        EXPECT_TRUE(difference(pictureOf(shown, noRoom), emptyWithoutRoom).isEmpty());
     }
 }
 

@@ -74,7 +74,7 @@ TEST_F(PanelViewTest, theFieldStaysOnItsPixel) {
     rows.clear();
     model.setQuery("b");
     EXPECT_EQ(settle(), place);
-    panel.root().setSheetShown(true);
+    panel.root().showSheet();
     EXPECT_EQ(settle(), place);
     EXPECT_EQ(field().width(), left);
     model.families.clipboard = [](std::string_view, const auto&) { return Rows(); };

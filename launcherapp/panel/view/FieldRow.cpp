@@ -26,10 +26,6 @@ constexpr int mostChipWidth = 200;
 /// The editor's own margin inside its frame (qlineedit_p.h).
 constexpr int editorMargin = 2;
 
-QString shown(const std::string& text) {
-    return Drawing::toQt(ShownText::harmless(text));
-}
-
 /// What is searched at the moment.
 struct Mode {
     std::string symbol = "magnifyingglass";
@@ -42,31 +38,32 @@ Mode modeOf(const SearchModel& model) {
     if (model.clipboardMode()) {
         // Nothing is narrowed while there is nothing at all.
         const auto filter = model.families.clipboard ? model.filterTitle() : std::string();
-        return {"doc.on.clipboard",
-                filter,
-                QStringLiteral("Search the clipboard"),
-                QStringLiteral("Clipboard") +
-                    (filter.empty() ? QString() : QStringLiteral(", ") + shown(filter))};
+        return {
+            "doc.on.clipboard",
+            filter,
+            QStringLiteral("Search the clipboard"),
+            QStringLiteral("Clipboard") +
+                (filter.empty() ? QString() : QStringLiteral(", ") + Drawing::harmless(filter))};
     }
     if (model.personPath()) {
         const auto name = model.personCache() ? model.personCache()->name : std::string();
         return {"person.crop.circle",
                 name,
                 QStringLiteral("Search this card"),
-                QStringLiteral("Card of %1").arg(shown(name))};
+                QStringLiteral("Card of %1").arg(Drawing::harmless(name))};
     }
     if (model.browsePath()) {
         const auto name = ShownText::harmless(Paths::lastPart(*model.browsePath()));
         return {"folder",
                 name.empty() ? "/" : name,
                 QStringLiteral("Search in %1").arg(Drawing::toQt(name.empty() ? "/" : name)),
-                QStringLiteral("Folder %1").arg(shown(*model.browsePath()))};
+                QStringLiteral("Folder %1").arg(Drawing::harmless(*model.browsePath()))};
     }
     if (model.engaged())
         return {model.engaged()->defaultSymbol(),
                 model.engaged()->name,
                 {},
-                QStringLiteral("Command %1").arg(shown(model.engaged()->name))};
+                QStringLiteral("Command %1").arg(Drawing::harmless(model.engaged()->name))};
     return {};
 }
 
@@ -78,9 +75,9 @@ FieldRow::FieldRow(QWidget* parent, SearchModel& model, const PanelStyle& style,
 }
 
 void FieldRow::refresh() {
-    field_->show(model_.query());
+    field_->setQuery(model_.query());
     const auto mode = modeOf(model_);
-    const auto chip = shown(mode.name);
+    const auto chip = Drawing::harmless(mode.name);
     field_->setPlaceholderText(mode.placeholder);
     if (mode.spoken != field_->accessibleDescription())
         field_->setAccessibleDescription(mode.spoken);

@@ -25,7 +25,8 @@ public:
     void refresh();
     void restyle();
 
-    /// Where the mode's name stands; empty for none. A menu of it hangs from here.
+    /// Where the mode's name stands; empty for none. Among clippings a click on it opens the filter
+    /// menu.
     QRect chipRectangle() const;
 
 protected:

@@ -1,6 +1,5 @@
 #include "launcherapp/panel/view/Footer.h"
 
-#include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/drawing/KeyCaps.h"
@@ -24,7 +23,7 @@ constexpr int leastPlaceWidth = 60;
 
 /// Labels are words within a sentence; alone, they begin one.
 QString capitalised(std::string_view label) {
-    auto text = Drawing::toQt(ShownText::harmless(label));
+    auto text = Drawing::harmless(label);
     if (!text.isEmpty())
         text[0] = text[0].toUpper();
     return text;
@@ -40,7 +39,8 @@ Footer::Footer(QWidget* parent, SearchModel& model, const Prefs& prefs, const Pa
 Footer::FooterState Footer::state() const {
     if (held_)
         return *held_;
-    return isHovered_ || isCommandHeld_ ? FooterState::hints : FooterState::collapsed;
+    const bool isAsked = isHovered_ || commandKey_ == CommandKey::down;
+    return isAsked ? FooterState::hints : FooterState::collapsed;
 }
 
 std::vector<Footer::Hint> Footer::hints() const {
@@ -86,8 +86,8 @@ void Footer::refresh() {
     update();
 }
 
-void Footer::setCommandHeld(bool held) {
-    isCommandHeld_ = held;
+void Footer::setCommandKey(CommandKey key) {
+    commandKey_ = key;
     refresh();
 }
 
@@ -111,9 +111,9 @@ QString Footer::place() const {
     if (model_.clipboardMode())
         return QStringLiteral("Clipboard");
     if (model_.personPath() && model_.personCache())
-        return Drawing::toQt(ShownText::harmless(model_.personCache()->name));
+        return Drawing::harmless(model_.personCache()->name);
     if (model_.browsePath())
-        return Drawing::toQt(ShownText::harmless(*model_.browsePath()));
+        return Drawing::harmless(*model_.browsePath());
     return Drawing::toQt(ProductInfo::name);
 }
 
@@ -151,10 +151,7 @@ void Footer::paintEvent(QPaintEvent*) {
         QStyle::visualRect(layoutDirection(), rect(), QRect(PanelStyle::edge, 0, room, 2 * middle));
     painter.setFont(style_.small);
     painter.setPen(toQt(style_.palette.footerText));
-    painter.drawText(rectangle,
-                     static_cast<int>(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) |
-                                      Qt::AlignVCenter),
-                     name);
+    painter.drawText(rectangle, Drawing::leading(layoutDirection()), name);
 }
 
 } // namespace tessarine

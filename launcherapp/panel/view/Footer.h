@@ -1,5 +1,7 @@
 #pragma once
 
+#include "launcherapp/panel/view/CommandKey.h"
+
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -33,7 +35,7 @@ public:
     Footer(QWidget* parent, SearchModel& model, const Prefs& prefs, const PanelStyle& style);
 
     void refresh();
-    void setCommandHeld(bool held);
+    void setCommandKey(CommandKey key);
     /// Holds it in one state, for a picture; nothing lets it follow the pointer.
     void hold(std::optional<FooterState> state);
 
@@ -55,7 +57,7 @@ private:
     const Prefs& prefs_;
     const PanelStyle& style_;
     bool isHovered_ = false;
-    bool isCommandHeld_ = false;
+    CommandKey commandKey_ = CommandKey::up;
     std::optional<FooterState> held_;
 };
 

@@ -1,5 +1,6 @@
 #include "launcherapp/panel/view/KeyTranslation.h"
 
+#include "LauncherCore/commands/VirtualKeys.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 
 #include <algorithm>
@@ -9,9 +10,7 @@ namespace tessarine {
 
 namespace {
 
-// Virtual key codes, as chords name them.
-constexpr std::uint16_t spaceKey = 49;
-constexpr std::uint16_t returnKey = 36;
+/// No virtual key's number.
 constexpr std::uint16_t anyOtherKey = 0xFFFF;
 
 /// Where X11 and Wayland have the digit row, whatever is printed on it: a French keyboard types
@@ -29,10 +28,10 @@ KeyModifiers modifiers(const QKeyEvent& event) {
 std::uint16_t keyCode(int key) {
     switch (key) {
     case Qt::Key_Space:
-        return spaceKey;
+        return VirtualKeys::space;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return returnKey;
+        return VirtualKeys::enter;
     default:
         return anyOtherKey;
     }
@@ -127,7 +126,8 @@ QStringList KeyTranslation::keyNames(const PanelChord& chord) {
     if (chord.modifiers.shift)
         names << QStringLiteral("Shift");
     if (chord.keyCode)
-        names << (*chord.keyCode == spaceKey ? QStringLiteral("Space") : QStringLiteral("Enter"));
+        names << (*chord.keyCode == VirtualKeys::space ? QStringLiteral("Space")
+                                                       : QStringLiteral("Enter"));
     else
         names << Drawing::toQt(*chord.characters).toUpper();
     return names;

@@ -49,10 +49,10 @@ LauncherPanel::LauncherPanel(PanelViewServices services)
     };
     field.chordPressed = [this](const PanelChord& chord) { return chordPressed(chord); };
     field.typed = [this](const std::string& text) {
-        root_->setSheetShown(false);
+        root_->hideSheet();
         services_.model.setQuery(text);
     };
-    field.commandHeld = [this](bool held) { root_->setCommandHeld(held); };
+    field.commandKeyMoved = [this](CommandKey key) { root_->setCommandKey(key); };
     root_->heightChanged = [this] { call(onHeights); };
     root_->list().menuAsked = [this](const QPoint& place) {
         askForMenu(root_->list().mapTo(root_, place));
@@ -70,7 +70,7 @@ void LauncherPanel::setHooks() {
     auto& model = services_.model;
     onEscape = [this, &model] {
         if (root_->isSheetShown())
-            root_->setSheetShown(false);
+            root_->hideSheet();
         else
             model.escape();
     };
@@ -97,7 +97,12 @@ void LauncherPanel::setHooks() {
     onCopyToTop = copy;
     onCopyField = copy;
     onSettings = [&model] { call(model.verbs.openSettings); };
-    onShortcuts = [this] { root_->setSheetShown(!root_->isSheetShown()); };
+    onShortcuts = [this] {
+        if (root_->isSheetShown())
+            root_->hideSheet();
+        else
+            root_->showSheet();
+    };
 }
 
 bool LauncherPanel::perform(FieldCommand command, CaretPlace caret) {
@@ -106,7 +111,7 @@ bool LauncherPanel::perform(FieldCommand command, CaretPlace caret) {
         return true;
     }
     // The sheet is read, not used: the next key takes it away and does what it always does.
-    root_->setSheetShown(false);
+    root_->hideSheet();
     return services_.model.perform(command, caret);
 }
 
@@ -132,7 +137,7 @@ bool LauncherPanel::chordPressed(const PanelChord& chord) {
         return false;
     // As any other key, a chord takes the sheet away and does what it always does.
     if (chord.action != PanelKeyAction::shortcuts)
-        root_->setSheetShown(false);
+        root_->hideSheet();
     actOn(chord);
     return true;
 }
@@ -218,7 +223,7 @@ void LauncherPanel::changeEvent(QEvent* event) {
 
 /// Nothing of one show is left for the next: the release of a key may go to another window.
 void LauncherPanel::hideEvent(QHideEvent* event) {
-    root_->setSheetShown(false);
+    root_->hideSheet();
     QWidget::hideEvent(event);
 }
 

@@ -15,7 +15,6 @@
 #include <QApplication>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QStyle>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -117,9 +116,9 @@ void PanelRoot::settle(double scale) {
     }
 }
 
-void PanelRoot::setCommandHeld(bool held) {
-    list_->setCommandHeld(held);
-    footer_->setCommandHeld(held);
+void PanelRoot::setCommandKey(CommandKey key) {
+    list_->setCommandKey(key);
+    footer_->setCommandKey(key);
 }
 
 QWidget* PanelRoot::accessory(Slot slot) const {
@@ -150,10 +149,17 @@ void PanelRoot::holdPreview(std::optional<ClipPreviewPlacement> placement) {
     refresh();
 }
 
-void PanelRoot::setSheetShown(bool shown) {
-    if (shown == isSheetShown())
+void PanelRoot::showSheet() {
+    if (isSheetShown())
         return;
-    sheet_->setVisible(shown);
+    sheet_->show();
+    refresh();
+}
+
+void PanelRoot::hideSheet() {
+    if (!isSheetShown())
+        return;
+    sheet_->hide();
     refresh();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launcherapp/panel/PanelPlacement.h"
+#include "launcherapp/panel/view/CommandKey.h"
 #include "launcherapp/panel/view/Footer.h"
 #include "launcherapp/panel/view/PanelViewServices.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
@@ -71,7 +72,7 @@ public:
     void setTextScale(std::optional<TextScale> scale);
     /// Draws until all pictures are there that a screen of this density shows.
     void settle(double scale);
-    void setCommandHeld(bool held);
+    void setCommandKey(CommandKey key);
 
     /// Where a clipping's preview is put.
     ClipPreviewPlacement previewPlacement() const;
@@ -82,7 +83,8 @@ public:
     /// Its size hint counts.
     void setAccessory(Slot slot, QWidget* accessory);
 
-    void setSheetShown(bool shown);
+    void showSheet();
+    void hideSheet();
     bool isSheetShown() const;
 
     /// Heights of the parts, and of all of them.

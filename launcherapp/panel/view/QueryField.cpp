@@ -1,6 +1,5 @@
 #include "launcherapp/panel/view/QueryField.h"
 
-#include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
@@ -54,7 +53,7 @@ QueryField::QueryField(QWidget* parent) : QLineEdit(parent) {
     connect(this, &QLineEdit::textEdited, this, &QueryField::edited);
 }
 
-void QueryField::show(const std::string& query) {
+void QueryField::setQuery(const std::string& query) {
     const auto wanted = Drawing::toQt(query);
     if (wanted == text())
         return;
@@ -99,8 +98,8 @@ bool QueryField::offer(const QKeyEvent& event) {
 }
 
 void QueryField::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Control && commandHeld)
-        commandHeld(true);
+    if (event->key() == Qt::Key_Control)
+        tell(CommandKey::down);
     // What reaches us in the middle of a composition broke it off: it is no command then.
     const bool hasKept = hasKeptKeyBefore(*event);
     const bool wasComposing = isComposing() || hasKept;
@@ -135,8 +134,8 @@ bool QueryField::hasKeptKeyBefore(const QKeyEvent& event) {
 }
 
 void QueryField::keyReleaseEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Control && commandHeld)
-        commandHeld(false);
+    if (event->key() == Qt::Key_Control)
+        tell(CommandKey::up);
     // The toolkit keeps the press of a dead key to itself and shows nothing of it; all that is seen
     // of one is that it was let go, which may be after the key that it went with.
     const bool isPending =
@@ -155,13 +154,17 @@ void QueryField::inputMethodEvent(QInputMethodEvent* event) {
     QLineEdit::inputMethodEvent(event);
 }
 
+void QueryField::tell(CommandKey key) {
+    if (commandKeyMoved)
+        commandKeyMoved(key);
+}
+
 /// What was pressed goes on in another window.
 void QueryField::forgetKeys() {
     awaitsNextKey_ = false;
     hasJustComposed_ = false;
     arrived_.clear();
-    if (commandHeld)
-        commandHeld(false);
+    tell(CommandKey::up);
 }
 
 void QueryField::focusOutEvent(QFocusEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "launcherapp/panel/view/CommandKey.h"
 #include "launcherapp/query/PanelKeys.h"
 #include "launcherapp/query/SearchModel.h"
 
@@ -29,10 +30,10 @@ public:
     /// After each change by the user; the text is one line, without control characters.
     std::function<void(const std::string& text)> typed;
     /// Ctrl went down or up.
-    std::function<void(bool held)> commandHeld;
+    std::function<void(CommandKey key)> commandKeyMoved;
 
     /// Shows the model's text, the caret at its end; nothing happens when it is shown already.
-    void show(const std::string& text);
+    void setQuery(const std::string& query);
 
     void restyle(const PanelStyle& style);
 
@@ -43,8 +44,6 @@ public:
 
     /// Whether an input method or a dead key is waiting for more keys.
     bool isComposing() const { return !preedit_.isEmpty() || awaitsNextKey_; }
-
-    using QLineEdit::show;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -59,6 +58,7 @@ protected:
 private:
     bool offer(const QKeyEvent& event);
     bool hasKeptKeyBefore(const QKeyEvent& event);
+    void tell(CommandKey key);
     void forgetKeys();
     void edited(const QString& text);
     void align();

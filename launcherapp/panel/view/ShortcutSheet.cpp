@@ -8,7 +8,6 @@
 #include <QAccessible>
 #include <QFontMetrics>
 #include <QPainter>
-#include <QStyle>
 #include <algorithm>
 
 namespace tessarine {
@@ -37,6 +36,8 @@ void ShortcutSheet::showEvent(QShowEvent* event) {
     }
     setAccessibleDescription(spoken.join(QStringLiteral(". ")));
     QWidget::showEvent(event);
+    // Nothing in it can be reached with the keys, so a screen reader would never come to it by
+    // itself.
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
 }
@@ -62,7 +63,6 @@ std::vector<ShortcutSheet::Line> ShortcutSheet::lines() const {
     return lines;
 }
 
-/// Nothing in it can be reached with the keys, so a reader would never come to it by itself.
 int ShortcutSheet::chordsWidth(const Line& line) const {
     int width = 0;
     for (const auto& chord : line.chords)
@@ -88,10 +88,7 @@ void ShortcutSheet::paintEvent(QPaintEvent*) {
     painter.setFont(style_.subtitle);
     painter.setPen(toQt(palette.subtitle));
     const QRect title(padding, 4, width() - 2 * padding, titleHeight);
-    painter.drawText(title,
-                     static_cast<int>(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) |
-                                      Qt::AlignVCenter),
-                     accessibleName());
+    painter.drawText(title, Drawing::leading(layoutDirection()), accessibleName());
     int top = titleHeight;
     for (const auto& line : lines()) {
         drawLine(painter, line, QRect(padding, top, width() - 2 * padding, lineHeight));
@@ -102,16 +99,14 @@ void ShortcutSheet::paintEvent(QPaintEvent*) {
 void ShortcutSheet::drawLine(QPainter& painter, const Line& line, const QRect& place) const {
     const int chords = chordsWidth(line);
     const auto mirrored = [&](int left, int width) {
-        return QStyle::visualRect(
-            layoutDirection(), place, QRect(left, place.top(), width, place.height()));
+        return Drawing::mirrored(layoutDirection(), place, left, width);
     };
     const auto label = mirrored(place.left(), place.width() - chords - textGap);
     painter.setFont(style_.title);
     painter.setPen(toQt(style_.palette.menuText));
     painter.drawText(
         label,
-        static_cast<int>(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) |
-                         Qt::AlignVCenter),
+        Drawing::leading(layoutDirection()),
         QFontMetrics(style_.title).elidedText(line.label, Qt::ElideRight, label.width()));
     auto at = mirrored(place.right() + 1 - chords, chords).left();
     for (const auto& chord : line.chords) {

@@ -39,14 +39,14 @@ protected:
 };
 
 TEST_F(AppLauncherTest, startsTheProgramWithItsSurroundings) {
-    EXPECT_EQ(
-        launch({.bundleID = "a", .exec = "app --x %F", .workingDirectory = "/work"}, {"file:///f"}),
-        std::nullopt);
+    EXPECT_EQ(launch({.bundleID = "a", .exec = "app --x %F", .workingDirectory = "/elsewhere"},
+                     {"file:///f"}),
+              std::nullopt);
     launch({.bundleID = "a", .exec = "app"});
     ASSERT_EQ(platform.processes.started.size(), 2u);
     const auto& first = platform.processes.started[0];
     EXPECT_THAT(first.arguments, ElementsAre("app", "--x", "/f"));
-    EXPECT_EQ(first.workingDirectory, "/work");
+    EXPECT_EQ(first.workingDirectory, "/elsewhere");
     EXPECT_EQ(first.name, "a");
     const auto& id = first.environment.at("DESKTOP_STARTUP_ID");
     EXPECT_THAT(id, testing::MatchesRegex("tessarine-[0-9]+-[0-9]+_TIME[0-9]+"));

@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 using Clearing = HotkeyRecorder::Clearing;
-using Key = HotkeyRecorder::Key;
+using Outcome = HotkeyRecorder::Outcome;
 
 constexpr HotkeyBinding commandSpace{.keyCode = 49, .carbonModifiers = 0x100};
 constexpr HotkeyBinding controlF5{.keyCode = 96, .carbonModifiers = 0x1000};
@@ -38,35 +38,35 @@ TEST_F(HotkeyRecorderTest, aKeyMeansWhatTheFieldIsFor) {
         const char* reason;
         HotkeyRecorder& field;
         std::optional<HotkeyBinding> pressed;
-        Key outcome;
+        Outcome outcome;
         bool goesOn;
         const char* text;
     } cases[] = {
-        {"a chord", required, controlF5, Key::captured, false, "Ctrl+F5"},
-        {"a modifier", required, std::nullopt, Key::ignored, true, "Press the new keys"},
+        {"a chord", required, controlF5, Outcome::captured, false, "Ctrl+F5"},
+        {"a modifier", required, std::nullopt, Outcome::ignored, true, "Press the new keys"},
         {"a key alone",
          required,
          HotkeyBinding{0, 0},
-         Key::refused,
+         Outcome::refused,
          true,
          "Hold Super, Ctrl, Alt or Shift with it"},
-        {"Escape", required, HotkeyBinding{53, 0}, Key::cancelled, false, "Super+Space"},
+        {"Escape", required, HotkeyBinding{53, 0}, Outcome::cancelled, false, "Super+Space"},
         {"Escape in a chord",
          required,
          HotkeyBinding{53, 0x100},
-         Key::captured,
+         Outcome::captured,
          false,
          "Super+Escape"},
         {"Backspace, where a chord must be",
          required,
          HotkeyBinding{51, 0},
-         Key::refused,
+         Outcome::refused,
          true,
          "Hold Super, Ctrl, Alt or Shift with it"},
         {"Backspace, where none need be",
          optional,
          HotkeyBinding{51, 0},
-         Key::cleared,
+         Outcome::cleared,
          false,
          "None"},
     };
@@ -74,14 +74,14 @@ TEST_F(HotkeyRecorderTest, aKeyMeansWhatTheFieldIsFor) {
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason);
         each.field.setBinding(commandSpace);
-        EXPECT_EQ(each.field.keyDown(each.pressed), Key::ignored) << "not yet recording";
+        EXPECT_EQ(each.field.keyDown(each.pressed), Outcome::ignored) << "not yet recording";
         captured.clear();
         each.field.start();
         EXPECT_EQ(each.field.keyDown(each.pressed), each.outcome);
         EXPECT_EQ(each.field.isRecording(), each.goesOn);
         EXPECT_EQ(each.field.text(), each.text);
         EXPECT_EQ(captured.size(),
-                  each.outcome == Key::captured || each.outcome == Key::cleared ? 1u : 0u);
+                  each.outcome == Outcome::captured || each.outcome == Outcome::cleared ? 1u : 0u);
         each.field.stop();
     }
 }

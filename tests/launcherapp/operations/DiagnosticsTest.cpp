@@ -85,5 +85,11 @@ TEST_F(DiagnosticsTest, aLogThatCannotBeWrittenTroublesNobody) {
     EXPECT_EQ(text(logPath), "2026-01-01T00:00:00.000Z kept\n");
 }
 
+TEST_F(DiagnosticsTest, findsTheMiddleOfTheSortedList) {
+    EXPECT_EQ(Diagnostics::median({}), std::nullopt);
+    EXPECT_EQ(Diagnostics::median({9, 1, 5}), 5);
+    EXPECT_EQ(Diagnostics::median({9, 1, 5, 7}), 7) << "of two middle ones the upper";
+}
+
 } // namespace
 } // namespace tessarine

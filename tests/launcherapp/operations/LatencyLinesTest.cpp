@@ -82,11 +82,5 @@ TEST(LatencyLines, areMadeOfTheNewestFifty) {
     EXPECT_EQ(lines[2].label, "Search time");
 }
 
-TEST(Diagnostics, findsTheMiddleOfTheSortedList) {
-    EXPECT_EQ(Diagnostics::median({}), std::nullopt);
-    EXPECT_EQ(Diagnostics::median({9, 1, 5}), 5);
-    EXPECT_EQ(Diagnostics::median({9, 1, 5, 7}), 7) << "of two middle ones the upper";
-}
-
 } // namespace
 } // namespace tessarine

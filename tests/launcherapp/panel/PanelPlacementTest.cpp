@@ -120,9 +120,10 @@ TEST(PanelPlacement, aGrowingListStaysOnTheScreen) {
     EXPECT_EQ(fittingHeight(area, 400, nine), 350);
     EXPECT_EQ(fittingHeight(area, 780, nine), 97); // parked at the very bottom
     EXPECT_EQ(fittingHeight(area, 500, menu), 292);
-    EXPECT_EQ(PanelPlacement::leastRoom({0, 9, {.row = 48}}), 254);
-    EXPECT_EQ(PanelPlacement::leastRoom({0, 2, {.row = 48}}), 206); // never more than is shown
-    EXPECT_EQ(PanelPlacement::leastRoom(nine), 542);
+    EXPECT_EQ(PanelPlacement::heightToKeepFree({0, 9, {.row = 48}}), 254);
+    EXPECT_EQ(PanelPlacement::heightToKeepFree({0, 2, {.row = 48}}),
+              206); // never more than is shown
+    EXPECT_EQ(PanelPlacement::heightToKeepFree(nine), 542);
 }
 
 } // namespace

@@ -1,9 +1,12 @@
 #include "launcherapp/panel/view/drawing/Drawing.h"
 
+#include "LauncherCore/text/Graphemes.h"
+#include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <QFontMetrics>
 #include <QImage>
+#include <QStyle>
 #include <algorithm>
 #include <cmath>
 
@@ -79,8 +82,28 @@ bool Drawing::canDraw(const QFont& font, const QString& text) {
     });
 }
 
+void Drawing::initial(QPainter& painter, const QRect& place, QFont font, std::string_view name) {
+    const auto shown = ShownText::harmless(name);
+    font.setPixelSize(place.height() / 2);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(place, Qt::AlignCenter, toQt(Graphemes::prefix(shown, 1)).toUpper());
+}
+
+QRect Drawing::mirrored(Qt::LayoutDirection direction, const QRect& area, int left, int width) {
+    return QStyle::visualRect(direction, area, QRect(left, area.top(), width, area.height()));
+}
+
+int Drawing::leading(Qt::LayoutDirection direction) {
+    return static_cast<int>(QStyle::visualAlignment(direction, Qt::AlignLeft) | Qt::AlignVCenter);
+}
+
 QString Drawing::toQt(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString Drawing::harmless(std::string_view text) {
+    return toQt(ShownText::harmless(text));
 }
 
 } // namespace tessarine

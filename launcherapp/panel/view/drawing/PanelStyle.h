@@ -12,12 +12,12 @@ namespace tessarine {
 /// What the panel is drawn with: one object, shared by all its parts and set anew as a whole when
 /// the palette or the text's size changes. A value.
 struct PanelStyle {
-    // Logical pixels; together they make the height that the controller gives the window.
+    // Logical pixels. The first ones make the height that the controller gives the window.
     static constexpr int fieldRowHeight = static_cast<int>(PanelPlacement::fieldHeight);
-    static constexpr int headerHeight = 67; ///< the field's row and the air around it
-    static constexpr int separatorHeight = 1;
-    static constexpr int listPadding = 6; ///< above the first row and below the last one
-    static constexpr int footerHeight = 30;
+    static constexpr int headerHeight = static_cast<int>(PanelPlacement::headerHeight);
+    static constexpr int separatorHeight = static_cast<int>(PanelPlacement::separatorHeight);
+    static constexpr int listPadding = static_cast<int>(PanelPlacement::listPadding);
+    static constexpr int footerHeight = static_cast<int>(PanelPlacement::footerHeight);
 
     static constexpr int edge = 18;      ///< from the panel's side to icons and texts
     static constexpr int iconSide = 30;  ///< of the slot that a row's picture stands in

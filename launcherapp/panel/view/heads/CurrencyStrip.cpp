@@ -1,7 +1,6 @@
 #include "launcherapp/panel/view/heads/CurrencyStrip.h"
 
 #include "LauncherCore/answers/Places.h"
-#include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 #include "launcherapp/panel/view/rows/RowImages.h"
@@ -9,7 +8,6 @@
 #include <QFontMetrics>
 #include <QLocale>
 #include <QPainter>
-#include <QStyle>
 #include <algorithm>
 
 namespace tessarine {
@@ -25,7 +23,7 @@ constexpr int symbolSide = 18;
 CurrencyStrip::CurrencyStrip(QWidget* parent, const PanelStyle& style, RowImages& images)
     : SpokenPart(parent), style_(style), images_(images) {}
 
-void CurrencyStrip::show(const CurrencyReading& reading) {
+void CurrencyStrip::setReading(const CurrencyReading& reading) {
     if (reading == reading_)
         return;
     reading_ = reading;
@@ -33,7 +31,7 @@ void CurrencyStrip::show(const CurrencyReading& reading) {
         Drawing::toQt(reading.flag.empty() ? Places::flagOfCurrency(reading.code) : reading.flag);
     amount_ = QLocale().toString(reading.amount, 'g', QLocale::FloatingPointShortest) +
               QChar(QChar::Nbsp) + Drawing::toQt(reading.code);
-    detail_ = Drawing::toQt(ShownText::harmless(reading.detail()));
+    detail_ = Drawing::harmless(reading.detail());
     say(amount_ + QStringLiteral(", ") + detail_);
     update();
 }
@@ -46,7 +44,7 @@ void CurrencyStrip::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const auto& palette = style_.palette;
     const auto mirrored = [&](int left, int width) {
-        return QStyle::visualRect(layoutDirection(), rect(), QRect(left, 0, width, height()));
+        return Drawing::mirrored(layoutDirection(), rect(), left, width);
     };
     const auto slot = mirrored(PanelStyle::edge, PanelStyle::iconSide);
     if (!flag_.isEmpty() && Drawing::canDraw(style_.field, flag_)) {
@@ -58,8 +56,7 @@ void CurrencyStrip::paintEvent(QPaintEvent*) {
                                                  toQt(palette.symbol))) {
         Drawing::centred(painter, slot, *sign);
     }
-    const int alignment = static_cast<int>(
-        QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter);
+    const int alignment = Drawing::leading(layoutDirection());
     const int room = width() - PanelStyle::textStart - PanelStyle::edge;
     const int amount = std::min(room, QFontMetrics(style_.answer).horizontalAdvance(amount_) + 1);
     painter.setFont(style_.answer);

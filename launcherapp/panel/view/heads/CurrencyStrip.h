@@ -19,7 +19,7 @@ public:
     CurrencyStrip(QWidget* parent, const PanelStyle& style, RowImages& images);
 
     /// Nothing is drawn again for the reading that is shown already.
-    void show(const CurrencyReading& reading);
+    void setReading(const CurrencyReading& reading);
 
     QSize sizeHint() const override;
 

@@ -37,10 +37,10 @@ void ModeParts::refresh() {
 void ModeParts::refreshHead() {
     QWidget* head = nullptr;
     if (const auto& person = model_.personCache(); model_.personPath() && person) {
-        person_->show(*person);
+        person_->setPerson(*person);
         head = person_;
     } else if (const auto& money = model_.currencyReading()) {
-        strip_->show(*money);
+        strip_->setReading(*money);
         head = strip_;
     }
     put(PanelRoot::Slot::aboveList, head);
@@ -54,7 +54,7 @@ void ModeParts::refreshPreview() {
     const bool isBelow = placement == ClipPreviewPlacement::below;
     const bool isShown = preview.has_value();
     if (preview) {
-        preview_->show(*std::move(preview));
+        preview_->setPreview(*std::move(preview));
         preview_->setPlacement(placement);
     }
     put(besideList, isShown && !isBelow ? preview_ : nullptr);

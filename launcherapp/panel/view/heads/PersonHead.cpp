@@ -1,6 +1,5 @@
 #include "launcherapp/panel/view/heads/PersonHead.h"
 
-#include "LauncherCore/text/Graphemes.h"
 #include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
@@ -8,7 +7,6 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPainterPath>
-#include <QStyle>
 
 namespace tessarine {
 
@@ -24,7 +22,7 @@ constexpr int lineGap = 3;
 PersonHead::PersonHead(QWidget* parent, const PanelStyle& style)
     : SpokenPart(parent), style_(style) {}
 
-void PersonHead::show(const PersonCard& person) {
+void PersonHead::setPerson(const PersonCard& person) {
     person_ = person;
     auto spoken = ShownText::harmless(person.name);
     if (!person.line.empty())
@@ -41,7 +39,8 @@ void PersonHead::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const auto& palette = style_.palette;
     const auto mirrored = [&](int left, int top, int width, int height) {
-        return QStyle::visualRect(layoutDirection(), rect(), QRect(left, top, width, height));
+        return Drawing::mirrored(
+            layoutDirection(), QRect(0, top, this->width(), height), left, width);
     };
     drawPhoto(painter, mirrored(PanelStyle::edge, verticalPadding, photoSide, photoSide));
 
@@ -87,15 +86,9 @@ void PersonHead::drawPhoto(QPainter& painter, const QRect& place) {
         painter.setBrush(brush);
         painter.drawEllipse(place);
     } else {
-        const auto name = ShownText::harmless(person_.name);
-        painter.setBrush(toQt(Palettes::monogram(name)));
+        painter.setBrush(toQt(Palettes::monogram(ShownText::harmless(person_.name))));
         painter.drawEllipse(place);
-        auto font = style_.answer;
-        font.setPixelSize(photoSide / 2);
-        painter.setFont(font);
-        painter.setPen(Qt::white);
-        painter.drawText(
-            place, Qt::AlignCenter, Drawing::toQt(Graphemes::prefix(name, 1)).toUpper());
+        Drawing::initial(painter, place, style_.answer, person_.name);
     }
     painter.restore();
 }

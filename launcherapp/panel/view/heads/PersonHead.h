@@ -17,7 +17,7 @@ class PersonHead : public SpokenPart {
 public:
     PersonHead(QWidget* parent, const PanelStyle& style);
 
-    void show(const PersonCard& person);
+    void setPerson(const PersonCard& person);
 
     QSize sizeHint() const override;
 

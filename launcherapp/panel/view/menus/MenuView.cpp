@@ -8,7 +8,6 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QStyle>
 #include <QWheelEvent>
 #include <algorithm>
 #include <utility>
@@ -125,8 +124,7 @@ void MenuView::drawEntry(QPainter& painter, int index) const {
     const auto& entry = entries_[static_cast<std::size_t>(index)];
     const auto area = place(index);
     const auto mirrored = [&](int left, int width) {
-        return QStyle::visualRect(
-            layoutDirection(), area, QRect(left, area.top(), width, area.height()));
+        return Drawing::mirrored(layoutDirection(), area, left, width);
     };
     if (entry.isSeparator()) {
         painter.fillRect(QRect(padding * 2, area.center().y(), width() - padding * 4, 1),
@@ -146,13 +144,12 @@ void MenuView::drawEntry(QPainter& painter, int index) const {
 
     const int detailWidth =
         entry.detail.isEmpty() ? 0 : QFontMetrics(style_.small).horizontalAdvance(entry.detail);
-    const auto alignment = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
     const auto title = mirrored(textLeft, width() - textLeft - textRight - detailWidth);
     painter.setFont(style_.title);
     painter.setPen(color);
     painter.drawText(
         title,
-        static_cast<int>(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
+        Drawing::leading(layoutDirection()) | Qt::TextSingleLine,
         QFontMetrics(style_.title).elidedText(entry.title, Qt::ElideRight, title.width()));
     painter.setFont(style_.small);
     painter.setPen(toQt(isCurrent ? palette.selectedSubtitle : palette.subtitle));

@@ -1,6 +1,5 @@
 #include "launcherapp/panel/view/menus/PanelMenus.h"
 
-#include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/query/SearchModel.h"
 
@@ -8,14 +7,6 @@
 #include <utility>
 
 namespace tessarine {
-
-namespace {
-
-QString shown(const std::string& text) {
-    return Drawing::toQt(ShownText::harmless(text));
-}
-
-} // namespace
 
 ActionsMenuView::ActionsMenuView(QWidget* parent,
                                  SearchModel& model,
@@ -32,8 +23,8 @@ void ActionsMenuView::refresh() {
         if (action.isSeparator())
             entries.emplace_back();
         else
-            entries.push_back({.title = shown(action.title),
-                               .detail = shown(action.shortcut),
+            entries.push_back({.title = Drawing::harmless(action.title),
+                               .detail = Drawing::harmless(action.shortcut),
                                .symbol = action.symbol.value_or(""),
                                .isDestructive = action.destructive});
     }
@@ -64,7 +55,7 @@ void FilterMenuView::refresh() {
     const QLocale locale;
     std::vector<Entry> entries;
     for (const auto& item : model_.filterMenuItems())
-        entries.push_back({.title = shown(item.title),
+        entries.push_back({.title = Drawing::harmless(item.title),
                            .detail = locale.toString(static_cast<qlonglong>(item.count)),
                            .isChecked = item.key == chosen});
     setEntries(std::move(entries));

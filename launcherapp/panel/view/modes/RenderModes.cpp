@@ -245,7 +245,8 @@ QImage RenderModes::picture(const RenderRequest& request) {
     auto& root = panel.root();
     root.setTextScale(request.text);
     root.footer().hold(request.footer);
-    root.list().setMarkShown(request.hasMark);
+    if (request.hasMark)
+        root.list().markFirstApp();
     root.holdPreview(request.preview);
     const auto width = PanelPlacement::width(request.width.value_or(services_.prefs.width()));
     const QSize inside(static_cast<int>(width), root.wantedHeight());

@@ -15,10 +15,10 @@ class CommandLine;
 
 /// What `--render` is to show, as its qualifiers say. A value.
 ///
-/// Beside those that the list of options names there are some of its own family, for looking at
-/// what a screen would show: `--render-scale <pixels per point>`, `--render-width
-/// <compact|standard|wide>`, `--render-text <regular|large>`, `--render-mirrored` (as in scripts
-/// that run from the right) and `--render-opaque` (as without mixing).
+/// Some qualifiers are there to look at what another screen would show: `--render-scale <pixels per
+/// point>`, `--render-width <compact|standard|wide>`, `--render-text <regular|large>`,
+/// `--render-mirrored` (as in scripts that run from the right) and `--render-opaque` (as without
+/// mixing).
 struct RenderRequest {
     static constexpr auto defaultQuery = "s"; ///< of the ordinary list and for opening a row of it
 

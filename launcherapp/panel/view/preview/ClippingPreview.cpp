@@ -11,7 +11,6 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPainter>
-#include <QStyle>
 #include <QTextLayout>
 #include <algorithm>
 #include <utility>
@@ -31,13 +30,13 @@ QString spoken(const RowPreview& preview, const QString& text) {
     if (const auto* files = std::get_if<RowPreview::Files>(&preview.content)) {
         QStringList names;
         for (const auto& path : files->paths)
-            names << Drawing::toQt(ShownText::harmless(Paths::lastPart(path)));
+            names << Drawing::harmless(Paths::lastPart(path));
         said = names.join(QStringLiteral(", "));
     } else if (std::holds_alternative<RowPreview::Picture>(preview.content)) {
         said = QStringLiteral("Picture");
     }
     for (const auto& fact : preview.facts)
-        said += QStringLiteral(", ") + Drawing::toQt(ShownText::harmless(fact));
+        said += QStringLiteral(", ") + Drawing::harmless(fact);
     return QStringLiteral("Preview: ") + said;
 }
 
@@ -46,7 +45,7 @@ QString spoken(const RowPreview& preview, const QString& text) {
 ClippingPreview::ClippingPreview(QWidget* parent, const PanelStyle& style, RowImages& images)
     : SpokenPart(parent), style_(style), images_(images) {}
 
-void ClippingPreview::show(RowPreview preview) {
+void ClippingPreview::setPreview(RowPreview preview) {
     preview_ = std::move(preview);
     files_.clear();
     text_.clear();
@@ -156,8 +155,7 @@ void ClippingPreview::drawFiles(QPainter& painter,
         const bool isNamed = i < named;
         const QRect line(place.left(), place.top() + i * lineHeight, place.width(), lineHeight);
         const auto mirrored = [&](int left, int width) {
-            return QStyle::visualRect(
-                layoutDirection(), line, QRect(line.left() + left, line.top(), width, lineHeight));
+            return Drawing::mirrored(layoutDirection(), line, line.left() + left, width);
         };
         const auto color = toQt(isNamed ? style_.palette.title : style_.palette.subtitle);
         if (const auto* symbol = images_.symbol(isNamed ? "doc" : "",

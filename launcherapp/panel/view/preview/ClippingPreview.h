@@ -22,7 +22,7 @@ class ClippingPreview : public SpokenPart {
 public:
     ClippingPreview(QWidget* parent, const PanelStyle& style, RowImages& images);
 
-    void show(RowPreview preview);
+    void setPreview(RowPreview preview);
     /// Which edge parts it from the list.
     void setPlacement(ClipPreviewPlacement placement);
 

@@ -13,8 +13,8 @@ namespace tessarine {
 class HotkeyRecorder;
 
 /// The field of a HotkeyRecorder: a click or Return begins to record, and losing the focus ends
-/// it. Looks as the desktop's own fields do. It takes the recorder's `onChange` for itself. Main
-/// thread only; the recorder outlives it.
+/// it. Looks as the desktop's own fields do. It takes the recorder's `onChange` for itself. For
+/// the window of settings, which is not built yet. Main thread only; the recorder outlives it.
 class RecorderView : public QWidget {
     Q_OBJECT
 

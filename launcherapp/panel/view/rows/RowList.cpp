@@ -68,13 +68,13 @@ void RowList::restyle() {
     refresh();
 }
 
-void RowList::setCommandHeld(bool held) {
-    if (std::exchange(isCommandHeld_, held) != held)
+void RowList::setCommandKey(CommandKey key) {
+    if (std::exchange(commandKey_, key) != key)
         update();
 }
 
-void RowList::setMarkShown(bool shown) {
-    isMarkShown_ = shown;
+void RowList::markFirstApp() {
+    marksFirstApp_ = true;
     update();
 }
 
@@ -131,11 +131,11 @@ RowLook RowList::look(int index) const {
     const bool isInert = row.kind == RowKind::hint && !row.primary; // a key would do nothing
     return {.rectangle = itemRectangle(index),
             .direction = layoutDirection(),
-            .isRunning = row.running || (isMarkShown_ && firstApp == rows.begin() + index),
+            .isRunning = row.running || (marksFirstApp_ && firstApp == rows.begin() + index),
             .isSelected = index == currentItem(),
             .isHovered = index == hovered_,
             .digit = index < lastDigit && !isInert ? index + 1 : 0,
-            .isDigitAsked = isCommandHeld_};
+            .isDigitAsked = commandKey_ == CommandKey::down};
 }
 
 void RowList::paintEvent(QPaintEvent* event) {

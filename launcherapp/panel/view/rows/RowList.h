@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/query/RowCredit.h"
+#include "launcherapp/panel/view/CommandKey.h"
 #include "launcherapp/panel/view/items/ItemView.h"
 #include "launcherapp/panel/view/rows/RowPainter.h"
 
@@ -42,11 +43,10 @@ public:
     void refresh();
     void restyle();
     /// Shows the digits as keys to press, or not.
-    void setCommandHeld(bool held);
+    void setCommandKey(CommandKey key);
 
     /// Draws the mark of a running application on the first one, whatever runs: for a picture.
-    void setMarkShown(bool shown);
-
+    void markFirstApp();
 
     /// Height for the rows that are shown at a time; 0 for an empty list.
     int wantedHeight() const;
@@ -88,8 +88,8 @@ private:
     std::string hoveredID_; ///< the id of that row
     int pressed_ = -1;
     std::optional<QPoint> pointer_;
-    bool isCommandHeld_ = false;
-    bool isMarkShown_ = false;
+    CommandKey commandKey_ = CommandKey::up;
+    bool marksFirstApp_ = false;
     int wheelRemainder_ = 0; ///< eighths of a degree that made no row yet
     std::vector<RowCreditSpec> creditsWanted_;
 };

@@ -1,6 +1,5 @@
 #include "launcherapp/panel/view/rows/RowPainter.h"
 
-#include "LauncherCore/text/Graphemes.h"
 #include "launcherapp/panel/appearance/ShownText.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
@@ -41,9 +40,8 @@ QRect middle(const QRect& rectangle, int side) {
 
 /// The part of a row from `left` to `right` of it, turned round in a mirrored one.
 QRect part(const RowLook& look, int left, int right) {
-    const QRect rectangle(
-        look.rectangle.left() + left, look.rectangle.top(), right - left, look.rectangle.height());
-    return QStyle::visualRect(look.direction, look.rectangle, rectangle);
+    const auto& row = look.rectangle;
+    return Drawing::mirrored(look.direction, row, row.left() + left, right - left);
 }
 
 /// The application that the row hands over to, or where its figure is from.
@@ -124,7 +122,7 @@ void RowPainter::drawMark(QPainter& painter,
                           const RowLook& look,
                           const QRect& slot) const {
     const auto& palette = style_.palette;
-    const auto mark = Drawing::toQt(ShownText::harmless(glyph));
+    const auto mark = Drawing::harmless(glyph);
     auto font = style_.small;
     font.setPixelSize(markSide * 2 / 3);
     font.setWeight(QFont::DemiBold);
@@ -155,14 +153,9 @@ void RowPainter::drawTile(QPainter& painter, const RowLook& look, const QRect& s
 /// For an application without an icon: its first letter, on a colour that is always the same.
 void RowPainter::drawMonogram(QPainter& painter, const ResultRow& row, const QRect& slot) const {
     const auto name = ShownText::harmless(row.title);
-    const auto letter = Drawing::toQt(Graphemes::prefix(name, 1)).toUpper();
     const auto tile = QRectF(slot).adjusted(1, 1, -1, -1);
     Drawing::roundedRectangle(painter, tile, tileRadius, toQt(Palettes::monogram(name)));
-    auto font = style_.answer;
-    font.setPixelSize(slot.height() / 2);
-    painter.setFont(font);
-    painter.setPen(Qt::white);
-    painter.drawText(slot, Qt::AlignCenter, letter);
+    Drawing::initial(painter, slot, style_.answer, name);
 }
 
 void RowPainter::drawSymbolTile(QPainter& painter,
@@ -173,7 +166,7 @@ void RowPainter::drawSymbolTile(QPainter& painter,
     drawTile(painter, look, slot);
     auto font = style_.title;
     font.setPixelSize(slot.height() * 3 / 5);
-    const auto glyph = Drawing::toQt(ShownText::harmless(row.glyph.value_or("")));
+    const auto glyph = Drawing::harmless(row.glyph.value_or(""));
     if (row.kind == RowKind::calc && !glyph.isEmpty() && Drawing::canDraw(font, glyph)) {
         painter.setFont(font);
         painter.setPen(toQt(palette.title));

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/desktop/X11WindowList.h"
 
+#include "launcherapp/platform/linux/XcbOwned.h"
 #include "launcherapp/platform/linux/processes/ProcessFacts.h"
 
 #include <xcb/res.h>
@@ -11,7 +12,6 @@
 #include <QSocketNotifier>
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <map>
 #include <set>
 #include <string_view>
@@ -24,13 +24,7 @@ namespace {
 /// Longest property that is read, in units of four bytes: a window list of thousands fits.
 constexpr std::uint32_t longestProperty = 16384;
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
-
-using Property = Owned<xcb_get_property_reply_t>;
+using Property = XcbOwned<xcb_get_property_reply_t>;
 
 std::string_view textOf(const Property& property) {
     if (!property || property->format != 8)
@@ -205,7 +199,7 @@ private:
     xcb_atom_t atom(std::string_view name) {
         const auto cookie =
             xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
-        const Owned<xcb_intern_atom_reply_t> answer(
+        const XcbOwned<xcb_intern_atom_reply_t> answer(
             xcb_intern_atom_reply(connection_, cookie, nullptr));
         return answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
@@ -230,7 +224,7 @@ private:
         if (!extension || !extension->present)
             return false;
         const auto cookie = xcb_res_query_version(connection_, 1, 2);
-        const Owned<xcb_res_query_version_reply_t> version(
+        const XcbOwned<xcb_res_query_version_reply_t> version(
             xcb_res_query_version_reply(connection_, cookie, nullptr));
         return version && std::pair(version->server_major, version->server_minor) >=
                               std::pair<std::uint16_t, std::uint16_t>(1, 2);
@@ -284,7 +278,7 @@ private:
     }
 
     std::int64_t clientProcess(xcb_res_query_client_ids_cookie_t cookie) {
-        const Owned<xcb_res_query_client_ids_reply_t> answer(
+        const XcbOwned<xcb_res_query_client_ids_reply_t> answer(
             xcb_res_query_client_ids_reply(connection_, cookie, nullptr));
         if (!answer)
             return 0;
@@ -336,7 +330,7 @@ private:
     }
 
     void readEvents() {
-        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)})
+        while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)})
             note(*event);
         if (xcb_connection_has_error(connection_))
             notifier_->setEnabled(false); // a closed socket would wake the loop for ever
@@ -346,7 +340,7 @@ private:
     /// Takes the events that came in while an answer was waited for: they are off the socket, so
     /// nothing would wake the loop for them.
     void takeQueuedEvents() {
-        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
+        while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
             note(*event);
         if (activeChanged_ && notifier_)
             QMetaObject::invokeMethod(

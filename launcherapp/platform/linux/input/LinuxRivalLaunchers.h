@@ -14,7 +14,7 @@ class WorkQueues;
 /// once. The others are looked for among the processes, in the background and not too often: when a
 /// program comes to the bus, when `look` is called, when somebody asks who runs; their end is seen
 /// at once. The first look begins as this is made; whoever asks before it has ended waits for it,
-/// but not for long, and is told later of what it finds. Main thread only, with Qt's event loop.
+/// at most 50 ms, and is told later of what it finds. Main thread only, with Qt's event loop.
 class LinuxRivalLaunchers : public RivalLaunchers {
 public:
     /// So soon after a look among the processes there is no other.

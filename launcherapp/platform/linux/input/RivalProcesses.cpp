@@ -23,7 +23,8 @@ std::string_view fileName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-/// "python3.11" and "electron28" are, "sherlock" is no "sh".
+/// Versions at the end of a name don't count: "python3.11" is an interpreter. "sherlock" is not,
+/// though it begins with "sh".
 bool isInterpreter(std::string_view program) {
     constexpr auto interpreters = std::to_array<std::string_view>(
         {"python", "node", "nodejs", "electron", "perl", "bash", "dash", "sh"});
@@ -31,7 +32,7 @@ bool isInterpreter(std::string_view program) {
     return std::ranges::count(interpreters, program.substr(0, version)) > 0;
 }
 
-/// Programs of Electron's are archives, in a folder by the program's name.
+/// Electron runs an archive that lies in a folder with the program's name.
 std::string_view withoutArchive(std::string_view script) {
     for (const std::string_view part : {"/app.asar", "/resources"}) {
         if (script.ends_with(part))

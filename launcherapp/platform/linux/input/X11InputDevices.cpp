@@ -1,28 +1,22 @@
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
 
+#include "launcherapp/platform/linux/XcbOwned.h"
+
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
 namespace tessarine {
 
 namespace {
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
-
 bool hasExtension(xcb_connection_t* connection, std::string_view name) {
     const auto cookie =
         xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
-    const Owned<xcb_query_extension_reply_t> reply(
+    const XcbOwned<xcb_query_extension_reply_t> reply(
         xcb_query_extension_reply(connection, cookie, nullptr));
     return reply && reply->present;
 }
@@ -39,7 +33,7 @@ X11InputDevices::X11InputDevices(xcb_connection_t* connection) : connection_(con
         return;
     extension_ = extension->major_opcode;
     const auto cookie = xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL);
-    const Owned<xcb_input_xi_query_device_reply_t> reply(
+    const XcbOwned<xcb_input_xi_query_device_reply_t> reply(
         xcb_input_xi_query_device_reply(connection, cookie, nullptr));
     if (!reply)
         return;
@@ -86,7 +80,7 @@ bool X11InputDevices::isGrabbed(std::span<const std::uint8_t> keyCodes,
     }
     bool isGrabbed = false;
     for (const auto cookie : cookies) {
-        const Owned<xcb_input_xi_passive_grab_device_reply_t> reply(
+        const XcbOwned<xcb_input_xi_passive_grab_device_reply_t> reply(
             xcb_input_xi_passive_grab_device_reply(connection_, cookie, nullptr));
         // The reply lists the states that could not be had.
         isGrabbed = isGrabbed || (reply && reply->num_modifiers > 0);
@@ -111,12 +105,12 @@ bool isWaylandsDisplay(xcb_connection_t* connection) {
     if (!hasExtension(connection, "RANDR"))
         return false;
     const auto cookie = xcb_randr_get_screen_resources_current(connection, rootOf(connection));
-    const Owned<xcb_randr_get_screen_resources_current_reply_t> screen(
+    const XcbOwned<xcb_randr_get_screen_resources_current_reply_t> screen(
         xcb_randr_get_screen_resources_current_reply(connection, cookie, nullptr));
     if (!screen || screen->num_outputs == 0)
         return false;
     const auto output = *xcb_randr_get_screen_resources_current_outputs(screen.get());
-    const Owned<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
+    const XcbOwned<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
         connection,
         xcb_randr_get_output_info(connection, output, screen->config_timestamp),
         nullptr));

@@ -1,24 +1,17 @@
 #include "launcherapp/platform/linux/input/X11Keyboard.h"
 
 #include "LauncherCore/commands/HotkeyBinding.h"
+#include "launcherapp/platform/linux/XcbOwned.h"
 
 #include <X11/keysym.h>
 #include <xcb/xcb.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <memory>
 
 namespace tessarine {
 
 namespace {
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
 
 struct Key {
     std::uint32_t virtualKey;
@@ -61,9 +54,9 @@ X11Keyboard X11Keyboard::read(xcb_connection_t* connection) {
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
     const auto mappingCookie = xcb_get_keyboard_mapping(connection, setup->min_keycode, count);
     const auto modifierCookie = xcb_get_modifier_mapping(connection);
-    const Owned<xcb_get_keyboard_mapping_reply_t> mapping(
+    const XcbOwned<xcb_get_keyboard_mapping_reply_t> mapping(
         xcb_get_keyboard_mapping_reply(connection, mappingCookie, nullptr));
-    const Owned<xcb_get_modifier_mapping_reply_t> modifiers(
+    const XcbOwned<xcb_get_modifier_mapping_reply_t> modifiers(
         xcb_get_modifier_mapping_reply(connection, modifierCookie, nullptr));
     X11Keyboard keyboard;
     if (!mapping || !modifiers || mapping->keysyms_per_keycode == 0)

@@ -40,8 +40,8 @@ public:
     /// Moves and resizes the widget.
     virtual void setFrame(const Rectangle& frame) = 0;
 
-    /// Brings the widget up above everything and takes the keyboard, trying for a moment while
-    /// another holds it.
+    /// Brings the widget up above everything and takes the keyboard; while another holds it, this
+    /// tries again every 10 ms, a hundred times, and doesn't wait for that.
     virtual void show() = 0;
     /// Takes it away and gives the keyboard back to whoever has the focus, who has it on return.
     virtual void hide() = 0;
@@ -49,7 +49,7 @@ public:
     /// The height that the display itself has the widget at; nothing when it has none to be seen.
     virtual std::optional<double> displayedHeight() const = 0;
 
-    /// Returns when the display has carried out what was drawn.
+    /// Returns when the display has what was drawn; at once where it doesn't tell.
     virtual void finishDrawing() = 0;
 
     /// Starts a drag that the display carries out; false where the window moves itself.

@@ -1,24 +1,14 @@
 #include "launcherapp/platform/linux/panel/PlainPanelSurface.h"
 
+#include "launcherapp/platform/linux/panel/QtGeometry.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
-#include <cmath>
 #include <utility>
 
 namespace tessarine {
-
-namespace {
-
-Rectangle rectangle(const QRect& rect) {
-    return {.x = static_cast<double>(rect.x()),
-            .y = static_cast<double>(rect.y()),
-            .width = static_cast<double>(rect.width()),
-            .height = static_cast<double>(rect.height())};
-}
-
-} // namespace
 
 void PlainPanelSurface::prepare(QWidget& widget, Events events) {
     widget_ = &widget;
@@ -31,10 +21,7 @@ void PlainPanelSurface::prepare(QWidget& widget, Events events) {
 }
 
 void PlainPanelSurface::setFrame(const Rectangle& frame) {
-    widget_->setGeometry(static_cast<int>(std::lround(frame.x)),
-                         static_cast<int>(std::lround(frame.y)),
-                         static_cast<int>(std::lround(frame.width)),
-                         static_cast<int>(std::lround(frame.height)));
+    widget_->setGeometry(QtGeometry::rounded(frame));
 }
 
 void PlainPanelSurface::show() {
@@ -90,8 +77,8 @@ std::vector<Screen> PlainPanelSurface::screens() const {
     std::vector<Screen> result;
     for (const auto* screen : QGuiApplication::screens())
         result.push_back({.name = screen->name().toStdString(),
-                          .frame = rectangle(screen->geometry()),
-                          .workArea = rectangle(screen->availableGeometry()),
+                          .frame = QtGeometry::rectangle(screen->geometry()),
+                          .workArea = QtGeometry::rectangle(screen->availableGeometry()),
                           .isMain = screen == QGuiApplication::primaryScreen()});
     return result;
 }

@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
 
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
+#include "launcherapp/platform/linux/panel/QtGeometry.h"
 
 #include <QApplication>
 #include <QImage>
@@ -29,11 +30,7 @@ public:
           std::unique_ptr<PanelSurface> surfaceBelow,
           QtPanelWindow& window)
         : widget(widgetToWatch), field(fieldToFocus), surface(std::move(surfaceBelow)) {
-        const auto geometry = widget.geometry();
-        frame = {.x = static_cast<double>(geometry.x()),
-                 .y = static_cast<double>(geometry.y()),
-                 .width = static_cast<double>(geometry.width()),
-                 .height = static_cast<double>(geometry.height())};
+        frame = QtGeometry::rectangle(widget.geometry());
         widget.setAttribute(Qt::WA_QuitOnClose, false);
         surface->prepare(
             widget,
@@ -99,7 +96,7 @@ public:
     QWidget& field;
     std::unique_ptr<PanelSurface> surface;
     Events events;
-    /// What was asked for or dragged_ to. The widget's own geometry goes back for a moment when the
+    /// What was asked for or dragged to. The widget's own geometry goes back for a moment when the
     /// display confirms an earlier change after a later one was made.
     Rectangle frame;
 
@@ -134,7 +131,7 @@ private:
             Qt::QueuedConnection);
     }
 
-    // The window is dragged_ by whatever part of it doesn't want the press: Qt hands such a press
+    // The window is dragged by whatever part of it doesn't want the press: Qt hands such a press
     // up to the top-level widget. No window manager knows the window, so it moves itself.
     void beginDrag(const QMouseEvent& press) {
         if (press.button() != Qt::LeftButton || surface->startDrag())

@@ -13,8 +13,8 @@ namespace tessarine {
 class PanelSurface;
 
 /// The panel's window: a top-level widget on a surface. The widget draws; this brings it up with
-/// its field focused, moves it when it is dragged by its background, and tells when it is on the
-/// display. Main thread only, with Qt's event loop.
+/// its field focused, moves it when it is dragged by its background, and tells when the display has
+/// what it draws. Main thread only, with Qt's event loop.
 class QtPanelWindow : public PanelWindow {
 public:
     /// `widget` is hidden and stays so until `show`; what its contents margins hold (a shadow) is

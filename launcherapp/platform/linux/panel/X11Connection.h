@@ -1,9 +1,9 @@
 #pragma once
 
+#include "launcherapp/platform/linux/XcbOwned.h"
+
 #include <cstdint>
-#include <cstdlib>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,13 +11,6 @@
 struct xcb_connection_t;
 
 namespace tessarine {
-
-/// Frees what xcb hands out.
-struct XcbFree {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename Reply> using XcbOwned = std::unique_ptr<Reply, XcbFree>;
 
 /// A connection to the X11 display beside Qt's, so that what is asked for on it changes nothing of
 /// what Qt asked for. One that can't be made, or is lost, gives nothing from then on. Main thread

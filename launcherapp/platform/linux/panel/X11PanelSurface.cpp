@@ -1,5 +1,7 @@
 #include "launcherapp/platform/linux/panel/X11PanelSurface.h"
 
+#include "launcherapp/platform/linux/panel/QtGeometry.h"
+
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
@@ -93,10 +95,7 @@ void X11PanelSurface::describeWindow() {
 }
 
 void X11PanelSurface::setFrame(const Rectangle& frame) {
-    widget_->setGeometry(static_cast<int>(std::lround(frame.x)),
-                         static_cast<int>(std::lround(frame.y)),
-                         static_cast<int>(std::lround(frame.width)),
-                         static_cast<int>(std::lround(frame.height)));
+    widget_->setGeometry(QtGeometry::rounded(frame));
     shapeInput();
 }
 

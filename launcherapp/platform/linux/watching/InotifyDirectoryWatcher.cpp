@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QSocketNotifier>
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -32,13 +31,7 @@ constexpr std::uint32_t itsEnd = IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN
 class InotifyDirectoryWatcher::State : public std::enable_shared_from_this<State> {
 public:
     explicit State(MainQueue& queue)
-        : queue_(queue), kernel_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-        if (!kernel_)
-            ability = Ability::missing(std::string("the kernel gives no inotify instance: ") +
-                                       std::strerror(errno));
-    }
-
-    Ability ability;
+        : queue_(queue), kernel_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
 
     void start() {
         if (!kernel_)
@@ -303,10 +296,6 @@ InotifyDirectoryWatcher::InotifyDirectoryWatcher(MainQueue& queue)
 }
 
 InotifyDirectoryWatcher::~InotifyDirectoryWatcher() = default;
-
-Ability InotifyDirectoryWatcher::ability() const {
-    return state_->ability;
-}
 
 Subscription InotifyDirectoryWatcher::watch(const std::vector<std::string>& directories,
                                             Seconds latency,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/DirectoryWatcher.h"
 
 #include <memory>
@@ -8,8 +7,8 @@
 namespace tessarine {
 
 /// Directory watching over one inotify instance of the kernel. A directory that moves because one
-/// above it was renamed is not noticed until something below it changes. Main thread only, with
-/// Qt's event loop.
+/// above it was renamed is not noticed until something below it changes. Where the kernel gives no
+/// instance, no change is ever told of. Main thread only, with Qt's event loop.
 class InotifyDirectoryWatcher : public DirectoryWatcher {
 public:
     explicit InotifyDirectoryWatcher(MainQueue& queue);
@@ -20,9 +19,6 @@ public:
     Subscription watch(const std::vector<std::string>& directories,
                        Seconds latency,
                        std::function<void(const DirectoryChanges&)> changed) override;
-
-    /// Missing where the kernel gave no instance: then no change is ever told of.
-    Ability ability() const;
 
 private:
     class State;
