@@ -2,12 +2,9 @@
 // marked characters, a subtitle and a credit, and painting it at one pixel a point. Bar: 2 ms in
 // the median. Nothing is sent to a display.
 
-#include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/rows/RowList.h"
-#include "launcherapp/query/CreditResolver.h"
-#include "tests/fakes/FakeDesktopAppearance.h"
-#include "tests/fakes/FakeServices.h"
+#include "tests/panel/FakePanelServices.h"
 
 #include <benchmark/benchmark.h>
 
@@ -23,7 +20,7 @@ namespace {
 
 constexpr int shownRows = 9;
 
-struct Panel {
+struct Panel : FakePanelServices {
     Panel() {
         model.families.windows = [this](std::string_view query) { return rows(query); };
         panel.show();
@@ -49,19 +46,7 @@ struct Panel {
         return result;
     }
 
-    FakeServices services;
-    FakeDesktopAppearance desktop;
-    std::unique_ptr<SearchModel> owned = services.makeModel();
-    SearchModel& model = *owned;
-    CreditResolver credits{services.catalog, services.platform.files, services.environment};
-    Appearance appearance{services.prefs, desktop, services.diagnostics};
-    LauncherPanel panel{PanelViewServices{.model = model,
-                                          .prefs = services.prefs,
-                                          .appearance = appearance,
-                                          .desktop = desktop,
-                                          .icons = services.platform.icons,
-                                          .credits = credits,
-                                          .catalog = services.catalog}};
+    LauncherPanel panel{view()};
 };
 
 constexpr double medianBar = 2; ///< milliseconds

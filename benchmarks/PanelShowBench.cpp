@@ -3,23 +3,18 @@
 // Bar: 2 ms in the median. An empty window that is shown and drawn goes before it, as the limit.
 
 #include "benchmarks/StolenTime.h"
-#include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/operations/StageMarks.h"
 #include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
-#include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
 #include "launcherapp/platform/linux/desktop/X11WindowList.h"
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
-#include "launcherapp/query/CreditResolver.h"
-#include "tests/fakes/FakeDesktopAppearance.h"
-#include "tests/fakes/FakeHotkeyRegistrar.h"
-#include "tests/fakes/FakeRivalLaunchers.h"
-#include "tests/fakes/FakeServices.h"
+#include "tests/fakes/FakeChords.h"
+#include "tests/panel/FakePanelServices.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -40,34 +35,21 @@ constexpr double medianBar = 2; ///< milliseconds
 constexpr auto rest = 20ms;     ///< after each step, so that nothing of it is left to the next
 
 /// The panel over a real window, everything else in memory.
-struct Panel {
-    FakeServices services;
+struct Panel : FakePanelServices {
     QtMainQueue queue;
-    FakeDesktopAppearance desktop;
-    std::unique_ptr<SearchModel> model = services.makeModel();
-    CreditResolver credits{services.catalog, services.platform.files, services.environment};
-    Appearance appearance{services.prefs, desktop, services.diagnostics};
-    LauncherPanel view{PanelViewServices{.model = *model,
-                                         .prefs = services.prefs,
-                                         .appearance = appearance,
-                                         .desktop = desktop,
-                                         .icons = services.platform.icons,
-                                         .credits = credits,
-                                         .catalog = services.catalog}};
-    QtPanelWindow window{view, view.field(), makePanelSurface()};
+    LauncherPanel panel{view()};
+    QtPanelWindow window{panel, panel.field(), makePanelSurface()};
     X11WindowList windows;
-    FakeHotkeyRegistrar registrar;
-    FakeRivalLaunchers rivals;
-    Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    FakeChords chords{services.diagnostics};
     StageMarks stages;
     Updater updater;
     PanelController controller{{.queue = queue,
                                 .diagnostics = services.diagnostics,
                                 .prefs = services.prefs,
-                                .model = *model,
+                                .model = model,
                                 .window = window,
                                 .windows = windows,
-                                .hotkey = hotkey,
+                                .hotkey = chords.hotkey,
                                 .stages = stages,
                                 .updater = updater}};
 };

@@ -1,12 +1,10 @@
-#include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/operations/StageMarks.h"
 #include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
 #include "launcherapp/panel/view/ShortcutSheet.h"
 #include "launcherapp/panel/view/menus/PanelMenus.h"
-#include "tests/fakes/FakeHotkeyRegistrar.h"
+#include "tests/fakes/FakeChords.h"
 #include "tests/fakes/FakePanelWindow.h"
-#include "tests/fakes/FakeRivalLaunchers.h"
 #include "tests/panel/PanelFixture.h"
 
 #include <gmock/gmock.h>
@@ -40,9 +38,7 @@ protected:
     template <typename View> View& part() { return *panel.findChild<View*>(); }
 
     FakePanelWindow window{services.platform.time};
-    FakeHotkeyRegistrar registrar;
-    FakeRivalLaunchers rivals;
-    Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    FakeChords chords{services.diagnostics};
     StageMarks stages;
     Updater updater;
     PanelController controller{{.queue = services.platform.queue,
@@ -51,7 +47,7 @@ protected:
                                 .model = model,
                                 .window = window,
                                 .windows = services.platform.windows,
-                                .hotkey = hotkey,
+                                .hotkey = chords.hotkey,
                                 .stages = stages,
                                 .updater = updater}};
 };

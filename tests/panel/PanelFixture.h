@@ -1,12 +1,9 @@
 #pragma once
 
-#include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
 #include "launcherapp/panel/view/rows/RowList.h"
-#include "launcherapp/query/CreditResolver.h"
-#include "tests/fakes/FakeDesktopAppearance.h"
-#include "tests/fakes/FakeServices.h"
+#include "tests/panel/FakePanelServices.h"
 
 #include <gtest/gtest.h>
 
@@ -14,14 +11,13 @@
 #include <QImage>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace tessarine {
 
 /// The panel as the user has it, over a model with invented rows.
-class PanelFixture : public testing::Test {
+class PanelFixture : public testing::Test, protected FakePanelServices {
 protected:
     PanelFixture() {
         model.families.windows = [this](std::string_view) { return rows; };
@@ -95,22 +91,10 @@ protected:
         return image;
     }
 
-    FakeServices services;
-    FakeDesktopAppearance desktop;
-    std::unique_ptr<SearchModel> owned = services.makeModel();
-    SearchModel& model = *owned;
     Rows rows;
     std::vector<std::string> ran;
     int dismissals = 0;
-    CreditResolver credits{services.catalog, services.platform.files, services.environment};
-    Appearance appearance{services.prefs, desktop, services.diagnostics};
-    LauncherPanel panel{PanelViewServices{.model = model,
-                                          .prefs = services.prefs,
-                                          .appearance = appearance,
-                                          .desktop = desktop,
-                                          .icons = services.platform.icons,
-                                          .credits = credits,
-                                          .catalog = services.catalog}};
+    LauncherPanel panel{view()};
 };
 
 } // namespace tessarine

@@ -1,11 +1,9 @@
 #include "launcherapp/panel/PanelController.h"
 
-#include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/operations/StageMarks.h"
 #include "launcherapp/operations/Updater.h"
-#include "tests/fakes/FakeHotkeyRegistrar.h"
+#include "tests/fakes/FakeChords.h"
 #include "tests/fakes/FakePanelWindow.h"
-#include "tests/fakes/FakeRivalLaunchers.h"
 #include "tests/fakes/FakeServices.h"
 
 #include <gmock/gmock.h>
@@ -44,7 +42,7 @@ protected:
             services.install(name, name);
         services.startCatalog();
         panel.setHeights({.row = rowHeight});
-        hotkey.add(commandSpace, HotkeyIDs::panel, [this] { panel.hotkeyFired(); });
+        chords.hotkey.add(commandSpace, HotkeyIDs::panel, [this] { panel.hotkeyFired(); });
         model.reset();
     }
 
@@ -63,9 +61,7 @@ protected:
     VirtualTime& time = services.platform.time;
     Prefs& prefs = services.prefs;
     FakePanelWindow window{time};
-    FakeHotkeyRegistrar registrar;
-    FakeRivalLaunchers rivals;
-    Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    FakeChords chords{services.diagnostics};
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
     NotedStages stages;
@@ -76,7 +72,7 @@ protected:
                            .model = model,
                            .window = window,
                            .windows = services.platform.windows,
-                           .hotkey = hotkey,
+                           .hotkey = chords.hotkey,
                            .stages = stages,
                            .updater = updater}};
 };
@@ -267,9 +263,9 @@ TEST_F(PanelControllerTest, everyShowAndPressIsMeasuredWhenDrawn) {
     const auto& presses = services.diagnostics.pressTimes();
     const auto press = [&](double ago, double drawing) {
         window.drawing = Seconds{drawing};
-        registrar.press(commandSpace, time.uptime() - Seconds{ago});
+        chords.registrar.press(commandSpace, time.uptime() - Seconds{ago});
         time.advance(Seconds{0.5});
-        registrar.press(commandSpace, time.uptime()); // away again
+        chords.registrar.press(commandSpace, time.uptime()); // away again
         EXPECT_FALSE(panel.isVisible());
     };
     time.advance(Seconds{10});

@@ -1,12 +1,10 @@
 #include "launcherapp/shell/FreshRows.h"
 
-#include "launcherapp/hotkeys/Hotkey.h"
 #include "launcherapp/operations/StageMarks.h"
 #include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
-#include "tests/fakes/FakeHotkeyRegistrar.h"
+#include "tests/fakes/FakeChords.h"
 #include "tests/fakes/FakePanelWindow.h"
-#include "tests/fakes/FakeRivalLaunchers.h"
 #include "tests/fakes/FakeServices.h"
 
 #include <gmock/gmock.h>
@@ -42,9 +40,7 @@ protected:
     FakeServices services;
     VirtualTime& time = services.platform.time;
     FakePanelWindow window{time};
-    FakeHotkeyRegistrar registrar;
-    FakeRivalLaunchers rivals;
-    Hotkey hotkey{{.registrar = registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
+    FakeChords chords{services.diagnostics};
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
     StageMarks stages;
@@ -55,7 +51,7 @@ protected:
                            .model = model,
                            .window = window,
                            .windows = services.platform.windows,
-                           .hotkey = hotkey,
+                           .hotkey = chords.hotkey,
                            .stages = stages,
                            .updater = updater}};
     FreshRows fresh{services.platform.queue, model, [this] { return panel.isVisible(); }};
