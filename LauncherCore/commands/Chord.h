@@ -25,11 +25,13 @@ struct Chord {
     /// neither a modifier's nor a key's.
     static std::optional<Chord> parse(std::string_view text);
 
+    static Chord of(const HotkeyBinding& binding);
+
     /// The one spelling of a chord: "ctrl+alt+shift+cmd+c" of what it holds; "key200" for a key
     /// without a name.
     std::string text() const;
 
-    /// "⌃⌥⇧⌘" of what it holds and the key with a capital: "⌘C", "⌥Space".
+    /// "⌃⌥⇧⌘" of what it holds and the key's label: "⌘C", "⌥Space".
     std::string display() const;
 
     /// As the display's registrar takes it.
