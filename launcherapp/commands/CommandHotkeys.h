@@ -2,6 +2,7 @@
 
 #include "LauncherCore/commands/Chord.h"
 #include "LauncherCore/commands/CommandSpec.h"
+#include "launcherapp/hotkeys/HotkeyNames.h"
 
 #include <cstdint>
 #include <functional>
@@ -53,6 +54,7 @@ private:
     std::map<std::string, Chord> registered_;
     std::map<std::string, std::string> failed_;
     std::vector<std::uint32_t> ids_;
+    std::uint32_t nextID_ = HotkeyIDs::firstCommand;
 };
 
 } // namespace tessarine

@@ -7,6 +7,7 @@
 #include "launcherapp/platform/Subscription.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,14 +47,16 @@ public:
     CommandStore(const CommandStore&) = delete;
     CommandStore& operator=(const CommandStore&) = delete;
 
-    /// Writes the starter file when there is none, reads, and from then on watches. Once.
+    /// Writes the starter file when there is none and reads, off the main thread, and from then on
+    /// watches. Once.
     void start();
 
-    /// Reads and parses now.
+    /// Reads and parses now; for what can't wait until `start` has read.
     void load();
 
     /// Writes with the entries kept that could not be read, then adopts. Throws FileError, and then
-    /// nothing has changed.
+    /// nothing has changed: also while a mistake keeps the file from being read, as it would be
+    /// written over.
     void save(const CommandFile& file);
 
     /// Gives the command another hotkey or takes it away, and saves. Throws FileError. Nothing
@@ -82,11 +85,20 @@ public:
     }
 
 private:
+    /// What a look at the file gave.
+    struct Look {
+        std::optional<double> modified; ///< nothing when there is no file
+        std::optional<std::string> bytes;
+        std::string problem; ///< why there are no bytes
+    };
+
+    static Look looked(const FileStore& files, const std::string& path);
+
     void watch();
-    void lookLater();
-    void look();
-    void dateRead(std::optional<double> modified);
+    void lookForChange();
+    void take(const Look& look);
     void adopt(CommandFile file, std::vector<std::string> problems);
+    void refuse(const std::string& reason);
 
     Services services_;
     std::string defaultFolder_;
@@ -97,10 +109,11 @@ private:
     std::optional<std::string> error_;
     std::vector<std::string> unreadable_;
     std::optional<double> lastModified_;
-    bool pollInFlight_ = false;
+    bool isLooking_ = false; ///< at most one at a time, so that a drive that hangs costs one thread
     Subscription pollTimer_;
     Subscription folderWatch_;
     Observers<> changes_;
+    std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };
 
 } // namespace tessarine
