@@ -40,6 +40,10 @@ struct CommandSpec {
     /// Whether typing after the keyword means anything.
     bool takesArgument() const;
 
+    /// What is wrong with it, in words for the user, each beginning with its id; it is kept and
+    /// offered all the same.
+    std::vector<std::string> problems() const;
+
     /// The symbol of its row: the user's own, else one for its kind.
     std::string defaultSymbol() const;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace tessarine {
@@ -67,4 +69,28 @@ inline constexpr auto allSystemActions = std::to_array<SystemAction>({
     SystemAction::fixWispr,
 });
 
+/// What is known of each action. Pure; any thread.
+namespace SystemActions {
+
+/// As the commands file spells it: "eject".
+std::string_view name(SystemAction action);
+
+/// Nothing for a name that is none.
+std::optional<SystemAction> named(std::string_view name);
+
+/// "Eject all external drives".
+std::string_view title(SystemAction action);
+
+/// The line under its row, which tells in plain words what Return will do.
+std::string_view plainEnglish(SystemAction action);
+
+/// Whether the user confirms it before it is done.
+bool asksFirst(SystemAction action);
+
+/// What keeps the line from telling anything: "empty", a placeholder, too short, an em dash;
+/// nothing when it is as it should be. `text` stands for any action's line.
+std::optional<std::string> guidanceProblem(std::string_view text);
+std::optional<std::string> guidanceProblem(SystemAction action);
+
+} // namespace SystemActions
 } // namespace tessarine

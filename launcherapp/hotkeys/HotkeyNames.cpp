@@ -1,5 +1,6 @@
 #include "launcherapp/hotkeys/HotkeyNames.h"
 
+#include "LauncherCore/commands/Chord.h"
 #include "LauncherCore/commands/VirtualKeys.h"
 
 #include <array>
@@ -14,18 +15,14 @@ struct Modifier {
     std::string_view text;
 };
 
-constexpr auto glyphs = std::to_array<Modifier>({{HotkeyModifiers::control, "⌃"},
-                                                 {HotkeyModifiers::option, "⌥"},
-                                                 {HotkeyModifiers::shift, "⇧"},
-                                                 {HotkeyModifiers::command, "⌘"}});
 constexpr auto words = std::to_array<Modifier>({{HotkeyModifiers::command, "Super+"},
                                                 {HotkeyModifiers::control, "Ctrl+"},
                                                 {HotkeyModifiers::option, "Alt+"},
                                                 {HotkeyModifiers::shift, "Shift+"}});
 
-std::string modifiersOf(const HotkeyBinding& binding, const std::array<Modifier, 4>& modifiers) {
+std::string modifiersInWords(const HotkeyBinding& binding) {
     std::string text;
-    for (const auto& modifier : modifiers) {
+    for (const auto& modifier : words) {
         if (binding.carbonModifiers & modifier.bit)
             text += modifier.text;
     }
@@ -48,11 +45,11 @@ std::string HotkeyIDs::name(std::uint32_t id) {
 }
 
 std::string HotkeyNames::display(const HotkeyBinding& binding) {
-    return modifiersOf(binding, glyphs) + VirtualKeys::label(binding.keyCode);
+    return Chord::of(binding).display();
 }
 
 std::string HotkeyNames::onKeyboard(const HotkeyBinding& binding) {
-    return modifiersOf(binding, words) + VirtualKeys::printed(binding.keyCode);
+    return modifiersInWords(binding) + VirtualKeys::printed(binding.keyCode);
 }
 
 } // namespace tessarine

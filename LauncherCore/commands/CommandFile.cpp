@@ -1,0 +1,161 @@
+#include "LauncherCore/commands/CommandFile.h"
+
+#include "LauncherCore/commands/Chord.h"
+#include "LauncherCore/commands/CommandJson.h"
+#include "LauncherCore/text/Folding.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <limits>
+#include <set>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+using Json = nlohmann::json;
+
+/// 4.0 counts as 4; what is no whole number as 1.
+std::int64_t versionOf(const Json& root) {
+    constexpr std::int64_t first = 1;
+    constexpr auto largest = static_cast<double>(std::numeric_limits<std::int64_t>::max());
+    const auto version = root.find("version");
+    if (version == root.end())
+        return first;
+    if (version->is_number_unsigned())
+        return std::in_range<std::int64_t>(version->get<std::uint64_t>())
+                   ? version->get<std::int64_t>()
+                   : first;
+    if (version->is_number_integer())
+        return version->get<std::int64_t>();
+    if (!version->is_number_float())
+        return first;
+    const auto value = version->get<double>();
+    return std::abs(value) < largest && value == std::floor(value)
+               ? static_cast<std::int64_t>(value)
+               : first;
+}
+
+std::string serialized(const Json& document, int indent) {
+    return document.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+Json document(const CommandFile& file) {
+    auto commands = Json::array();
+    for (const auto& command : file.commands)
+        commands.push_back(CommandJson::encoded(command));
+    return {{"version", file.version}, {"commands", std::move(commands)}};
+}
+
+constexpr int indentation = 2;
+
+CommandSpec starterCommand(std::string word, std::string name, CommandKind kind, std::string icon) {
+    CommandSpec command{.id = word, .name = std::move(name), .keyword = word, .kind = kind};
+    command.icon = std::move(icon);
+    return command;
+}
+
+CommandSpec fileSearch(std::string word,
+                       std::string name,
+                       std::vector<std::string> extensions,
+                       std::string icon) {
+    auto command =
+        starterCommand(std::move(word), std::move(name), CommandKind::files, std::move(icon));
+    command.extensions = std::move(extensions);
+    return command;
+}
+
+CommandSpec systemCommand(std::string word, SystemAction action, std::string icon) {
+    auto command = starterCommand(std::move(word),
+                                  std::string(SystemActions::title(action)),
+                                  CommandKind::system,
+                                  std::move(icon));
+    command.action = action;
+    return command;
+}
+
+} // namespace
+
+LenientCommandFile CommandFile::decodeLenient(std::string_view data) {
+    const auto root = CommandJson::parsed(data);
+    if (!root.is_object())
+        throw CommandFileError("it is no object with a list of \"commands\"");
+    const auto list = root.find("commands");
+    if (list == root.end() || !list->is_array())
+        throw CommandFileError("it has no list of \"commands\"");
+
+    LenientCommandFile result{.file = {.version = versionOf(root)}};
+    result.file.commands.reserve(list->size());
+    for (const auto& each : *list) {
+        if (!each.is_structured())
+            continue;
+        if (auto command = CommandJson::command(each))
+            result.file.commands.push_back(*std::move(command));
+        else
+            result.unreadable.push_back(serialized(each, -1));
+    }
+    return result;
+}
+
+std::string CommandFile::encoded() const {
+    return encoded({});
+}
+
+std::string CommandFile::encoded(const std::vector<std::string>& keeping) const {
+    auto whole = document(*this);
+    for (const auto& entry : keeping)
+        whole["commands"].push_back(CommandJson::parsed(entry));
+    return serialized(whole, indentation) + "\n";
+}
+
+std::vector<std::string> CommandFile::problems() const {
+    std::vector<std::string> problems;
+    for (const auto& command : commands) {
+        auto own = command.problems();
+        problems.insert(problems.end(),
+                        std::make_move_iterator(own.begin()),
+                        std::make_move_iterator(own.end()));
+    }
+    std::set<std::string> ids;
+    std::set<std::string> keywords;
+    std::set<std::string> hotkeys;
+    for (const auto& command : commands) {
+        if (!ids.insert(command.id).second)
+            problems.push_back("duplicate id: " + command.id);
+        const auto keyword = Folding::lowercase(command.keyword.value_or(""));
+        if (!keyword.empty() && !keywords.insert(keyword).second)
+            problems.push_back("duplicate keyword: " + keyword);
+        const auto chord = Chord::parse(command.hotkey.value_or(""));
+        if (chord && !hotkeys.insert(chord->text()).second)
+            problems.push_back("duplicate hotkey: " + chord->display());
+    }
+    return problems;
+}
+
+CommandFile CommandFile::starter() {
+    auto google = starterCommand("g", "Google", CommandKind::search, "magnifyingglass");
+    google.url = "https://www.google.com/search?q={query}";
+    auto folder = starterCommand("f", "Find a folder", CommandKind::files, "folder");
+    folder.foldersOnly = true;
+    return {
+        .commands = {
+            std::move(google),
+            std::move(folder),
+            fileSearch("p", "Find a PDF", {"pdf"}, "doc.richtext"),
+            fileSearch("s", "Find a spreadsheet", {"xlsx", "xls", "csv", "numbers"}, "tablecells"),
+            fileSearch(
+                "doc",
+                "Find a document",
+                {"docx", "doc", "pptx", "ppt", "xlsx", "xls", "pages", "key", "md", "txt", "rtf"},
+                "doc.text"),
+            systemCommand("eject", SystemAction::eject, "eject"),
+            systemCommand("lock", SystemAction::lockScreen, "lock"),
+            systemCommand("sleep", SystemAction::sleep, "moon.zzz"),
+            systemCommand("trash", SystemAction::emptyTrash, "trash"),
+            systemCommand("dark", SystemAction::toggleDarkMode, "circle.lefthalf.filled"),
+        }};
+}
+
+} // namespace tessarine

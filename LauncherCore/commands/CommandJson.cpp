@@ -1,0 +1,187 @@
+#include "LauncherCore/commands/CommandJson.h"
+
+#include "LauncherCore/commands/CommandFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+namespace {
+
+using Json = nlohmann::json;
+using Strings = std::vector<std::string>;
+
+/// Writing a document out again goes down into it by recursion.
+constexpr int deepestNesting = 256;
+
+struct KindName {
+    CommandKind kind;
+    std::string_view name;
+};
+
+constexpr auto kindNames = std::to_array<KindName>({{CommandKind::open, "open"},
+                                                    {CommandKind::script, "script"},
+                                                    {CommandKind::app, "app"},
+                                                    {CommandKind::search, "search"},
+                                                    {CommandKind::system, "system"},
+                                                    {CommandKind::files, "files"},
+                                                    {CommandKind::list, "list"},
+                                                    {CommandKind::jump, "jump"}});
+
+int nesting(std::string_view text) {
+    int depth = 0;
+    int deepest = 0;
+    bool isInString = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (isInString) {
+            if (c == '\\')
+                ++i;
+            isInString = c != '"';
+            continue;
+        }
+        isInString = c == '"';
+        if (c == '{' || c == '[')
+            deepest = std::max(deepest, ++depth);
+        else if (c == '}' || c == ']')
+            --depth;
+    }
+    return deepest;
+}
+
+/// "[json.exception.parse_error.101] parse error at line 3, column 5: …" without its number.
+std::string inWords(std::string_view what) {
+    if (what.starts_with('[')) {
+        const auto end = what.find("] ");
+        if (end != std::string_view::npos)
+            what.remove_prefix(end + 2);
+    }
+    return std::string(what);
+}
+
+/// Reads the members of one command; a single one that is not as it should be spoils it.
+class Reader {
+public:
+    explicit Reader(const Json& object) : object_(object) {}
+
+    bool isWhole() const { return isWhole_; }
+
+    std::string required(const char* key) {
+        auto value = optional<std::string>(key);
+        isWhole_ = isWhole_ && value.has_value();
+        return std::move(value).value_or(std::string());
+    }
+
+    template <typename Value> std::optional<Value> optional(const char* key) {
+        const auto member = object_.find(key);
+        if (member == object_.end() || member->is_null())
+            return std::nullopt;
+        if (!isA<Value>(*member)) {
+            isWhole_ = false;
+            return std::nullopt;
+        }
+        return member->get<Value>();
+    }
+
+private:
+    template <typename Value> static bool isA(const Json& member) {
+        if constexpr (std::is_same_v<Value, bool>)
+            return member.is_boolean();
+        else if constexpr (std::is_same_v<Value, std::string>)
+            return member.is_string();
+        else
+            return member.is_array() && std::ranges::all_of(member, &Json::is_string);
+    }
+
+    const Json& object_;
+    bool isWhole_ = true;
+};
+
+class Writer {
+public:
+    template <typename Value> void add(const char* key, const std::optional<Value>& value) {
+        if (value)
+            object[key] = *value;
+    }
+
+    Json object = Json::object();
+};
+
+} // namespace
+
+Json CommandJson::parsed(std::string_view text) {
+    if (nesting(text) > deepestNesting)
+        throw CommandFileError("it is nested too deeply");
+    try {
+        return Json::parse(text);
+    } catch (const Json::exception& error) {
+        throw CommandFileError(inWords(error.what()));
+    }
+}
+
+std::optional<CommandSpec> CommandJson::command(const Json& object) {
+    if (!object.is_object())
+        return std::nullopt;
+    Reader reader(object);
+    CommandSpec spec{.id = reader.required("id"),
+                     .name = reader.required("name"),
+                     .keyword = reader.optional<std::string>("keyword"),
+                     .urls = reader.optional<Strings>("urls"),
+                     .script = reader.optional<std::string>("script"),
+                     .shell = reader.optional<std::string>("shell"),
+                     .path = reader.optional<std::string>("path"),
+                     .url = reader.optional<std::string>("url"),
+                     .extensions = reader.optional<Strings>("extensions"),
+                     .foldersOnly = reader.optional<bool>("foldersOnly"),
+                     .hotkey = reader.optional<std::string>("hotkey"),
+                     .aliases = reader.optional<Strings>("aliases"),
+                     .icon = reader.optional<std::string>("icon"),
+                     .onSelect = reader.optional<std::string>("onSelect"),
+                     .notes = reader.optional<std::string>("notes"),
+                     .press = reader.optional<Strings>("press"),
+                     .activate = reader.optional<bool>("activate"),
+                     .source = reader.optional<std::string>("source")};
+    const auto kind = std::ranges::find(kindNames, reader.required("kind"), &KindName::name);
+    const auto action = reader.optional<std::string>("action");
+    if (action)
+        spec.action = SystemActions::named(*action);
+    if (!reader.isWhole() || kind == kindNames.end() || (action && !spec.action))
+        return std::nullopt;
+    spec.kind = kind->kind;
+    return spec;
+}
+
+Json CommandJson::encoded(const CommandSpec& command) {
+    Writer writer;
+    writer.object = {{"id", command.id},
+                     {"name", command.name},
+                     {"kind", kindNames[static_cast<std::size_t>(command.kind)].name}};
+    writer.add("keyword", command.keyword);
+    writer.add("urls", command.urls);
+    writer.add("script", command.script);
+    writer.add("shell", command.shell);
+    writer.add("path", command.path);
+    writer.add("url", command.url);
+    if (command.action)
+        writer.object["action"] = SystemActions::name(*command.action);
+    writer.add("extensions", command.extensions);
+    writer.add("foldersOnly", command.foldersOnly);
+    writer.add("hotkey", command.hotkey);
+    writer.add("aliases", command.aliases);
+    writer.add("icon", command.icon);
+    writer.add("onSelect", command.onSelect);
+    writer.add("notes", command.notes);
+    writer.add("press", command.press);
+    writer.add("activate", command.activate);
+    writer.add("source", command.source);
+    return std::move(writer.object);
+}
+
+} // namespace tessarine

@@ -1,0 +1,200 @@
+#include "launcherapp/commands/CommandStore.h"
+
+#include "LauncherCore/text/Paths.h"
+#include "launcherapp/commands/CommandHotkeys.h"
+#include "launcherapp/commands/DemonstrationCommands.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/DirectoryWatcher.h"
+#include "launcherapp/platform/FileStore.h"
+#include "launcherapp/platform/WorkQueues.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::string_view fileName = "commands.json";
+constexpr std::size_t largestFile = std::size_t{16} << 20;
+constexpr Seconds pollInterval{1};
+constexpr Seconds pollTolerance{0.3};
+constexpr Seconds saveTakes{0.3}; ///< an editor saves in several steps
+
+std::string folderOf(const std::string& path) {
+    return std::string(Paths::parent(path));
+}
+
+} // namespace
+
+CommandStore::CommandStore(Services services, std::string defaultFolder, Content content)
+    : services_(services), defaultFolder_(std::move(defaultFolder)), content_(content) {}
+
+CommandStore::~CommandStore() = default;
+
+std::string CommandStore::location() const {
+    const auto chosen = services_.prefs.commandsFilePath();
+    return chosen.empty() ? defaultFolder_ + "/" + std::string(fileName) : chosen;
+}
+
+CommandStore::Look CommandStore::looked(const FileStore& files, const std::string& path) {
+    Look look;
+    if (const auto info = files.info(path))
+        look.modified = info->modified;
+    try {
+        look.bytes = files.read(path, largestFile);
+        if (!look.bytes)
+            look.problem = fmt::format("there is no file {}", path);
+    } catch (const FileError& error) {
+        look.problem = error.what();
+    }
+    return look;
+}
+
+void CommandStore::start() {
+    if (content_ == Content::demonstration) {
+        file_ = {.commands = demonstrationCommands()};
+        changes_.tell();
+        return;
+    }
+    isLooking_ = true;
+    services_.work.runApart(
+        [&files = services_.files, path = location()] {
+            std::string unwritten;
+            try {
+                if (!files.info(path))
+                    files.save(path, CommandFile::starter().encoded());
+            } catch (const FileError& error) {
+                unwritten = error.what();
+            }
+            auto look = looked(files, path);
+            if (!look.bytes && !unwritten.empty())
+                look.problem = unwritten;
+            return look;
+        },
+        [this, weak = std::weak_ptr(alive_)](const Look& look) {
+            if (weak.expired())
+                return;
+            isLooking_ = false;
+            if (!lastLoad_ && !error_)
+                take(look);
+        });
+    watch();
+}
+
+void CommandStore::load() {
+    take(looked(services_.files, location()));
+}
+
+void CommandStore::take(const Look& look) {
+    lastModified_ = look.modified;
+    if (!look.bytes) {
+        refuse(look.problem);
+        return;
+    }
+    try {
+        auto [file, unreadable] = CommandFile::decodeLenient(*look.bytes);
+        auto problems = file.problems();
+        if (const auto count = unreadable.size(); count > 0)
+            problems.insert(problems.begin(),
+                            fmt::format("{} command{} from a newer Tessarine, kept but not usable "
+                                        "until this Mac updates",
+                                        count,
+                                        count == 1 ? "" : "s"));
+        unreadable_ = std::move(unreadable);
+        adopt(std::move(file), std::move(problems));
+    } catch (const CommandFileError& error) {
+        refuse(error.what());
+    }
+}
+
+void CommandStore::refuse(const std::string& reason) {
+    error_ = fmt::format("commands.json parse error: {}", reason);
+    problems_ = {*error_};
+    services_.diagnostics.log(fmt::format("commands.json did not parse: {}", reason));
+    changes_.tell();
+}
+
+void CommandStore::adopt(CommandFile file, std::vector<std::string> problems) {
+    file_ = std::move(file);
+    problems_ = std::move(problems);
+    error_.reset();
+    lastLoad_ = services_.queue.now();
+    services_.hotkeys.sync(file_.commands);
+    changes_.tell();
+}
+
+void CommandStore::save(const CommandFile& file) {
+    const auto path = location();
+    if (error_ && services_.files.info(path))
+        throw FileError(
+            fmt::format("{} can't be read, so it is not written over: {}", path, *error_));
+    services_.files.save(path, file.encoded(unreadable_));
+    if (const auto info = services_.files.info(path))
+        lastModified_ = info->modified; // what we wrote is no change
+    adopt(file, file.problems());
+}
+
+void CommandStore::setHotkey(const std::optional<Chord>& chord, std::string_view id) {
+    auto changed = file_;
+    const auto command = std::ranges::find(changed.commands, id, &CommandSpec::id);
+    if (command == changed.commands.end())
+        return;
+    command->hotkey = chord ? std::optional(chord->text()) : std::nullopt;
+    save(changed);
+}
+
+void CommandStore::relocate(const std::string& folder) {
+    auto& files = services_.files;
+    const auto target = folder + "/" + std::string(fileName);
+    const auto current = location();
+    if (!files.info(target)) {
+        const auto bytes = files.read(current, largestFile);
+        if (!bytes)
+            throw FileError(fmt::format("there is no file {}", current));
+        files.save(target, *bytes);
+    }
+    if (target != current && files.info(current))
+        files.rename(current, current + ".moved");
+    services_.prefs.commandsFilePath.set(target);
+    pollTimer_ = {};
+    load();
+    watch();
+}
+
+/// The folder tells of most changes at once; some programs that sync a folder change a file in it
+/// without anybody being told, so its date is looked at as well.
+void CommandStore::watch() {
+    pollTimer_ = services_.queue.every(pollInterval, pollTolerance, [this] { lookForChange(); });
+    folderWatch_ = services_.directories.watch(
+        {folderOf(location())}, Seconds{0}, [this](const DirectoryChanges&) {
+            services_.queue.postAfter(saveTakes, [this, weak = std::weak_ptr(alive_)] {
+                if (!weak.expired())
+                    lookForChange();
+            });
+        });
+}
+
+/// Off the main thread, as the file may lie on a slow or hanging drive.
+void CommandStore::lookForChange() {
+    if (std::exchange(isLooking_, true))
+        return;
+    services_.work.runApart(
+        [&files = services_.files, path = location(), known = lastModified_] {
+            const auto info = files.info(path);
+            const auto modified = info ? std::optional(info->modified) : std::nullopt;
+            return modified == known ? std::nullopt : std::optional(looked(files, path));
+        },
+        [this, weak = std::weak_ptr(alive_), path = location()](const std::optional<Look>& look) {
+            if (weak.expired())
+                return;
+            isLooking_ = false;
+            if (look && path == location() && look->modified != lastModified_)
+                take(*look);
+        });
+}
+
+} // namespace tessarine

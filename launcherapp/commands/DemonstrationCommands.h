@@ -1,0 +1,12 @@
+#pragma once
+
+#include "LauncherCore/commands/CommandSpec.h"
+
+#include <vector>
+
+namespace tessarine {
+
+/// A fixed list of commands, one of each kind, for pictures and trials. Pure; any thread.
+std::vector<CommandSpec> demonstrationCommands();
+
+} // namespace tessarine
