@@ -40,12 +40,9 @@ AliasFile AliasFile::decoded(std::string_view data) {
     const auto root = CommandJson::parsed(data);
     if (!root.is_object())
         throw CommandFileError("it is no object");
-    AliasFile file{.chromeProfiles = wordsAt(root, "chromeProfiles"),
-                   .slack = wordsAt(root, "slack")};
-    if (const auto version = root.find("version");
-        version != root.end() && version->is_number_integer())
-        file.version = version->get<std::int64_t>();
-    return file;
+    return {.version = CommandJson::version(root),
+            .chromeProfiles = wordsAt(root, "chromeProfiles"),
+            .slack = wordsAt(root, "slack")};
 }
 
 } // namespace tessarine

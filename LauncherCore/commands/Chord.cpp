@@ -115,13 +115,20 @@ std::string Chord::text() const {
     return result + keyName(keyCode);
 }
 
-std::string Chord::display() const {
+std::string Chord::glyphs() const {
     std::string result;
     for (const auto& modifier : modifiers) {
         if (this->*modifier.flag)
             result.append(modifier.glyph);
     }
-    return result + VirtualKeys::label(keyCode);
+    return result;
+}
+
+std::string Chord::display() const {
+    auto name = keyName(keyCode);
+    if (name.front() >= 'a' && name.front() <= 'z')
+        name.front() = static_cast<char>(name.front() - 'a' + 'A');
+    return glyphs() + name;
 }
 
 Chord Chord::of(const HotkeyBinding& binding) {

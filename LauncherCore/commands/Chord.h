@@ -31,7 +31,10 @@ struct Chord {
     /// without a name.
     std::string text() const;
 
-    /// "⌃⌥⇧⌘" of what it holds and the key's label: "⌘C", "⌥Space".
+    /// "⌃⌥⇧⌘" of what it holds.
+    std::string glyphs() const;
+
+    /// The glyphs and the key's name with a capital: "⌘C", "⌥Space"; "⌘Key200" for one without.
     std::string display() const;
 
     /// As the display's registrar takes it.

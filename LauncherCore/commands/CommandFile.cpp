@@ -6,8 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <cmath>
-#include <limits>
 #include <set>
 #include <utility>
 
@@ -16,27 +14,6 @@ namespace tessarine {
 namespace {
 
 using Json = nlohmann::json;
-
-/// 4.0 counts as 4; what is no whole number as 1.
-std::int64_t versionOf(const Json& root) {
-    constexpr std::int64_t first = 1;
-    constexpr auto largest = static_cast<double>(std::numeric_limits<std::int64_t>::max());
-    const auto version = root.find("version");
-    if (version == root.end())
-        return first;
-    if (version->is_number_unsigned())
-        return std::in_range<std::int64_t>(version->get<std::uint64_t>())
-                   ? version->get<std::int64_t>()
-                   : first;
-    if (version->is_number_integer())
-        return version->get<std::int64_t>();
-    if (!version->is_number_float())
-        return first;
-    const auto value = version->get<double>();
-    return std::abs(value) < largest && value == std::floor(value)
-               ? static_cast<std::int64_t>(value)
-               : first;
-}
 
 std::string serialized(const Json& document, int indent) {
     return document.dump(indent, ' ', false, Json::error_handler_t::replace);
@@ -86,7 +63,7 @@ LenientCommandFile CommandFile::decodeLenient(std::string_view data) {
     if (list == root.end() || !list->is_array())
         throw CommandFileError("it has no list of \"commands\"");
 
-    LenientCommandFile result{.file = {.version = versionOf(root)}};
+    LenientCommandFile result{.file = {.version = CommandJson::version(root)}};
     result.file.commands.reserve(list->size());
     for (const auto& each : *list) {
         if (!each.is_structured())

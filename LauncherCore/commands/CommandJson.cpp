@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -124,6 +126,26 @@ Json CommandJson::parsed(std::string_view text) {
     } catch (const Json::exception& error) {
         throw CommandFileError(inWords(error.what()));
     }
+}
+
+std::int64_t CommandJson::version(const Json& root) {
+    constexpr std::int64_t first = 1;
+    constexpr auto largest = static_cast<double>(std::numeric_limits<std::int64_t>::max());
+    const auto version = root.find("version");
+    if (version == root.end())
+        return first;
+    if (version->is_number_unsigned())
+        return std::in_range<std::int64_t>(version->get<std::uint64_t>())
+                   ? version->get<std::int64_t>()
+                   : first;
+    if (version->is_number_integer())
+        return version->get<std::int64_t>();
+    if (!version->is_number_float())
+        return first;
+    const auto value = version->get<double>();
+    return std::abs(value) < largest && value == std::floor(value)
+               ? static_cast<std::int64_t>(value)
+               : first;
 }
 
 std::optional<CommandSpec> CommandJson::command(const Json& object) {

@@ -18,14 +18,20 @@ namespace {
 std::string wordOf(const CommandSpec& command) {
     if (command.keyword && !command.keyword->empty())
         return *command.keyword;
-    if (command.aliases && !command.aliases->empty())
-        return command.aliases->front();
+    for (const auto& alias : command.aliases.value_or(std::vector<std::string>())) {
+        if (!alias.empty())
+            return alias;
+    }
     return command.name;
 }
 
-/// "is held by another app (…)" of "⌘C is held by another app (…); not registered".
+/// "is held by another app (…)" of "⌘C is held by another app (…); not registered", and the reason
+/// alone of "could not register ⌘C (…)".
 std::string cause(std::string status, const std::string& display) {
     constexpr std::string_view ending = "; not registered";
+    const auto refused = "could not register " + display + " (";
+    if (status.starts_with(refused) && status.ends_with(')'))
+        return status.substr(refused.size(), status.size() - refused.size() - 1);
     if (status.ends_with(ending))
         status.resize(status.size() - ending.size());
     if (status.starts_with(display + " "))

@@ -86,6 +86,8 @@ void CommandStore::start() {
 }
 
 void CommandStore::load() {
+    if (content_ == Content::demonstration)
+        return;
     take(looked(services_.files, location()));
 }
 
@@ -127,11 +129,23 @@ void CommandStore::adopt(CommandFile file, std::vector<std::string> problems) {
     changes_.tell();
 }
 
-void CommandStore::save(const CommandFile& file) {
-    const auto path = location();
-    if (error_ && services_.files.info(path))
+/// The file as it is now, or why it can't be read: what was never read, or is being mended, is not
+/// written over.
+void CommandStore::requireReading() {
+    if (!lastLoad_ || error_)
+        load();
+    if (error_ && services_.files.info(location()))
         throw FileError(
-            fmt::format("{} can't be read, so it is not written over: {}", path, *error_));
+            fmt::format("{} can't be read, so it is not written over: {}", location(), *error_));
+}
+
+void CommandStore::save(const CommandFile& file) {
+    if (content_ == Content::demonstration) {
+        adopt(file, file.problems());
+        return;
+    }
+    requireReading();
+    const auto path = location();
     services_.files.save(path, file.encoded(unreadable_));
     if (const auto info = services_.files.info(path))
         lastModified_ = info->modified; // what we wrote is no change
@@ -139,6 +153,8 @@ void CommandStore::save(const CommandFile& file) {
 }
 
 void CommandStore::setHotkey(const std::optional<Chord>& chord, std::string_view id) {
+    if (content_ == Content::file)
+        requireReading(); // the command may be in a file that was not read yet
     auto changed = file_;
     const auto command = std::ranges::find(changed.commands, id, &CommandSpec::id);
     if (command == changed.commands.end())
@@ -148,8 +164,10 @@ void CommandStore::setHotkey(const std::optional<Chord>& chord, std::string_view
 }
 
 void CommandStore::relocate(const std::string& folder) {
+    if (content_ == Content::demonstration)
+        return;
     auto& files = services_.files;
-    const auto target = folder + "/" + std::string(fileName);
+    const auto target = Paths::normalized(folder) + "/" + std::string(fileName);
     const auto current = location();
     if (!files.info(target)) {
         const auto bytes = files.read(current, largestFile);
@@ -157,7 +175,8 @@ void CommandStore::relocate(const std::string& folder) {
             throw FileError(fmt::format("there is no file {}", current));
         files.save(target, *bytes);
     }
-    if (target != current && files.info(current))
+    // One file may have two spellings, through a linked folder: it is not to be renamed away.
+    if (files.info(current) && files.realPath(target) != files.realPath(current))
         files.rename(current, current + ".moved");
     services_.prefs.commandsFilePath.set(target);
     pollTimer_ = {};
@@ -170,12 +189,19 @@ void CommandStore::relocate(const std::string& folder) {
 void CommandStore::watch() {
     pollTimer_ = services_.queue.every(pollInterval, pollTolerance, [this] { lookForChange(); });
     folderWatch_ = services_.directories.watch(
-        {folderOf(location())}, Seconds{0}, [this](const DirectoryChanges&) {
-            services_.queue.postAfter(saveTakes, [this, weak = std::weak_ptr(alive_)] {
-                if (!weak.expired())
-                    lookForChange();
-            });
-        });
+        {folderOf(location())}, Seconds{0}, [this](const DirectoryChanges&) { lookSoon(); });
+}
+
+/// The folder may hold files that change all the time: one look stands for all of a moment.
+void CommandStore::lookSoon() {
+    if (std::exchange(isLookDue_, true))
+        return;
+    services_.queue.postAfter(saveTakes, [this, weak = std::weak_ptr(alive_)] {
+        if (weak.expired())
+            return;
+        isLookDue_ = false;
+        lookForChange();
+    });
 }
 
 /// Off the main thread, as the file may lie on a slow or hanging drive.
@@ -188,11 +214,13 @@ void CommandStore::lookForChange() {
             const auto modified = info ? std::optional(info->modified) : std::nullopt;
             return modified == known ? std::nullopt : std::optional(looked(files, path));
         },
-        [this, weak = std::weak_ptr(alive_), path = location()](const std::optional<Look>& look) {
+        [this, weak = std::weak_ptr(alive_), path = location(), known = lastModified_](
+            const std::optional<Look>& look) {
             if (weak.expired())
                 return;
             isLooking_ = false;
-            if (look && path == location() && look->modified != lastModified_)
+            // What was read or written here meanwhile is newer.
+            if (look && path == location() && known == lastModified_)
                 take(*look);
         });
 }

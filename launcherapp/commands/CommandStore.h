@@ -28,7 +28,7 @@ class CommandStore {
 public:
     enum class Content {
         file,
-        demonstration ///< a fixed list; nothing is read, written or watched
+        demonstration ///< a fixed list in memory; nothing is read, written or watched
     };
 
     struct Services {
@@ -94,7 +94,9 @@ private:
 
     static Look looked(const FileStore& files, const std::string& path);
 
+    void requireReading();
     void watch();
+    void lookSoon();
     void lookForChange();
     void take(const Look& look);
     void adopt(CommandFile file, std::vector<std::string> problems);
@@ -109,6 +111,7 @@ private:
     std::optional<std::string> error_;
     std::vector<std::string> unreadable_;
     std::optional<double> lastModified_;
+    bool isLookDue_ = false;
     bool isLooking_ = false; ///< at most one at a time, so that a drive that hangs costs one thread
     Subscription pollTimer_;
     Subscription folderWatch_;

@@ -6,7 +6,7 @@
 
 namespace tessarine {
 
-/// A fixed list of commands, one of each kind, for pictures and trials. Pure; any thread.
+/// A fixed list of commands of several kinds, for pictures and trials. Pure; any thread.
 std::vector<CommandSpec> demonstrationCommands();
 
 } // namespace tessarine

@@ -45,7 +45,7 @@ std::string HotkeyIDs::name(std::uint32_t id) {
 }
 
 std::string HotkeyNames::display(const HotkeyBinding& binding) {
-    return Chord::of(binding).display();
+    return Chord::of(binding).glyphs() + VirtualKeys::label(binding.keyCode);
 }
 
 std::string HotkeyNames::onKeyboard(const HotkeyBinding& binding) {

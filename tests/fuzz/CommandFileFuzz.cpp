@@ -22,15 +22,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     if (const auto chord = Chord::parse(text); chord && Chord::parse(chord->text()) != chord)
         std::abort();
+    LenientCommandFile first;
     try {
-        const auto first = CommandFile::decodeLenient(text);
-        first.file.problems();
-        const auto saved = first.file.encoded(first.unreadable);
-        const auto second = CommandFile::decodeLenient(saved);
-        if (second.file != first.file || second.unreadable != first.unreadable)
-            std::abort();
+        first = CommandFile::decodeLenient(text);
     } catch (const CommandFileError&) {
-        // told in words
+        return 0; // told in words
     }
+    first.file.problems();
+    const auto second = CommandFile::decodeLenient(first.file.encoded(first.unreadable));
+    if (second.file != first.file || second.unreadable != first.unreadable)
+        std::abort();
     return 0;
 }

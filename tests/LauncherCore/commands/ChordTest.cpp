@@ -62,9 +62,27 @@ TEST(Chord, whatIsNoChordIsRefused) {
         EXPECT_EQ(Chord::parse(each.written), std::nullopt) << each.written << ": " << each.reason;
 }
 
+TEST(Chord, eachModifierAndKeyHasItsOwnNumber) {
+    const struct {
+        const char* written;
+        HotkeyBinding binding;
+    } cases[] = {
+        {"cmd+a", {.keyCode = 0, .carbonModifiers = 0x100}},
+        {"shift+5", {.keyCode = 23, .carbonModifiers = 0x200}},
+        {"alt+6", {.keyCode = 22, .carbonModifiers = 0x800}},
+        {"ctrl+f5", {.keyCode = 96, .carbonModifiers = 0x1000}},
+        {"ctrl+alt+up", {.keyCode = 126, .carbonModifiers = 0x1800}},
+        {"cmd+f20", {.keyCode = 90, .carbonModifiers = 0x100}},
+    };
+
+    for (const auto& [written, binding] : cases)
+        EXPECT_EQ(Chord::parse(written)->binding(), binding) << written;
+}
+
 TEST(Chord, aKeyWithoutANameStillHasAText) {
     const Chord chord{.keyCode = 200, .command = true};
     EXPECT_EQ(chord.text(), "cmd+key200");
+    EXPECT_EQ(chord.display(), "⌘Key200");
     EXPECT_FALSE(Chord::parse(chord.text()));
     EXPECT_TRUE(chord.hasModifier());
     EXPECT_FALSE(Chord{.keyCode = 8}.hasModifier());

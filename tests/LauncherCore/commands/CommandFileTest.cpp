@@ -54,6 +54,72 @@ TEST(CommandFile, everyFieldSurvivesBeingWrittenAndRead) {
     EXPECT_THAT(Json::parse(text)["commands"][1], SizeIs(3)) << "absent fields are left out";
 }
 
+TEST(CommandFile, theFileHasTheKeysThatPeopleWrite) {
+    constexpr auto written = R"({
+  "commands": [
+    {
+      "action": "lockScreen",
+      "activate": true,
+      "aliases": [
+        "y"
+      ],
+      "extensions": [],
+      "foldersOnly": false,
+      "hotkey": "",
+      "icon": "link",
+      "id": "x",
+      "keyword": "x",
+      "kind": "jump",
+      "name": "X – ü",
+      "notes": "none",
+      "onSelect": "open \"$1\"",
+      "path": "~/x",
+      "press": [
+        "OK"
+      ],
+      "script": "echo \"$1\"\n",
+      "shell": "/bin/sh",
+      "source": "pack",
+      "url": "https://a.example/?q={query}",
+      "urls": [
+        "https://a.example/b",
+        ""
+      ]
+    }
+  ],
+  "version": 1
+}
+)";
+    EXPECT_EQ((CommandFile{.commands = {whole()}}.encoded()), written);
+}
+
+TEST(CommandFile, whatTakesAnArgumentAndWhatItIsDrawnWith) {
+    const struct {
+        CommandSpec command;
+        bool takesArgument;
+        const char* symbol;
+    } cases[] = {
+        {{.kind = CommandKind::search}, true, "magnifyingglass"},
+        {{.kind = CommandKind::files}, true, "doc"},
+        {{.kind = CommandKind::files, .foldersOnly = true}, true, "folder"},
+        {{.kind = CommandKind::list}, true, "list.bullet"},
+        {{.kind = CommandKind::app}, false, "app"},
+        {{.kind = CommandKind::system}, false, "gearshape"},
+        {{.kind = CommandKind::script, .script = "echo $1"}, true, "terminal"},
+        {{.kind = CommandKind::script, .script = "date", .icon = ""}, false, "terminal"},
+        {{.kind = CommandKind::open, .urls = {{"a", "b{query}"}}}, true, "link"},
+        {{.kind = CommandKind::open, .urls = {{"a"}}, .icon = "star"}, false, "star"},
+        {{.kind = CommandKind::jump, .url = "x:{query}"}, true, "arrow.up.forward.app"},
+        {{.kind = CommandKind::jump, .url = "x:"}, false, "arrow.up.forward.app"},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.symbol);
+        EXPECT_EQ(each.command.takesArgument(), each.takesArgument);
+        EXPECT_EQ(each.command.defaultSymbol(), each.symbol);
+    }
+}
+
 TEST(CommandFile, aMistakeCostsItsOwnCommandOnly) {
     const struct {
         const char* entry;

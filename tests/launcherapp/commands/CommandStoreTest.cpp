@@ -87,11 +87,14 @@ TEST(CommandStore, aFirstRunWritesTheStarterFile) {
 TEST(CommandStore, whateverChangesTheFileIsSeenWithinASecond) {
     const struct {
         const char* reason;
+        Seconds patience; ///< the folder is quicker than the poll
         std::function<void(Store&)> change;
     } cases[] = {
         {"a sync program tells nobody: the date is looked at",
+         Seconds{1.3},
          [](Store& fixture) { fixture.write(beta, 2); }},
         {"an editor saves by renaming, and the folder tells",
+         Seconds{0.31},
          [](Store& fixture) {
              fixture.services.platform.files.now = 2;
              fixture.services.platform.files.file(std::string(folder) + "/.new", beta);
@@ -99,6 +102,7 @@ TEST(CommandStore, whateverChangesTheFileIsSeenWithinASecond) {
              fixture.services.platform.watcher.fire(folder);
          }},
         {"the date goes back, as when a copy is restored",
+         Seconds{1.3},
          [](Store& fixture) { fixture.write(beta, 0.5); }},
     };
 
@@ -107,7 +111,7 @@ TEST(CommandStore, whateverChangesTheFileIsSeenWithinASecond) {
         Store fixture;
         fixture.startWith(alpha);
         each.change(fixture);
-        fixture.wait();
+        fixture.services.platform.time.advance(each.patience);
         EXPECT_THAT(fixture.names(), ElementsAre("Beta"));
     }
 }
@@ -154,6 +158,7 @@ TEST(CommandStore, whatANewerVersionWroteIsToldAndKeptThroughASave) {
     EXPECT_THAT(fixture.store.problems(),
                 ElementsAre("1 command from a newer Tessarine, kept but not usable until this Mac "
                             "updates"));
+    fixture.services.platform.files.now = 2; // so that the save has a date of its own
     fixture.store.setHotkey(Chord::parse("cmd+2"), "b");
     EXPECT_THAT(fixture.onDisk(), HasSubstr("teleport"));
     EXPECT_THAT(fixture.onDisk(), HasSubstr("\"hotkey\": \"cmd+2\""));
@@ -166,6 +171,47 @@ TEST(CommandStore, whatANewerVersionWroteIsToldAndKeptThroughASave) {
     fixture.store.setHotkey(std::nullopt, "b");
     EXPECT_THAT(fixture.onDisk(), testing::Not(HasSubstr("hotkey")));
     EXPECT_THAT(fixture.registrar.held, IsEmpty());
+}
+
+TEST(CommandStore, whatWasNeverReadIsNotWrittenOver) {
+    Store fixture;
+    fixture.write(beta, 1);
+    fixture.store.start(); // reads in the background, which has not run yet
+    fixture.store.setHotkey(Chord::parse("cmd+2"), "b");
+    EXPECT_THAT(fixture.onDisk(), testing::AllOf(HasSubstr("teleport"), HasSubstr("cmd+2")));
+    fixture.services.platform.time.settle();
+    EXPECT_EQ(fixture.store.file().commands.front().hotkey, "cmd+2") << "the older look is dropped";
+}
+
+TEST(CommandStore, aDemonstrationTouchesNoFile) {
+    Store fixture;
+    fixture.write(alpha, 1);
+    CommandStore demonstration{{.queue = fixture.services.platform.queue,
+                                .work = fixture.services.platform.work,
+                                .files = fixture.services.platform.files,
+                                .directories = fixture.services.platform.watcher,
+                                .prefs = fixture.services.prefs,
+                                .diagnostics = fixture.services.diagnostics,
+                                .hotkeys = fixture.hotkeys},
+                               folder,
+                               CommandStore::Content::demonstration};
+    demonstration.start();
+    const auto id = demonstration.file().commands.front().id;
+    demonstration.setHotkey(Chord::parse("cmd+2"), id);
+    demonstration.relocate("/share");
+    demonstration.load();
+    EXPECT_EQ(demonstration.file().commands.front().hotkey, "cmd+2");
+    EXPECT_EQ(fixture.onDisk(), alpha);
+    EXPECT_FALSE(fixture.services.platform.files.info("/share/commands.json"));
+}
+
+TEST(CommandStore, aLinkedFolderIsTheSameFolder) {
+    Store fixture;
+    fixture.startWith(alpha);
+    fixture.services.platform.files.link("/share", folder);
+    fixture.store.relocate("/share/");
+    EXPECT_EQ(fixture.onDisk(), alpha);
+    EXPECT_THAT(fixture.names(), ElementsAre("Alpha"));
 }
 
 TEST(CommandStore, aSaveThatFailsChangesNothing) {
