@@ -21,7 +21,6 @@ namespace {
 /// With the system's bus, which may be busy with the user's login.
 constexpr std::chrono::seconds patience{30};
 
-const auto systemConnection = QStringLiteral("tessarine-session");
 const auto logind = QStringLiteral("org.freedesktop.login1");
 const auto sessionInterface = QStringLiteral("org.freedesktop.login1.Session");
 
@@ -30,6 +29,12 @@ constexpr std::array screenSavers{"org.freedesktop.ScreenSaver",
                                   "org.gnome.ScreenSaver",
                                   "org.cinnamon.ScreenSaver",
                                   "org.mate.ScreenSaver"};
+
+/// No two watches share a connection, as one may go while the other's is being made.
+QString newConnectionName() {
+    static int made = 0;
+    return QStringLiteral("tessarine-session-%1").arg(++made);
+}
 
 QDBusMessage questionToLogind(const char* method) {
     return QDBusMessage::createMethodCall(logind,
@@ -40,7 +45,7 @@ QDBusMessage questionToLogind(const char* method) {
 
 } // namespace
 
-SessionWatch::SessionWatch(WorkQueues& work) {
+SessionWatch::SessionWatch(WorkQueues& work) : connectionName_(newConnectionName()) {
     // The session's bus may be slow to greet, and the present turn is the program's start.
     QMetaObject::invokeMethod(
         this,
@@ -51,8 +56,11 @@ SessionWatch::SessionWatch(WorkQueues& work) {
         Qt::QueuedConnection);
 }
 
+/// A connection that is still being made on another thread is let go when it is there: Qt fails
+/// when one goes meanwhile.
 SessionWatch::~SessionWatch() {
-    QDBusConnection::disconnectFromBus(systemConnection);
+    if (system_.isConnected())
+        QDBusConnection::disconnectFromBus(connectionName_);
 }
 
 Subscription SessionWatch::onLocked(std::function<void()> locked) {
@@ -78,10 +86,12 @@ void SessionWatch::hearScreenSavers() {
 
 /// For so long no thread of the pool can be had.
 void SessionWatch::connectToSystem(WorkQueues& work) {
-    work.runApart([] { return systemBus(systemConnection, patience); },
-                  [watch = QPointer(this)](const QDBusConnection& system) {
-                      if (!watch || !system.isConnected())
+    work.runApart([name = connectionName_] { return systemBus(name, patience); },
+                  [watch = QPointer(this), name = connectionName_](const QDBusConnection& system) {
+                      if (!watch || !system.isConnected()) {
+                          QDBusConnection::disconnectFromBus(name);
                           return;
+                      }
                       watch->system_ = system;
                       watch->hearLogind();
                       watch->findSession();

@@ -52,6 +52,7 @@ private:
 
     Observers<> locks_;
     Observers<> resumes_;
+    const QString connectionName_;
     QDBusConnection system_{QString()}; ///< no connection at first
 };
 
