@@ -45,7 +45,7 @@ QDBusMessage questionToLogind(const char* method) {
 
 } // namespace
 
-SessionWatch::SessionWatch(WorkQueues& work) : connectionName_(newConnectionName()) {
+SessionWatch::SessionWatch(WorkQueues& work) {
     // The session's bus may be slow to greet, and the present turn is the program's start.
     QMetaObject::invokeMethod(
         this,
@@ -56,12 +56,9 @@ SessionWatch::SessionWatch(WorkQueues& work) : connectionName_(newConnectionName
         Qt::QueuedConnection);
 }
 
-/// A connection that is still being made on another thread is let go when it is there: Qt fails
-/// when one goes meanwhile.
-SessionWatch::~SessionWatch() {
-    if (system_.isConnected())
-        QDBusConnection::disconnectFromBus(connectionName_);
-}
+/// Its connection stays until the program ends: Qt fails at times when one is let go of while its
+/// thread is busy with it, and there is one watch in a run.
+SessionWatch::~SessionWatch() = default;
 
 Subscription SessionWatch::onLocked(std::function<void()> locked) {
     return locks_.add(std::move(locked));
@@ -86,12 +83,10 @@ void SessionWatch::hearScreenSavers() {
 
 /// For so long no thread of the pool can be had.
 void SessionWatch::connectToSystem(WorkQueues& work) {
-    work.runApart([name = connectionName_] { return systemBus(name, patience); },
-                  [watch = QPointer(this), name = connectionName_](const QDBusConnection& system) {
-                      if (!watch || !system.isConnected()) {
-                          QDBusConnection::disconnectFromBus(name);
+    work.runApart([name = newConnectionName()] { return systemBus(name, patience); },
+                  [watch = QPointer(this)](const QDBusConnection& system) {
+                      if (!watch || !system.isConnected())
                           return;
-                      }
                       watch->system_ = system;
                       watch->hearLogind();
                       watch->findSession();

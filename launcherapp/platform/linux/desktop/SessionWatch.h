@@ -52,7 +52,6 @@ private:
 
     Observers<> locks_;
     Observers<> resumes_;
-    const QString connectionName_;
     QDBusConnection system_{QString()}; ///< no connection at first
 };
 
