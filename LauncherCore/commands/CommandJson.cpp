@@ -18,7 +18,6 @@ namespace tessarine {
 namespace {
 
 using Json = nlohmann::json;
-using Strings = std::vector<std::string>;
 
 /// Writing a document out again goes down into it by recursion.
 constexpr int deepestNesting = 256;
@@ -106,15 +105,25 @@ private:
     bool isWhole_ = true;
 };
 
-class Writer {
-public:
-    template <typename Value> void add(const char* key, const std::optional<Value>& value) {
-        if (value)
-            object[key] = *value;
-    }
-
-    Json object = Json::object();
-};
+/// Every field that may be absent but the action, which has a name of its own: `visit(key, field)`.
+template <typename Command, typename Visit> void visitOptional(Command& command, Visit visit) {
+    visit("keyword", command.keyword);
+    visit("urls", command.urls);
+    visit("script", command.script);
+    visit("shell", command.shell);
+    visit("path", command.path);
+    visit("url", command.url);
+    visit("extensions", command.extensions);
+    visit("foldersOnly", command.foldersOnly);
+    visit("hotkey", command.hotkey);
+    visit("aliases", command.aliases);
+    visit("icon", command.icon);
+    visit("onSelect", command.onSelect);
+    visit("notes", command.notes);
+    visit("press", command.press);
+    visit("activate", command.activate);
+    visit("source", command.source);
+}
 
 } // namespace
 
@@ -152,24 +161,10 @@ std::optional<CommandSpec> CommandJson::command(const Json& object) {
     if (!object.is_object())
         return std::nullopt;
     Reader reader(object);
-    CommandSpec spec{.id = reader.required("id"),
-                     .name = reader.required("name"),
-                     .keyword = reader.optional<std::string>("keyword"),
-                     .urls = reader.optional<Strings>("urls"),
-                     .script = reader.optional<std::string>("script"),
-                     .shell = reader.optional<std::string>("shell"),
-                     .path = reader.optional<std::string>("path"),
-                     .url = reader.optional<std::string>("url"),
-                     .extensions = reader.optional<Strings>("extensions"),
-                     .foldersOnly = reader.optional<bool>("foldersOnly"),
-                     .hotkey = reader.optional<std::string>("hotkey"),
-                     .aliases = reader.optional<Strings>("aliases"),
-                     .icon = reader.optional<std::string>("icon"),
-                     .onSelect = reader.optional<std::string>("onSelect"),
-                     .notes = reader.optional<std::string>("notes"),
-                     .press = reader.optional<Strings>("press"),
-                     .activate = reader.optional<bool>("activate"),
-                     .source = reader.optional<std::string>("source")};
+    CommandSpec spec{.id = reader.required("id"), .name = reader.required("name")};
+    visitOptional(spec, [&]<typename Value>(const char* key, std::optional<Value>& field) {
+        field = reader.optional<Value>(key);
+    });
     const auto kind = std::ranges::find(kindNames, reader.required("kind"), &KindName::name);
     const auto action = reader.optional<std::string>("action");
     if (action)
@@ -181,29 +176,16 @@ std::optional<CommandSpec> CommandJson::command(const Json& object) {
 }
 
 Json CommandJson::encoded(const CommandSpec& command) {
-    Writer writer;
-    writer.object = {{"id", command.id},
-                     {"name", command.name},
-                     {"kind", kindNames[static_cast<std::size_t>(command.kind)].name}};
-    writer.add("keyword", command.keyword);
-    writer.add("urls", command.urls);
-    writer.add("script", command.script);
-    writer.add("shell", command.shell);
-    writer.add("path", command.path);
-    writer.add("url", command.url);
+    Json object = {{"id", command.id},
+                   {"name", command.name},
+                   {"kind", kindNames[static_cast<std::size_t>(command.kind)].name}};
     if (command.action)
-        writer.object["action"] = SystemActions::name(*command.action);
-    writer.add("extensions", command.extensions);
-    writer.add("foldersOnly", command.foldersOnly);
-    writer.add("hotkey", command.hotkey);
-    writer.add("aliases", command.aliases);
-    writer.add("icon", command.icon);
-    writer.add("onSelect", command.onSelect);
-    writer.add("notes", command.notes);
-    writer.add("press", command.press);
-    writer.add("activate", command.activate);
-    writer.add("source", command.source);
-    return std::move(writer.object);
+        object["action"] = SystemActions::name(*command.action);
+    visitOptional(command, [&](const char* key, const auto& field) {
+        if (field)
+            object[key] = *field;
+    });
+    return object;
 }
 
 } // namespace tessarine

@@ -1,10 +1,7 @@
-#include "launcherapp/operations/StageMarks.h"
-#include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
 #include "launcherapp/panel/view/ShortcutSheet.h"
 #include "launcherapp/panel/view/menus/PanelMenus.h"
-#include "tests/fakes/FakeChords.h"
-#include "tests/fakes/FakePanelWindow.h"
+#include "tests/fakes/FakePanelDesk.h"
 #include "tests/panel/PanelFixture.h"
 
 #include <gmock/gmock.h>
@@ -37,19 +34,9 @@ protected:
 
     template <typename View> View& part() { return *panel.findChild<View*>(); }
 
-    FakePanelWindow window{services.platform.time};
-    FakeChords chords{services.diagnostics};
-    StageMarks stages;
-    Updater updater;
-    PanelController controller{{.queue = services.platform.queue,
-                                .diagnostics = services.diagnostics,
-                                .prefs = services.prefs,
-                                .model = model,
-                                .window = window,
-                                .windows = services.platform.windows,
-                                .hotkey = chords.hotkey,
-                                .stages = stages,
-                                .updater = updater}};
+    FakePanelDesk desk{services};
+    FakePanelWindow& window = desk.window;
+    PanelController controller{desk.controls(model)};
 };
 
 TEST_F(ControlledPanelTest, whatOpensOverAnEmptyListIsSeenWhole) {

@@ -18,6 +18,22 @@ using testing::IsEmpty;
 
 class PanelViewTest : public PanelFixture {
 protected:
+    /// Within the list.
+    void movePointer(const QPoint& place) {
+        QMouseEvent event(
+            QEvent::MouseMove, place, list().mapToGlobal(place), Qt::NoButton, {}, {});
+        QApplication::sendEvent(&list(), &event);
+    }
+
+    /// A list at rest, in which a caret that blinks would be a difference too.
+    void showTwoRows() {
+        addRows({"alpha", "beta"});
+        model.setQuery("a");
+        fit();
+        field().clearFocus();
+        panel.root().settle(1);
+    }
+
     /// Everything where two pictures of one size differ.
     static QRect difference(const QImage& before, const QImage& after) {
         QRect changed;
@@ -247,19 +263,10 @@ TEST_F(PanelViewTest, aPartThatComesWithAModeHasItsSlot) {
 }
 
 TEST_F(PanelViewTest, whereThePointerRestsAfterTypingNoRowIsMeant) {
-    addRows({"alpha", "beta"});
-    model.setQuery("a");
-    fit();
-    field().clearFocus(); // a caret that blinks is a difference too
-    panel.root().settle(1);
-    const auto moveTo = [&](const QPoint& place) {
-        QMouseEvent event(
-            QEvent::MouseMove, place, list().mapToGlobal(place), Qt::NoButton, {}, {});
-        QApplication::sendEvent(&list(), &event);
-    };
+    showTwoRows();
     const auto second = list().itemRectangle(1).center();
-    moveTo(second);
-    moveTo(second + QPoint(1, 0));
+    movePointer(second);
+    movePointer(second + QPoint(1, 0));
     rows[1].id = "row:other"; // another row, that reads the same
     const auto lit = drawn();
     model.recompute();
@@ -268,21 +275,12 @@ TEST_F(PanelViewTest, whereThePointerRestsAfterTypingNoRowIsMeant) {
 }
 
 TEST_F(PanelViewTest, thePointerAtRestMeansNoRow) {
-    addRows({"alpha", "beta"});
-    model.setQuery("a");
-    fit();
-    field().clearFocus(); // a caret that blinks is a difference too
-    panel.root().settle(1);
+    showTwoRows();
     const auto before = drawn();
-    const auto moveTo = [&](const QPoint& place) {
-        QMouseEvent event(
-            QEvent::MouseMove, place, list().mapToGlobal(place), Qt::NoButton, {}, {});
-        QApplication::sendEvent(&list(), &event);
-    };
     const auto second = list().itemRectangle(1).center();
-    moveTo(second); // as the toolkit reports the pointer to a window that comes up under it
+    movePointer(second); // as the toolkit reports the pointer to a window that comes up under it
     EXPECT_EQ(drawn(), before);
-    moveTo(second + QPoint(1, 0));
+    movePointer(second + QPoint(1, 0));
     EXPECT_NE(drawn(), before);
     EXPECT_EQ(model.selection(), 0u);
 }

@@ -2,9 +2,7 @@
 
 #include "launcherapp/operations/StageMarks.h"
 #include "launcherapp/operations/Updater.h"
-#include "tests/fakes/FakeChords.h"
-#include "tests/fakes/FakePanelWindow.h"
-#include "tests/fakes/FakeServices.h"
+#include "tests/fakes/FakePanelDesk.h"
 
 #include <gmock/gmock.h>
 
@@ -42,7 +40,7 @@ protected:
             services.install(name, name);
         services.startCatalog();
         panel.setHeights({.row = rowHeight});
-        chords.hotkey.add(commandSpace, HotkeyIDs::panel, [this] { panel.hotkeyFired(); });
+        desk.chords.hotkey.add(commandSpace, HotkeyIDs::panel, [this] { panel.hotkeyFired(); });
         model.reset();
     }
 
@@ -60,21 +58,13 @@ protected:
     FakeServices services;
     VirtualTime& time = services.platform.time;
     Prefs& prefs = services.prefs;
-    FakePanelWindow window{time};
-    FakeChords chords{services.diagnostics};
+    FakePanelDesk desk{services};
+    FakePanelWindow& window = desk.window;
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
     NotedStages stages;
     NotedUpdater updater;
-    PanelController panel{{.queue = services.platform.queue,
-                           .diagnostics = services.diagnostics,
-                           .prefs = prefs,
-                           .model = model,
-                           .window = window,
-                           .windows = services.platform.windows,
-                           .hotkey = chords.hotkey,
-                           .stages = stages,
-                           .updater = updater}};
+    PanelController panel{desk.controls(model, stages, updater)};
 };
 
 TEST_F(PanelControllerTest, comesUpInItsPlaceWithTheKeyboard) {
@@ -263,9 +253,9 @@ TEST_F(PanelControllerTest, everyShowAndPressIsMeasuredWhenDrawn) {
     const auto& presses = services.diagnostics.pressTimes();
     const auto press = [&](double ago, double drawing) {
         window.drawing = Seconds{drawing};
-        chords.registrar.press(commandSpace, time.uptime() - Seconds{ago});
+        desk.chords.registrar.press(commandSpace, time.uptime() - Seconds{ago});
         time.advance(Seconds{0.5});
-        chords.registrar.press(commandSpace, time.uptime()); // away again
+        desk.chords.registrar.press(commandSpace, time.uptime()); // away again
         EXPECT_FALSE(panel.isVisible());
     };
     time.advance(Seconds{10});

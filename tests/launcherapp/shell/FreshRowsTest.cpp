@@ -1,11 +1,7 @@
 #include "launcherapp/shell/FreshRows.h"
 
-#include "launcherapp/operations/StageMarks.h"
-#include "launcherapp/operations/Updater.h"
 #include "launcherapp/panel/PanelController.h"
-#include "tests/fakes/FakeChords.h"
-#include "tests/fakes/FakePanelWindow.h"
-#include "tests/fakes/FakeServices.h"
+#include "tests/fakes/FakePanelDesk.h"
 
 #include <gmock/gmock.h>
 
@@ -39,21 +35,10 @@ protected:
 
     FakeServices services;
     VirtualTime& time = services.platform.time;
-    FakePanelWindow window{time};
-    FakeChords chords{services.diagnostics};
+    FakePanelDesk desk{services};
     std::unique_ptr<SearchModel> owned = services.makeModel();
     SearchModel& model = *owned;
-    StageMarks stages;
-    Updater updater;
-    PanelController panel{{.queue = services.platform.queue,
-                           .diagnostics = services.diagnostics,
-                           .prefs = services.prefs,
-                           .model = model,
-                           .window = window,
-                           .windows = services.platform.windows,
-                           .hotkey = chords.hotkey,
-                           .stages = stages,
-                           .updater = updater}};
+    PanelController panel{desk.controls(model)};
     FreshRows fresh{services.platform.queue, model, [this] { return panel.isVisible(); }};
     Subscription publications = services.catalog.onPublished([this] { fresh.published(); });
 };

@@ -216,6 +216,18 @@ protected:
         ASSERT_EQ(QProcess::execute(QStringLiteral("setxkbmap"), arguments), 0);
     }
 
+    /// As the panel does it: the chord gives the field the keyboard, and takes it away again.
+    void toggleAtPress(Field& field, bool& up) {
+        registrar.grab(1, commandSpace);
+        whenPressed = [&field, &up] {
+            if (up)
+                field.giveKeyboardBack();
+            else
+                field.takeKeyboard();
+            up = !up;
+        };
+    }
+
     /// How often the chord is told when the keys are pressed so.
     std::size_t pressesOf(const std::function<void()>& keys) {
         presses.clear();
@@ -418,15 +430,8 @@ TEST_F(X11HotkeyRegistrarTest, aPressOfAKeyReadsAsTheChordThatGrabsIt) {
 
 TEST_F(X11HotkeyRegistrarTest, aQuickSecondPressIsNoRepetition) {
     Field field;
-    registrar.grab(1, commandSpace);
     bool up = false;
-    whenPressed = [&] {
-        if (up)
-            field.giveKeyboardBack();
-        else
-            field.takeKeyboard();
-        up = !up;
-    };
+    toggleAtPress(field, up);
     EXPECT_EQ(pressesOf([&] { user.chord(superKey, spaceKey); }), 1u);
     EXPECT_EQ(pressesOf([&] {
                   user.down(superKey);
@@ -470,15 +475,8 @@ TEST_F(X11HotkeyRegistrarTest, whatIsTypedSinceThePressLandsInThePanel) {
 
 TEST_F(X11HotkeyRegistrarTest, reachesTheProgramWhileItsOwnWindowHoldsTheKeyboard) {
     Field field;
-    registrar.grab(1, commandSpace);
     bool up = false;
-    whenPressed = [&] {
-        if (up)
-            field.giveKeyboardBack();
-        else
-            field.takeKeyboard();
-        up = !up;
-    };
+    toggleAtPress(field, up);
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(pressesOf([&] { user.chord(superKey, spaceKey); }), 1u) << round;
         EXPECT_TRUE(up);
