@@ -1,23 +1,13 @@
 #pragma once
 
 #include "LauncherCore/geometry/Rectangle.h"
+#include "launcherapp/platform/Screen.h"
 
 #include <functional>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace tessarine {
-
-/// One monitor.
-struct Screen {
-    std::string name;    ///< of the output, for the log
-    Rectangle frame;     ///< all of it
-    Rectangle workArea;  ///< without docks and bars
-    bool isMain = false; ///< the user's primary one
-
-    bool operator==(const Screen&) const = default;
-};
 
 /// The panel's window: made once, hidden again and again. It holds the keyboard while the
 /// application in front stays the active one. Main thread only; nothing here waits longer than a

@@ -5,6 +5,7 @@
 #include "tests/fakes/FakeIcons.h"
 #include "tests/fakes/FakeMainQueue.h"
 #include "tests/fakes/FakeProcessLauncher.h"
+#include "tests/fakes/FakeProgramReader.h"
 #include "tests/fakes/FakeResidentCopies.h"
 #include "tests/fakes/FakeWindowList.h"
 #include "tests/fakes/FakeWorkQueues.h"
@@ -21,6 +22,7 @@ struct FakePlatform {
     MemoryFileStore files;
     FakeDirectoryWatcher watcher;
     FakeProcessLauncher processes;
+    FakeProgramReader programs{queue};
     FakeApplicationBus bus{queue};
     FakeWindowList windows;
     FakeIcons icons;

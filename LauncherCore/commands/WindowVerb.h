@@ -1,0 +1,32 @@
+#pragma once
+
+#include "LauncherCore/geometry/Rectangle.h"
+
+#include <array>
+#include <string_view>
+
+namespace tessarine {
+
+/// What can be done with the window in front. In the order in which rows offer them.
+enum class WindowVerb { left, right, top, bottom, max, center, display };
+
+inline constexpr auto allWindowVerbs = std::to_array<WindowVerb>({WindowVerb::left,
+                                                                  WindowVerb::right,
+                                                                  WindowVerb::top,
+                                                                  WindowVerb::bottom,
+                                                                  WindowVerb::max,
+                                                                  WindowVerb::center,
+                                                                  WindowVerb::display});
+
+/// What is known of each verb. Pure; any thread.
+namespace WindowVerbs {
+
+std::string_view name(WindowVerb verb);   ///< for the log: "left"
+std::string_view title(WindowVerb verb);  ///< of its row: "Left half"
+std::string_view symbol(WindowVerb verb); ///< of its row
+
+/// Where the window goes on a screen's work area; `window` is where it is now, border included.
+Rectangle frame(WindowVerb verb, const Rectangle& workArea, const Rectangle& window);
+
+} // namespace WindowVerbs
+} // namespace tessarine
