@@ -40,7 +40,7 @@ struct Machine {
                                 .aliases = {{word(random)}}});
         services.startCatalog();
         model = services.makeModel();
-        model->families.commands = [this] { return commands; };
+        model->families.commands = [this] { return std::span<const CommandSpec>(commands); };
         for (int i = 0; i < 400; ++i) {
             const auto& app = services.catalog.apps()[random() % applicationCount];
             services.usage.record(app.id);

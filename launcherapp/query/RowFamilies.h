@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -89,8 +90,11 @@ struct RowFamilies {
     Family emoji;
 
     // What they are read from.
-    std::function<bool(const ResultRow& row)> isUserCommand;   ///< of the user's own file
-    std::function<std::vector<CommandSpec>()> commands;        ///< the user's, packs' and system's
+    std::function<bool(const ResultRow& row)> isUserCommand; ///< of the user's own file
+    /// The user's, packs' and system's, for the present turn of the event loop.
+    std::function<std::span<const CommandSpec>()> commands;
+    /// What a command's row says of it; nothing for its keyword.
+    std::function<std::optional<std::string>(const CommandSpec& command)> commandDetail;
     std::function<std::optional<std::string>()> commandsError; ///< why their file can't be read
     std::function<std::vector<CatalogApp>()> recentApps;       ///< running, most recent first
     /// The person whose card the row opens; nothing for any other row.

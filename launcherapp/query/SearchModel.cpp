@@ -182,7 +182,7 @@ Rows SearchModel::builtRows() {
         const bool hasListOfItsOwn =
             engaged_->kind == CommandKind::files || engaged_->kind == CommandKind::list;
         return hasListOfItsOwn ? rowsOf(families.engaged, *engaged_, engagement->argument)
-                               : engagedRows(*engaged_, verbs, engagement->argument);
+                               : engagedRows(*engaged_, commandRowSources(), engagement->argument);
     }
     if (q.empty())
         return atRestRows(commands);
@@ -266,7 +266,11 @@ Rows SearchModel::cardRows(const std::string& personID, std::string_view q) {
     return rows;
 }
 
-Rows SearchModel::atRestRows(const std::vector<CommandSpec>& commands) {
+CommandRowSources SearchModel::commandRowSources() const {
+    return {.verbs = verbs, .detail = families.commandDetail};
+}
+
+Rows SearchModel::atRestRows(std::span<const CommandSpec> commands) {
     const auto& prefs = services_.prefs;
     const AppRowSources sources{.apps = services_.catalog.apps(),
                                 .hidden = prefs.hiddenApps(),
@@ -295,7 +299,7 @@ Rows SearchModel::atRestRows(const std::vector<CommandSpec>& commands) {
             if (app != sources.apps.end() && isOffered(sources, *app))
                 add(appRow(sources, *app), "most used");
             else if (command != commands.end())
-                rows.push_back(commandRow(*command, verbs));
+                rows.push_back(commandRow(*command, commandRowSources()));
             shown.insert(id);
         }
         for (const auto& app : sources.apps) {
@@ -311,7 +315,7 @@ Rows SearchModel::atRestRows(const std::vector<CommandSpec>& commands) {
 }
 
 Rows SearchModel::mainRows(std::string_view q,
-                           const std::vector<CommandSpec>& commands,
+                           std::span<const CommandSpec> commands,
                            Rows keptRows) {
     auto rows = rowsOf(families.contactVerbs, q);
     append(rows,
@@ -320,7 +324,7 @@ Rows SearchModel::mainRows(std::string_view q,
                     .running = running_,
                     .verbs = verbs},
                    q));
-    append(rows, commandRows(commands, verbs, q));
+    append(rows, commandRows(commands, commandRowSources(), q));
     addAnswersAndSources(rows, q);
     append(rows, std::move(keptRows));
     auto drives = rowsOf(families.drives, q);

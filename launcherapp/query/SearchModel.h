@@ -18,6 +18,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,7 @@ class AppCatalog;
 class Diagnostics;
 class Prefs;
 class UsageStore;
+struct CommandRowSources;
 
 /// A key of the field's editor, which comes here before the editor acts on it.
 enum class FieldCommand {
@@ -179,8 +181,9 @@ private:
     Rows clipboardKeywordRows(std::string argument);
     Rows clippingRows(std::string_view q);
     Rows cardRows(const std::string& personID, std::string_view q);
-    Rows atRestRows(const std::vector<CommandSpec>& commands);
-    Rows mainRows(std::string_view q, const std::vector<CommandSpec>& commands, Rows keptRows);
+    Rows atRestRows(std::span<const CommandSpec> commands);
+    Rows mainRows(std::string_view q, std::span<const CommandSpec> commands, Rows keptRows);
+    CommandRowSources commandRowSources() const;
     void addAnswersAndSources(Rows& rows, std::string_view q);
     void addWebRows(Rows& rows, std::string_view q);
     void lookUpWord(const Rows& rows, std::string_view q);

@@ -81,8 +81,8 @@ std::optional<RowCreditSpec> creditOf(const CommandSpec& command) {
 
 } // namespace
 
-std::vector<ResultRow> commandRows(const std::vector<CommandSpec>& commands,
-                                   const RowVerbs& verbs,
+std::vector<ResultRow> commandRows(std::span<const CommandSpec> commands,
+                                   const CommandRowSources& sources,
                                    std::string_view query) {
     const CommandQuery typed(query);
     std::vector<ResultRow> rows;
@@ -90,23 +90,25 @@ std::vector<ResultRow> commandRows(const std::vector<CommandSpec>& commands,
         const auto score = bestScore(typed, command);
         if (score < 1)
             continue;
-        auto row = commandRow(command, verbs);
+        auto row = commandRow(command, sources);
         row.score = score;
         rows.push_back(std::move(row));
     }
     return rows;
 }
 
-ResultRow
-commandRow(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument) {
+ResultRow commandRow(const CommandSpec& command,
+                     const CommandRowSources& sources,
+                     const std::string& argument) {
+    auto detail = sources.detail ? sources.detail(command) : std::nullopt;
     return {
         .id = std::string(commandRowPrefix) + command.id,
         .kind = RowKind::command,
         .title = command.name,
-        .subtitle = command.keyword.value_or(""),
+        .subtitle = detail ? *std::move(detail) : command.keyword.value_or(""),
         .symbol = command.defaultSymbol(),
         .primary =
-            [run = verbs.runCommand, command, argument] {
+            [run = sources.verbs.runCommand, command, argument] {
                 if (run)
                     run(command, argument);
             },
@@ -116,7 +118,7 @@ commandRow(const CommandSpec& command, const RowVerbs& verbs, const std::string&
     };
 }
 
-std::optional<Engagement> engagement(const std::vector<CommandSpec>& commands,
+std::optional<Engagement> engagement(std::span<const CommandSpec> commands,
                                      std::string_view query) {
     const auto blank = query.find(' ');
     if (blank == std::string_view::npos)
@@ -134,9 +136,10 @@ std::optional<Engagement> engagement(const std::vector<CommandSpec>& commands,
     return std::nullopt;
 }
 
-std::vector<ResultRow>
-engagedRows(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument) {
-    auto row = commandRow(command, verbs, argument);
+std::vector<ResultRow> engagedRows(const CommandSpec& command,
+                                   const CommandRowSources& sources,
+                                   const std::string& argument) {
+    auto row = commandRow(command, sources, argument);
     row.subtitle = argument;
     return {std::move(row)};
 }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,14 +17,22 @@ namespace tessarine {
 /// Before a command's id in its row's id.
 inline constexpr std::string_view commandRowPrefix = "cmd:";
 
+/// What the rows of commands are made of.
+struct CommandRowSources {
+    const RowVerbs& verbs;
+    /// What the row of a command says of it; nothing for its keyword. May be empty.
+    const std::function<std::optional<std::string>(const CommandSpec& command)>& detail;
+};
+
 /// Rows of the commands that `query` names, by name, keyword or alias, in the given order.
-std::vector<ResultRow> commandRows(const std::vector<CommandSpec>& commands,
-                                   const RowVerbs& verbs,
+std::vector<ResultRow> commandRows(std::span<const CommandSpec> commands,
+                                   const CommandRowSources& sources,
                                    std::string_view query);
 
 /// The row of one command; Return runs it with `argument`.
-ResultRow
-commandRow(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument = {});
+ResultRow commandRow(const CommandSpec& command,
+                     const CommandRowSources& sources,
+                     const std::string& argument = {});
 
 /// A query that begins with the keyword of a command which takes what follows.
 struct Engagement {
@@ -32,12 +41,12 @@ struct Engagement {
 };
 
 /// The first such command; nothing without a blank in the query.
-std::optional<Engagement> engagement(const std::vector<CommandSpec>& commands,
-                                     std::string_view query);
+std::optional<Engagement> engagement(std::span<const CommandSpec> commands, std::string_view query);
 
 /// The list while a command has the field: its one row, which Return runs with the argument.
-std::vector<ResultRow>
-engagedRows(const CommandSpec& command, const RowVerbs& verbs, const std::string& argument);
+std::vector<ResultRow> engagedRows(const CommandSpec& command,
+                                   const CommandRowSources& sources,
+                                   const std::string& argument);
 
 /// The program's own modes as rows, found by their words and names. Return types the word through
 /// `typeWord`.

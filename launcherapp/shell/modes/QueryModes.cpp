@@ -59,6 +59,8 @@ std::vector<Stage> timedStages(ModeContext& context, const std::string& query) {
     };
     auto& model = context.model;
     const auto commands = rowsOf(model.families.commands);
+    const CommandRowSources commandSources{.verbs = model.verbs,
+                                           .detail = model.families.commandDetail};
     const std::set<std::string> running;
     const std::vector<std::string> hidden = context.prefs.hiddenApps();
     const AppRowSources apps{
@@ -72,7 +74,7 @@ std::vector<Stage> timedStages(ModeContext& context, const std::string& query) {
                  [&] { (void)model.families.answers(query); }),
          "the answers are"},
         {"app scoring", timed([&] { (void)appRows(apps, query); }), {}},
-        {"command scoring", timed([&] { (void)commandRows(commands, model.verbs, query); }), {}},
+        {"command scoring", timed([&] { (void)commandRows(commands, commandSources, query); }), {}},
         {"running bundle ids", timed([&] { (void)context.catalog.runningBundleIDs(); }), {}},
         {"looksLikeURL", timed([&] { (void)looksLikeURL(query); }), {}},
         {"fileIndex limit",
@@ -96,7 +98,9 @@ std::optional<ResultRow> favoriteRow(ModeContext& context, const std::string& id
         return appRow(sources, *app);
     for (const auto& command : rowsOf(context.model.families.commands)) {
         if (id == std::string(commandRowPrefix) + command.id)
-            return commandRow(command, context.model.verbs);
+            return commandRow(
+                command,
+                {.verbs = context.model.verbs, .detail = context.model.families.commandDetail});
     }
     return std::nullopt;
 }

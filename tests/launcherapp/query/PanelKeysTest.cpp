@@ -63,11 +63,12 @@ protected:
         model.dismiss = [this] { ++dismissals; };
         model.verbs.copyText = [this](const std::string& text) { copied.push_back(text); };
         model.families.commands = [] {
-            return std::vector<CommandSpec>{{.id = "find",
-                                             .name = "App finder",
-                                             .keyword = "af",
-                                             .kind = CommandKind::search,
-                                             .url = "https://x/{query}"}};
+            static const std::vector<CommandSpec> commands{{.id = "find",
+                                                            .name = "App finder",
+                                                            .keyword = "af",
+                                                            .kind = CommandKind::search,
+                                                            .url = "https://x/{query}"}};
+            return std::span<const CommandSpec>(commands);
         };
         model.families.personID = [](const ResultRow& row) {
             return row.id.starts_with("person:") ? std::optional(row.id.substr(7)) : std::nullopt;

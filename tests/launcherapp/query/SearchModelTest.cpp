@@ -145,8 +145,9 @@ TEST_F(SearchModelTest, tiersOrderTheRowsOfAllSources) {
     services.install("x1", "Sample");
     services.startCatalog();
     model.families.commands = [] {
-        return std::vector<CommandSpec>{
+        static const std::vector<CommandSpec> commands{
             {.id = "s", .name = "Something", .keyword = "samp", .kind = CommandKind::script}};
+        return std::span<const CommandSpec>(commands);
     };
     model.families.files = [](std::string_view) {
         return Rows{row("/sample.txt", RowKind::file, "files", 8490)};
@@ -235,7 +236,7 @@ TEST_F(SearchModelTest, theClipboardKeywordSwitchesInPlace) {
 
 TEST_F(SearchModelTest, aCommandEngagesAtItsBlank) {
     model.families.commands = [] {
-        return std::vector<CommandSpec>{
+        static const std::vector<CommandSpec> commands{
             {.id = "plain", .name = "Plain", .keyword = "g", .kind = CommandKind::system},
             {.id = "g",
              .name = "Google",
@@ -244,6 +245,7 @@ TEST_F(SearchModelTest, aCommandEngagesAtItsBlank) {
              .url = "https://x/?q={query}",
              .aliases = {{"goo"}}},
             {.id = "f", .name = "Find", .keyword = "f", .kind = CommandKind::files}};
+        return std::span<const CommandSpec>(commands);
     };
     model.families.engaged = [](const CommandSpec& command, std::string_view argument) {
         return Rows{row(command.id + "/" + std::string(argument), RowKind::file, "files", 1)};
@@ -342,7 +344,9 @@ TEST_F(SearchModelTest, anEmptyFieldShowsWhatTheUserChose) {
     services.startCatalog();
     model.families.recentApps = [&] { return std::vector<CatalogApp>{services.catalog.apps()[1]}; };
     model.families.commands = [] {
-        return std::vector<CommandSpec>{{.id = "x", .name = "X", .kind = CommandKind::script}};
+        static const std::vector<CommandSpec> commands{
+            {.id = "x", .name = "X", .kind = CommandKind::script}};
+        return std::span<const CommandSpec>(commands);
     };
     EXPECT_THAT(titles("  "), IsEmpty());
     prefs.emptyMode.set(EmptyMode::recents);
