@@ -133,7 +133,8 @@ Answer distanceAnswer(std::string_view unit,
             .detail = (saysUntil ? "until " : "since ") + written(day, formats),
             .symbol = "calendar",
             .kind = AnswerKind::date,
-            .number = static_cast<double>(distance) / (unit == "weeks" ? daysOfWeek : 1)};
+            .number = static_cast<double>(distance) /
+                      static_cast<double>(unit == "weeks" ? daysOfWeek : 1)};
 }
 
 std::optional<Answer>

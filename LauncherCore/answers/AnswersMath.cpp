@@ -147,7 +147,7 @@ Answers::math(std::string_view text, const Calc::Context& context, const Formats
             return answer;
     auto result = evaluated(bare, context);
     // "gcd(100,250)" has no value as one grouped number, but it has one as two.
-    if (!result && bare.find("(") != std::string::npos)
+    if (!result && bare.find('(') != std::string::npos)
         if (const auto parted = bareCalculation(text, Commas::part); parted != bare)
             result = evaluated(parted, context);
     if (!result)

@@ -153,6 +153,7 @@ std::vector<Emoji::Entry> Emoji::search(std::string_view text, std::size_t limit
     std::ranges::stable_sort(found, {}, &Found::fit);
     found.resize(std::min(found.size(), limit));
     std::vector<Entry> result;
+    result.reserve(found.size());
     for (const auto& [how, candidate] : found)
         result.push_back(candidate->entry);
     return result;

@@ -98,10 +98,11 @@ std::chrono::seconds Zone::offset(double at) const {
 }
 
 CivilTime Zone::civil(double at) const {
-    using namespace std::chrono;
-    const sys_seconds local{seconds(static_cast<std::int64_t>(std::floor(at))) + offset(at)};
-    const auto day = floor<days>(local);
-    return {.date = year_month_day(day), .timeOfDay = local - day};
+    using std::chrono::seconds;
+    const std::chrono::sys_seconds local{seconds(static_cast<std::int64_t>(std::floor(at))) +
+                                         offset(at)};
+    const auto day = std::chrono::floor<std::chrono::days>(local);
+    return {.date = std::chrono::year_month_day(day), .timeOfDay = local - day};
 }
 
 double Zone::instant(const CivilTime& time) const {

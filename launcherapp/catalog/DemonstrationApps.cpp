@@ -65,6 +65,7 @@ std::vector<CatalogApp> demonstrationApps() {
 
 std::shared_ptr<const AppRegistry> demonstrationRegistry() {
     std::vector<InstalledApp> apps;
+    apps.reserve(invented.size());
     for (const auto& app : invented) {
         apps.push_back({.bundleID = std::string(app.id),
                         .path = pathOf(app),

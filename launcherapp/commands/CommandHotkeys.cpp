@@ -46,7 +46,7 @@ CommandHotkeys::CommandHotkeys(Services services, Actions actions)
 
 void CommandHotkeys::sync(const std::vector<CommandSpec>& commands) {
     for (const auto id : ids_)
-        services_.hotkey->remove(id);
+        services_.hotkey()->remove(id);
     ids_.clear();
     registered_.clear();
     failed_.clear();
@@ -63,21 +63,21 @@ void CommandHotkeys::take(const CommandSpec& command) {
         failed_[command.id] = *command.hotkey + " is not a chord";
         return;
     }
-    if (!services_.hotkey) {
+    auto* hotkey = services_.hotkey();
+    if (!hotkey) {
         failed_[command.id] = chord->display() + " not registered: there is no display";
         return;
     }
     // Never one that was given back: a press of it may still be on its way.
     const auto id = nextID_++;
-    if (services_.hotkey->add(chord->binding(), id, [this, command] { fire(command); })) {
+    if (hotkey->add(chord->binding(), id, [this, command] { fire(command); })) {
         registered_[command.id] = *chord;
         ids_.push_back(id);
         return;
     }
-    failed_[command.id] = fmt::format("{} not registered: {}",
-                                      chord->display(),
-                                      cause(services_.hotkey->status(id), chord->display()));
-    services_.hotkey->remove(id);
+    failed_[command.id] = fmt::format(
+        "{} not registered: {}", chord->display(), cause(hotkey->status(id), chord->display()));
+    hotkey->remove(id);
 }
 
 void CommandHotkeys::log() {

@@ -20,7 +20,8 @@ class UsageStore;
 class CommandHotkeys {
 public:
     struct Services {
-        Hotkey* hotkey; ///< null without a display: then no chord can be had
+        /// Null where no chord can be had: without a display, or before there is one.
+        std::function<Hotkey*()> hotkey;
         UsageStore& usage;
         Diagnostics& diagnostics;
     };

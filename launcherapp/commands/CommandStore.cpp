@@ -62,15 +62,15 @@ void CommandStore::start() {
     }
     isLooking_ = true;
     services_.work.runApart(
-        [&files = services_.files, path = location()] {
+        [files = services_.files, path = location()] {
             std::string unwritten;
             try {
-                if (!files.info(path))
-                    files.save(path, CommandFile::starter().encoded());
+                if (!files->info(path))
+                    files->save(path, CommandFile::starter().encoded());
             } catch (const FileError& error) {
                 unwritten = error.what();
             }
-            auto look = looked(files, path);
+            auto look = looked(*files, path);
             if (!look.bytes && !unwritten.empty())
                 look.problem = unwritten;
             return look;
@@ -88,7 +88,7 @@ void CommandStore::start() {
 void CommandStore::load() {
     if (content_ == Content::demonstration)
         return;
-    take(looked(services_.files, location()));
+    take(looked(*services_.files, location()));
 }
 
 void CommandStore::take(const Look& look) {
@@ -134,7 +134,7 @@ void CommandStore::adopt(CommandFile file, std::vector<std::string> problems) {
 void CommandStore::requireReading() {
     if (!lastLoad_ || error_)
         load();
-    if (error_ && services_.files.info(location()))
+    if (error_ && services_.files->info(location()))
         throw FileError(
             fmt::format("{} can't be read, so it is not written over: {}", location(), *error_));
 }
@@ -146,8 +146,8 @@ void CommandStore::save(const CommandFile& file) {
     }
     requireReading();
     const auto path = location();
-    services_.files.save(path, file.encoded(unreadable_));
-    if (const auto info = services_.files.info(path))
+    services_.files->save(path, file.encoded(unreadable_));
+    if (const auto info = services_.files->info(path))
         lastModified_ = info->modified; // what we wrote is no change
     adopt(file, file.problems());
 }
@@ -166,7 +166,7 @@ void CommandStore::setHotkey(const std::optional<Chord>& chord, std::string_view
 void CommandStore::relocate(const std::string& folder) {
     if (content_ == Content::demonstration)
         return;
-    auto& files = services_.files;
+    auto& files = *services_.files;
     const auto target = Paths::normalized(folder) + "/" + std::string(fileName);
     const auto current = location();
     if (!files.info(target)) {
@@ -209,10 +209,10 @@ void CommandStore::lookForChange() {
     if (std::exchange(isLooking_, true))
         return;
     services_.work.runApart(
-        [&files = services_.files, path = location(), known = lastModified_] {
-            const auto info = files.info(path);
+        [files = services_.files, path = location(), known = lastModified_] {
+            const auto info = files->info(path);
             const auto modified = info ? std::optional(info->modified) : std::nullopt;
-            return modified == known ? std::nullopt : std::optional(looked(files, path));
+            return modified == known ? std::nullopt : std::optional(looked(*files, path));
         },
         [this, weak = std::weak_ptr(alive_), path = location(), known = lastModified_](
             const std::optional<Look>& look) {

@@ -34,7 +34,7 @@ public:
     struct Services {
         MainQueue& queue;
         WorkQueues& work;
-        FileStore& files;
+        std::shared_ptr<FileStore> files; ///< held by looks that a hanging drive keeps
         DirectoryWatcher& directories;
         Prefs& prefs;
         Diagnostics& diagnostics;

@@ -35,6 +35,7 @@ public:
     }
 
     void submitApart(std::function<void()> job, std::function<void()> completion) override {
+        ++submittedApart;
         time_.schedule(apartDuration, [job = std::move(job), completion = std::move(completion)] {
             job();
             completion();
@@ -42,6 +43,7 @@ public:
     }
 
     Seconds apartDuration{0}; ///< of the jobs with a thread of their own
+    int submittedApart = 0;   ///< those given so far
 
 private:
     struct Serial : SerialQueue {

@@ -13,7 +13,13 @@ namespace tessarine {
 
 namespace {
 
-using namespace TimeZones;
+using TimeZones::Context;
+using TimeZones::Day;
+using TimeZones::DayPhrase;
+using TimeZones::Moment;
+using TimeZones::Reading;
+using TimeZones::StatedClock;
+using TimeZones::StatedDay;
 
 constexpr int noon = 12;
 constexpr int hoursOfDay = 24;

@@ -151,21 +151,21 @@ std::optional<ZoneClock> TimeZones::offsetZone(std::string_view word) {
 
 std::optional<ZonePlaces::Place> ZonePlaces::resolve(std::string_view word,
                                                      const Context& context) {
-    if (const auto known = ofTheUser(word, context))
+    if (auto known = ofTheUser(word, context))
         return known;
     word = withoutTime(word);
     if (const auto rest = ZoneWords::after(word, "the"))
         word = *rest;
     if (word.empty())
         return std::nullopt;
-    if (const auto known = ofTheUser(word, context))
+    if (auto known = ofTheUser(word, context))
         return known;
     if (const auto offset = TimeZones::offsetZone(word))
         return Place{.clock = *offset};
     const auto key = ZoneTables::key(word);
     if (const auto* row = ZoneTables::place(key))
         return place(row->name, row->identifier);
-    if (const auto clock = watched(key, context))
+    if (auto clock = watched(key, context))
         return clock;
     return country(word, context.now);
 }

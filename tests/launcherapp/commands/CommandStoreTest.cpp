@@ -36,12 +36,15 @@ struct Store {
     std::vector<std::string> shown;
     std::vector<std::string> ran;
     CommandHotkeys hotkeys{
-        {.hotkey = &hotkey, .usage = services.usage, .diagnostics = services.diagnostics},
+        {.hotkey = [this] { return &hotkey; },
+         .usage = services.usage,
+         .diagnostics = services.diagnostics},
         {.showPanel = [this](const std::string& query) { shown.push_back(query); },
          .run = [this](const CommandSpec& command) { ran.push_back(command.id); }}};
+    std::shared_ptr<FileStore> files{std::shared_ptr<void>(), &services.platform.files};
     CommandStore store{{.queue = services.platform.queue,
                         .work = services.platform.work,
-                        .files = services.platform.files,
+                        .files = files,
                         .directories = services.platform.watcher,
                         .prefs = services.prefs,
                         .diagnostics = services.diagnostics,
@@ -188,7 +191,7 @@ TEST(CommandStore, aDemonstrationTouchesNoFile) {
     fixture.write(alpha, 1);
     CommandStore demonstration{{.queue = fixture.services.platform.queue,
                                 .work = fixture.services.platform.work,
-                                .files = fixture.services.platform.files,
+                                .files = fixture.files,
                                 .directories = fixture.services.platform.watcher,
                                 .prefs = fixture.services.prefs,
                                 .diagnostics = fixture.services.diagnostics,
@@ -270,6 +273,84 @@ TEST(CommandHotkeys, eachChordIsTakenOnceAndARefusalIsTold) {
     fixture.hotkeys.sync({command("same", "⌘1")});
     EXPECT_THAT(fixture.hotkeys.registered(), ElementsAre(Pair("same", *Chord::parse("cmd+1"))));
     EXPECT_THAT(fixture.registrar.held, SizeIs(1));
+}
+
+TEST(CommandStore, aHangingDriveCostsOneLookAtATime) {
+    Store fixture;
+    fixture.startWith(alpha);
+    auto& work = fixture.services.platform.work;
+    const auto before = work.submittedApart;
+    work.apartDuration = Seconds{60};
+    fixture.write(beta, 2);
+    fixture.services.platform.time.advance(Seconds{30});
+    EXPECT_EQ(work.submittedApart, before + 1);
+    EXPECT_THAT(fixture.names(), ElementsAre("Alpha"));
+    fixture.services.platform.time.advance(Seconds{32});
+    EXPECT_THAT(fixture.names(), ElementsAre("Beta")) << "what came late still counts";
+}
+
+TEST(CommandStore, aLookThatOutlivesTheStoreIsDropped) {
+    FakeServices services;
+    CommandHotkeys hotkeys{{.hotkey = [] { return nullptr; },
+                            .usage = services.usage,
+                            .diagnostics = services.diagnostics},
+                           {}};
+    auto store = std::make_unique<CommandStore>(
+        CommandStore::Services{.queue = services.platform.queue,
+                               .work = services.platform.work,
+                               .files = {std::shared_ptr<void>(), &services.platform.files},
+                               .directories = services.platform.watcher,
+                               .prefs = services.prefs,
+                               .diagnostics = services.diagnostics,
+                               .hotkeys = hotkeys},
+        folder,
+        CommandStore::Content::file);
+    store->start();
+    store.reset();
+    services.platform.time.advance(Seconds{5});
+    EXPECT_THAT(services.log(), testing::Not(HasSubstr("command hotkeys")));
+}
+
+TEST(CommandStore, aStarterThatCannotBeWrittenIsToldWithTheReason) {
+    Store fixture;
+    fixture.services.platform.files.forbid(path);
+    fixture.store.start();
+    fixture.services.platform.time.settle();
+    ASSERT_THAT(fixture.store.problems(), SizeIs(1));
+    EXPECT_THAT(fixture.store.problems()[0], testing::Not(HasSubstr("there is no file")));
+    EXPECT_THAT(fixture.names(), IsEmpty());
+}
+
+TEST(CommandStore, aMoveThatCannotBeFinishedIsToldAndKeepsTheOldPlace) {
+    Store fixture;
+    fixture.startWith(alpha);
+    fixture.services.platform.files.forbid(std::string(path) + ".moved");
+    EXPECT_THROW(fixture.store.relocate("/share"), FileError);
+    EXPECT_EQ(fixture.onDisk(), alpha);
+    EXPECT_EQ(fixture.store.location(), path);
+}
+
+TEST(CommandStore, afterAMoveTheNewFolderIsWatched) {
+    Store fixture;
+    fixture.startWith(alpha);
+    fixture.store.relocate("/share");
+    fixture.services.platform.files.now = 9;
+    fixture.services.platform.files.file("/share/commands.json", beta);
+    fixture.services.platform.watcher.fire("/share");
+    fixture.services.platform.time.advance(Seconds{0.31});
+    EXPECT_THAT(fixture.names(), ElementsAre("Beta"));
+}
+
+TEST(CommandHotkeys, aPressOnItsWayRunsNoOtherCommand) {
+    Store fixture;
+    const CommandSpec first{
+        .id = "first", .name = "First", .kind = CommandKind::open, .hotkey = "cmd+1"};
+    const CommandSpec second{
+        .id = "second", .name = "Second", .kind = CommandKind::open, .hotkey = "cmd+2"};
+    fixture.hotkeys.sync({first});
+    const auto old = fixture.registrar.held.begin()->first;
+    fixture.hotkeys.sync({second});
+    EXPECT_NE(fixture.registrar.held.begin()->first, old) << "ids are not given out again";
 }
 
 TEST(CommandHotkeys, aPressRunsTheCommandOrAsksForItsArgument) {

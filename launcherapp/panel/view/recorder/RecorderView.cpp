@@ -109,7 +109,8 @@ void RecorderView::paintEvent(QPaintEvent*) {
         painter.drawText(clear, Qt::AlignCenter, QStringLiteral("✕"));
     const bool isChord = recorder_.hasBinding() && !recorder_.isRecording();
     painter.setOpacity(isChord ? 1 : dimmed);
-    const auto side = Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
+    const auto side = static_cast<int>(
+        (Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft)).toInt());
     const auto text = fontMetrics().elidedText(
         QString::fromStdString(recorder_.text()), Qt::ElideRight, width() - 2 * margin);
     painter.drawText(rect().adjusted(margin, 0, -margin, 0), side, text);

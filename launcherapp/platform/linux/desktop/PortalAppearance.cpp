@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 
+#include "launcherapp/platform/linux/desktop/PortalListener.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 
 #include <QDBusArgument>
@@ -33,74 +34,62 @@ using Settings = QMap<QString, QVariantMap>;
 
 } // namespace
 
-/// Lives on the bus's side: what arrives is noted in the owner.
-class PortalAppearance::Listener : public QObject {
-    Q_OBJECT
+PortalAppearance::Listener::Listener(PortalAppearance& owner, QDBusConnection bus) : owner_(owner) {
+    // First the signal, so that no change falls between the answer and the listening.
+    bus.connect(service,
+                path,
+                interface,
+                QStringLiteral("SettingChanged"),
+                this,
+                SLOT(settingChanged(QDBusMessage)));
+    auto message =
+        QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    message << QStringList{appearance, gnomeInterface};
+    const auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, &Listener::answered);
+}
 
-public:
-    Listener(PortalAppearance& owner, QDBusConnection bus) : owner_(owner) {
-        // First the signal, so that no change falls between the answer and the listening.
-        bus.connect(service,
-                    path,
-                    interface,
-                    QStringLiteral("SettingChanged"),
-                    this,
-                    SLOT(settingChanged(QDBusMessage)));
-        auto message =
-            QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
-        message << QStringList{appearance, gnomeInterface};
-        const auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, &Listener::answered);
+void PortalAppearance::Listener::settingChanged(const QDBusMessage& message) {
+    const auto arguments = message.arguments();
+    if (message.signature() == QLatin1String("ssv"))
+        note(arguments[0].toString(),
+             arguments[1].toString(),
+             arguments[2].value<QDBusVariant>().variant());
+}
+
+void PortalAppearance::Listener::answered(QDBusPendingCallWatcher* watcher) {
+    watcher->deleteLater();
+    const QDBusMessage reply = watcher->reply();
+    if (reply.type() != QDBusMessage::ReplyMessage ||
+        reply.signature() != QLatin1String("a{sa{sv}}")) {
+        if (owner_.problem_)
+            owner_.problem_("no settings portal answers: " + reply.errorMessage().toStdString());
+        return;
     }
-
-private Q_SLOTS:
-
-    /// Of the whole message: a slot that takes its three values is refused by the bus library as
-    /// long as no variant has passed through it (Qt 6.4).
-    void settingChanged(const QDBusMessage& message) {
-        const auto arguments = message.arguments();
-        if (message.signature() == QLatin1String("ssv"))
-            note(arguments[0].toString(),
-                 arguments[1].toString(),
-                 arguments[2].value<QDBusVariant>().variant());
+    const auto settings = qdbus_cast<Settings>(reply.arguments().constFirst());
+    for (auto group = settings.begin(); group != settings.end(); ++group) {
+        for (auto each = group->begin(); each != group->end(); ++each)
+            note(group.key(), each.key(), each.value());
     }
+}
 
-private:
-    void answered(QDBusPendingCallWatcher* watcher) {
-        watcher->deleteLater();
-        const QDBusMessage reply = watcher->reply();
-        if (reply.type() != QDBusMessage::ReplyMessage ||
-            reply.signature() != QLatin1String("a{sa{sv}}")) {
-            if (owner_.problem_)
-                owner_.problem_("no settings portal answers: " +
-                                reply.errorMessage().toStdString());
-            return;
-        }
-        const auto settings = qdbus_cast<Settings>(reply.arguments().constFirst());
-        for (auto group = settings.begin(); group != settings.end(); ++group) {
-            for (auto each = group->begin(); each != group->end(); ++each)
-                note(group.key(), each.key(), each.value());
-        }
+void PortalAppearance::Listener::note(const QString& group,
+                                      const QString& key,
+                                      const QVariant& value) {
+    const auto before = std::pair(owner_.colorScheme_, owner_.motion_);
+    if (group == appearance && key == colorSchemeKey) {
+        const auto scheme = value.toUInt();
+        owner_.colorScheme_ = scheme == 1   ? ColorScheme::dark
+                              : scheme == 2 ? ColorScheme::light
+                                            : ColorScheme::none;
+    } else if (group == appearance && key == reducedMotionKey) {
+        owner_.motion_ = value.toUInt() == 1 ? Motion::reduced : Motion::full;
+    } else if (group == gnomeInterface && key == animationsKey) {
+        owner_.motion_ = value.toBool() ? Motion::full : Motion::reduced;
     }
-
-    void note(const QString& group, const QString& key, const QVariant& value) {
-        const auto before = std::pair(owner_.colorScheme_, owner_.motion_);
-        if (group == appearance && key == colorSchemeKey) {
-            const auto scheme = value.toUInt();
-            owner_.colorScheme_ = scheme == 1   ? ColorScheme::dark
-                                  : scheme == 2 ? ColorScheme::light
-                                                : ColorScheme::none;
-        } else if (group == appearance && key == reducedMotionKey) {
-            owner_.motion_ = value.toUInt() == 1 ? Motion::reduced : Motion::full;
-        } else if (group == gnomeInterface && key == animationsKey) {
-            owner_.motion_ = value.toBool() ? Motion::full : Motion::reduced;
-        }
-        if (before != std::pair(owner_.colorScheme_, owner_.motion_))
-            owner_.observers_.tell();
-    }
-
-    PortalAppearance& owner_;
-};
+    if (before != std::pair(owner_.colorScheme_, owner_.motion_))
+        owner_.observers_.tell();
+}
 
 PortalAppearance::PortalAppearance(std::function<void(const std::string&)> problem)
     : problem_(std::move(problem)) {
@@ -117,5 +106,3 @@ Subscription PortalAppearance::onChange(std::function<void()> changed) {
 }
 
 } // namespace tessarine
-
-#include "PortalAppearance.moc"
