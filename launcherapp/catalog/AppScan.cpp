@@ -4,6 +4,7 @@
 #include "LauncherCore/catalog/DesktopEntry.h"
 #include "LauncherCore/catalog/Launchable.h"
 #include "LauncherCore/catalog/MimeApps.h"
+#include "LauncherCore/commands/SettingsPanes.h"
 #include "LauncherCore/text/Collation.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Paths.h"
@@ -20,19 +21,6 @@ namespace tessarine {
 namespace {
 
 constexpr std::string_view extension = ".desktop";
-
-/// Whether a program, a path or a name on PATH, can be executed.
-bool canExecute(const FileStore& files, const Environment& environment, std::string_view program) {
-    const auto isExecutable = [&](const std::string& path) {
-        const auto info = files.info(path);
-        return info && info->kind == FileKind::file && info->executable;
-    };
-    if (program.find('/') != std::string_view::npos)
-        return isExecutable(expandingTilde(environment, program));
-    return std::ranges::any_of(environment.programDirs, [&](const std::string& folder) {
-        return isExecutable(folder + "/" + std::string(program));
-    });
-}
 
 /// One pass, with what it has met so far.
 class Pass {
@@ -90,7 +78,7 @@ private:
             Launchable::verdict(*entry,
                                 {.currentDesktops = environment_.desktops,
                                  .canExecute = [this](std::string_view program) {
-                                     return canExecute(files_, environment_, program);
+                                     return AppScan::canExecute(files_, environment_, program);
                                  }});
         switch (verdict) {
         case Launchable::Verdict::notAnApplication:
@@ -103,14 +91,18 @@ private:
             keep(*entry, path, bundleID, Listing::no);
             break;
         case Launchable::Verdict::offered:
-            keep(*entry,
-                 path,
-                 bundleID,
-                 Launchable::isLaunchable(*entry) ? Listing::yes : Listing::no);
+            keep(*entry, path, bundleID, isOffered(*entry) ? Listing::yes : Listing::no);
             break;
         }
         claimed_.insert(bundleID);
         seen_.insert(*real);
+    }
+
+    /// A page of the desktop's settings asks for no display and has an icon, as some applications
+    /// do, but is a place in one of them.
+    static bool isOffered(const DesktopEntry& entry) {
+        return Launchable::isLaunchable(entry) &&
+               !SettingsPanes::opensPage(entry.text("Exec").value_or(""));
     }
 
     enum class Listing { no, yes };
@@ -255,6 +247,20 @@ std::optional<DesktopEntry> AppScan::entryAt(const FileStore& files,
     } catch (const FileError&) {
         return std::nullopt;
     }
+}
+
+bool AppScan::canExecute(const FileStore& files,
+                         const Environment& environment,
+                         std::string_view program) {
+    const auto isExecutable = [&](const std::string& path) {
+        const auto info = files.info(path);
+        return info && info->kind == FileKind::file && info->executable;
+    };
+    if (program.find('/') != std::string_view::npos)
+        return isExecutable(expandingTilde(environment, program));
+    return std::ranges::any_of(environment.programDirs, [&](const std::string& folder) {
+        return isExecutable(folder + "/" + std::string(program));
+    });
 }
 
 AppScan::Result AppScan::scan(const FileStore& files,

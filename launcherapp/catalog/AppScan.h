@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// One pass over the folders of desktop entries. Pure but for reading files; any thread.
@@ -25,6 +26,9 @@ std::vector<std::string> roots(const Environment& environment,
 /// The entry in a file; nothing when it can't be read or is none.
 std::optional<DesktopEntry>
 entryAt(const FileStore& files, const std::string& path, const std::vector<std::string>& languages);
+
+/// Whether a program, a path or a name on PATH, can be executed.
+bool canExecute(const FileStore& files, const Environment& environment, std::string_view program);
 
 struct Result {
     std::shared_ptr<const AppRegistry> registry; ///< everything found; never null

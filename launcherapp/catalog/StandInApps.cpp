@@ -14,12 +14,11 @@ struct StandIn {
     std::span<const std::string_view> candidates;
 };
 
-// Desktop-file ids as the desktops' own packages install them, the larger desktops first.
+// Desktop-file ids as the desktops' own packages install them, the larger desktops first; but KDE's
+// settings last, as they alone run on every desktop.
 constexpr auto settings = std::to_array<std::string_view>({
     "org.gnome.Settings",
     "gnome-control-center",
-    "systemsettings",
-    "kdesystemsettings",
     "xfce-settings-manager",
     "cinnamon-settings",
     "matecc",
@@ -27,6 +26,8 @@ constexpr auto settings = std::to_array<std::string_view>({
     "com.system76.CosmicSettings",
     "org.buddiesofbudgie.ControlCenter",
     "io.elementary.settings",
+    "systemsettings",
+    "kdesystemsettings",
 });
 constexpr auto docks = std::to_array<std::string_view>({
     "net.launchpad.plank",
@@ -82,11 +83,15 @@ const InstalledApp* StandInApps::application(const AppRegistry& registry,
         if (const auto* handler = registry.handlerForType(row->mimeType))
             return handler;
     }
+    const InstalledApp* unlisted = nullptr;
     for (const auto candidate : row->candidates) {
-        if (const auto* installed = registry.byID(candidate))
+        const auto* installed = registry.byID(candidate);
+        if (installed && installed->listed)
             return installed;
+        if (installed && !unlisted)
+            unlisted = installed;
     }
-    return nullptr;
+    return unlisted;
 }
 
 } // namespace tessarine

@@ -9,7 +9,8 @@
 namespace tessarine::StandInApps {
 
 /// The application of this id: one installed under it, else what takes its part on this desktop
-/// (for the file manager, who opens folders). Null when neither is installed.
+/// (for the file manager, who opens folders), one that this desktop lists before another desktop's.
+/// Null when neither is installed.
 const InstalledApp* application(const AppRegistry& registry, std::string_view bundleID);
 
 } // namespace tessarine::StandInApps

@@ -75,30 +75,6 @@ std::set<std::string> WalkerFixture::shapeOf(const ItemList& items) const {
     return shape;
 }
 
-void SelftestLines::say(std::string_view line) {
-    if (!report_.empty())
-        report_ += '\n';
-    report_ += prefix_;
-    report_ += line;
-}
-
-void SelftestLines::fail(std::string_view line) {
-    say(line);
-    passed_ = false;
-}
-
-SelftestResult SelftestLines::brokenOff(std::string_view reason) {
-    say(fmt::format("NOT MEASURED, {}", reason));
-    return {.verdict =
-                passed_ ? SelftestResult::Verdict::notMeasured : SelftestResult::Verdict::refuted,
-            .report = report_};
-}
-
-SelftestResult SelftestLines::result() const {
-    return {.verdict = passed_ ? SelftestResult::Verdict::proved : SelftestResult::Verdict::refuted,
-            .report = report_};
-}
-
 std::string missingFrom(const std::set<std::string>& first, const std::set<std::string>& second) {
     std::string list;
     for (const auto& path : first) {

@@ -6,7 +6,6 @@
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
 
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -38,38 +37,6 @@ private:
 
     FileStore& files_;
     std::string root_;
-};
-
-/// The lines of a self-test's report, and whether one of them is a failure.
-class SelftestLines {
-public:
-    explicit SelftestLines(std::string_view prefix) : prefix_(prefix) {}
-
-    void say(std::string_view line);
-
-    void require(bool holds, std::string_view failure) {
-        if (!holds)
-            fail(failure);
-    }
-
-    void requireNone(const std::optional<std::string>& failure) {
-        if (failure)
-            fail(*failure);
-    }
-
-    void fail(std::string_view line);
-
-    bool passed() const { return passed_; }
-
-    SelftestResult result() const;
-
-    /// The test could not go on: what had failed until then stays a failure.
-    SelftestResult brokenOff(std::string_view reason);
-
-private:
-    std::string prefix_;
-    std::string report_;
-    bool passed_ = true;
 };
 
 /// What is in the first and not in the second, with commas between.
