@@ -5,6 +5,9 @@
 
 #include <chrono>
 #include <memory>
+#include <set>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace tessarine {
@@ -15,7 +18,8 @@ namespace tessarine {
 class AtspiAccessibility : public Accessibility {
 public:
     static constexpr std::chrono::milliseconds patienceWithBus{3000}; ///< it may have to be started
-    static constexpr std::chrono::milliseconds longestPress{2000};    ///< one call of `press`
+    static constexpr std::chrono::milliseconds longestPress{
+        3000}; ///< one call of `press`; a jump gives a name 4 s
 
     AtspiAccessibility();
     /// Has programs that start from now on be silent again, if it was us who had woken them and no

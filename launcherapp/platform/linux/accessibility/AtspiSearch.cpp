@@ -15,8 +15,8 @@ namespace {
 constexpr auto accessible = "org.a11y.atspi.Accessible";
 constexpr auto actionInterface = "org.a11y.atspi.Action";
 constexpr auto textInterface = "org.a11y.atspi.Text";
-constexpr std::int64_t siblingsAtOnce = 64; ///< few round trips, and little is asked in vain
-constexpr std::int32_t longestText = 200;   ///< characters; a button's words are fewer
+constexpr std::int64_t siblingsAtOnce = 128; ///< few round trips, and little is asked in vain
+constexpr std::int32_t longestText = 200;    ///< characters; a button's words are fewer
 constexpr std::int64_t mostActions = 16;
 
 BusCall method(const BusPlace& place, const char* interface, const char* name) {
@@ -43,7 +43,9 @@ AtspiSearch::below(const BusPlace& parent, std::int64_t count, int depth) {
         return std::nullopt;
     count = std::min(count, maxChildren);
     for (std::int64_t first = 0; first < count; first += siblingsAtOnce) {
-        for (const auto& thing : children(parent, first, std::min(first + siblingsAtOnce, count))) {
+        const Span span{
+            .first = first, .afterLast = std::min(first + siblingsAtOnce, count), .count = count};
+        for (const auto& thing : children(parent, span)) {
             if (thing.named) {
                 if (auto attempt = press(thing.place))
                     return attempt;
@@ -57,21 +59,33 @@ AtspiSearch::below(const BusPlace& parent, std::int64_t count, int depth) {
     return std::nullopt;
 }
 
-/// Those on screen that were not met before.
-std::vector<AtspiSearch::Thing>
-AtspiSearch::children(const BusPlace& parent, std::int64_t first, std::int64_t afterLast) {
+std::vector<BusPlace> AtspiSearch::places(const BusPlace& parent, const Span& span) {
+    // All at once is one call instead of one for each, but a table would make a million of them.
+    if (span.count <= siblingsAtOnce) {
+        const auto all = method(parent, accessible, "GetChildren");
+        return ask(std::span(&all, 1)).front().places();
+    }
     std::vector<BusCall> calls;
-    for (auto i = first; i < afterLast; ++i) {
+    for (auto i = span.first; i < span.afterLast; ++i) {
         calls.push_back(method(parent, accessible, "GetChildAtIndex"));
         calls.back().arguments = {static_cast<std::int32_t>(i)};
     }
-    std::vector<Thing> things;
+    std::vector<BusPlace> places;
     for (const auto& reply : ask(calls)) {
-        const auto place = reply.place();
-        if (place && seen_.size() < maxThings && seen_.insert(*place).second)
-            things.push_back({.place = *place});
+        if (auto place = reply.place())
+            places.push_back(*std::move(place));
     }
-    calls.clear();
+    return places;
+}
+
+/// Those on screen that were not met before.
+std::vector<AtspiSearch::Thing> AtspiSearch::children(const BusPlace& parent, const Span& span) {
+    std::vector<Thing> things;
+    for (auto& place : places(parent, span)) {
+        if (seen_.size() < maxThings && seen_.insert(place).second)
+            things.push_back({.place = std::move(place)});
+    }
+    std::vector<BusCall> calls;
     for (const auto& thing : things) {
         calls.push_back(method(thing.place, accessible, "GetState"));
         calls.push_back(method(thing.place, accessible, "GetRole"));
@@ -150,7 +164,10 @@ PressAttempt AtspiSearch::act(const BusPlace& place, std::size_t action) {
     using Outcome = PressAttempt::Outcome;
     auto call = method(place, actionInterface, "DoAction");
     call.arguments = {static_cast<std::int32_t>(action)};
-    const auto reply = ask(std::span(&call, 1)).front();
+    // With time of its own: what was never sent has to be told from what isn't answered.
+    const auto reply = bus_.call(call, PrivateBus::Clock::now() + patience);
+    if (!bus_.isConnected())
+        return {.outcome = Outcome::notFound};
     // A press that opens a dialog may be answered when that is closed, and one that ends the
     // program never: it had answered everything before this.
     if (reply.error() == DBUS_ERROR_NO_REPLY)
@@ -168,9 +185,9 @@ PressAttempt AtspiSearch::act(const BusPlace& place, std::size_t action) {
 std::vector<BusReply> AtspiSearch::ask(std::span<const BusCall> calls) {
     if (calls.empty())
         return {};
-    if (silent_.contains(calls.front().place.owner))
-        return std::vector<BusReply>(calls.size());
     const auto now = PrivateBus::Clock::now();
+    if (now >= deadline_ || silent_.contains(calls.front().place.owner))
+        return std::vector<BusReply>(calls.size());
     auto replies = bus_.call(calls, std::min(now + patience, deadline_));
     for (std::size_t i = 0; i < calls.size(); ++i) {
         if (replies[i].error() == DBUS_ERROR_NO_REPLY)

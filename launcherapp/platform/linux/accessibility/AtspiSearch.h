@@ -3,7 +3,9 @@
 #include "launcherapp/platform/Accessibility.h"
 #include "launcherapp/platform/linux/accessibility/PrivateBus.h"
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <span>
@@ -40,10 +42,18 @@ private:
         bool named = false; ///< called by the name that is looked for
     };
 
+    /// Some of a thing's children, by their numbers.
+    struct Span {
+        std::int64_t first = 0;
+        std::int64_t afterLast = 0;
+        std::int64_t count = 0; ///< of all
+    };
+
     std::optional<PressAttempt> below(const BusPlace& parent, std::int64_t count, int depth);
     std::optional<PressAttempt> press(const BusPlace& place);
     PressAttempt act(const BusPlace& place, std::size_t action);
-    std::vector<Thing> children(const BusPlace& parent, std::int64_t first, std::int64_t afterLast);
+    std::vector<BusPlace> places(const BusPlace& parent, const Span& span);
+    std::vector<Thing> children(const BusPlace& parent, const Span& span);
     void readNames(std::vector<Thing>& things);
     void readTexts(std::vector<Thing*> things);
     std::vector<BusReply> ask(std::span<const BusCall> calls);

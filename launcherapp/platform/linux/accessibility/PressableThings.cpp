@@ -53,12 +53,12 @@ bool has(std::span<const std::uint32_t> states, AtspiStateType state) {
     return bit / 32 < states.size() && ((states[bit / 32] >> (bit % 32)) & 1U) != 0;
 }
 
-/// A doubled mark stands for itself.
+/// A doubled mark stands for itself, as does one before a blank or at the end.
 std::string withoutMnemonic(std::string_view text, char mark) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == mark && ++i == text.size())
-            break;
+        if (text[i] == mark && i + 1 < text.size() && text[i + 1] != ' ')
+            ++i;
         plain += text[i];
     }
     return plain;
