@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QLocalServer>
 #include <QProcess>
 #include <csignal>
 #include <iostream>
@@ -216,6 +220,44 @@ TEST_F(AtspiAccessibilityTest, aTreeWithoutEndCostsItsBoundAndNoMore) {
     std::cout << "  endless: " << took.count() << " ms\n";
     EXPECT_GT(took, milliseconds(20)); // it did go down
     EXPECT_LE(took, AtspiAccessibility::longestPress + milliseconds(200));
+}
+
+TEST(AtspiStatus, isPutBackAsItWasFound) {
+    const auto isEnabled = [] {
+        auto get = QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
+                                                  QStringLiteral("/org/a11y/bus"),
+                                                  QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                  QStringLiteral("Get"));
+        get << QStringLiteral("org.a11y.Status") << QStringLiteral("IsEnabled");
+        const auto reply = QDBusConnection::sessionBus().call(get);
+        return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
+    };
+    ASSERT_FALSE(isEnabled());
+    {
+        AtspiAccessibility ours;
+        ours.wake({});
+        EXPECT_TRUE(isEnabled());
+        AtspiAccessibility another; // finds it on, so it isn't the one to put it back
+        another.wake({});
+    }
+    EXPECT_FALSE(isEnabled());
+}
+
+TEST(AtspiStatus, withoutABusThereIsNoTrustAndNoWait) {
+    const auto before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    QLocalServer silent; // takes connections and says nothing
+    ASSERT_TRUE(silent.listen(QStringLiteral("tessarine-silent-bus")));
+    for (const auto& path : {QStringLiteral("/none"), silent.fullServerName()}) {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", (QStringLiteral("unix:path=") + path).toUtf8());
+        AtspiAccessibility accessibility;
+        const auto began = std::chrono::steady_clock::now();
+        EXPECT_EQ(accessibility.ability(), Ability::missing("there is no session bus"));
+        EXPECT_EQ(accessibility.press({.names = {"x"}}, "Go").outcome, Outcome::notFound);
+        EXPECT_LE(std::chrono::steady_clock::now() - began,
+                  AtspiAccessibility::patienceWithBus + AtspiAccessibility::longestPress +
+                      milliseconds(500));
+    }
+    qputenv("DBUS_SESSION_BUS_ADDRESS", before);
 }
 
 } // namespace

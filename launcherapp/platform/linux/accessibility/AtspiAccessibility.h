@@ -18,8 +18,8 @@ namespace tessarine {
 class AtspiAccessibility : public Accessibility {
 public:
     static constexpr std::chrono::milliseconds patienceWithBus{3000}; ///< it may have to be started
-    static constexpr std::chrono::milliseconds longestPress{
-        3000}; ///< one call of `press`; a jump gives a name 4 s
+    /// One search; a press that isn't answered takes AtspiSearch::patience more.
+    static constexpr std::chrono::milliseconds longestPress{3000};
 
     AtspiAccessibility();
     /// Has programs that start from now on be silent again, if it was us who had woken them and no
