@@ -12,7 +12,9 @@ namespace tessarine {
 /// A running program as its windows are known by.
 struct AccessibleProgram {
     std::set<std::int64_t> processIDs; ///< may be empty where windows don't tell
-    std::string name;                  ///< as its entry calls it; counts while no process is known
+    /// What it may call itself: its entry's name, its id, its program's file name. They count only
+    /// while no process is known.
+    std::set<std::string> names;
 
     bool operator==(const AccessibleProgram&) const = default;
 };
@@ -32,13 +34,17 @@ struct PressAttempt {
 };
 
 /// Other programs' buttons, through the desktop's accessibility service. Every call may wait for
-/// the bus and for the other program: any thread but the main one, one call at a time.
+/// the bus and for the other program, for a few seconds at most: any thread but the main one, one
+/// call at a time.
 class Accessibility {
 public:
     virtual ~Accessibility() = default;
 
     /// Whether the desktop has the service and lets us use it.
     virtual Ability ability() = 0;
+
+    /// Whether the program tells what it shows: how one is known to run where windows don't say.
+    virtual bool runs(const AccessibleProgram& program) = 0;
 
     /// Has programs tell what they show; some do only when asked. Lasts until the program ends.
     virtual void wake(const AccessibleProgram& program) = 0;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// What counts as a button of another program, and by which names. Pure; any thread.
+namespace tessarine::PressableThings {
+
+/// Whether things of this AT-SPI role are pressed: buttons, menu items, boxes, links, tabs, items.
+bool isPressable(std::int64_t role);
+
+/// Whether an AT-SPI state set says that the thing is on screen. What isn't has nothing on screen
+/// below it either.
+bool isOnScreen(std::span<const std::uint32_t> states);
+
+/// Whether it takes a press, or is greyed out.
+bool isEnabled(std::span<const std::uint32_t> states);
+
+/// Whether what a program calls a thing is the name that the user wrote: the same text but for
+/// case, white space at its ends and the marks of mnemonics ("_Save", "&Save").
+bool isCalled(std::string_view text, std::string_view name);
+
+/// Which of a thing's actions is its press, by their names; nothing when none is.
+std::optional<std::size_t> pressAction(std::span<const std::string> actions);
+
+} // namespace tessarine::PressableThings

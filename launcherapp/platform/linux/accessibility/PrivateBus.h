@@ -1,0 +1,98 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+struct DBusConnection;
+struct DBusMessage;
+
+namespace tessarine {
+
+/// An object that another program has on a bus.
+struct BusPlace {
+    std::string owner; ///< a bus name
+    std::string path;
+
+    auto operator<=>(const BusPlace&) const = default;
+};
+
+/// What an answer holds in its first value, a variant's own value where it is one. An answer of
+/// another shape gives nothing, as no answer does.
+class BusReply {
+public:
+    BusReply() = default; ///< no answer
+
+    /// Takes over the reference.
+    explicit BusReply(DBusMessage* message);
+
+    /// Whether it is an answer and no error.
+    bool succeeded() const;
+
+    /// The name of the error that it is; empty when it is none, "NoReply" in the bus's own form
+    /// when nothing came.
+    std::string error() const;
+    std::string errorText() const;
+
+    std::optional<std::string> text() const;
+    std::optional<std::int64_t> number() const; ///< of any integer type or boolean
+    std::optional<BusPlace> place() const;
+    std::vector<BusPlace> places() const;
+    std::vector<std::uint32_t> numbers() const;
+    std::vector<std::string> texts() const;
+
+private:
+    std::shared_ptr<DBusMessage> message_;
+};
+
+/// One call to one object.
+struct BusCall {
+    /// A boolean within a variant, as setting a property wants it.
+    struct Flag {
+        bool value = false;
+    };
+
+    using Argument = std::variant<std::string, std::int32_t, Flag>;
+
+    BusPlace place;
+    const char* interface = nullptr;
+    const char* method = nullptr;
+    std::vector<Argument> arguments;
+
+    /// Reads one property.
+    static BusCall property(BusPlace place, const char* interface, const char* name);
+};
+
+/// A message bus on a connection of its own, which nothing else in the program uses or waits for:
+/// whoever calls waits, and never beyond the moment given. One thread at a time.
+class PrivateBus {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Nothing when no bus answers there by then.
+    static std::unique_ptr<PrivateBus> connect(const std::string& address,
+                                               Clock::time_point deadline);
+
+    ~PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    bool isConnected() const;
+
+    /// Sends all of them, then waits for all answers: in their order, and an empty one for what
+    /// came too late. Calls sent together cost one round trip.
+    std::vector<BusReply> call(std::span<const BusCall> calls, Clock::time_point deadline);
+    BusReply call(const BusCall& call, Clock::time_point deadline);
+
+private:
+    explicit PrivateBus(DBusConnection* connection) : connection_(connection) {}
+
+    DBusConnection* connection_;
+};
+
+} // namespace tessarine

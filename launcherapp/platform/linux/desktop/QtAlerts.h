@@ -1,0 +1,30 @@
+#pragma once
+
+#include "launcherapp/platform/Alerts.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tessarine {
+
+/// Small windows of the program's own, which hold nothing else up and delete themselves. Texts are
+/// shown as they are, marks of HTML too. Without a display the answer is no, and what is told goes
+/// to the log. Main thread only; windows that are still open when the application object ends go
+/// with it, unanswered.
+class QtAlerts : public Alerts {
+public:
+    /// Takes a line for the log.
+    using Log = std::function<void(std::string_view line)>;
+
+    explicit QtAlerts(Log log);
+
+    /// Return and Escape both leave it undone: only the button itself does it.
+    void ask(const AlertQuestion& question, std::function<void(bool confirmed)> answered) override;
+    void tell(const std::string& title, const std::string& text) override;
+
+private:
+    Log log_;
+};
+
+} // namespace tessarine
