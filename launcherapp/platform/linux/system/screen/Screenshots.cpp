@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <random>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -69,8 +68,14 @@ std::string freshPicturePath(const Environment& environment) {
                        random());
 }
 
-bool saysCancelled(std::string_view problem) {
-    return problem.find("ancel") != std::string_view::npos; // "Cancelled", "canceled"
+/// The user's change of mind is a failure to the program, and none to us: "Cancelled", "canceled".
+EffectWay forgivingCancel(EffectWay way) {
+    return [way = std::move(way)](EffectDone done) {
+        way([done = std::move(done)](std::optional<std::string> problem) {
+            const bool isCancelled = problem && problem->find("ancel") != std::string::npos;
+            done(isCancelled ? std::nullopt : std::move(problem));
+        });
+    };
 }
 
 /// The picture's file is ours, and goes once it is in the clipboard.
@@ -83,7 +88,7 @@ EffectWay throughFile(const EffectWays::Doors& doors, std::vector<std::string> a
                     std::error_code ignored;
                     std::filesystem::remove(path, ignored);
                 });
-                done(problem && saysCancelled(*problem) ? std::nullopt : std::move(problem));
+                done(std::move(problem));
             };
         auto withPath = arguments;
         withPath.push_back(path);
@@ -162,7 +167,7 @@ Effect screenshot(const EffectContext& context, Wanted wanted) {
     if (found.empty())
         return Effect::missing(whyNone(context.facts, wanted));
     // One that fails may have let the user choose already: no other asks again.
-    return Effect::by(std::move(found.front()));
+    return Effect::by(forgivingCancel(std::move(found.front())));
 }
 
 } // namespace
