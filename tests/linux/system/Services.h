@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/linux/BusObject.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
@@ -42,10 +44,7 @@ public:
               const char* interface,
               const char* signal,
               const QVariantList& values) {
-        auto message =
-            QDBusMessage::createSignal(path, QLatin1String(interface), QLatin1String(signal));
-        message.setArguments(values);
-        bus_.send(message);
+        bus_.send(busSignal(path, interface, signal, values));
     }
 
     QString introspect(const QString&) const override { return {}; }
