@@ -7,6 +7,16 @@
 
 namespace tessarine {
 
+inline QDBusMessage busSignal(const QString& path,
+                              const char* interface,
+                              const char* signal,
+                              const QVariantList& values) {
+    auto message =
+        QDBusMessage::createSignal(path, QLatin1String(interface), QLatin1String(signal));
+    message.setArguments(values);
+    return message;
+}
+
 /// Another program on the session bus, with one object that notes what it is told and answers as
 /// a test wants.
 class BusObject : public QDBusVirtualObject {
@@ -38,10 +48,7 @@ public:
               const char* interface,
               const char* signal,
               const QVariantList& values = {}) {
-        auto message =
-            QDBusMessage::createSignal(path, QLatin1String(interface), QLatin1String(signal));
-        message.setArguments(values);
-        bus_.send(message);
+        bus_.send(busSignal(path, interface, signal, values));
     }
 
     QString introspect(const QString&) const override { return {}; }

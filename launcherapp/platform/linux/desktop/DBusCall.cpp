@@ -1,10 +1,8 @@
 #include "launcherapp/platform/linux/desktop/DBusCall.h"
 
 #include <QDBusConnection>
-#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <chrono>
 #include <utility>
 
@@ -12,16 +10,17 @@ namespace tessarine {
 
 namespace {
 
-std::string inWords(const QDBusError& error) {
-    return (error.message().isEmpty() ? error.name() : error.message()).toStdString();
+std::string inWords(const QDBusMessage& error) {
+    return (error.errorMessage().isEmpty() ? error.errorName() : error.errorMessage())
+        .toStdString();
 }
 
 } // namespace
 
-void callBus(QDBusConnection& bus,
-             const QDBusMessage& message,
-             Seconds timeout,
-             std::function<void(std::optional<std::string> problem)> done) {
+void askBus(const QDBusConnection& bus,
+            const QDBusMessage& message,
+            Seconds timeout,
+            std::function<void(const QDBusMessage& reply)> done) {
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(timeout);
     auto* watcher =
         new QDBusPendingCallWatcher(bus.asyncCall(message, static_cast<int>(wait.count())));
@@ -30,10 +29,18 @@ void callBus(QDBusConnection& bus,
                      watcher,
                      [done = std::move(done)](QDBusPendingCallWatcher* finished) {
                          finished->deleteLater();
-                         const QDBusPendingReply<> reply = *finished;
-                         done(reply.isError() ? std::optional(inWords(reply.error()))
-                                              : std::nullopt);
+                         done(finished->reply());
                      });
+}
+
+void callBus(const QDBusConnection& bus,
+             const QDBusMessage& message,
+             Seconds timeout,
+             std::function<void(std::optional<std::string> problem)> done) {
+    askBus(bus, message, timeout, [done = std::move(done)](const QDBusMessage& reply) {
+        done(reply.type() == QDBusMessage::ErrorMessage ? std::optional(inWords(reply))
+                                                        : std::nullopt);
+    });
 }
 
 } // namespace tessarine

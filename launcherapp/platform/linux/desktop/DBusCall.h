@@ -11,9 +11,16 @@ class QDBusMessage;
 
 namespace tessarine {
 
+/// Sends a call and gives what comes back, an error too; `done` is called once, later, on the main
+/// thread, at the latest after `timeout`.
+void askBus(const QDBusConnection& bus,
+            const QDBusMessage& message,
+            Seconds timeout,
+            std::function<void(const QDBusMessage& reply)> done);
+
 /// Sends a call whose answer holds nothing. `done` is called once, later, on the main thread, with
 /// nothing on success, else with the problem in words; at the latest after `timeout`.
-void callBus(QDBusConnection& bus,
+void callBus(const QDBusConnection& bus,
              const QDBusMessage& message,
              Seconds timeout,
              std::function<void(std::optional<std::string> problem)> done);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "launcherapp/platform/linux/system/EffectWays.h"
+
+/// Hidden files in the file manager, and the file manager itself. Main thread only.
+namespace tessarine::FileManagerEffects {
+
+/// Turns the setting of the program that opens folders; its windows follow by themselves.
+Effect toggleHiddenFiles(const EffectContext& context);
+
+/// Ends it with all its windows. It comes up again when it is needed, and a file manager that also
+/// draws the desktop is started again by its session.
+Effect restart(const EffectContext& context);
+
+} // namespace tessarine::FileManagerEffects
