@@ -100,8 +100,11 @@ quitRows(const WindowRowSources& sources, const QuitWay& way, std::string_view a
 std::vector<ResultRow> windowRows(const WindowRowSources& sources, std::string_view query) {
     const std::array ways{
         QuitWay{BuiltinKeyword::quit, "quit:", "Quit ", "quit", sources.quit},
-        QuitWay{
-            BuiltinKeyword::forceQuit, "quit:force:", "Force quit ", "force quit", sources.forceQuit},
+        QuitWay{BuiltinKeyword::forceQuit,
+                "quit:force:",
+                "Force quit ",
+                "force quit",
+                sources.forceQuit},
     };
     for (const auto& [keyword, verb] : verbWords) {
         const auto argument = sources.keywords.argument(keyword, query);
