@@ -33,7 +33,8 @@ public:
 
     /// Moves `target`; where that has gone, the newest other window of its application that isn't
     /// minimised; and where there is none, the window in front. False when nothing was moved,
-    /// which is logged. Waits for the display, at most about a tenth of a second.
+    /// which is logged. Waits for the display: a few milliseconds, or
+    /// `WindowControl::longestRestore` where the window is maximised.
     bool apply(WindowVerb verb, const std::optional<AppWindow>& target);
 
     /// Those with ordinary windows whose name holds the query, whatever the case, by name. This

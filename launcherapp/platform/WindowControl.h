@@ -18,7 +18,7 @@ namespace tessarine {
 class WindowControl {
 public:
     /// Longest wait for a window manager, and the program, to make a window an ordinary one.
-    static constexpr std::chrono::milliseconds longestRestore{80};
+    static constexpr std::chrono::milliseconds longestRestore{150};
 
     virtual ~WindowControl() = default;
 

@@ -9,7 +9,9 @@
 
 #include <QProcess>
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <future>
 #include <map>
 #include <ostream>
 #include <stdexcept>
@@ -209,7 +211,8 @@ TEST_F(X11TilingTest, whatIsSeenOfAWindowIsWhereItWasPut) {
                 EXPECT_TRUE(spinUntil([&, &m = margins] { return seen(window, m) == frame; }))
                     << testing::PrintToString(seen(window, margins)) << " instead of "
                     << testing::PrintToString(frame);
-                EXPECT_EQ(control.frame(window), frame);
+                // Its border and the window itself are moved one after the other.
+                EXPECT_TRUE(spinUntil([&] { return control.frame(window) == frame; }));
             }
         }
     }
@@ -249,23 +252,31 @@ TEST_F(X11TilingTest, aShadowThatComesBackLateIsCountedIn) {
     const auto window = open([&](Window id) {
         neighbour.set(
             id, "_MOTIF_WM_HINTS", {2, 0, 0, 0, 0}, neighbour.display.atom("_MOTIF_WM_HINTS"));
-        neighbour.set(id, "_GTK_FRAME_EXTENTS", {0, 0, 0, 0});
-    });
-    setState(window, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ");
-    // Draws its shadow with its next picture after the window manager has told it.
-    std::jthread program([&] {
-        X11Neighbour own;
-        while (!own.display.numbers({{window, own.display.atom("_NET_WM_STATE")}}).front().empty())
-            std::this_thread::yield();
-        std::this_thread::sleep_for(std::chrono::milliseconds(16));
-        own.set(window, "_GTK_FRAME_EXTENTS", {10, 10, 10, 10});
     });
     const auto half = WindowVerbs::frame(WindowVerb::right, leftMonitor, {});
-    place(window, half);
-    program.join();
-    EXPECT_TRUE(spinUntil([&] {
-        return seen(window, {10, 10, 10, 10}) == half;
-    })) << testing::PrintToString(seen(window, {10, 10, 10, 10}));
+    for (int tries = 0; tries < 10; ++tries) {
+        neighbour.set(window, "_GTK_FRAME_EXTENTS", {0, 0, 0, 0});
+        setState(window, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ");
+        const auto begin = std::chrono::steady_clock::now();
+        // It draws its shadow with the picture after the window manager has told it.
+        auto drawn = std::async(std::launch::async, [window] {
+            X11Neighbour program;
+            const auto state = program.display.atom("_NET_WM_STATE");
+            while (!program.display.numbers({{window, state}}).front().empty())
+                std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(32));
+            program.set(window, "_GTK_FRAME_EXTENTS", {10, 10, 10, 10});
+            return std::chrono::steady_clock::now();
+        });
+        place(window, half);
+        if (drawn.get() - begin > WindowControl::longestRestore / 2)
+            continue; // the machine is too busy to be a program that is not slow
+        EXPECT_TRUE(spinUntil([&] {
+            return seen(window, {10, 10, 10, 10}) == half;
+        })) << testing::PrintToString(seen(window, {10, 10, 10, 10}));
+        return;
+    }
+    GTEST_SKIP() << "NOT MEASURED: the machine is too busy";
 }
 
 TEST_F(X11TilingTest, aTerminalTakesWholeCells) {

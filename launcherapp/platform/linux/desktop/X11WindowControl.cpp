@@ -21,10 +21,8 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uint32_t pager = 2; ///< who asks: not the window's own program, but the user
-/// A window is an ordinary one again when nothing has happened to it for so long. A program that
-/// draws its own frame does so with its next picture, or the one after.
+/// A window is an ordinary one again when nothing has happened to it for so long.
 constexpr auto calm = 8ms;
-constexpr auto calmOfOwnFrame = 35ms;
 constexpr double longestSide = 32767; ///< of any X11 window
 
 constexpr std::array specialStates{"_NET_WM_STATE_MAXIMIZED_VERT",
@@ -165,6 +163,12 @@ bool X11WindowControl::isSpecial(Window window) const {
     });
 }
 
+/// Whether its program draws its frame, and no shadow around it, as it does while it is maximised.
+bool X11WindowControl::lacksShadow(Window window) const {
+    const auto now = shape(window);
+    return now && now->hasOwnFrame && now->shadow.width() + now->shadow.height() == 0;
+}
+
 void X11WindowControl::restore(std::uint64_t id) {
     const auto window = xWindow(id);
     if (!isSpecial(window))
@@ -182,10 +186,11 @@ void X11WindowControl::restore(std::uint64_t id) {
     };
     while (timeLeft() > 0ms && isSpecial(window))
         waitForEvent(timeLeft());
-    // The state is told before border and size are others, and a program draws its own frame last.
-    const auto now = shape(window);
-    const auto quiet = now && now->hasOwnFrame ? calmOfOwnFrame : calm;
-    while (timeLeft() > 0ms && waitForEvent(std::min(timeLeft(), quiet))) {
+    // The state is told before border and size are others, and a program that draws its own frame
+    // gives it its shadow back with the picture after that.
+    while (timeLeft() > 0ms && lacksShadow(window))
+        waitForEvent(timeLeft());
+    while (timeLeft() > 0ms && waitForEvent(std::min(timeLeft(), calm))) {
     }
     listen(window, XCB_EVENT_MASK_NO_EVENT);
 }

@@ -37,6 +37,7 @@ private:
     std::optional<Shape> shape(Window window) const;
     bool findManager() const;
     bool isSpecial(Window window) const;
+    bool lacksShadow(Window window) const;
     bool waitForEvent(std::chrono::milliseconds longest) const;
     void listen(Window window, std::uint32_t events) const;
     void ask(Window window, const char* request, const std::vector<std::uint32_t>& numbers) const;
