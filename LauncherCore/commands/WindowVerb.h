@@ -26,6 +26,8 @@ std::string_view title(WindowVerb verb);  ///< of its row: "Left half"
 std::string_view symbol(WindowVerb verb); ///< of its row
 
 /// Where the window goes on a screen's work area; `window` is where it is now, border included.
+/// In whole pixels, halves without a gap or overlap between them. `center` and `display` keep the
+/// window's size, also when that is more than the work area has.
 Rectangle frame(WindowVerb verb, const Rectangle& workArea, const Rectangle& window);
 
 } // namespace WindowVerbs

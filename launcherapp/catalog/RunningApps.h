@@ -49,9 +49,11 @@ public:
     /// Brings the newest of its windows forward.
     void activate(const RunningApp& app);
 
-private:
+    /// The id of the application whose window it is, also when the window has gone; nothing for
+    /// one that is not installed.
     std::optional<std::string> owner(const AppWindow& window) const;
 
+private:
     WindowList& windows_;
     std::shared_ptr<const AppRegistry> registry_;
 };

@@ -4,40 +4,50 @@
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/Screen.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace tessarine {
 
-/// Moves, closes and kills the windows of other programs. A window is the id of `AppWindow`.
-/// Main thread only; a call waits at most a few milliseconds for the display.
+/// Moves, closes and kills the windows of other programs. A window is the id of `AppWindow`; one
+/// that has gone is no error, and nothing happens. Rectangles, those of the screens included, are
+/// in the display's own pixels. Main thread only; a call waits at most a few milliseconds for the
+/// display, where it doesn't say otherwise.
 class WindowControl {
 public:
+    /// Longest wait for a window manager, and the program, to make a window an ordinary one.
+    static constexpr std::chrono::milliseconds longestRestore{150};
+
     virtual ~WindowControl() = default;
 
-    /// Whether windows can be moved on this desktop. Known without asking anybody.
+    /// Whether windows can be moved on this desktop. Waits for nobody while they can.
     virtual Ability ability() const = 0;
 
     /// In the desktop's own order; empty without a display.
     virtual std::vector<Screen> screens() const = 0;
 
-    /// All of the window, with the border and title bar that the window manager gives it. Nothing
-    /// when the window is gone.
+    /// What is to be seen of the window, with the border and title bar that the window manager or
+    /// the program itself gives it, and without a shadow. Nothing when the window is gone.
     virtual std::optional<Rectangle> frame(std::uint64_t window) const = 0;
 
-    /// Gives the window another size, border included; a maximised or full-screen one is made an
-    /// ordinary one first. The window may round the size to what suits it.
+    /// Makes a maximised, full-screen or rolled-up window an ordinary one, and waits until it is,
+    /// at most `longestRestore`.
+    virtual void restore(std::uint64_t window) = 0;
+
+    /// Gives the frame of an ordinary window another size. The window may round it to what suits
+    /// it.
     virtual void resize(std::uint64_t window, double width, double height) = 0;
 
-    /// Puts the top left of the window, border included, there.
+    /// Puts the top left of the frame of an ordinary window there.
     virtual void move(std::uint64_t window, const Point& topLeft) = 0;
 
     /// Asks the window to close, as its close button would: its program may ask the user first.
     virtual void close(std::uint64_t window) = 0;
 
-    /// Ends the window's program at once, with what is unsaved. False when its process is not
-    /// known, or can't be ended.
+    /// Ends the window's program at once, with what is unsaved. False when it can't be ended, or
+    /// is this program.
     virtual bool kill(std::uint64_t window) = 0;
 };
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "launcherapp/platform/linux/panel/X11Connection.h"
+#include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -45,8 +46,13 @@ public:
 
     enum class Kind { managed, unmanaged };
 
-    /// A mapped window that notes its keys, of one colour.
-    Window open(int x, int y, int width, int height, Kind kind = Kind::managed) {
+    /// A mapped window that notes its keys, of one colour; `prepare` sees it before it is mapped.
+    Window open(int x,
+                int y,
+                int width,
+                int height,
+                Kind kind = Kind::managed,
+                const std::function<void(Window)>& prepare = {}) {
         const auto window = xcb_generate_id(xcb());
         const std::uint32_t values[] = {
             0x336699,
@@ -70,6 +76,8 @@ public:
         std::vector<std::uint32_t> hints(18);
         hints.front() = 1;
         set(window, "WM_NORMAL_HINTS", hints, XCB_ATOM_WM_SIZE_HINTS);
+        if (prepare)
+            prepare(window);
         xcb_map_window(xcb(), window);
         finish();
         return window;

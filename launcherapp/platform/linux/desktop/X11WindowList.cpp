@@ -2,8 +2,8 @@
 
 #include "launcherapp/platform/linux/XcbOwned.h"
 #include "launcherapp/platform/linux/processes/ProcessFacts.h"
+#include "launcherapp/platform/linux/x11/X11ClientProcesses.h"
 
-#include <xcb/res.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
 
@@ -70,7 +70,6 @@ public:
             return;
         }
         hasAtoms_ = true;
-        knowsClients_ = clientsAreKnown();
         root_ = ewmh_.screens[screenNumber_]->root;
         gtkApplicationID_ = atom("_GTK_APPLICATION_ID");
         kdeDesktopFile_ = atom("_KDE_NET_WM_DESKTOP_FILE");
@@ -193,7 +192,7 @@ private:
         xcb_get_property_cookie_t state;
         xcb_get_property_cookie_t gtkID;
         xcb_get_property_cookie_t kdeFile;
-        std::optional<xcb_res_query_client_ids_cookie_t> client;
+        std::optional<X11ClientProcesses::Question> client;
     };
 
     xcb_atom_t atom(std::string_view name) {
@@ -218,30 +217,14 @@ private:
         return numbers.empty() ? std::nullopt : std::optional(numbers.front());
     }
 
-    /// Asking an extension that the display lacks would close the connection.
-    bool clientsAreKnown() {
-        const auto* extension = xcb_get_extension_data(connection_, &xcb_res_id);
-        if (!extension || !extension->present)
-            return false;
-        const auto cookie = xcb_res_query_version(connection_, 1, 2);
-        const XcbOwned<xcb_res_query_version_reply_t> version(
-            xcb_res_query_version_reply(connection_, cookie, nullptr));
-        return version && std::pair(version->server_major, version->server_minor) >=
-                              std::pair<std::uint16_t, std::uint16_t>(1, 2);
-    }
-
     Questions askAbout(xcb_window_t window) {
-        const xcb_res_client_id_spec_t client{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        std::optional<xcb_res_query_client_ids_cookie_t> clientCookie;
-        if (knowsClients_)
-            clientCookie = xcb_res_query_client_ids(connection_, 1, &client);
         return {.className = ask(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING),
                 .process = ask(window, ewmh_._NET_WM_PID, XCB_ATOM_CARDINAL),
                 .type = ask(window, ewmh_._NET_WM_WINDOW_TYPE, XCB_ATOM_ATOM),
                 .state = ask(window, ewmh_._NET_WM_STATE, XCB_ATOM_ATOM),
                 .gtkID = ask(window, gtkApplicationID_, XCB_ATOM_ANY),
                 .kdeFile = ask(window, kdeDesktopFile_, XCB_ATOM_ANY),
-                .client = clientCookie};
+                .client = clients_.ask(window)};
     }
 
     /// Nothing when the window has gone meanwhile: every answer is then an error.
@@ -252,7 +235,7 @@ private:
         const auto states = numbersOf(reply(questions.state));
         const auto gtkID = reply(questions.gtkID);
         const auto kdeFile = reply(questions.kdeFile);
-        auto process = questions.client ? clientProcess(*questions.client) : 0;
+        auto process = clients_.answer(questions.client);
         // Programs in a sandbox count their processes anew, so what they tell comes second.
         if (process == 0 && !told.empty())
             process = told.front();
@@ -275,19 +258,6 @@ private:
                 window.applicationID = ProcessFacts::applicationID(window.processID);
         }
         return window;
-    }
-
-    std::int64_t clientProcess(xcb_res_query_client_ids_cookie_t cookie) {
-        const XcbOwned<xcb_res_query_client_ids_reply_t> answer(
-            xcb_res_query_client_ids_reply(connection_, cookie, nullptr));
-        if (!answer)
-            return 0;
-        for (auto it = xcb_res_query_client_ids_ids_iterator(answer.get()); it.rem > 0;
-             xcb_res_client_id_value_next(&it)) {
-            if (xcb_res_client_id_value_value_length(it.data) > 0)
-                return *xcb_res_client_id_value_value(it.data);
-        }
-        return 0;
     }
 
     bool isOrdinary(const std::vector<std::uint32_t>& types,
@@ -366,9 +336,9 @@ private:
 
     int screenNumber_ = 0;
     xcb_connection_t* connection_;
+    X11ClientProcesses clients_{connection_};
     xcb_ewmh_connection_t ewmh_{};
     bool hasAtoms_ = false;
-    bool knowsClients_ = false; ///< the display tells the process of a window
     xcb_window_t root_ = XCB_WINDOW_NONE;
     xcb_atom_t gtkApplicationID_ = XCB_ATOM_NONE;
     xcb_atom_t kdeDesktopFile_ = XCB_ATOM_NONE;

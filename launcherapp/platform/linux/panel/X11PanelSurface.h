@@ -1,9 +1,9 @@
 #pragma once
 
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
-#include "launcherapp/platform/linux/panel/X11Connection.h"
 #include "launcherapp/platform/linux/panel/X11PanelWatch.h"
 #include "launcherapp/platform/linux/panel/X11Screens.h"
+#include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QPointer>

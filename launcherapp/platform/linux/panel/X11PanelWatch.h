@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcherapp/platform/linux/panel/X11Connection.h"
+#include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <functional>
 #include <memory>

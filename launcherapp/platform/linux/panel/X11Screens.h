@@ -1,10 +1,9 @@
 #pragma once
 
 #include "LauncherCore/geometry/Rectangle.h"
-#include "launcherapp/platform/PanelWindow.h"
+#include "launcherapp/platform/Screen.h"
+#include "launcherapp/platform/linux/x11/X11WorkAreas.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -25,13 +24,8 @@ public:
     std::optional<Point> pointer() const;
 
 private:
-    struct Room;
-    Room room(std::size_t monitorCount);
-
     const X11Connection& display_;
-    /// The windows that were there last: mostly they still are, and are asked about before it is
-    /// known, which saves waiting for the display once more.
-    std::vector<std::uint32_t> clients_;
+    X11WorkAreas workAreas_{display_};
 };
 
 } // namespace tessarine

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/panel/WorkArea.h"
+#include "launcherapp/platform/linux/x11/WorkArea.h"
 
 #include <gmock/gmock.h>
 

@@ -47,6 +47,9 @@ public:
     /// isn't there or whose window has gone. One round trip for all.
     std::vector<std::vector<std::uint32_t>> numbers(const std::vector<Property>& properties) const;
 
+    /// A property of text up to its first NUL; empty when it isn't there or its window has gone.
+    std::string text(const Property& property) const;
+
 private:
     int screenNumber_ = 0;
     xcb_connection_t* connection_;

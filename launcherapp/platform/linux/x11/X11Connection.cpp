@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/panel/X11Connection.h"
+#include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <xcb/xcb.h>
 
@@ -61,6 +61,21 @@ X11Connection::numbers(const std::vector<Property>& properties) const {
         result[i].assign(first, first + xcb_get_property_value_length(reply.get()) / 4);
     }
     return result;
+}
+
+std::string X11Connection::text(const Property& property) const {
+    if (!answers())
+        return {};
+    const auto cookie = xcb_get_property(
+        connection_, 0, property.window, property.name, XCB_ATOM_ANY, 0, longestProperty);
+    const XcbOwned<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection_, cookie, nullptr));
+    if (!reply || reply->format != 8)
+        return {};
+    const std::string_view whole(
+        static_cast<const char*>(xcb_get_property_value(reply.get())),
+        static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+    return std::string(whole.substr(0, whole.find('\0')));
 }
 
 } // namespace tessarine
