@@ -61,6 +61,9 @@ std::optional<std::vector<ListRow>> rowsOf(const Json& array) {
 } // namespace
 
 std::optional<std::vector<ListRow>> parseListRows(std::string_view output) {
+    // The library takes a NUL for the end of the text.
+    if (output.find('\0') != std::string_view::npos)
+        return std::nullopt;
     try {
         const auto root = CommandJson::parsed(output);
         if (!root.is_object())

@@ -33,6 +33,7 @@ TEST(ListRows, whatIsNeitherIsNothing) {
         {"a field of another type", R"([{"title": "A", "icon": {"path": "x"}}])"},
         {"a row that is no object", R"(["A"])"},
         {"more after the end", R"([{"title": "A"}] x)"},
+        {"a NUL and more after the end", std::string("[]\0x", 4)},
         {"cut off", R"([{"title": "A"})"},
         {"bytes that are no text", "[{\"title\": \"\xff\"}]"},
         {"nested without sense", std::string(100000, '[')},
