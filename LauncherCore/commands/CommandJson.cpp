@@ -175,10 +175,12 @@ std::optional<CommandSpec> CommandJson::command(const Json& object) {
     return spec;
 }
 
+std::string_view CommandJson::kindName(CommandKind kind) {
+    return kindNames[static_cast<std::size_t>(kind)].name;
+}
+
 Json CommandJson::encoded(const CommandSpec& command) {
-    Json object = {{"id", command.id},
-                   {"name", command.name},
-                   {"kind", kindNames[static_cast<std::size_t>(command.kind)].name}};
+    Json object = {{"id", command.id}, {"name", command.name}, {"kind", kindName(command.kind)}};
     if (command.action)
         object["action"] = SystemActions::name(*command.action);
     visitOptional(command, [&](const char* key, const auto& field) {

@@ -23,6 +23,9 @@ std::optional<CommandSpec> command(const nlohmann::json& object);
 /// The document's "version": 4.0 counts as 4, and what is no whole number, or none at all, as 1.
 std::int64_t version(const nlohmann::json& root);
 
+/// As the commands file spells it: "open".
+std::string_view kindName(CommandKind kind);
+
 /// Without the keys of what is absent.
 nlohmann::json encoded(const CommandSpec& command);
 

@@ -1,5 +1,7 @@
 #include "LauncherCore/text/Urls.h"
 
+#include <algorithm>
+
 namespace tessarine {
 
 namespace {
@@ -7,9 +9,31 @@ namespace {
 constexpr std::string_view fileScheme = "file://";
 constexpr std::string_view localHost = "localhost";
 
+/// What stands in a URL as it is beside the unreserved characters (RFC 3986, 2.2), and the sign of
+/// what is encoded already.
+constexpr std::string_view reservedAndPercent = ":/?#[]@!$&'()*+,;=%";
+
+bool isLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 bool isUnreserved(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '.' || c == '_' || c == '~';
+    return isLetter(c) || isDigit(c) || c == '-' || c == '.' || c == '_' || c == '~';
+}
+
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+}
+
+/// RFC 3986, 3.1
+bool isScheme(std::string_view text) {
+    return !text.empty() && isLetter(text.front()) && std::ranges::all_of(text, [](char c) {
+        return isLetter(c) || isDigit(c) || c == '+' || c == '-' || c == '.';
+    });
 }
 
 /// The value of a hexadecimal digit; -1 for any other character.
@@ -76,6 +100,23 @@ std::optional<std::string> Urls::filePath(std::string_view url) {
     if (path.find('\0') != std::string::npos)
         return std::nullopt;
     return path;
+}
+
+std::optional<std::string> Urls::withScheme(std::string_view text) {
+    const auto name = scheme(text);
+    if (!isScheme(name) || std::ranges::any_of(text, isControl))
+        return std::nullopt;
+    std::string url(name);
+    for (char& c : url) {
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    }
+    return url + encoded(text.substr(name.size()), reservedAndPercent);
+}
+
+std::string_view Urls::scheme(std::string_view url) {
+    const auto colon = url.find(':');
+    return colon == std::string_view::npos ? std::string_view() : url.substr(0, colon);
 }
 
 } // namespace tessarine

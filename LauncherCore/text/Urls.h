@@ -17,4 +17,11 @@ std::string queryValue(std::string_view text);
 /// host, and for a path with a NUL in it.
 std::optional<std::string> filePath(std::string_view url);
 
+/// The URL that a text is: its scheme in lower case, and what a URL can't hold percent-encoded.
+/// Nothing is guessed: nothing for a text without a scheme, nor for one with a control character.
+std::optional<std::string> withScheme(std::string_view text);
+
+/// What stands before the first colon; empty when there is none.
+std::string_view scheme(std::string_view url);
+
 } // namespace tessarine::Urls

@@ -101,21 +101,27 @@ void AppCatalog::launch(const CatalogApp& app) {
         doors_.diagnostics.log(fmt::format("launch failed for {}: it is not installed", app.name));
         return;
     }
-    if (const auto running = doors_.running.running(installed->bundleID)) {
-        doors_.running.unhide(*running);
-        // One that the session bus activates knows better which of its windows to show.
-        if (!installed->busActivatable) {
-            doors_.running.activate(*running);
-            return;
-        }
-    }
-    doors_.launcher.launch(
+    launch(
         *installed,
-        {},
         [&diagnostics = doors_.diagnostics, name = app.name](std::optional<std::string> problem) {
             if (problem)
                 diagnostics.log(fmt::format("launch failed for {}: {}", name, *problem));
         });
+}
+
+void AppCatalog::launch(const InstalledApp& application,
+                        std::function<void(std::optional<std::string>)> done) {
+    requireMainThread(doors_.queue);
+    if (const auto running = doors_.running.running(application.bundleID)) {
+        doors_.running.unhide(*running);
+        // One that the session bus activates knows better which of its windows to show.
+        if (!application.busActivatable) {
+            doors_.running.activate(*running);
+            done(std::nullopt);
+            return;
+        }
+    }
+    doors_.launcher.launch(application, {}, std::move(done));
 }
 
 const std::set<std::string>& AppCatalog::runningBundleIDs() {

@@ -90,6 +90,11 @@ public:
     /// A failure is logged.
     void launch(const CatalogApp& app);
 
+    /// The same for any installed application. `done` is called once, later or within the call,
+    /// with nothing on success, else with the problem in words.
+    void launch(const InstalledApp& application,
+                std::function<void(std::optional<std::string> problem)> done);
+
     /// Desktop-file ids of the running applications, at most `runningLifetime` old.
     const std::set<std::string>& runningBundleIDs();
 

@@ -25,7 +25,8 @@ AppLauncher::AppLauncher(MainQueue& queue,
 
 void AppLauncher::launch(const InstalledApp& application,
                          const std::vector<std::string>& uris,
-                         std::function<void(std::optional<std::string>)> done) {
+                         std::function<void(std::optional<std::string>)> done,
+                         Activation activation) {
     std::vector<std::string> terminal;
     if (application.terminal)
         terminal = LaunchPlans::terminalWords(terminalVariable_, [this](std::string_view program) {
@@ -33,7 +34,7 @@ void AppLauncher::launch(const InstalledApp& application,
         });
     const Attempt attempt{.plan = LaunchPlans::plan(application, uris, terminal),
                           .name = application.bundleID,
-                          .startupID = nextStartupID()};
+                          .startupID = nextStartupID(activation)};
     if (!attempt.plan.busName) {
         queue_.post([this, attempt, done = std::move(done)] { done(startCommands(attempt)); });
         return;
@@ -68,14 +69,15 @@ std::optional<std::string> AppLauncher::startCommands(const Attempt& attempt) {
     return problem;
 }
 
-std::string AppLauncher::nextStartupID() {
+std::string AppLauncher::nextStartupID(Activation activation) {
     if (!hasX11_)
         return {};
     // The time tells the window manager that the user asked just now, so that the window may take
-    // the focus. X servers count it in milliseconds of the same clock.
+    // the focus; zero that it may not. X servers count it in milliseconds of the same clock.
     const auto milliseconds =
         std::chrono::duration_cast<std::chrono::milliseconds>(queue_.uptime()).count();
-    const auto serverTime = static_cast<std::uint32_t>(milliseconds);
+    const auto serverTime =
+        activation == Activation::foreground ? static_cast<std::uint32_t>(milliseconds) : 0;
     return fmt::format("tessarine-{}-{}_TIME{}", milliseconds, ++launches_, serverTime);
 }
 

@@ -21,6 +21,9 @@ public:
     /// How long an application may take to answer on the bus before its Exec key is used.
     static constexpr Seconds busTimeout{5.0};
 
+    /// Whether what starts is to come to the front.
+    enum class Activation { foreground, background };
+
     AppLauncher(MainQueue& queue,
                 ProcessLauncher& processes,
                 ApplicationBus& bus,
@@ -30,12 +33,13 @@ public:
     /// called once, later, with nothing on success, else with the problem in words.
     void launch(const InstalledApp& application,
                 const std::vector<std::string>& uris,
-                std::function<void(std::optional<std::string> problem)> done);
+                std::function<void(std::optional<std::string> problem)> done,
+                Activation activation = Activation::foreground);
 
 private:
     struct Attempt;
     std::optional<std::string> startCommands(const Attempt& attempt);
-    std::string nextStartupID();
+    std::string nextStartupID(Activation activation);
 
     MainQueue& queue_;
     ProcessLauncher& processes_;

@@ -21,21 +21,27 @@ void FileOpener::open(const std::string& path) {
         doors_.diagnostics.log(fmt::format("open: {} is no longer there", path));
         return;
     }
-    for (const auto& type : types) {
-        const auto* handler = doors_.catalog.registry()->handlerForType(type);
-        if (!handler)
-            continue;
-        doors_.launcher.launch(
-            *handler,
-            {Urls::fileUrl(path)},
-            [&diagnostics = doors_.diagnostics, path](std::optional<std::string> problem) {
-                if (problem)
-                    diagnostics.log(
-                        fmt::format("open: {} could not be opened: {}", path, *problem));
-            });
+    const auto* application = handler(types);
+    if (!application) {
+        doors_.diagnostics.log(
+            fmt::format("open: no application opens {} ({})", path, types.front()));
         return;
     }
-    doors_.diagnostics.log(fmt::format("open: no application opens {} ({})", path, types.front()));
+    doors_.launcher.launch(
+        *application,
+        {Urls::fileUrl(path)},
+        [&diagnostics = doors_.diagnostics, path](std::optional<std::string> problem) {
+            if (problem)
+                diagnostics.log(fmt::format("open: {} could not be opened: {}", path, *problem));
+        });
+}
+
+const InstalledApp* FileOpener::handler(const std::vector<std::string>& types) const {
+    for (const auto& type : types) {
+        if (const auto* application = doors_.catalog.registry()->handlerForType(type))
+            return application;
+    }
+    return nullptr;
 }
 
 void FileOpener::reveal(const std::string& path) {

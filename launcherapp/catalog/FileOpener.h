@@ -3,6 +3,7 @@
 #include "launcherapp/platform/MainQueue.h"
 
 #include <string>
+#include <vector>
 
 namespace tessarine {
 
@@ -11,6 +12,7 @@ class AppLauncher;
 class Diagnostics;
 class FileManager;
 class FileTypes;
+struct InstalledApp;
 
 /// Opens files and folders with the user's applications, and shows or trashes them through the
 /// desktop. A failure is logged. Main thread only.
@@ -36,6 +38,10 @@ public:
     void reveal(const std::string& path);
 
     void trash(const std::string& path);
+
+    /// Who opens what is of these MIME types, the narrowest first: the user's choice for the first
+    /// that has one. Null when nobody does; valid until the catalog is scanned again.
+    const InstalledApp* handler(const std::vector<std::string>& types) const;
 
 private:
     Doors doors_;

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "LauncherCore/commands/CommandSpec.h"
+#include "launcherapp/catalog/AppLauncher.h"
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/ProgramReader.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -14,10 +17,11 @@
 namespace tessarine {
 
 class AppCatalog;
-class AppLauncher;
 class Diagnostics;
 class FileOpener;
-class MainQueue;
+class FileTypes;
+class WorkQueues;
+struct InstalledApp;
 
 /// Runs commands: nothing here waits for a process, a link or an application, and what fails is
 /// logged. Main thread only.
@@ -25,15 +29,24 @@ class CommandRuntime {
 public:
     struct Services {
         MainQueue& queue;
+        WorkQueues& work;
         ProcessLauncher& processes;
         ProgramReader& programs;
         AppCatalog& catalog;
         AppLauncher& launcher;
         FileOpener& opener;
+        const FileTypes& types;
         Diagnostics& diagnostics;
     };
 
-    enum class Activation { foreground, background };
+    using Activation = AppLauncher::Activation;
+
+    /// How long a disk may take to say what a file is before other links go ahead of it.
+    static constexpr Seconds diskPatience{5};
+    static constexpr std::size_t loggedOutput = 4000; ///< bytes of what a script printed
+
+    /// Who runs a script that names no shell.
+    static constexpr std::string_view usualShell = "/bin/bash";
 
     CommandRuntime(Services services, const Environment& environment);
     CommandRuntime(const CommandRuntime&) = delete;
@@ -57,23 +70,35 @@ public:
 
     void reveal(const std::vector<std::string>& urls);
 
-    /// Runs a program text as `shell -c`; what it prints goes into the log when it ends.
+    /// Runs a program text as `shell -c`; what it prints goes into the log when it ends. Inside it
+    /// "$0" is "launcher", and "$1" and LAUNCHER_QUERY are the argument, which is never part of
+    /// the text.
     void runScript(const std::string& script,
                    const std::string& shell,
                    const std::string& argument,
                    const std::string& id);
 
-    /// How a script is started, so that a list's is started alike.
+    /// How a script is started, so that a list's is started alike. Its PATH holds the system's
+    /// folders, then what the user's own adds, then "~/.local/bin".
     ProcessSpec scriptProcess(const std::string& script,
                               const std::string& shell,
                               const std::string& argument) const;
 
 private:
     struct Opening;
+    std::vector<std::string> filledIn(const CommandSpec& command,
+                                      const std::vector<std::string>& templates,
+                                      const std::string& argument) const;
+    void launchApp(const CommandSpec& command);
+    const InstalledApp* installedApp(const std::string& path) const;
+    void openFiles(const std::shared_ptr<Opening>& opening, const std::vector<std::string>& paths);
+    void group(Opening& opening) const;
     void openStep(const std::shared_ptr<Opening>& opening);
+    void logHold(const Opening& opening, Seconds since) const;
 
     Services services_;
     const Environment& environment_;
+    std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };
 
 } // namespace tessarine

@@ -34,6 +34,7 @@ public:
     virtual bool isRunning() const = 0;
 
     /// Asks the program and all of its group to end; what doesn't within two seconds is killed.
+    /// Nothing happens once the program has ended.
     virtual void terminate() = 0;
 };
 
@@ -45,7 +46,8 @@ public:
     /// Starts a program of its own session and process group, with its input on the null device
     /// and its output read off the main thread. `ended` is called once, later: when the program
     /// has ended and its output with it, or soon after the program when something that it left
-    /// behind holds the output open. Throws ProcessError when it can't be executed.
+    /// behind holds the output open; that may go on printing. A program with a name gets a scope of
+    /// its own where systemd runs. Throws ProcessError when it can't be executed.
     virtual std::shared_ptr<RunningProcess> start(const ProcessSpec& spec,
                                                   const OutputReading& reading,
                                                   std::function<void(ProcessEnd end)> ended) = 0;

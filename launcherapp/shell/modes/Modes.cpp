@@ -3,6 +3,7 @@
 #include "launcherapp/catalog/AppCatalogSelftest.h"
 #include "launcherapp/panel/appearance/AppearanceSelftest.h"
 #include "launcherapp/shell/ProductInfo.h"
+#include "launcherapp/shell/modes/CommandModes.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/PanelModes.h"
 #include "launcherapp/shell/modes/QueryModes.h"
@@ -137,7 +138,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--doctor", none, Seconds{2}, doctor},
     {"--bench", next, Seconds{8}, {}, QueryModes::bench},
     {"--bench-firstshow", none, {}, {}, ShowModes::benchFirstShow},
-    {"--run", next, Seconds{0.3}, commands},
+    {"--run", next, Seconds{0.3}, {}, CommandModes::run},
     {"--jump-press-probe", next, Seconds{0.3}, commands},
     {"--search", next, Seconds{2.5}, {}, SearchMode::run},
     {"--selftest-slack", none, Seconds{2.5}, chat},

@@ -2,119 +2,21 @@
 
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/linux/desktop/SystemdScope.h"
-
-#include <fmt/format.h>
+#include "launcherapp/platform/linux/processes/Spawning.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QSocketNotifier>
-#include <QStandardPaths>
-#include <cerrno>
-#include <csignal>
-#include <fcntl.h>
-#include <map>
-#include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace tessarine {
 
 namespace {
 
-bool isExecutableFile(const QString& path) {
-    const QFileInfo file(path);
-    return file.isFile() && file.isExecutable();
-}
-
-/// The folder asked for, or the nearest thing to it that is there.
-std::string workingDirectory(const std::string& wanted, const std::string& home) {
-    for (const auto& candidate : {wanted, home}) {
-        if (!candidate.empty() && QFileInfo(QString::fromStdString(candidate)).isDir())
-            return candidate;
-    }
-    return "/";
-}
-
-/// A list of texts as the C library takes them. The texts must outlive it.
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    result.reserve(texts.size() + 1);
-    for (auto& text : texts)
-        result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-}
-
-/// The user's own variables with some set on top.
-std::vector<std::string> surroundings(const std::map<std::string, std::string>& changes) {
-    auto variables = changes;
-    for (char** entry = environ; *entry; ++entry) {
-        const std::string_view line = *entry;
-        const auto equals = line.find('=');
-        if (equals != std::string_view::npos)
-            variables.try_emplace(std::string(line.substr(0, equals)), line.substr(equals + 1));
-    }
-    std::vector<std::string> result;
-    result.reserve(variables.size());
-    for (const auto& [name, value] : variables)
-        result.push_back(fmt::format("{}={}", name, value));
-    return result;
-}
-
-/// What a program starts with: the state that a fresh login would give it, since what we ignore,
-/// block or hold open is ours alone.
-class FreshState {
-public:
-    explicit FreshState(const std::string& directory) {
-        ::posix_spawn_file_actions_init(&actions_);
-        // A terminal or log that ends with us would take what it started along.
-        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
-        ::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
-        ::posix_spawn_file_actions_addchdir_np(&actions_, directory.c_str());
-
-        ::posix_spawnattr_init(&attributes_);
-        sigset_t signals;
-        ::sigfillset(&signals);
-        ::posix_spawnattr_setsigdefault(&attributes_, &signals);
-        ::sigemptyset(&signals);
-        ::posix_spawnattr_setsigmask(&attributes_, &signals);
-        ::posix_spawnattr_setflags(
-            &attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-    }
-
-    ~FreshState() {
-        ::posix_spawn_file_actions_destroy(&actions_);
-        ::posix_spawnattr_destroy(&attributes_);
-    }
-
-    FreshState(const FreshState&) = delete;
-    FreshState& operator=(const FreshState&) = delete;
-
-    /// The process, or nothing and errno.
-    std::optional<pid_t> start(std::vector<std::string> arguments,
-                               std::vector<std::string> environment) const {
-        pid_t process = 0;
-        errno = ::posix_spawn(&process,
-                              arguments.front().c_str(),
-                              &actions_,
-                              &attributes_,
-                              pointers(arguments).data(),
-                              pointers(environment).data());
-        return errno == 0 ? std::optional(process) : std::nullopt;
-    }
-
-private:
-    posix_spawn_file_actions_t actions_{};
-    posix_spawnattr_t attributes_{};
-};
-
 /// Takes note of a program's end, so that the kernel can forget it. Where the kernel can't tell
 /// of it, that waits until we end ourselves.
 void awaitEnd(pid_t process) {
-    const int descriptor = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
+    const int descriptor = Spawning::endOf(process);
     if (descriptor < 0)
         return;
     auto* ended = new QSocketNotifier(descriptor, QSocketNotifier::Read, qApp);
@@ -131,30 +33,14 @@ void awaitEnd(pid_t process) {
 QtProcessLauncher::QtProcessLauncher(const Environment& environment) : home_(environment.home) {}
 
 std::int64_t QtProcessLauncher::startDetached(const ProcessSpec& spec) {
-    if (spec.arguments.empty())
-        throw ProcessError("there is no program to start");
-    const auto program = executable(spec.arguments.front());
-    if (!program)
-        throw ProcessError(spec.arguments.front() + " could not be started: no such program");
-
-    auto arguments = spec.arguments;
-    arguments.front() = *program;
-    const auto directory = workingDirectory(spec.workingDirectory, home_);
-    const auto process = FreshState(directory).start(arguments, surroundings(spec.environment));
-    if (!process)
-        throw ProcessError(*program +
-                           " could not be started: " + std::generic_category().message(errno));
-    awaitEnd(*process);
-    SystemdScope::request(*process, spec.name);
-    return *process;
+    const auto process = Spawning::start(spec, home_, {});
+    awaitEnd(process);
+    SystemdScope::request(process, spec.name);
+    return process;
 }
 
 std::optional<std::string> QtProcessLauncher::executable(std::string_view program) const {
-    const auto name = QString::fromUtf8(program.data(), static_cast<qsizetype>(program.size()));
-    if (name.contains(QLatin1Char('/')))
-        return isExecutableFile(name) ? std::optional(name.toStdString()) : std::nullopt;
-    const auto path = QStandardPaths::findExecutable(name);
-    return path.isEmpty() ? std::nullopt : std::optional(path.toStdString());
+    return Spawning::executable(program);
 }
 
 } // namespace tessarine

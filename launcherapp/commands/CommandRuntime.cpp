@@ -1,0 +1,194 @@
+#include "launcherapp/commands/CommandRuntime.h"
+
+#include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/Paths.h"
+#include "LauncherCore/text/Printable.h"
+#include "LauncherCore/text/Urls.h"
+#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/catalog/FileOpener.h"
+#include "launcherapp/operations/Diagnostics.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::string_view placeholder = "{query}";
+constexpr std::string_view entrySuffix = ".desktop";
+
+/// The argument stands there as a value: nothing in it can end that and begin another.
+std::string filled(std::string_view text, const std::string& argument) {
+    const auto value = Urls::queryValue(argument);
+    std::string result;
+    for (;;) {
+        const auto at = text.find(placeholder);
+        result += text.substr(0, at);
+        if (at == std::string_view::npos)
+            return result;
+        result += value;
+        text.remove_prefix(at + placeholder.size());
+    }
+}
+
+/// A desktop session's PATH is bare, and a script is to find what a terminal finds.
+std::string programPath(const Environment& environment) {
+    std::vector<std::string> folders{"/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin"};
+    const auto add = [&](const std::string& folder) {
+        if (std::ranges::find(folders, folder) == folders.end())
+            folders.push_back(folder);
+    };
+    for (const auto& folder : environment.programDirs)
+        add(folder);
+    add(Paths::normalized(environment.home + "/.local/bin"));
+    return fmt::format("{}", fmt::join(folders, ":"));
+}
+
+/// What a script printed, as the end of a log line.
+std::string printed(const ProcessEnd& end) {
+    std::string_view output = end.output;
+    while (output.ends_with('\n') || output.ends_with('\r'))
+        output.remove_suffix(1);
+    const auto shown = Printable::beginning(output, CommandRuntime::loggedOutput);
+    const bool isCut = end.isCut || shown.size() < output.size();
+    return Printable::line(shown) + (isCut ? "…" : "");
+}
+
+} // namespace
+
+CommandRuntime::CommandRuntime(Services services, const Environment& environment)
+    : services_(services), environment_(environment) {}
+
+void CommandRuntime::run(const CommandSpec& command, const std::string& argument) {
+    requireMainThread(services_.queue);
+    switch (command.kind) {
+    case CommandKind::open:
+        open(filledIn(command, command.urls.value_or(std::vector<std::string>()), argument),
+             Activation::foreground);
+        return;
+    case CommandKind::search:
+        open(filledIn(command, {command.url.value_or("")}, argument), Activation::foreground);
+        return;
+    case CommandKind::script:
+        runScript(command.script.value_or(""),
+                  command.shell.value_or(std::string(usualShell)),
+                  argument,
+                  command.id);
+        return;
+    case CommandKind::app:
+        launchApp(command);
+        return;
+    case CommandKind::system:
+        if (command.action && system)
+            system(*command.action);
+        return;
+    case CommandKind::jump:
+        if (jump)
+            jump(command, argument);
+        return;
+    case CommandKind::files:
+    case CommandKind::list:
+        return;
+    }
+}
+
+std::vector<std::string> CommandRuntime::filledIn(const CommandSpec& command,
+                                                  const std::vector<std::string>& templates,
+                                                  const std::string& argument) const {
+    std::vector<std::string> urls;
+    for (const auto& text : templates) {
+        if (auto url = resolve(filled(text, argument)))
+            urls.push_back(*std::move(url));
+        else
+            services_.diagnostics.log(fmt::format("open: \"{}\" of {} is no link",
+                                                  Printable::line(text),
+                                                  Printable::line(command.id)));
+    }
+    return urls;
+}
+
+std::optional<std::string> CommandRuntime::resolve(std::string_view text) const {
+    const auto target = Folding::trimmed(text);
+    if (target.starts_with('/') || target.starts_with('~')) {
+        const auto path = expandingTilde(environment_, target);
+        return path.starts_with('/') ? std::optional(Urls::fileUrl(path)) : std::nullopt;
+    }
+    return Urls::withScheme(target);
+}
+
+void CommandRuntime::launchApp(const CommandSpec& command) {
+    const auto path = expandingTilde(environment_, Folding::trimmed(command.path.value_or("")));
+    const auto told = [&diagnostics = services_.diagnostics,
+                       id = command.id](const std::optional<std::string>& problem) {
+        if (problem)
+            diagnostics.log(fmt::format("app command {} failed: {}", id, *problem));
+    };
+    if (const auto* application = installedApp(path)) {
+        services_.catalog.launch(*application, told);
+        return;
+    }
+    if (path.empty() || path.ends_with(entrySuffix)) {
+        told(path.empty() ? "it has no path" : path + " is no installed application");
+        return;
+    }
+    try {
+        services_.processes.startDetached({.arguments = {path}, .name = command.id});
+    } catch (const ProcessError& error) {
+        told(error.what());
+    }
+}
+
+/// By the path of its desktop entry, by the id in it, or by the id alone.
+const InstalledApp* CommandRuntime::installedApp(const std::string& path) const {
+    const auto& registry = *services_.catalog.registry();
+    if (const auto* application = registry.byPath(path))
+        return application;
+    const bool isEntry = path.ends_with(entrySuffix);
+    const bool isPath = path.find('/') != std::string::npos;
+    return isEntry || !isPath ? registry.byID(Paths::lastPart(path)) : nullptr;
+}
+
+void CommandRuntime::reveal(const std::vector<std::string>& urls) {
+    for (const auto& url : urls) {
+        if (const auto path = Urls::filePath(url))
+            services_.opener.reveal(*path);
+        else
+            services_.diagnostics.log(fmt::format("reveal: {} is no file", Printable::line(url)));
+    }
+}
+
+ProcessSpec CommandRuntime::scriptProcess(const std::string& script,
+                                          const std::string& shell,
+                                          const std::string& argument) const {
+    return {.arguments = {shell, "-c", script, "launcher", argument},
+            .environment = {{"PATH", programPath(environment_)}, {"LAUNCHER_QUERY", argument}},
+            .workingDirectory = environment_.home};
+}
+
+void CommandRuntime::runScript(const std::string& script,
+                               const std::string& shell,
+                               const std::string& argument,
+                               const std::string& id) {
+    requireMainThread(services_.queue);
+    auto process = scriptProcess(script, shell, argument);
+    process.name = id;
+    try {
+        services_.programs.start(
+            process,
+            {},
+            [&diagnostics = services_.diagnostics, id, weak = std::weak_ptr(alive_)](
+                const ProcessEnd& end) {
+                if (!weak.expired())
+                    diagnostics.log(
+                        fmt::format("script {} exit {}: {}", id, end.status, printed(end)));
+            });
+    } catch (const ProcessError& error) {
+        services_.diagnostics.log(fmt::format("script {} could not start: {}", id, error.what()));
+    }
+}
+
+} // namespace tessarine

@@ -1,0 +1,162 @@
+#include "launcherapp/shell/modes/CommandModes.h"
+
+#include "launcherapp/commands/CommandHotkeys.h"
+#include "launcherapp/commands/CommandStore.h"
+#include "launcherapp/query/CreditResolver.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/modes/Modes.h"
+#include "tests/launcherapp/commands/CommandFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+using Words = std::vector<std::string>;
+
+constexpr auto path = "/home/u/.local/share/tessarine/commands.json";
+
+/// A run of the program with these words and this commands file.
+class CommandRun {
+public:
+    CommandRun(Words words, const std::string& file) : commandLine(std::move(words)) {
+        fixture.services.platform.files.file(path, file);
+        Modes::schedule(context);
+    }
+
+    void pass(double seconds) { fixture.services.platform.time.advance(Seconds{seconds}); }
+
+    CommandFixture fixture;
+    FakeServices& services = fixture.services;
+    CommandHotkeys hotkeys{
+        {.hotkey = nullptr, .usage = services.usage, .diagnostics = services.diagnostics}, {}};
+    CommandStore store{{.queue = services.platform.queue,
+                        .work = services.platform.work,
+                        .files = services.platform.files,
+                        .directories = services.platform.watcher,
+                        .prefs = services.prefs,
+                        .diagnostics = services.diagnostics,
+                        .hotkeys = hotkeys},
+                       "/home/u/.local/share/tessarine",
+                       CommandStore::Content::file};
+    CommandModeServices commands{
+        .store = store, .runtime = fixture.runtime, .builtIn = [](const auto& users) {
+            std::vector<CommandSpec> all{{.id = "builtin.lock",
+                                          .name = "Lock",
+                                          .kind = CommandKind::system,
+                                          .action = SystemAction::lockScreen}};
+            return users.empty() ? std::vector<CommandSpec>() : all;
+        }};
+    std::unique_ptr<SearchModel> model = services.makeModel();
+    CreditResolver credits{services.catalog, services.platform.files, services.environment};
+    CommandLine commandLine;
+    std::vector<std::string> lines;
+    std::optional<int> status;
+    ModeContext context{.commandLine = commandLine,
+                        .environment = services.environment,
+                        .queue = services.platform.queue,
+                        .files = services.platform.files,
+                        .catalog = services.catalog,
+                        .prefs = services.prefs,
+                        .model = *model,
+                        .credits = credits,
+                        .commands = &commands,
+                        .print = [this](std::string_view line) { lines.emplace_back(line); },
+                        .finish = [this](int value) { status = value; }};
+};
+
+constexpr auto file = R"({"version": 1, "commands": [
+    {"id": "one", "name": "Two", "keyword": "three", "kind": "script", "script": "1"},
+    {"id": "two", "name": "Other", "aliases": ["FOUR", "one"], "kind": "script", "script": "2"},
+    {"id": "x3", "name": "Größe", "keyword": "Two", "kind": "script", "script": "3"},
+    {"id": "f", "name": "Docs", "kind": "files"},
+    {"id": "l", "name": "List", "kind": "list", "script": "5"}]})";
+
+TEST(CommandModes, aCommandIsFoundByIdThenNameThenKeywordThenAlias) {
+    const struct {
+        const char* name;
+        const char* script;
+        const char* reason;
+    } cases[] = {
+        {"one", "1", "an id before an alias"},
+        {"two", "2", "an id before names"},
+        {"Two", "1", "a name before a keyword; ids are exact"},
+        {"GRÖSSE", nullptr, "lower case is no folding"},
+        {"gröSSe", nullptr, "nor is it of this"},
+        {"GRÖßE", "3", "a name in another case"},
+        {"THREE", "1", "a keyword"},
+        {"four", "2", "an alias"},
+    };
+
+    for (const auto& [name, script, reason] : cases) {
+        SCOPED_TRACE(reason);
+        CommandRun run({"--run", name, "--arg", "--x"}, file);
+        run.pass(0.29);
+        EXPECT_THAT(run.fixture.started(), IsEmpty());
+        run.pass(0.02);
+        if (!script) {
+            EXPECT_EQ(run.status, 2);
+            continue;
+        }
+        ASSERT_THAT(run.fixture.started(), SizeIs(1));
+        EXPECT_THAT(run.fixture.started()[0]->spec.arguments,
+                    ElementsAre("/bin/bash", "-c", script, "launcher", "--x"));
+        run.pass(0.38);
+        EXPECT_EQ(run.status, std::nullopt) << "what was handed over is to be on its way";
+        run.pass(0.02);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_THAT(run.lines, ElementsAre("RAN: \"" + std::string(name) + "\" (script)"));
+    }
+}
+
+TEST(CommandModes, whatCannotBeRunIsSaid) {
+    const std::string list = " is a live search mode in the panel, not a one-shot action. Use "
+                             "--search instead.";
+
+    const struct {
+        Words words;
+        int status;
+        std::string line;
+    } cases[] = {
+        {{"--run", "none"}, 2, "NOT_FOUND: no command matched \"none\""},
+        {{"--run", ""}, 2, "NOT_FOUND: no command matched \"\""},
+        {{"--run", "docs"}, 4, "NOT_RUNNABLE: \"docs\" (kind: files)" + list},
+        {{"--run", "List"}, 4, "NOT_RUNNABLE: \"List\" (kind: list)" + list},
+        {{"--run", "lock"}, 0, "RAN: \"lock\" (system)"},
+    };
+
+    for (const auto& [words, status, line] : cases) {
+        CommandRun run(words, file);
+        run.pass(1);
+        EXPECT_EQ(run.status, status);
+        EXPECT_THAT(run.lines, ElementsAre(line));
+        EXPECT_THAT(run.fixture.started(), IsEmpty());
+    }
+}
+
+TEST(CommandModes, aBrokenFileIsSaidBeforeAll) {
+    CommandRun run({"--run", "one"}, "{\"commands\": [");
+    run.pass(1);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.lines,
+                ElementsAre(StartsWith("commands.json parse error: "), HasSubstr("NOT_FOUND: ")));
+}
+
+TEST(CommandModes, theFileIsReadOnceWhoeverBegins) {
+    CommandRun run({"--run", "one"}, file);
+    run.store.start();
+    run.pass(0.2);
+    const auto reads = run.services.platform.files.reads;
+    run.pass(0.2);
+    EXPECT_EQ(run.services.platform.files.reads, reads);
+    EXPECT_THAT(run.fixture.started(), SizeIs(1));
+}
+
+} // namespace
+} // namespace tessarine
