@@ -58,4 +58,15 @@ void FileOpener::trash(const std::string& path) {
         doors_.diagnostics.log(fmt::format("trash: {}", *problem));
 }
 
+void FileOpener::openUrl(const std::string& url,
+                         const std::function<void(std::optional<std::string> problem)>& done) {
+    const auto scheme = Urls::scheme(url);
+    const auto* application = doors_.catalog.registry()->handlerForScheme(scheme);
+    if (application)
+        doors_.launcher.launch(*application, {url}, done);
+    else
+        doors_.queue.post(
+            [done, scheme] { done(fmt::format("no application opens {} addresses", scheme)); });
+}
+
 } // namespace tessarine

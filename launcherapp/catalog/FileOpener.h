@@ -2,6 +2,8 @@
 
 #include "launcherapp/platform/MainQueue.h"
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,7 @@ public:
     static constexpr Seconds revealTimeout{10};
 
     struct Doors {
+        MainQueue& queue;
         const AppCatalog& catalog;
         AppLauncher& launcher;
         const FileTypes& types;
@@ -38,6 +41,11 @@ public:
     void reveal(const std::string& path);
 
     void trash(const std::string& path);
+
+    /// With the application of its scheme. `done` is called once, later, with nothing on success,
+    /// else with the problem in words.
+    void openUrl(const std::string& url,
+                 const std::function<void(std::optional<std::string> problem)>& done);
 
     /// Who opens what is of these MIME types, the narrowest first: the user's choice for the first
     /// that has one. Null when nobody does; valid until the catalog is scanned again.

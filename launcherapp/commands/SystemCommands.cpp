@@ -2,16 +2,17 @@
 
 #include "LauncherCore/commands/BuiltinCommands.h"
 #include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/catalog/RunningApps.h"
 #include "launcherapp/catalog/StandInApps.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/Alerts.h"
-#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/SystemEffects.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/Prefs.h"
 #include "launcherapp/shell/ProductInfo.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <iterator>
@@ -26,6 +27,13 @@ constexpr std::string_view settingsID = "com.apple.systempreferences";
 constexpr std::string_view fileManagerID = "com.apple.finder";
 constexpr std::string_view unsavedWork =
     "Apps will be asked to quit. Anything unsaved is yours to save first.";
+constexpr std::string_view unsavedWorkUnasked =
+    "Apps can't be asked to quit on this desktop. Anything unsaved is yours to save first.";
+
+/// How long apps may take to quit, with the user answering their questions, before the session
+/// goes on instead of ending.
+constexpr Seconds quitPatience{60};
+constexpr Seconds quitPoll{0.5};
 
 /// What an action that asks first does once it is confirmed; the action itself for the others.
 SystemAction withoutAsking(SystemAction action) {
@@ -42,13 +50,12 @@ bool isAboutTimeHome(SystemAction action) {
     return action == SystemAction::timeHomeHere || action == SystemAction::timeHomeClocks;
 }
 
-AlertQuestion question(std::string title, std::string confirm) {
-    return {
-        .title = std::move(title), .text = std::string(unsavedWork), .confirm = std::move(confirm)};
-}
-
 /// Nothing for an action that doesn't ask first.
-std::optional<AlertQuestion> questionBefore(SystemAction action) {
+std::optional<AlertQuestion> questionBefore(SystemAction action, std::string_view text) {
+    const auto question = [&](std::string title, std::string confirm) {
+        return AlertQuestion{
+            .title = std::move(title), .text = std::string(text), .confirm = std::move(confirm)};
+    };
     if (action == SystemAction::restart)
         return question("Restart this computer?", "Restart");
     if (action == SystemAction::shutDown)
@@ -106,13 +113,19 @@ void SystemCommands::run(SystemAction action) {
     requireMainThread(services_.queue);
     if (const auto can = ability(action); !can.available)
         return fail(action, can.reason);
-    const auto asked = questionBefore(action);
+    const bool canAskApps = services_.running.ability().available;
+    const auto asked = questionBefore(action, canAskApps ? unsavedWork : unsavedWorkUnasked);
     if (!asked)
         return carryOut(action);
-    services_.alerts.ask(*asked, [this, action, alive = std::weak_ptr(alive_)](bool confirmed) {
-        if (confirmed && !alive.expired())
-            carryOut(action);
-    });
+    services_.alerts.ask(*asked,
+                         [this, action, canAskApps, alive = std::weak_ptr(alive_)](bool confirmed) {
+                             if (!confirmed || alive.expired())
+                                 return;
+                             if (!canAskApps)
+                                 return carryOut(action);
+                             askToQuit(runningApps());
+                             whenAllQuit(action, services_.queue.uptime() + quitPatience);
+                         });
 }
 
 Subscription SystemCommands::onChange(std::function<void()> changed) {
@@ -186,14 +199,40 @@ void SystemCommands::carryOut(SystemAction action) {
         });
 }
 
+/// All but this program.
+std::vector<QuittableApp> SystemCommands::runningApps() const {
+    auto apps = services_.runningApps();
+    std::erase_if(apps, [](const auto& app) { return app.bundleID == ProductInfo::bundleID; });
+    return apps;
+}
+
+void SystemCommands::askToQuit(const std::vector<QuittableApp>& apps) const {
+    std::ranges::for_each(apps, services_.askToQuit);
+}
+
 void SystemCommands::quitAll() {
-    const auto* fileManager =
-        StandInApps::application(*services_.catalog.registry(), fileManagerID);
-    for (const auto& app : services_.runningApps()) {
-        const auto& id = app.app.bundleID;
-        if (id != ProductInfo::bundleID && !(fileManager && id == fileManager->bundleID))
-            services_.askToQuit(app);
+    auto apps = runningApps();
+    if (const auto* fileManager =
+            StandInApps::application(*services_.catalog.registry(), fileManagerID))
+        std::erase_if(apps, [&](const auto& app) { return app.bundleID == fileManager->bundleID; });
+    askToQuit(apps);
+}
+
+/// What stays open has something to ask the user, so the session stays too.
+void SystemCommands::whenAllQuit(SystemAction action, Seconds deadline) {
+    const auto open = runningApps();
+    if (open.empty())
+        return carryOut(action);
+    if (services_.queue.uptime() >= deadline) {
+        std::vector<std::string> names;
+        for (const auto& app : open)
+            names.push_back(app.name.empty() ? app.bundleID : app.name);
+        return fail(action, fmt::format("still open: {}", fmt::join(names, ", ")));
     }
+    services_.queue.postAfter(quitPoll, [this, action, deadline, alive = std::weak_ptr(alive_)] {
+        if (!alive.expired())
+            whenAllQuit(action, deadline);
+    });
 }
 
 void SystemCommands::setTimeHome(SystemAction action) {

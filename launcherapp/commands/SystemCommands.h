@@ -1,11 +1,12 @@
 #pragma once
 
 #include "LauncherCore/commands/CommandSpec.h"
+#include "launcherapp/commands/QuittableApp.h"
 #include "launcherapp/commands/SettingsPaneScan.h"
-#include "launcherapp/commands/WindowManager.h"
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 
@@ -22,8 +23,8 @@ namespace tessarine {
 class Alerts;
 class AppCatalog;
 class Diagnostics;
-class MainQueue;
 class Prefs;
+class RunningApps;
 class SystemEffects;
 class WorkQueues;
 
@@ -85,7 +86,10 @@ private:
     std::optional<CommandSpec> settingsCommand() const;
     std::optional<std::string> forceQuitQuery() const;
     void carryOut(SystemAction action);
+    std::vector<QuittableApp> runningApps() const;
+    void askToQuit(const std::vector<QuittableApp>& apps) const;
     void quitAll();
+    void whenAllQuit(SystemAction action, Seconds deadline);
     void setTimeHome(SystemAction action);
     void fail(SystemAction action, const std::string& problem);
 

@@ -99,7 +99,7 @@ Commands fixturePanes() {
 }
 
 bool finds(const Commands& commands, std::string_view query, std::string_view id) {
-    const auto rows = commandRows(commands, {}, query);
+    const auto rows = commandRows(commands, {.verbs = {}, .detail = {}}, query);
     return std::ranges::count(rows, fmt::format("{}{}", commandRowPrefix, id), &ResultRow::id) > 0;
 }
 

@@ -7,6 +7,7 @@
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/files/RunFolder.h"
+#include "launcherapp/shell/AppCommands.h"
 #include "launcherapp/shell/AppServices.h"
 #include "launcherapp/shell/Demonstration.h"
 #include "launcherapp/shell/DesktopPresence.h"
@@ -16,6 +17,7 @@
 #include "launcherapp/shell/RowWiring.h"
 #include "launcherapp/shell/SingleInstance.h"
 #include "launcherapp/shell/StartUp.h"
+#include "launcherapp/shell/modes/CommandModes.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/Modes.h"
 #include "launcherapp/sources/DemonstrationSources.h"
@@ -28,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <unistd.h>
 #include <utility>
@@ -102,7 +105,7 @@ public:
 private:
     void becomeResident();
     void makeServices();
-    void startIndex();
+    void makeCommands();
     void makePanel();
     void registerHotkeys();
     void takeBusName();
@@ -128,10 +131,12 @@ private:
     std::optional<RowWiring> rows;
     std::optional<Look> look;
     std::optional<DesktopPresence> presence; ///< nothing where Qt has no windows to show
+    std::optional<AppCommands> commands;
     std::optional<FreshRows> fresh;
     std::vector<Subscription> publications;
     std::optional<DesktopApplication> application;
     std::optional<IndexModeServices> indexing;
+    std::optional<CommandModeServices> running;
     std::optional<ModeContext> modes;
 };
 
@@ -149,13 +154,19 @@ StartUp::Hooks App::Parts::hooks() {
     return {
         .olderCopies = [this] { becomeResident(); },
         .services = [this] { makeServices(); },
-        .appearance = [this] { look.emplace(*services); },
+        .appearance =
+            [this] {
+                look.emplace(*services);
+                makeCommands();
+            },
         .appIcon = [this] { doors.queue.post(setApplicationIcon); },
         .statusItem =
             [this] {
                 if (presence && isResident)
                     presence->installStatusItem();
             },
+        .commandStore = [this] { commands->store.start(); },
+        .systemCommands = [this] { commands->system.start(); },
         .appCatalog = [this] { services->catalog.start(); },
         .mountedVolumes =
             [this] {
@@ -241,6 +252,21 @@ void App::Parts::makeServices() {
     made.loadUsage();
 }
 
+void App::Parts::makeCommands() {
+    commands.emplace(
+        *services,
+        look->desktop,
+        AppCommands::Presence{.hotkey = [this]() -> Hotkey* {
+                                  return presence && isResident ? presence->hotkey() : nullptr;
+                              },
+                              .showPanel =
+                                  [this](const std::string& query) {
+                                      if (auto* panel = presence ? presence->panel() : nullptr)
+                                          panel->show(query);
+                                  }});
+    rows->add(commands->wiringServices());
+}
+
 void App::Parts::makePanel() {
     if (!presence)
         return;
@@ -256,6 +282,7 @@ void App::Parts::keepRowsFresh() {
         doors.queue, services->model, [panel = presence->panel()] { return panel->isVisible(); });
     const auto published = [this] { fresh->published(); };
     publications.push_back(services->catalog.onPublished(published));
+    publications.push_back(commands->catalog.onChange(published));
     publications.push_back(services->index.onPublished(published));
     publications.push_back(services->rates.onChange(published));
     publications.push_back(services->usage.onLoaded(published));
@@ -303,6 +330,19 @@ void App::Parts::scheduleModes() {
                                        .volumes = services->volumes,
                                        .index = services->index,
                                        .walker = services->walker});
+    running.emplace(CommandModeServices{.store = commands->store,
+                                        .runtime = commands->runtime,
+                                        .probe =
+                                            [this](const std::string& bundleID,
+                                                   const std::vector<std::string>& names,
+                                                   std::function<void(std::string)> told) {
+                                                commands->jumps.probe(
+                                                    bundleID, names, std::move(told));
+                                            },
+                                        .builtIn =
+                                            [this](std::span<const CommandSpec> users) {
+                                                return commands->system.available(users);
+                                            }});
     modes.emplace(ModeContext{
         .commandLine = commandLine,
         .environment = environment,
@@ -315,6 +355,7 @@ void App::Parts::scheduleModes() {
         .credits = services->credits,
         .answers = &*services->answers,
         .indexing = &*indexing,
+        .commands = &*running,
         .panel = &look->modes,
         .freshModel = [this] { return std::make_unique<SearchModel>(services->modelServices()); },
         .print = printLine,

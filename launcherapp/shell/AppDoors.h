@@ -1,10 +1,13 @@
 #pragma once
 
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/linux/accessibility/AtspiAccessibility.h"
 #include "launcherapp/platform/linux/desktop/DBusApplicationBus.h"
 #include "launcherapp/platform/linux/desktop/DesktopFileManager.h"
+#include "launcherapp/platform/linux/desktop/NoWindowControl.h"
 #include "launcherapp/platform/linux/desktop/NoWindowList.h"
 #include "launcherapp/platform/linux/desktop/ThemeIcons.h"
+#include "launcherapp/platform/linux/desktop/X11WindowControl.h"
 #include "launcherapp/platform/linux/desktop/X11WindowList.h"
 #include "launcherapp/platform/linux/files/FileResidentCopies.h"
 #include "launcherapp/platform/linux/files/PosixDirectoryReader.h"
@@ -13,6 +16,7 @@
 #include "launcherapp/platform/linux/files/QtFileTypes.h"
 #include "launcherapp/platform/linux/network/QtHttpClient.h"
 #include "launcherapp/platform/linux/processes/LocalDictionary.h"
+#include "launcherapp/platform/linux/processes/PipeProgramReader.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "launcherapp/platform/linux/processes/QtProcessLauncher.h"
 #include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
@@ -26,7 +30,8 @@ namespace tessarine {
 /// The program's doors to the world. Main thread only; `App` has the one there is.
 struct AppDoors {
     explicit AppDoors(const Environment& environment)
-        : processes(environment), icons(environment), windows(windowList(environment)),
+        : processes(environment), programs(queue, environment), icons(environment),
+          windows(windowList(environment)), control(windowControl(environment)),
           copies(environment) {}
 
     QtMainQueue queue;
@@ -34,9 +39,12 @@ struct AppDoors {
     PosixFileStore files;
     InotifyDirectoryWatcher watcher{queue};
     QtProcessLauncher processes;
+    PipeProgramReader programs;
     DBusApplicationBus bus{queue};
     ThemeIcons icons;
     std::unique_ptr<WindowList> windows;
+    std::unique_ptr<WindowControl> control;
+    std::shared_ptr<Accessibility> accessibility = std::make_shared<AtspiAccessibility>();
     FileResidentCopies copies;
     LocalDictionary dictionary{processes};
     std::shared_ptr<const DirectoryReader> directories = std::make_shared<PosixDirectoryReader>();
@@ -52,6 +60,13 @@ private:
             return std::make_unique<X11WindowList>();
         return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland "
                                               "are not read yet");
+    }
+
+    static std::unique_ptr<WindowControl> windowControl(const Environment& environment) {
+        if (environment.hasX11)
+            return std::make_unique<X11WindowControl>();
+        return std::make_unique<NoWindowControl>("there is no X11 display, and windows of Wayland "
+                                                 "can't be moved yet");
     }
 };
 

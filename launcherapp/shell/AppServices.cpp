@@ -65,7 +65,8 @@ AppServices::AppServices(AppDoors& appDoors,
       listings(doors.queue,
                doors.work,
                run.isDemonstration ? demonstrationFolders() : doors.directories),
-      opener({.catalog = catalog,
+      opener({.queue = doors.queue,
+              .catalog = catalog,
               .launcher = launcher,
               .types = doors.fileTypes,
               .manager = doors.fileManager,
@@ -75,7 +76,7 @@ AppServices::AppServices(AppDoors& appDoors,
           diagnostics,
           {.own = stateFile("usage.json"), .synced = stateFile("synced-usage.json")},
           [this] { return prefs.learnFromUse(); },
-          [](std::string_view) { return false; }), // no commands of the user's yet
+          [this](std::string_view id) { return !isUsersCommand || isUsersCommand(id); }),
       rates(doors.queue,
             doors.web,
             diagnostics,
@@ -181,6 +182,14 @@ void AppServices::startRates() {
         rates.start();
     if (run.isDemonstration)
         rates.show(DemonstrationAnswers::rates(doors.queue.now()));
+}
+
+void AppServices::bringUp(const InstalledApp& app) {
+    catalog.launch({.id = app.path,
+                    .name = app.name,
+                    .path = app.path,
+                    .bundleID = app.bundleID,
+                    .aliases = {}});
 }
 
 void AppServices::openSettings() {

@@ -24,9 +24,11 @@
 #include "launcherapp/sources/Rates.h"
 #include "launcherapp/sources/ZoneStore.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tessarine {
 
@@ -55,10 +57,16 @@ public:
     void loadCalculations();
     void startRates();
 
+    /// Brings the application forward if it runs; else starts it. A failure is logged.
+    void bringUp(const InstalledApp& app);
+
     /// There is no window of settings: the file is made to be edited by hand.
     void openSettings();
 
     SearchModel::Services modelServices();
+
+    /// Whether the user has a command of this id; until it is set, any may be the user's.
+    std::function<bool(std::string_view id)> isUsersCommand;
 
     AppDoors& doors;
     Diagnostics& diagnostics;

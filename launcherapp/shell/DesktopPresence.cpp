@@ -138,6 +138,10 @@ PanelController* DesktopPresence::panel() {
     return parts_->onScreen ? &parts_->onScreen->panel : nullptr;
 }
 
+Hotkey* DesktopPresence::hotkey() {
+    return parts_->onScreen ? &parts_->onScreen->hotkey : nullptr;
+}
+
 void DesktopPresence::keepWarm() {
     parts_->onScreen->panel.start();
 }

@@ -10,6 +10,7 @@
 namespace tessarine {
 
 class Diagnostics;
+class Hotkey;
 class MainQueue;
 class PanelController;
 class WindowList;
@@ -42,6 +43,9 @@ public:
 
     /// Null before it is made.
     PanelController* panel();
+
+    /// The chords; null before the panel is made.
+    Hotkey* hotkey();
 
     /// Lets the panel keep itself warm.
     void keepWarm();

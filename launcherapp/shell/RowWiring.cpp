@@ -134,6 +134,10 @@ void RowWiring::add(AnswerService& answers, CalcStore& calculations) {
     };
 }
 
+void RowWiring::add(CommandWiring::Services commands) {
+    commands_.emplace(commands, [this] { return fileRowSources(); });
+}
+
 /// What a folder holds, read anew each time it is gone into.
 Rows RowWiring::browse(const std::string& folder, std::string_view query) {
     auto& listings = services_.listings;
@@ -151,15 +155,9 @@ FileRowSources RowWiring::fileRowSources() const {
 }
 
 void RowWiring::openUrl(const std::string& url) {
-    auto& diagnostics = services_.diagnostics;
-    const auto scheme = url.substr(0, url.find(':'));
-    const auto* handler = services_.catalog.registry()->handlerForScheme(scheme);
-    if (!handler) {
-        diagnostics.log(fmt::format("open: no application opens {} addresses", scheme));
-        return;
-    }
-    services_.launcher.launch(
-        *handler, {url}, [&diagnostics, url](std::optional<std::string> problem) {
+    services_.opener.openUrl(
+        url,
+        [&diagnostics = services_.diagnostics, url](const std::optional<std::string>& problem) {
             if (problem)
                 diagnostics.log(fmt::format("open: {} could not be opened: {}", url, *problem));
         });

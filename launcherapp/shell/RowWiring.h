@@ -3,8 +3,10 @@
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/query/RowFamilies.h"
 #include "launcherapp/query/rows/FileRows.h"
+#include "launcherapp/shell/CommandWiring.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -54,6 +56,7 @@ public:
 
     void add(RecentApps& recent);
     void add(AnswerService& answers, CalcStore& calculations);
+    void add(CommandWiring::Services commands);
 
 private:
     void wireVerbs(Verbs verbs);
@@ -68,6 +71,7 @@ private:
     std::string home_;
     std::string browsed_; ///< the folder whose entries were last shown
     Subscription browsing_;
+    std::optional<CommandWiring> commands_;
 };
 
 } // namespace tessarine

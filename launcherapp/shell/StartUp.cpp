@@ -26,8 +26,8 @@ constexpr auto menus = std::to_array<Task>({
     {"status item", &Hooks::statusItem},
 });
 constexpr auto catalogs = std::to_array<Task>({
-    {"command store"},   // not built yet
-    {"system commands"}, // not built yet
+    {"command store", &Hooks::commandStore},
+    {"system commands", &Hooks::systemCommands},
     {"app catalog", &Hooks::appCatalog},
     {"mounted volumes", &Hooks::mountedVolumes},
     {"file index", &Hooks::fileIndex},

@@ -21,6 +21,8 @@ struct Hooks {
     std::function<void()> appearance; ///< from here on it follows the settings and the desktop
     std::function<void()> appIcon;
     std::function<void()> statusItem;
+    std::function<void()> commandStore;
+    std::function<void()> systemCommands;
     std::function<void()> appCatalog;
     std::function<void()> mountedVolumes;
     std::function<void()> fileIndex;

@@ -72,6 +72,11 @@ std::string_view label(CommandKind kind) {
     return "run";
 }
 
+/// Those words are all there is to type.
+bool isWindowVerb(BuiltinKeyword keyword) {
+    return keyword >= BuiltinKeyword::windowLeft && keyword <= BuiltinKeyword::windowDisplay;
+}
+
 std::optional<RowCreditSpec> creditOf(const CommandSpec& command) {
     const auto kinds = RowCreditSpec::creditedKinds();
     if (std::ranges::find(kinds, command.kind) == kinds.end())
@@ -161,11 +166,14 @@ std::vector<ResultRow> featureRows(const Keywords& keywords,
         if (score < 1)
             continue;
         const auto word = keywords.word(info.keyword);
+        const bool takesArgument = !isWindowVerb(info.keyword);
+        if (!takesArgument && Folding::lowercase(query) == Folding::lowercase(word))
+            continue; // what the word does stands there already
         rows.push_back({
             .id = "keyword:" + std::string(info.rawValue),
             .kind = RowKind::command,
             .title = std::string(info.name),
-            .subtitle = "type " + word + " and what you look for",
+            .subtitle = "type " + word + (takesArgument ? " and what you look for" : ""),
             .symbol = "text.cursor",
             .primary = [typeWord, text = word + " "] { typeWord(text); },
             .primaryLabel = "type it",

@@ -9,7 +9,12 @@ namespace tessarine {
 
 namespace {
 
-/// It is read and not run: there is nothing that Return could do about it.
+std::string nothingNamed(std::string_view query) {
+    return fmt::format("Nothing here matches “{}”", query);
+}
+
+} // namespace
+
 ResultRow
 readHint(std::string id, std::string title, std::string subtitle, std::string_view symbol) {
     return {.id = std::move(id),
@@ -19,12 +24,6 @@ readHint(std::string id, std::string title, std::string subtitle, std::string_vi
             .symbol = std::string(symbol),
             .group = std::string(RowGroup::answers)};
 }
-
-std::string nothingNamed(std::string_view query) {
-    return fmt::format("Nothing here matches “{}”", query);
-}
-
-} // namespace
 
 ResultRow brokenCommandsRow(const std::string& error, const RowVerbs& verbs) {
     return {

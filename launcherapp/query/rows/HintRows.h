@@ -9,6 +9,10 @@
 
 namespace tessarine {
 
+/// Something to read: there is nothing that Return could do about it.
+ResultRow
+readHint(std::string id, std::string title, std::string subtitle, std::string_view symbol);
+
 /// Says above everything else that the commands file can't be read, and why.
 ResultRow brokenCommandsRow(const std::string& error, const RowVerbs& verbs);
 

@@ -2,14 +2,17 @@
 
 #include "LauncherCore/commands/CommandJson.h"
 #include "LauncherCore/text/Folding.h"
+#include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/commands/CommandRuntime.h"
 #include "launcherapp/commands/CommandStore.h"
+#include "launcherapp/commands/SystemCommandsSelftest.h"
 #include "launcherapp/shell/modes/Modes.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <iterator>
 #include <optional>
 
@@ -22,6 +25,10 @@ constexpr int notRunnable = 4;
 
 /// For what was handed to others to be on its way before the process ends.
 constexpr Seconds settling{0.4};
+
+constexpr int firstAttempt = 0;
+constexpr int lastAttempt = 299; ///< about 15 seconds
+constexpr Seconds retryAfter{0.05};
 
 bool isSame(const std::string& text, const std::string& name) {
     return Folding::lowercase(text) == Folding::lowercase(name);
@@ -63,14 +70,27 @@ std::vector<CommandSpec> allCommands(const CommandModeServices& services) {
     return commands;
 }
 
-} // namespace
+/// The catalog's first scan may still be reading a slow disk; what it has not found by the last
+/// attempt is not waited for.
+void whenScanned(ModeContext& context, int attempt, const std::function<void()>& then) {
+    if (context.catalog.lastScan() || attempt == lastAttempt)
+        then();
+    else
+        context.queue.postAfter(
+            retryAfter, [&context, attempt, then] { whenScanned(context, attempt + 1, then); });
+}
 
-void CommandModes::run(ModeContext& context, const std::string& name) {
-    if (!context.commands) {
-        context.print("run: NOT MEASURED, this run has no commands");
-        context.finish(notFound);
-        return;
-    }
+/// The words that follow the flag's own value, up to the next flag.
+std::vector<std::string> wordsAfter(const CommandLine& commandLine, const std::string& value) {
+    const auto& arguments = commandLine.arguments();
+    const auto first = std::ranges::find(arguments, value);
+    std::vector<std::string> words;
+    for (auto word = std::next(first); word != arguments.end() && !word->starts_with("--"); ++word)
+        words.push_back(*word);
+    return words;
+}
+
+void runNamed(ModeContext& context, const std::string& name) {
     auto& store = context.commands->store;
     if (!store.lastLoad() && !store.error())
         store.load();
@@ -98,6 +118,40 @@ void CommandModes::run(ModeContext& context, const std::string& name) {
                                 context.print(line);
                                 context.finish(0);
                             });
+}
+
+} // namespace
+
+void CommandModes::run(ModeContext& context, const std::string& name) {
+    if (!context.commands) {
+        context.print("run: NOT MEASURED, this run has no commands");
+        context.finish(notFound);
+        return;
+    }
+    // Links and applications are opened by what the catalog found.
+    whenScanned(context, firstAttempt, [&context, name] { runNamed(context, name); });
+}
+
+void CommandModes::jumpPressProbe(ModeContext& context, const std::string& bundleID) {
+    if (!context.commands) {
+        context.print("jump-press-probe: NOT MEASURED, this run has no commands");
+        context.finish(notFound);
+        return;
+    }
+    whenScanned(context, firstAttempt, [&context, bundleID] {
+        context.commands->probe(bundleID,
+                                wordsAfter(context.commandLine, bundleID),
+                                [&context](const std::string& line) {
+                                    context.print(line);
+                                    context.finish(line.starts_with("PRESSED") ? 0 : 1);
+                                });
+    });
+}
+
+void CommandModes::selftestSystemCommands(ModeContext& context, const std::string&) {
+    const auto result = systemCommandsSelftest(context.files, context.environment);
+    context.print(result.report);
+    context.finish(static_cast<int>(result.verdict));
 }
 
 } // namespace tessarine

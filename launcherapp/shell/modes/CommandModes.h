@@ -17,6 +17,11 @@ struct ModeContext;
 struct CommandModeServices {
     CommandStore& store;
     CommandRuntime& runtime;
+    /// `JumpRunner::probe`.
+    std::function<void(const std::string& bundleID,
+                       const std::vector<std::string>& names,
+                       std::function<void(std::string line)> told)>
+        probe;
     /// The commands that every user has, beside these of the user's own.
     std::function<std::vector<CommandSpec>(std::span<const CommandSpec> userCommands)> builtIn;
 };
@@ -27,6 +32,13 @@ namespace CommandModes {
 /// Runs the command of this id, name, keyword or alias with the value of "--arg". Ends with 0 when
 /// it was run, 2 when there is none, 4 when it is one that only the panel shows.
 void run(ModeContext& context, const std::string& name);
+
+/// Presses the buttons that the words after `bundleID` name in the running application of that
+/// desktop-file id, and prints how that went. Ends with 0 when all were pressed, else with 1.
+void jumpPressProbe(ModeContext& context, const std::string& bundleID);
+
+/// The self-test of the built-in commands.
+void selftestSystemCommands(ModeContext& context, const std::string& value);
 
 } // namespace CommandModes
 } // namespace tessarine

@@ -34,7 +34,6 @@ constexpr std::string_view people = "the contacts source";
 constexpr std::string_view voice = "voice search";
 constexpr std::string_view statusPictures = "a picture of the status item";
 constexpr std::string_view statusSelftest = "the self-test of the status item";
-constexpr std::string_view commands = "the commands";
 constexpr std::string_view toast = "the copied toast";
 constexpr std::string_view graph = "the graph";
 constexpr std::string_view wizard = "the permission wizard";
@@ -113,7 +112,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--selftest-clip-file", none, {}, clipboard},
     {"--selftest-contact-card", none, {}, people},
     {"--selftest-app-catalog", none, {}, {}, runAppCatalogSelftest},
-    {"--selftest-system-commands", none, {}, commands},
+    {"--selftest-system-commands", none, {}, {}, CommandModes::selftestSystemCommands},
     {"--selftest-menubar", none, {}, statusSelftest},
     {"--selftest-menu-contrast", none, {}, statusSelftest},
     {"--selftest-index-duty", none, {}, {}, IndexModes::selftestIndexDuty},
@@ -139,7 +138,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--bench", next, Seconds{8}, {}, QueryModes::bench},
     {"--bench-firstshow", none, {}, {}, ShowModes::benchFirstShow},
     {"--run", next, Seconds{0.3}, {}, CommandModes::run},
-    {"--jump-press-probe", next, Seconds{0.3}, commands},
+    {"--jump-press-probe", next, Seconds{0.3}, {}, CommandModes::jumpPressProbe},
     {"--search", next, Seconds{2.5}, {}, SearchMode::run},
     {"--selftest-slack", none, Seconds{2.5}, chat},
     {"--selftest-get-sun-mode", none, Seconds{2.5}, "the companion bridges"},

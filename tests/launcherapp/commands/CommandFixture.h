@@ -88,7 +88,8 @@ struct CommandFixture {
     SlowBus bus{services.platform};
     AppLauncher launcher{
         services.platform.queue, services.platform.processes, bus, Environment{.hasX11 = true}};
-    FileOpener opener{{.catalog = services.catalog,
+    FileOpener opener{{.queue = services.platform.queue,
+                       .catalog = services.catalog,
                        .launcher = launcher,
                        .types = types,
                        .manager = manager,

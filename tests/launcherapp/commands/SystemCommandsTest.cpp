@@ -71,7 +71,7 @@ protected:
          .alerts = alerts,
          .diagnostics = services.diagnostics,
          .runningApps = [this] { return running; },
-         .askToQuit = [this](const QuittableApp& app) { askedToQuit.push_back(app.app.bundleID); },
+         .askToQuit = [this](const QuittableApp& app) { askedToQuit.push_back(app.bundleID); },
          .showPanel = [this](const std::string& query) { shown.push_back(query); }},
         services.environment};
 };
@@ -190,6 +190,38 @@ TEST_F(SystemCommandsTest, whatEndsTheSessionAsksFirst) {
     }
 }
 
+TEST_F(SystemCommandsTest, theSessionEndsWhenAllAppsHaveQuitAndStaysWithOneThatDoesNot) {
+    running = {{.name = "Editor", .bundleID = "editor"},
+               {.name = "Tessarine", .bundleID = "com.corvane.tessarine"}};
+    run(SystemAction::restart);
+    EXPECT_THAT(askedToQuit, IsEmpty()) << "the user has not confirmed yet";
+    alerts.answers.back()(true);
+    EXPECT_THAT(askedToQuit, ElementsAre("editor"));
+    services.platform.time.advance(Seconds{30});
+    EXPECT_THAT(effects.performed, IsEmpty()) << "it asks whether to save";
+    running.erase(running.begin());
+    services.platform.time.advance(Seconds{1});
+    EXPECT_THAT(effects.performed, ElementsAre(SystemAction::restartImmediately));
+
+    running.push_back({.name = "Editor", .bundleID = "editor"});
+    run(SystemAction::shutDown);
+    alerts.answers.back()(true);
+    services.platform.time.advance(Seconds{120});
+    EXPECT_EQ(effects.performed.size(), 1u);
+    EXPECT_THAT(alerts.told,
+                ElementsAre(testing::Pair("Shut down", HasSubstr("still open: Editor"))));
+}
+
+TEST_F(SystemCommandsTest, whereAppsCannotBeAskedTheQuestionSaysSo) {
+    services.platform.windows.supported = Ability::missing("windows are not told");
+    running = {{.name = "Editor", .bundleID = "editor"}};
+    run(SystemAction::logOut);
+    EXPECT_THAT(alerts.questions.back().text, HasSubstr("can't be asked to quit"));
+    alerts.answers.back()(true);
+    EXPECT_THAT(askedToQuit, IsEmpty());
+    EXPECT_THAT(effects.performed, ElementsAre(SystemAction::logOutImmediately));
+}
+
 TEST_F(SystemCommandsTest, allOthersAreDoneAtOnce) {
     for (const auto action : allSystemActions) {
         if (SystemActions::asksFirst(action))
@@ -220,7 +252,7 @@ TEST_F(SystemCommandsTest, quittingAllSparesTheFileManagerAndThisProgram) {
     services.install("org.x.Files", "Files", "MimeType=inode/directory;\n");
     start();
     for (const auto* id : {"editor", "org.x.Files", "com.corvane.tessarine", "mail"})
-        running.push_back({.name = id, .app = {.bundleID = id}});
+        running.push_back({.name = id, .bundleID = id});
     run(SystemAction::quitAll);
     EXPECT_THAT(askedToQuit, ElementsAre("editor", "mail"));
     services.platform.windows.supported = Ability::missing("windows are not told");

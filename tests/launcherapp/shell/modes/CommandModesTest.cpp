@@ -27,6 +27,7 @@ class CommandRun {
 public:
     CommandRun(Words words, const std::string& file) : commandLine(std::move(words)) {
         fixture.services.platform.files.file(path, file);
+        fixture.services.startCatalog();
         Modes::schedule(context);
     }
 
@@ -34,28 +35,43 @@ public:
 
     CommandFixture fixture;
     FakeServices& services = fixture.services;
-    CommandHotkeys hotkeys{
-        {.hotkey = nullptr, .usage = services.usage, .diagnostics = services.diagnostics}, {}};
+    CommandHotkeys hotkeys{{.hotkey = [] { return nullptr; },
+                            .usage = services.usage,
+                            .diagnostics = services.diagnostics},
+                           {}};
     CommandStore store{{.queue = services.platform.queue,
                         .work = services.platform.work,
-                        .files = services.platform.files,
+                        .files = {std::shared_ptr<void>(), &services.platform.files},
                         .directories = services.platform.watcher,
                         .prefs = services.prefs,
                         .diagnostics = services.diagnostics,
                         .hotkeys = hotkeys},
                        "/home/u/.local/share/tessarine",
                        CommandStore::Content::file};
-    CommandModeServices commands{
-        .store = store, .runtime = fixture.runtime, .builtIn = [](const auto& users) {
-            std::vector<CommandSpec> all{{.id = "builtin.lock",
-                                          .name = "Lock",
-                                          .kind = CommandKind::system,
-                                          .action = SystemAction::lockScreen}};
-            return users.empty() ? std::vector<CommandSpec>() : all;
-        }};
+    CommandModeServices commands{.store = store,
+                                 .runtime = fixture.runtime,
+                                 .probe =
+                                     [this](const std::string& bundleID,
+                                            const std::vector<std::string>& names,
+                                            const std::function<void(std::string)>& told) {
+                                         probed.push_back(bundleID);
+                                         std::ranges::copy(names, std::back_inserter(probed));
+                                         told(probeLine);
+                                     },
+                                 .builtIn =
+                                     [](const auto& users) {
+                                         std::vector<CommandSpec> all{
+                                             {.id = "builtin.lock",
+                                              .name = "Lock",
+                                              .kind = CommandKind::system,
+                                              .action = SystemAction::lockScreen}};
+                                         return users.empty() ? std::vector<CommandSpec>() : all;
+                                     }};
     std::unique_ptr<SearchModel> model = services.makeModel();
     CreditResolver credits{services.catalog, services.platform.files, services.environment};
     CommandLine commandLine;
+    std::vector<std::string> probed; ///< the application and the names
+    std::string probeLine = "PRESSED: One";
     std::vector<std::string> lines;
     std::optional<int> status;
     ModeContext context{.commandLine = commandLine,
@@ -156,6 +172,19 @@ TEST(CommandModes, theFileIsReadOnceWhoeverBegins) {
     run.pass(0.2);
     EXPECT_EQ(run.services.platform.files.reads, reads);
     EXPECT_THAT(run.fixture.started(), SizeIs(1));
+}
+
+TEST(CommandModes, aProbePressesTheNamesThatFollowUpToTheNextFlag) {
+    CommandRun run({"--jump-press-probe", "org.x.App", "File", "Save as", "--demo"}, file);
+    run.pass(0.31);
+    EXPECT_THAT(run.probed, ElementsAre("org.x.App", "File", "Save as"));
+    EXPECT_THAT(run.lines, ElementsAre("PRESSED: One"));
+    EXPECT_EQ(run.status, 0);
+
+    CommandRun failing({"--jump-press-probe", "org.x.App", "File"}, file);
+    failing.probeLine = "NOT PRESSED: could not find File";
+    failing.pass(0.31);
+    EXPECT_EQ(failing.status, 1);
 }
 
 } // namespace

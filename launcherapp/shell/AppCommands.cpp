@@ -1,0 +1,145 @@
+#include "launcherapp/shell/AppCommands.h"
+
+#include "launcherapp/platform/linux/desktop/PictureClipboard.h"
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
+#include "launcherapp/platform/linux/desktop/SystemBus.h"
+#include "launcherapp/shell/AppDoors.h"
+#include "launcherapp/shell/AppServices.h"
+
+#include <QString>
+#include <chrono>
+#include <optional>
+#include <unistd.h>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// What the machine's actions work through, the user's own session above all.
+SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop) {
+    auto& doors = services.doors;
+    SystemDoors result{
+        .queue = doors.queue,
+        .work = doors.work,
+        .programs = doors.programs,
+        .launcher = doors.processes,
+        .mounts = doors.mounts,
+        .environment = services.environment,
+        .log = [&log = services.diagnostics](const std::string& line) { log.log(line); },
+        .copyImage =
+            [&work = doors.work](const std::string& path, EffectDone done) {
+                copyPicture(work, path, std::move(done));
+            },
+        .folderOpener =
+            [&catalog = services.catalog] {
+                const auto* opener = catalog.registry()->handlerForType("inode/directory");
+                return opener ? opener->bundleID : std::string();
+            },
+        .openUrl = [&opener =
+                        services.opener](const std::string& url,
+                                         EffectDone done) { opener.openUrl(url, std::move(done)); },
+        .colorScheme = [&desktop] { return desktop.colorScheme(); },
+        .sessionBus = sessionBus,
+        .systemBus = {},
+        .user = ::getuid(),
+        .sessionID = qEnvironmentVariable("XDG_SESSION_ID").toStdString(),
+        .patience = {}};
+    using std::chrono::milliseconds;
+    result.systemBus = [patience =
+                            std::chrono::duration_cast<milliseconds>(result.patience.systemBus)] {
+        return systemBus(QStringLiteral("tessarine-actions"), patience);
+    };
+    return result;
+}
+
+} // namespace
+
+AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence)
+    : services(made),
+      alerts([&log = made.diagnostics](std::string_view line) { log.log(std::string(line)); }),
+      effects(systemDoors(made, desktop)), windows({.control = *made.doors.control,
+                                                    .windows = *made.doors.windows,
+                                                    .running = made.running,
+                                                    .catalog = made.catalog,
+                                                    .diagnostics = made.diagnostics}),
+      runtime({.queue = made.doors.queue,
+               .work = made.doors.work,
+               .processes = made.doors.processes,
+               .programs = made.doors.programs,
+               .catalog = made.catalog,
+               .launcher = made.launcher,
+               .opener = made.opener,
+               .types = made.doors.fileTypes,
+               .diagnostics = made.diagnostics},
+              made.environment),
+      lists({.runtime = runtime,
+             .programs = made.doors.programs,
+             .work = made.doors.work,
+             .diagnostics = made.diagnostics}),
+      jumps({.queue = made.doors.queue,
+             .work = made.doors.work,
+             .catalog = made.catalog,
+             .types = made.doors.fileTypes,
+             .running = made.running,
+             .windows = *made.doors.windows,
+             .accessibility = made.doors.accessibility,
+             .alerts = alerts,
+             .diagnostics = made.diagnostics,
+             .resolve = [this](std::string_view text) { return runtime.resolve(text); },
+             .open =
+                 [this](std::vector<std::string> urls, CommandRuntime::Activation activation) {
+                     runtime.open(std::move(urls), activation);
+                 },
+             .launch = [this](const InstalledApp& app) { services.bringUp(app); }}),
+      system({.queue = made.doors.queue,
+              .work = made.doors.work,
+              .files = made.doors.files,
+              .catalog = made.catalog,
+              .running = made.running,
+              .prefs = made.prefs,
+              .effects = effects,
+              .alerts = alerts,
+              .diagnostics = made.diagnostics,
+              .runningApps = [this] { return windows.runningApps(""); },
+              .askToQuit =
+                  [this](const QuittableApp& app) { windows.quit(app, WindowManager::Force::no); },
+              .showPanel = presence.showPanel},
+             made.environment),
+      hotkeys({.hotkey = presence.hotkey, .usage = made.usage, .diagnostics = made.diagnostics},
+              {.showPanel = presence.showPanel,
+               .run = [this](const CommandSpec& command) { runtime.run(command, {}); }}),
+      store({.queue = made.doors.queue,
+             .work = made.doors.work,
+             .files = std::make_shared<PosixFileStore>(),
+             .directories = made.doors.watcher,
+             .prefs = made.prefs,
+             .diagnostics = made.diagnostics,
+             .hotkeys = hotkeys},
+            made.support.location(),
+            made.run.isDemonstration ? CommandStore::Content::demonstration
+                                     : CommandStore::Content::file) {
+    runtime.system = [this](SystemAction action) { system.run(action); };
+    runtime.jump = [this](const CommandSpec& command, const std::string& argument) {
+        jumps.run(command, argument);
+    };
+    made.isUsersCommand = [this](std::string_view id) { return catalog.isUsers(id); };
+    changes_ = store.onChange([this] { lists.forget(); });
+}
+
+CommandWiring::Services AppCommands::wiringServices() {
+    return {.model = services.model,
+            .prefs = services.prefs,
+            .usage = services.usage,
+            .index = services.index,
+            .opener = services.opener,
+            .running = services.running,
+            .control = *services.doors.control,
+            .windows = windows,
+            .runtime = runtime,
+            .lists = lists,
+            .store = store,
+            .catalog = catalog};
+}
+
+} // namespace tessarine

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "launcherapp/commands/CommandCatalog.h"
+#include "launcherapp/commands/CommandHotkeys.h"
+#include "launcherapp/commands/CommandRuntime.h"
+#include "launcherapp/commands/CommandStore.h"
+#include "launcherapp/commands/JumpRunner.h"
+#include "launcherapp/commands/ListCommands.h"
+#include "launcherapp/commands/SystemCommands.h"
+#include "launcherapp/commands/WindowManager.h"
+#include "launcherapp/platform/linux/desktop/QtAlerts.h"
+#include "launcherapp/platform/linux/system/LinuxSystemEffects.h"
+#include "launcherapp/shell/CommandWiring.h"
+
+#include <functional>
+#include <string>
+
+namespace tessarine {
+
+class AppServices;
+class DesktopAppearance;
+class Hotkey;
+
+/// The services that make and run commands, over the services that every run has; each refers to
+/// those above it. Making them starts none. Main thread only; `App` has the one there is.
+class AppCommands {
+public:
+    /// What commands ask of the panel and of the chords. Both are there only on a display.
+    struct Presence {
+        std::function<Hotkey*()> hotkey;
+        std::function<void(const std::string& query)> showPanel;
+    };
+
+    AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence);
+    AppCommands(const AppCommands&) = delete;
+    AppCommands& operator=(const AppCommands&) = delete;
+
+    CommandWiring::Services wiringServices();
+
+    AppServices& services;
+    QtAlerts alerts;
+    LinuxSystemEffects effects;
+    WindowManager windows;
+    CommandRuntime runtime;
+    ListCommands lists;
+    JumpRunner jumps;
+    SystemCommands system;
+    CommandHotkeys hotkeys;
+    CommandStore store;
+    CommandCatalog catalog{store, system, hotkeys};
+
+private:
+    Subscription changes_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,131 @@
+#include "launcherapp/shell/CommandWiring.h"
+
+#include "launcherapp/catalog/FileOpener.h"
+#include "launcherapp/catalog/RunningApps.h"
+#include "launcherapp/commands/CommandCatalog.h"
+#include "launcherapp/commands/CommandRuntime.h"
+#include "launcherapp/commands/CommandStore.h"
+#include "launcherapp/commands/ListCommands.h"
+#include "launcherapp/index/FileIndex.h"
+#include "launcherapp/platform/WindowControl.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/query/UsageStore.h"
+#include "launcherapp/query/rows/CommandRows.h"
+#include "launcherapp/query/rows/EngagedRows.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tessarine {
+
+CommandWiring::CommandWiring(Services services, std::function<FileRowSources()> fileRows)
+    : services_(services), fileRows_(std::move(fileRows)) {
+    wireVerbs();
+    wireFamilies();
+}
+
+/// What leaves the panel takes it away first, so that what comes up has the screen and the keys.
+void CommandWiring::wireVerbs() {
+    auto& verbs = services_.model.verbs;
+    verbs.runCommand = [this](const CommandSpec& command, const std::string& argument) {
+        hidePanel();
+        services_.runtime.run(command, argument);
+    };
+    verbs.editCommands = [this] {
+        hidePanel();
+        services_.opener.open(services_.store.location());
+    };
+    verbs.quitApp = [this](const CatalogApp& app) {
+        if (app.bundleID)
+            quit({.name = app.name, .bundleID = *app.bundleID}, WindowManager::Force::no);
+    };
+}
+
+void CommandWiring::wireFamilies() {
+    auto& families = services_.model.families;
+    families.commands = [&catalog = services_.catalog] { return catalog.all(); };
+    families.commandDetail = [&catalog = services_.catalog](const CommandSpec& command) {
+        return catalog.detail(command);
+    };
+    families.commandsError = [&store = services_.store] { return store.error(); };
+    families.isUserCommand = [&store = services_.store](const ResultRow& row) {
+        return std::ranges::any_of(store.file().commands, [&](const CommandSpec& command) {
+            return row.id == std::string(commandRowPrefix) + command.id;
+        });
+    };
+    families.engaged = [this](const CommandSpec& command, std::string_view argument) {
+        return engaged(command, argument);
+    };
+    families.windows = [this, sources = windowSources()](std::string_view query) {
+        return windowRows(sources, query);
+    };
+}
+
+Rows CommandWiring::engaged(const CommandSpec& command, std::string_view argument) {
+    return command.kind == CommandKind::list ? listRows(command, argument)
+                                             : foundFiles(command, argument);
+}
+
+/// The script runs beside the typing; what it prints is there when the list is made again.
+Rows CommandWiring::listRows(const CommandSpec& command, std::string_view argument) {
+    auto& model = services_.model;
+    const auto* printed = services_.lists.rows(command, argument);
+    if (!printed)
+        services_.lists.request(command, std::string(argument), [&model, id = command.id] {
+            if (model.engaged() && model.engaged()->id == id)
+                model.recompute();
+        });
+    return listCommandRows(command, printed, [this, command](const ListRow& row) {
+        hidePanel();
+        services_.lists.choose(command, row);
+    });
+}
+
+Rows CommandWiring::foundFiles(const CommandSpec& command, std::string_view argument) const {
+    const auto extensions = command.extensions.value_or(std::vector<std::string>());
+    const auto found = services_.index.search({.query = argument,
+                                               .foldersOnly = command.foldersOnly.value_or(false),
+                                               .extensions = extensions,
+                                               .limit = SearchModel::maximumRows},
+                                              services_.usage.ranking());
+    auto rows = collapseSameName(found, SearchModel::maximumRows, fileRows_());
+    return rows.empty() ? Rows{emptyFileSearchRow(command, argument)} : rows;
+}
+
+WindowRowSources CommandWiring::windowSources() {
+    const auto problem = [](const Ability& ability) {
+        return ability.available ? std::nullopt : std::optional(ability.reason);
+    };
+    using Force = WindowManager::Force;
+    return {.keywords = services_.prefs.keywords(),
+            .movingProblem = [problem,
+                              &control = services_.control] { return problem(control.ability()); },
+            .apply =
+                [this](WindowVerb verb) {
+                    hidePanel();
+                    services_.windows.apply(verb, services_.model.previousApp);
+                },
+            .setUp = {},
+            .quittingProblem =
+                [problem, &running = services_.running] { return problem(running.ability()); },
+            .runningApps =
+                [this](std::string_view query) { return services_.windows.runningApps(query); },
+            .quit = [this](const QuittableApp& app) { quit(app, Force::no); },
+            .forceQuit = [this](const QuittableApp& app) { quit(app, Force::yes); }};
+}
+
+void CommandWiring::quit(const QuittableApp& app, WindowManager::Force force) {
+    hidePanel();
+    services_.windows.quit(app, force);
+}
+
+void CommandWiring::hidePanel() {
+    const auto& dismiss = services_.model.dismiss;
+    if (dismiss)
+        dismiss();
+}
+
+} // namespace tessarine
