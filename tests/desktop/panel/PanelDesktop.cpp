@@ -133,10 +133,25 @@ std::optional<X11Neighbour::Window> PanelDesktop::panelWindow() {
 
 std::optional<WindowFrame> PanelDesktop::panelFrame() {
     const auto window = panelWindow();
-    if (!window)
-        return std::nullopt;
+    return window ? geometry(*window) : std::nullopt;
+}
+
+std::optional<WindowFrame> PanelDesktop::frameOf(X11Neighbour::Window window) {
+    // The manager's own window around it is a child of the root.
+    while (true) {
+        const XcbOwned<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(
+            neighbour.xcb(), xcb_query_tree(neighbour.xcb(), window), nullptr));
+        if (!tree)
+            return std::nullopt;
+        if (tree->parent == tree->root)
+            return geometry(window);
+        window = tree->parent;
+    }
+}
+
+std::optional<WindowFrame> PanelDesktop::geometry(X11Neighbour::Window window) {
     const XcbOwned<xcb_get_geometry_reply_t> reply(xcb_get_geometry_reply(
-        neighbour.xcb(), xcb_get_geometry(neighbour.xcb(), *window), nullptr));
+        neighbour.xcb(), xcb_get_geometry(neighbour.xcb(), window), nullptr));
     if (!reply)
         return std::nullopt;
     return WindowFrame{

@@ -53,6 +53,8 @@ protected:
     /// The panel's window as the display has it; nothing while it isn't mapped.
     std::optional<X11Neighbour::Window> panelWindow();
     std::optional<WindowFrame> panelFrame();
+    /// A managed window with what the window manager draws around it.
+    std::optional<WindowFrame> frameOf(X11Neighbour::Window window);
     /// Whether it is gone, or is so after a moment.
     bool goesAway();
 
@@ -74,6 +76,7 @@ protected:
 
 private:
     std::string logPath() const;
+    std::optional<WindowFrame> geometry(X11Neighbour::Window window);
     void answerPaste(const void* event, const std::string& text);
 
     X11Neighbour::Window clipboard_; ///< never seen; what is pasted goes through it
