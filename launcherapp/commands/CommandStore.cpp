@@ -122,6 +122,11 @@ void CommandStore::refuse(const std::string& reason) {
 
 void CommandStore::adopt(CommandFile file, std::vector<std::string> problems) {
     file_ = std::move(file);
+    // The log is where they can all be read; rows show the first of each command.
+    for (const auto& problem : problems) {
+        if (std::ranges::find(problems_, problem) == problems_.end())
+            services_.diagnostics.log(fmt::format("commands.json: {}", problem));
+    }
     problems_ = std::move(problems);
     error_.reset();
     lastLoad_ = services_.queue.now();

@@ -153,6 +153,14 @@ TEST_F(PipeProgramReaderTest, aHangingProgramIsEndedWithItsGroup) {
     polite->process->terminate(); // nothing is left of it
 }
 
+TEST_F(PipeProgramReaderTest, oneThatIsEndedAtOnceEnds) {
+    for (int i = 0; i < 50; ++i) {
+        const auto hasty = begin("sleep 100");
+        hasty->process->terminate();
+        ASSERT_TRUE(spinUntil([&] { return hasty->end.has_value(); })) << i;
+    }
+}
+
 TEST_F(PipeProgramReaderTest, whatRefusesToEndIsKilledAfterTwoSeconds) {
     const auto stubborn = begin("trap '' TERM; sleep 100 & echo $! > \"$2/child\"; wait");
     const auto leader = begin("(trap '' TERM; echo $$ > \"$2/ready\"; sleep 100) >&- 2>&- &"

@@ -46,6 +46,8 @@ Seconds PipeReading::patience(Seconds now) const {
     const auto waitUntil = [&](Seconds due) {
         patience = std::clamp(due - now, Seconds{0}, patience);
     };
+    if (isAskedToEnd_ && !askedAt_ && !isReaped_)
+        return Seconds{0}; // asked before the thread had it: the call to wake up is spent
     if (!endedAt_ && !end_)
         waitUntil(now + lookInterval);
     if (endedAt_ && ended_)
