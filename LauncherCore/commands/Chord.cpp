@@ -76,6 +76,9 @@ std::vector<std::string> parts(std::string_view text) {
     return result;
 }
 
+/// More than anybody writes; a file may hold megabytes, and they are gone through for each glyph.
+constexpr std::size_t longestText = 256;
+
 std::string keyName(std::uint32_t code) {
     const auto name = VirtualKeys::name(code);
     return name ? std::string(*name) : "key" + std::to_string(code);
@@ -84,6 +87,8 @@ std::string keyName(std::uint32_t code) {
 } // namespace
 
 std::optional<Chord> Chord::parse(std::string_view text) {
+    if (text.size() > longestText)
+        return std::nullopt;
     auto rest = Folding::lowercase(text);
     std::erase(rest, ' ');
     Chord chord;

@@ -95,20 +95,28 @@ std::vector<std::string> CommandFile::problems() const {
                         std::make_move_iterator(own.begin()),
                         std::make_move_iterator(own.end()));
     }
+    for (auto& duplicate : duplicates())
+        problems.push_back(std::move(duplicate.problem));
+    return problems;
+}
+
+std::vector<CommandFile::Duplicate> CommandFile::duplicates() const {
+    std::vector<Duplicate> found;
     std::set<std::string> ids;
     std::set<std::string> keywords;
     std::set<std::string> hotkeys;
-    for (const auto& command : commands) {
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        const auto& command = commands[i];
         if (!ids.insert(command.id).second)
-            problems.push_back("duplicate id: " + command.id);
+            found.push_back({i, "duplicate id: " + command.id});
         const auto keyword = Folding::lowercase(command.keyword.value_or(""));
         if (!keyword.empty() && !keywords.insert(keyword).second)
-            problems.push_back("duplicate keyword: " + keyword);
+            found.push_back({i, "duplicate keyword: " + keyword});
         const auto chord = Chord::parse(command.hotkey.value_or(""));
         if (chord && !hotkeys.insert(chord->text()).second)
-            problems.push_back("duplicate hotkey: " + chord->display());
+            found.push_back({i, "duplicate hotkey: " + chord->display()});
     }
-    return problems;
+    return found;
 }
 
 CommandFile CommandFile::starter() {

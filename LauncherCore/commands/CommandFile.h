@@ -2,6 +2,7 @@
 
 #include "LauncherCore/commands/CommandSpec.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -38,6 +39,17 @@ struct CommandFile {
 
     /// What is wrong, in words: first of each command, then what two of them both claim.
     std::vector<std::string> problems() const;
+
+    /// What a command claims that one before it has, in words.
+    struct Duplicate {
+        std::size_t command = 0; ///< position of the later one
+        std::string problem;     ///< "duplicate id: x", and so on
+
+        bool operator==(const Duplicate&) const = default;
+    };
+
+    /// In the order of the commands; of one command its id, keyword, hotkey.
+    std::vector<Duplicate> duplicates() const;
 
     /// What a first run writes.
     static CommandFile starter();

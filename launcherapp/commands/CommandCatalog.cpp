@@ -10,12 +10,11 @@
 
 namespace tessarine {
 
-CommandCatalog::CommandCatalog(CommandStore& store,
-                               SystemCommands& system,
-                               const CommandHotkeys& hotkeys)
+CommandCatalog::CommandCatalog(CommandStore& store, SystemCommands& system, CommandHotkeys& hotkeys)
     : store_(store), system_(system), hotkeys_(hotkeys) {
     sources_.push_back(store_.onChange([this] { rebuild(); }));
     sources_.push_back(system_.onChange([this] { rebuild(); }));
+    sources_.push_back(hotkeys_.onChange([this] { rebuild(); }));
     rebuild();
 }
 
@@ -36,15 +35,29 @@ void CommandCatalog::rebuild() {
     const auto& users = store_.file().commands;
     all_ = system_.inheriting(users);
     std::ranges::move(system_.available(users), std::back_inserter(all_));
-    troubles_.clear();
-    for (const auto& command : users) {
-        const auto refused = hotkeys_.failed().find(command.id);
-        if (auto mistakes = command.problems(); !mistakes.empty())
-            troubles_.emplace(command.id, std::move(mistakes.front()));
-        else if (refused != hotkeys_.failed().end())
-            troubles_.emplace(command.id, refused->second);
-    }
+    findTroubles();
     changes_.tell();
+}
+
+/// The first that is found of a command is shown: a mistake in it, a claim of another's, a hotkey
+/// that could not be had.
+void CommandCatalog::findTroubles() {
+    troubles_.clear();
+    const auto& file = store_.file();
+    for (const auto& command : file.commands) {
+        for (auto& mistake : command.problems()) {
+            // A function key needs none, whatever the rule for the others says.
+            if (mistake.ends_with("needs a modifier (cmd, alt, ctrl or shift)") &&
+                hotkeys_.registered().contains(command.id))
+                continue;
+            troubles_.emplace(command.id, std::move(mistake));
+            break;
+        }
+    }
+    for (auto& duplicate : file.duplicates())
+        troubles_.emplace(file.commands[duplicate.command].id, std::move(duplicate.problem));
+    for (const auto& [id, reason] : hotkeys_.failed())
+        troubles_.emplace(id, reason);
 }
 
 } // namespace tessarine

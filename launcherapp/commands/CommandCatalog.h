@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tessarine {
@@ -22,7 +23,7 @@ class SystemCommands;
 /// each change and not for each keystroke. Main thread only.
 class CommandCatalog {
 public:
-    CommandCatalog(CommandStore& store, SystemCommands& system, const CommandHotkeys& hotkeys);
+    CommandCatalog(CommandStore& store, SystemCommands& system, CommandHotkeys& hotkeys);
     CommandCatalog(const CommandCatalog&) = delete;
     CommandCatalog& operator=(const CommandCatalog&) = delete;
 
@@ -43,10 +44,11 @@ public:
 
 private:
     void rebuild();
+    void findTroubles();
 
     CommandStore& store_;
     SystemCommands& system_;
-    const CommandHotkeys& hotkeys_;
+    CommandHotkeys& hotkeys_;
     std::vector<CommandSpec> all_;
     std::map<std::string, std::string> troubles_; ///< of the user's own, by id
     Observers<> changes_;

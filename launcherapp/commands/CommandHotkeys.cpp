@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace tessarine {
@@ -42,18 +43,34 @@ std::string cause(std::string status, const std::string& display) {
 } // namespace
 
 CommandHotkeys::CommandHotkeys(Services services, Actions actions)
-    : services_(services), actions_(std::move(actions)) {}
+    : services_(std::move(services)), actions_(std::move(actions)) {}
+
+CommandHotkeys::~CommandHotkeys() {
+    letGo();
+}
+
+void CommandHotkeys::letGo() {
+    isSyncing_ = true;
+    for (const auto& each : taken_)
+        services_.hotkey()->remove(each.id);
+    isSyncing_ = false;
+    taken_.clear();
+}
 
 void CommandHotkeys::sync(const std::vector<CommandSpec>& commands) {
-    for (const auto id : ids_)
-        services_.hotkey()->remove(id);
-    ids_.clear();
+    if (!services_.hotkey)
+        return;
+    letGo();
     registered_.clear();
     failed_.clear();
+    isSyncing_ = true;
     for (const auto& command : commands) {
         if (command.hotkey && !command.hotkey->empty())
             take(command);
     }
+    isSyncing_ = false;
+    if (auto* const hotkey = services_.hotkey(); hotkey && !statuses_.active())
+        statuses_ = hotkey->onChange([this] { refresh(); });
     log();
 }
 
@@ -63,21 +80,54 @@ void CommandHotkeys::take(const CommandSpec& command) {
         failed_[command.id] = *command.hotkey + " is not a chord";
         return;
     }
-    auto* hotkey = services_.hotkey();
+    auto* const hotkey = services_.hotkey();
     if (!hotkey) {
         failed_[command.id] = chord->display() + " not registered: there is no display";
+        return;
+    }
+    const auto holder = std::ranges::find(taken_, *chord, &Taken::chord);
+    if (holder != taken_.end()) {
+        failed_[command.id] = fmt::format(
+            "{} not registered: the command {} has it", chord->display(), holder->command);
         return;
     }
     // Never one that was given back: a press of it may still be on its way.
     const auto id = nextID_++;
     if (hotkey->add(chord->binding(), id, [this, command] { fire(command); })) {
         registered_[command.id] = *chord;
-        ids_.push_back(id);
+        taken_.push_back({.id = id, .command = command.id, .chord = *chord});
         return;
     }
-    failed_[command.id] = fmt::format(
-        "{} not registered: {}", chord->display(), cause(hotkey->status(id), chord->display()));
+    failed_[command.id] = reason(*chord, id);
     hotkey->remove(id);
+}
+
+/// A change of the keyboard, or another program, may take a chord away and give it back.
+void CommandHotkeys::refresh() {
+    if (isSyncing_)
+        return;
+    bool isChanged = false;
+    for (const auto& each : taken_) {
+        const bool isHeld = services_.hotkey()->binding(each.id).has_value();
+        if (isHeld == registered_.contains(each.command))
+            continue;
+        isChanged = true;
+        if (isHeld) {
+            registered_[each.command] = each.chord;
+            failed_.erase(each.command);
+        } else {
+            registered_.erase(each.command);
+            failed_[each.command] = reason(each.chord, each.id);
+        }
+    }
+    if (isChanged)
+        changes_.tell();
+}
+
+std::string CommandHotkeys::reason(const Chord& chord, std::uint32_t id) const {
+    return fmt::format("{} not registered: {}",
+                       chord.display(),
+                       cause(services_.hotkey()->status(id), chord.display()));
 }
 
 void CommandHotkeys::log() {

@@ -3,11 +3,14 @@
 #include "LauncherCore/commands/Chord.h"
 #include "LauncherCore/commands/CommandSpec.h"
 #include "launcherapp/hotkeys/HotkeyNames.h"
+#include "launcherapp/platform/Observers.h"
+#include "launcherapp/platform/Subscription.h"
 
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarine {
@@ -20,7 +23,7 @@ class UsageStore;
 class CommandHotkeys {
 public:
     struct Services {
-        /// Null where no chord can be had: without a display, or before there is one.
+        /// Null where no chord can be had, without a display. Empty for a run that takes none.
         std::function<Hotkey*()> hotkey;
         UsageStore& usage;
         Diagnostics& diagnostics;
@@ -33,6 +36,9 @@ public:
     };
 
     CommandHotkeys(Services services, Actions actions);
+    ~CommandHotkeys();
+    CommandHotkeys(const CommandHotkeys&) = delete;
+    CommandHotkeys& operator=(const CommandHotkeys&) = delete;
 
     /// Lets go of every chord and takes those of these commands, in their order.
     void sync(const std::vector<CommandSpec>& commands);
@@ -46,16 +52,34 @@ public:
     /// By the command's id, the reason in words.
     const std::map<std::string, std::string>& failed() const { return failed_; }
 
+    /// Calls `changed` after a chord was lost, or came back, without a `sync`.
+    Subscription onChange(std::function<void()> changed) {
+        return changes_.add(std::move(changed));
+    }
+
 private:
+    /// A chord that was taken.
+    struct Taken {
+        std::uint32_t id = 0;
+        std::string command; ///< its id
+        Chord chord;
+    };
+
+    void letGo();
     void take(const CommandSpec& command);
+    void refresh();
+    std::string reason(const Chord& chord, std::uint32_t id) const;
     void log();
 
     Services services_;
     Actions actions_;
     std::map<std::string, Chord> registered_;
     std::map<std::string, std::string> failed_;
-    std::vector<std::uint32_t> ids_;
+    std::vector<Taken> taken_;
     std::uint32_t nextID_ = HotkeyIDs::firstCommand;
+    bool isSyncing_ = false;
+    Subscription statuses_;
+    Observers<> changes_;
 };
 
 } // namespace tessarine

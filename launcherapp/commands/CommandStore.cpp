@@ -1,10 +1,12 @@
 #include "launcherapp/commands/CommandStore.h"
 
 #include "LauncherCore/text/Paths.h"
+#include "LauncherCore/text/Printable.h"
 #include "launcherapp/commands/CommandHotkeys.h"
 #include "launcherapp/commands/DemonstrationCommands.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/DirectoryWatcher.h"
+#include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/FileStore.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/Prefs.h"
@@ -22,7 +24,8 @@ constexpr std::string_view fileName = "commands.json";
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 constexpr Seconds pollInterval{1};
 constexpr Seconds pollTolerance{0.3};
-constexpr Seconds saveTakes{0.3}; ///< an editor saves in several steps
+constexpr Seconds saveTakes{0.3};          ///< an editor saves in several steps
+constexpr std::size_t longestReason = 300; ///< bytes; a row shows a line
 
 std::string folderOf(const std::string& path) {
     return std::string(Paths::parent(path));
@@ -36,8 +39,8 @@ CommandStore::CommandStore(Services services, std::string defaultFolder, Content
 CommandStore::~CommandStore() = default;
 
 std::string CommandStore::location() const {
-    const auto chosen = services_.prefs.commandsFilePath();
-    return chosen.empty() ? defaultFolder_ + "/" + std::string(fileName) : chosen;
+    const auto chosen = expandingTilde(services_.environment, services_.prefs.commandsFilePath());
+    return chosen.starts_with('/') ? chosen : defaultFolder_ + "/" + std::string(fileName);
 }
 
 CommandStore::Look CommandStore::looked(const FileStore& files, const std::string& path) {
@@ -75,14 +78,18 @@ void CommandStore::start() {
                 look.problem = unwritten;
             return look;
         },
-        [this, weak = std::weak_ptr(alive_)](const Look& look) {
+        [this, weak = std::weak_ptr(alive_), path = location()](const Look& look) {
             if (weak.expired())
                 return;
             isLooking_ = false;
-            if (!lastLoad_ && !error_)
+            if (!lastLoad_ && !error_ && path == location())
                 take(look);
         });
     watch();
+    edits_ = services_.prefs.onChange([this](std::string_view key) {
+        if (key == services_.prefs.commandsFilePath.key())
+            moved();
+    });
 }
 
 void CommandStore::load() {
@@ -113,8 +120,13 @@ void CommandStore::take(const Look& look) {
     }
 }
 
-void CommandStore::refuse(const std::string& reason) {
-    error_ = fmt::format("commands.json parse error: {}", reason);
+void CommandStore::refuse(const std::string& whole) {
+    // A parser quotes what it could not read, which may be most of the file.
+    const auto reason = Printable::line(Printable::beginning(whole, longestReason));
+    auto error = fmt::format("commands.json parse error: {}", reason);
+    if (error_ == error) // the file that can't be read is looked at again and again
+        return;
+    error_ = std::move(error);
     problems_ = {*error_};
     services_.diagnostics.log(fmt::format("commands.json did not parse: {}", reason));
     changes_.tell();
@@ -125,7 +137,8 @@ void CommandStore::adopt(CommandFile file, std::vector<std::string> problems) {
     // The log is where they can all be read; rows show the first of each command.
     for (const auto& problem : problems) {
         if (std::ranges::find(problems_, problem) == problems_.end())
-            services_.diagnostics.log(fmt::format("commands.json: {}", problem));
+            services_.diagnostics.log(
+                "commands.json: " + Printable::line(Printable::beginning(problem, longestReason)));
     }
     problems_ = std::move(problems);
     error_.reset();
@@ -137,7 +150,9 @@ void CommandStore::adopt(CommandFile file, std::vector<std::string> problems) {
 /// The file as it is now, or why it can't be read: what was never read, or is being mended, is not
 /// written over.
 void CommandStore::requireReading() {
-    if (!lastLoad_ || error_)
+    const auto info = services_.files->info(location());
+    const auto modified = info ? std::optional(info->modified) : std::nullopt;
+    if (!lastLoad_ || error_ || modified != lastModified_)
         load();
     if (error_ && services_.files->info(location()))
         throw FileError(
@@ -174,16 +189,28 @@ void CommandStore::relocate(const std::string& folder) {
     auto& files = *services_.files;
     const auto target = Paths::normalized(folder) + "/" + std::string(fileName);
     const auto current = location();
-    if (!files.info(target)) {
+    const bool isCopied = !files.info(target);
+    if (isCopied) {
         const auto bytes = files.read(current, largestFile);
         if (!bytes)
             throw FileError(fmt::format("there is no file {}", current));
         files.save(target, *bytes);
     }
     // One file may have two spellings, through a linked folder: it is not to be renamed away.
-    if (files.info(current) && files.realPath(target) != files.realPath(current))
-        files.rename(current, current + ".moved");
-    services_.prefs.commandsFilePath.set(target);
+    if (files.info(current) && files.realPath(target) != files.realPath(current)) {
+        try {
+            files.rename(current, current + ".moved");
+        } catch (const FileError&) {
+            // A copy that stays would win over the file at the next try, and be older by then.
+            if (isCopied)
+                files.remove(target);
+            throw;
+        }
+    }
+    services_.prefs.commandsFilePath.set(target); // which reads and watches it there
+}
+
+void CommandStore::moved() {
     pollTimer_ = {};
     load();
     watch();
@@ -214,10 +241,12 @@ void CommandStore::lookForChange() {
     if (std::exchange(isLooking_, true))
         return;
     services_.work.runApart(
-        [files = services_.files, path = location(), known = lastModified_] {
+        // A file that could not be read may have been caught in the middle of its save, or may be
+        // readable now, and keep its date.
+        [files = services_.files, path = location(), known = lastModified_, isRead = !error_] {
             const auto info = files->info(path);
             const auto modified = info ? std::optional(info->modified) : std::nullopt;
-            return modified == known ? std::nullopt : std::optional(looked(*files, path));
+            return isRead && modified == known ? std::nullopt : std::optional(looked(*files, path));
         },
         [this, weak = std::weak_ptr(alive_), path = location(), known = lastModified_](
             const std::optional<Look>& look) {

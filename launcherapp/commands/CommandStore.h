@@ -18,6 +18,7 @@ namespace tessarine {
 class CommandHotkeys;
 class Diagnostics;
 class DirectoryWatcher;
+struct Environment;
 class FileStore;
 class Prefs;
 class WorkQueues;
@@ -39,6 +40,7 @@ public:
         Prefs& prefs;
         Diagnostics& diagnostics;
         CommandHotkeys& hotkeys;
+        const Environment& environment;
     };
 
     /// `defaultFolder` holds the file while the preferences name no other.
@@ -101,6 +103,7 @@ private:
     void take(const Look& look);
     void adopt(CommandFile file, std::vector<std::string> problems);
     void refuse(const std::string& reason);
+    void moved();
 
     Services services_;
     std::string defaultFolder_;
@@ -113,6 +116,7 @@ private:
     std::optional<double> lastModified_;
     bool isLookDue_ = false;
     bool isLooking_ = false; ///< at most one at a time, so that a drive that hangs costs one thread
+    Subscription edits_;     ///< of the setting that says where the file lies
     Subscription pollTimer_;
     Subscription folderWatch_;
     Observers<> changes_;

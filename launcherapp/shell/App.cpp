@@ -253,17 +253,17 @@ void App::Parts::makeServices() {
 }
 
 void App::Parts::makeCommands() {
-    commands.emplace(
-        *services,
-        look->desktop,
-        AppCommands::Presence{.hotkey = [this]() -> Hotkey* {
-                                  return presence && isResident ? presence->hotkey() : nullptr;
-                              },
-                              .showPanel =
-                                  [this](const std::string& query) {
-                                      if (auto* panel = presence ? presence->panel() : nullptr)
-                                          panel->show(query);
-                                  }});
+    const std::function<Hotkey*()> chords = [this] {
+        return presence ? presence->hotkey() : nullptr;
+    };
+    commands.emplace(*services,
+                     look->desktop,
+                     AppCommands::Presence{.hotkey = isResident ? chords : nullptr,
+                                           .showPanel = [this](const std::string& query) {
+                                               if (auto* panel =
+                                                       presence ? presence->panel() : nullptr)
+                                                   panel->show(query);
+                                           }});
     rows->add(commands->wiringServices());
 }
 

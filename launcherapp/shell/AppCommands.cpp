@@ -115,7 +115,8 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
              .directories = made.doors.watcher,
              .prefs = made.prefs,
              .diagnostics = made.diagnostics,
-             .hotkeys = hotkeys},
+             .hotkeys = hotkeys,
+             .environment = made.environment},
             made.support.location(),
             made.run.isDemonstration ? CommandStore::Content::demonstration
                                      : CommandStore::Content::file) {
@@ -124,7 +125,6 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
         jumps.run(command, argument);
     };
     made.isUsersCommand = [this](std::string_view id) { return catalog.isUsers(id); };
-    changes_ = store.onChange([this] { lists.forget(); });
 }
 
 CommandWiring::Services AppCommands::wiringServices() {

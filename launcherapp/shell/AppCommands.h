@@ -13,7 +13,9 @@
 #include "launcherapp/shell/CommandWiring.h"
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace tessarine {
 
@@ -47,10 +49,17 @@ public:
     SystemCommands system;
     CommandHotkeys hotkeys;
     CommandStore store;
-    CommandCatalog catalog{store, system, hotkeys};
 
 private:
-    Subscription changes_;
+    std::optional<double> listsOf_; ///< when the commands were loaded whose lists are kept
+    /// Before the catalog's: who hears of a change from there finds no list of the old commands.
+    Subscription listsAreOld_ = store.onChange([this] {
+        if (std::exchange(listsOf_, store.lastLoad()) != store.lastLoad())
+            lists.forget();
+    });
+
+public:
+    CommandCatalog catalog{store, system, hotkeys};
 };
 
 } // namespace tessarine

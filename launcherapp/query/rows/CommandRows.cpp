@@ -145,7 +145,9 @@ std::vector<ResultRow> engagedRows(const CommandSpec& command,
                                    const CommandRowSources& sources,
                                    const std::string& argument) {
     auto row = commandRow(command, sources, argument);
-    row.subtitle = argument;
+    // What keeps the command from working comes before what it would work on.
+    if (!sources.detail || !sources.detail(command))
+        row.subtitle = argument;
     return {std::move(row)};
 }
 

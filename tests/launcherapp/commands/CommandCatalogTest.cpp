@@ -44,7 +44,8 @@ struct Offer {
                         .directories = services.platform.watcher,
                         .prefs = services.prefs,
                         .diagnostics = services.diagnostics,
-                        .hotkeys = hotkeys},
+                        .hotkeys = hotkeys,
+                        .environment = services.environment},
                        "/home/u",
                        CommandStore::Content::file};
     CommandCatalog catalog{store, system, hotkeys};

@@ -48,7 +48,8 @@ struct Store {
                         .directories = services.platform.watcher,
                         .prefs = services.prefs,
                         .diagnostics = services.diagnostics,
-                        .hotkeys = hotkeys},
+                        .hotkeys = hotkeys,
+                        .environment = services.environment},
                        folder,
                        CommandStore::Content::file};
     int changes = 0;
@@ -195,7 +196,8 @@ TEST(CommandStore, aDemonstrationTouchesNoFile) {
                                 .directories = fixture.services.platform.watcher,
                                 .prefs = fixture.services.prefs,
                                 .diagnostics = fixture.services.diagnostics,
-                                .hotkeys = fixture.hotkeys},
+                                .hotkeys = fixture.hotkeys,
+                                .environment = fixture.services.environment},
                                folder,
                                CommandStore::Content::demonstration};
     demonstration.start();
@@ -302,7 +304,8 @@ TEST(CommandStore, aLookThatOutlivesTheStoreIsDropped) {
                                .directories = services.platform.watcher,
                                .prefs = services.prefs,
                                .diagnostics = services.diagnostics,
-                               .hotkeys = hotkeys},
+                               .hotkeys = hotkeys,
+                               .environment = services.environment},
         folder,
         CommandStore::Content::file);
     store->start();

@@ -12,6 +12,7 @@ namespace tessarine {
 namespace {
 
 constexpr std::size_t utilityThreads = 2;
+constexpr Seconds apartRetry{1};
 constexpr int lowestNiceness = 19;
 
 // From linux/ioprio.h, which not every system's headers have: the best-effort class, last level.
@@ -139,16 +140,33 @@ ThreadPoolWorkQueues::~ThreadPoolWorkQueues() {
 
 void ThreadPoolWorkQueues::submitApart(std::function<void()> job,
                                        std::function<void()> completion) {
-    // Detached, since a thread that waits for a drive in the kernel can't be joined or ended.
-    std::thread([job = std::move(job),
-                 completion = std::move(completion),
-                 back = wayBack_]() mutable {
-        giveWay();
-        job();
-        const std::lock_guard lock(back->mutex);
-        if (back->queue)
-            back->queue->post(std::move(completion));
-    }).detach();
+    struct Work {
+        std::function<void()> job;
+        std::function<void()> completion;
+    };
+
+    const auto work = std::make_shared<Work>(std::move(job), std::move(completion));
+    try {
+        // Detached, since a thread that waits for a drive in the kernel can't be joined or ended.
+        std::thread([work, back = wayBack_] {
+            giveWay();
+            work->job();
+            const std::lock_guard lock(back->mutex);
+            if (back->queue)
+                back->queue->post(std::move(work->completion));
+        }).detach();
+    } catch (const std::system_error&) {
+        // Other programs of the user's have taken all threads that the system grants. The queues
+        // are gone with their way back, which ends on this thread.
+        mainQueue_.post([this, work, back = wayBack_] {
+            if (!back->queue)
+                return;
+            mainQueue_.postAfter(apartRetry, [this, work, back] {
+                if (back->queue)
+                    submitApart(std::move(work->job), std::move(work->completion));
+            });
+        });
+    }
 }
 
 SerialQueue& ThreadPoolWorkQueues::serial(std::string_view name) {

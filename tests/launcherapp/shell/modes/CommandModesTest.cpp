@@ -45,7 +45,8 @@ public:
                         .directories = services.platform.watcher,
                         .prefs = services.prefs,
                         .diagnostics = services.diagnostics,
-                        .hotkeys = hotkeys},
+                        .hotkeys = hotkeys,
+                        .environment = services.environment},
                        "/home/u/.local/share/tessarine",
                        CommandStore::Content::file};
     CommandModeServices commands{.store = store,
