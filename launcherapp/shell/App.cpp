@@ -7,6 +7,7 @@
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/files/RunFolder.h"
+#include "launcherapp/platform/linux/processes/EndSignals.h"
 #include "launcherapp/shell/AppCommands.h"
 #include "launcherapp/shell/AppServices.h"
 #include "launcherapp/shell/Demonstration.h"
@@ -383,6 +384,7 @@ App::App(CommandLine commandLine, Environment environment, Seconds launchedAt)
 App::~App() = default;
 
 int App::run() {
+    const EndSignals signals([] { QCoreApplication::exit(0); });
     StartUp::run(parts_->hooks());
     const int status = QCoreApplication::exec();
     return parts_->end(status);
