@@ -1,8 +1,10 @@
 #include "launcherapp/shell/AppCommands.h"
 
+#include "launcherapp/commands/HarmlessEffects.h"
 #include "launcherapp/platform/linux/desktop/PictureClipboard.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/desktop/SystemBus.h"
+#include "launcherapp/platform/linux/system/LinuxSystemEffects.h"
 #include "launcherapp/shell/AppDoors.h"
 #include "launcherapp/shell/AppServices.h"
 
@@ -53,16 +55,29 @@ SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop)
     return result;
 }
 
+/// A demonstration, and a test of the whole program, must not empty a real trash by one wrong key.
+std::unique_ptr<SystemEffects> systemEffects(AppServices& services,
+                                             const DesktopAppearance& desktop) {
+    auto& queue = services.doors.queue;
+    if (services.run.isDemonstration)
+        return std::make_unique<HarmlessEffects>(queue,
+                                                 "a demonstration does nothing to this computer");
+    if (services.environment.isHarmless)
+        return std::make_unique<HarmlessEffects>(
+            queue, "TESSARINE_HARMLESS is set, so nothing is done to this computer");
+    return std::make_unique<LinuxSystemEffects>(systemDoors(services, desktop));
+}
+
 } // namespace
 
 AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence)
     : services(made),
       alerts([&log = made.diagnostics](std::string_view line) { log.log(std::string(line)); }),
-      effects(systemDoors(made, desktop)), windows({.control = *made.doors.control,
-                                                    .windows = *made.doors.windows,
-                                                    .running = made.running,
-                                                    .catalog = made.catalog,
-                                                    .diagnostics = made.diagnostics}),
+      effects(systemEffects(made, desktop)), windows({.control = *made.doors.control,
+                                                      .windows = *made.doors.windows,
+                                                      .running = made.running,
+                                                      .catalog = made.catalog,
+                                                      .diagnostics = made.diagnostics}),
       runtime({.queue = made.doors.queue,
                .work = made.doors.work,
                .processes = made.doors.processes,
@@ -98,7 +113,7 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
               .catalog = made.catalog,
               .running = made.running,
               .prefs = made.prefs,
-              .effects = effects,
+              .effects = *effects,
               .alerts = alerts,
               .diagnostics = made.diagnostics,
               .runningApps = [this] { return windows.runningApps(""); },

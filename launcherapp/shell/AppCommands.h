@@ -8,11 +8,12 @@
 #include "launcherapp/commands/ListCommands.h"
 #include "launcherapp/commands/SystemCommands.h"
 #include "launcherapp/commands/WindowManager.h"
+#include "launcherapp/platform/SystemEffects.h"
 #include "launcherapp/platform/linux/desktop/QtAlerts.h"
-#include "launcherapp/platform/linux/system/LinuxSystemEffects.h"
 #include "launcherapp/shell/CommandWiring.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -41,7 +42,7 @@ public:
 
     AppServices& services;
     QtAlerts alerts;
-    LinuxSystemEffects effects;
+    std::unique_ptr<SystemEffects> effects;
     WindowManager windows;
     CommandRuntime runtime;
     ListCommands lists;

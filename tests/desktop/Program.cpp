@@ -71,7 +71,11 @@ Program::Program(const std::vector<std::string>& words, const Variables& environ
     std::vector<std::string> arguments{TESSARINE_EXECUTABLE};
     arguments.insert(arguments.end(), words.begin(), words.end());
 
-    Variables variables{{"HOME", files_.path("/home")}, {"PATH", "/usr/bin:/bin"}};
+    // One wrong key of a test must not reach the machine: neither its services nor its drives.
+    Variables variables{{"HOME", files_.path("/home")},
+                        {"PATH", "/usr/bin:/bin"},
+                        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + files_.path("/no-system-bus")},
+                        {"TESSARINE_HARMLESS", "1"}};
     for (const auto& [name, value] : environment)
         variables[name] = value;
     std::vector<std::string> settings;
