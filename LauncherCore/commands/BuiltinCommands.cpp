@@ -204,7 +204,7 @@ const std::vector<CommandSpec>& BuiltinCommands::actions() {
 }
 
 CommandSpec BuiltinCommands::settings(const std::string& entryPath) {
-    return {.id = "sys.settings",
+    return {.id = std::string(settingsID),
             .name = "System Settings",
             .kind = CommandKind::app,
             .path = entryPath,

@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The commands that every user has without writing a line, and how a user's own command takes the
@@ -13,6 +14,8 @@ namespace tessarine::BuiltinCommands {
 /// One command of kind `system` for each action, in the order in which they are offered. The words
 /// by which they are found are their aliases; none has a keyword.
 const std::vector<CommandSpec>& actions();
+
+inline constexpr std::string_view settingsID = "sys.settings";
 
 /// The command that opens the desktop's settings as a whole, by the path of their desktop entry.
 CommandSpec settings(const std::string& entryPath);

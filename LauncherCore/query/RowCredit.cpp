@@ -1,5 +1,7 @@
 #include "LauncherCore/query/RowCredit.h"
 
+#include "LauncherCore/commands/BuiltinCommands.h"
+#include "LauncherCore/commands/SettingsPanes.h"
 #include "LauncherCore/query/Companions.h"
 #include "LauncherCore/text/Folding.h"
 
@@ -62,6 +64,11 @@ std::optional<RowCreditSpec> urlString(const std::optional<std::string>& url) {
     return url ? RowCreditSpec::forURLString(*url) : std::nullopt;
 }
 
+/// A page's own entry is no application that the user knows.
+bool opensSettings(const CommandSpec& spec) {
+    return spec.id.starts_with(SettingsPanes::idPrefix) || spec.id == BuiltinCommands::settingsID;
+}
+
 template <typename... Functions> struct Overloaded : Functions... {
     using Functions::operator()...;
 };
@@ -106,7 +113,7 @@ const RowCreditSpec& RowCreditSpec::dictionary() {
 }
 
 const RowCreditSpec& RowCreditSpec::system() {
-    static const auto spec = app("macOS", "com.apple.systempreferences");
+    static const auto spec = app("Desktop", "com.apple.systempreferences");
     return spec;
 }
 
@@ -164,7 +171,7 @@ std::optional<RowCreditSpec> RowCreditSpec::forCommand(const CommandSpec& spec) 
             return std::nullopt;
         return forURLString(spec.urls->front());
     case CommandKind::app:
-        return appPath(spec.path);
+        return opensSettings(spec) ? systemSettings() : appPath(spec.path);
     case CommandKind::search:
         return urlString(spec.url);
     case CommandKind::system:

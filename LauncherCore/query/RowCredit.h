@@ -53,7 +53,7 @@ struct RowCreditSpec {
     static const RowCreditSpec& wisprFlow();
     static const RowCreditSpec& calendar();
     static const RowCreditSpec& dictionary();
-    /// The actions of the system itself.
+    /// The actions of the desktop and the machine themselves.
     static const RowCreditSpec& system();
 
     /// An application of the companion registry; an `App` named by the id itself, with no

@@ -29,9 +29,8 @@ constexpr auto settings = std::to_array<std::string_view>({
     "systemsettings",
     "kdesystemsettings",
 });
+// The panels that the desktops draw themselves: a dock beside one is not what is started anew.
 constexpr auto docks = std::to_array<std::string_view>({
-    "net.launchpad.plank",
-    "plank",
     "org.kde.plasmashell",
     "org.gnome.Shell",
     "xfce4-panel",

@@ -1,20 +1,23 @@
 #include "launcherapp/commands/SystemCommands.h"
 
 #include "LauncherCore/commands/BuiltinCommands.h"
+#include "LauncherCore/commands/SettingsPanes.h"
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/RunningApps.h"
 #include "launcherapp/catalog/StandInApps.h"
+#include "launcherapp/commands/SessionQuestions.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/Alerts.h"
 #include "launcherapp/platform/SystemEffects.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/Prefs.h"
-#include "launcherapp/shell/ProductInfo.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -25,51 +28,44 @@ namespace {
 
 constexpr std::string_view settingsID = "com.apple.systempreferences";
 constexpr std::string_view fileManagerID = "com.apple.finder";
-constexpr std::string_view unsavedWork =
-    "Apps will be asked to quit. Anything unsaved is yours to save first.";
-constexpr std::string_view unsavedWorkUnasked =
-    "Apps can't be asked to quit on this desktop. Anything unsaved is yours to save first.";
-
-/// How long apps may take to quit, with the user answering their questions, before the session
-/// goes on instead of ending.
-constexpr Seconds quitPatience{60};
-constexpr Seconds quitPoll{0.5};
-
-/// What an action that asks first does once it is confirmed; the action itself for the others.
-SystemAction withoutAsking(SystemAction action) {
-    if (action == SystemAction::restart)
-        return SystemAction::restartImmediately;
-    if (action == SystemAction::shutDown)
-        return SystemAction::shutDownImmediately;
-    if (action == SystemAction::logOut)
-        return SystemAction::logOutImmediately;
-    return action;
-}
+constexpr std::string_view takenBack = "it was taken back";
 
 bool isAboutTimeHome(SystemAction action) {
     return action == SystemAction::timeHomeHere || action == SystemAction::timeHomeClocks;
 }
 
-/// Nothing for an action that doesn't ask first.
-std::optional<AlertQuestion> questionBefore(SystemAction action, std::string_view text) {
-    const auto question = [&](std::string title, std::string confirm) {
-        return AlertQuestion{
-            .title = std::move(title), .text = std::string(text), .confirm = std::move(confirm)};
-    };
-    if (action == SystemAction::restart)
-        return question("Restart this computer?", "Restart");
-    if (action == SystemAction::shutDown)
-        return question("Shut down this computer?", "Shut Down");
-    if (action == SystemAction::logOut)
-        return question("Log out?", "Log Out");
-    return std::nullopt;
-}
+/// Actions whose failure can't be seen, so that the user would walk away from an open session, a
+/// computer that runs, or a drive that is being written.
+constexpr auto seemDone = std::to_array<SystemAction>({
+    SystemAction::eject,
+    SystemAction::lockScreen,
+    SystemAction::sleep,
+    SystemAction::emptyTrash,
+    SystemAction::restart,
+    SystemAction::shutDown,
+    SystemAction::logOut,
+    SystemAction::restartImmediately,
+    SystemAction::shutDownImmediately,
+    SystemAction::logOutImmediately,
+});
+
+/// Entries of the pages where a desktop keeps light and dark, or what follows the time of day; the
+/// nearest first.
+constexpr auto appearancePages = std::to_array<std::string_view>({
+    "gnome-background-panel",
+    "kcm_lookandfeel",
+    "kcm_nightlight",
+    "kcm_nightcolor",
+});
 
 } // namespace
 
 SystemCommands::SystemCommands(Services services, const Environment& environment)
     : services_(std::move(services)), environment_(environment),
-      offered_(BuiltinCommands::actions()) {}
+      offered_(BuiltinCommands::actions()), closing_({.queue = services_.queue,
+                                                      .alerts = services_.alerts,
+                                                      .openWindows = services_.openWindows,
+                                                      .close = services_.closeWindow}) {}
 
 void SystemCommands::start() {
     requireMainThread(services_.queue);
@@ -93,39 +89,88 @@ SystemCommands::inheriting(std::span<const CommandSpec> userCommands) const {
 Ability SystemCommands::ability(SystemAction action) const {
     if (isAboutTimeHome(action))
         return {};
-    if (action == SystemAction::quitAll)
-        return services_.running.ability();
-    if (action != SystemAction::forceQuitDialog)
-        return services_.effects.ability(action);
-    if (forceQuitQuery())
+    if (action == SystemAction::autoAppearance && appearancePane())
         return {};
+    const bool isAboutApps =
+        action == SystemAction::quitAll || action == SystemAction::forceQuitDialog;
+    if (!isAboutApps)
+        return services_.effects.ability(action);
+    auto apps = services_.running.ability();
+    if (!apps.available || action == SystemAction::quitAll || forceQuitQuery())
+        return apps;
     return Ability::missing(
         "the keyword that lists apps to force quit is switched off, or its word is another's");
 }
 
 std::string SystemCommands::subtitle(SystemAction action) const {
-    const auto can = ability(action);
-    return can.available ? std::string(SystemActions::plainEnglish(action))
-                         : fmt::format("Can't be done here: {}", can.reason);
+    if (const auto can = ability(action); !can.available)
+        return fmt::format("Can't be done here: {}", can.reason);
+    const std::string own(SystemActions::plainEnglish(action));
+    if (isAboutTimeHome(action) || action == SystemAction::quitAll ||
+        action == SystemAction::forceQuitDialog)
+        return own;
+    if (!services_.effects.ability(action).available)
+        return fmt::format("Opens {} in the settings; there is no switch for it here",
+                           appearancePane()->name);
+    const auto manner = services_.effects.manner(action);
+    if (manner.line)
+        return *manner.line;
+    const auto* const question = SessionQuestions::of(action);
+    const bool asksNobody =
+        question && manner.farewell == Farewell::none && !services_.running.ability().available;
+    return asksNobody ? std::string(question->unaskedLine) : own;
 }
 
-void SystemCommands::run(SystemAction action) {
+void SystemCommands::run(SystemAction action, Done done) {
     requireMainThread(services_.queue);
-    if (const auto can = ability(action); !can.available)
-        return fail(action, can.reason);
-    const bool canAskApps = services_.running.ability().available;
-    const auto asked = questionBefore(action, canAskApps ? unsavedWork : unsavedWorkUnasked);
-    if (!asked)
-        return carryOut(action);
-    services_.alerts.ask(*asked,
-                         [this, action, canAskApps, alive = std::weak_ptr(alive_)](bool confirmed) {
-                             if (!confirmed || alive.expired())
-                                 return;
-                             if (!canAskApps)
-                                 return carryOut(action);
-                             askToQuit(runningApps());
-                             whenAllQuit(action, services_.queue.uptime() + quitPatience);
-                         });
+    if (const auto can = ability(action); !can.available) {
+        fail(action, can.reason, Telling::always);
+        return finish(std::move(done), can.reason);
+    }
+    const bool isAskedHere = SessionQuestions::of(action) &&
+                             services_.effects.manner(action).farewell != Farewell::userAndApps;
+    if (isAskedHere)
+        askFirst(action, std::move(done));
+    else
+        carryOut(action, std::move(done));
+}
+
+void SystemCommands::askFirst(SystemAction action, Done done) {
+    closing_.takeBack();
+    using SessionQuestions::Apps;
+    const auto& question = *SessionQuestions::of(action);
+    const bool asksApps = services_.effects.manner(action).farewell == Farewell::apps ||
+                          services_.running.ability().available;
+    services_.alerts.ask(
+        SessionQuestions::alert(question, asksApps ? Apps::asked : Apps::notAsked),
+        [this, action, done = std::move(done), alive = std::weak_ptr(alive_)](bool isConfirmed) {
+            if (alive.expired())
+                return;
+            if (isConfirmed)
+                confirmed(action, done);
+            else
+                finish(done, std::string(takenBack));
+        });
+}
+
+/// What stays open has something to ask the user, so the session stays too.
+void SystemCommands::confirmed(SystemAction action, Done done) {
+    closing_.takeBack(); // of another question that was open beside this one
+    if (services_.effects.manner(action).farewell == Farewell::apps)
+        return perform(action, action, std::move(done));
+    const auto immediately = SessionQuestions::of(action)->immediately;
+    if (!services_.running.ability().available)
+        return perform(action, immediately, std::move(done));
+    closing_.start([this, action, immediately, done = std::move(done)](
+                       ClosingWindows::End end, const std::vector<std::string>& open) {
+        if (end == ClosingWindows::End::closed)
+            return perform(action, immediately, done);
+        if (end == ClosingWindows::End::takenBack)
+            return finish(done, std::string(takenBack));
+        const auto problem = fmt::format("still open: {}", fmt::join(open, ", "));
+        fail(action, problem, Telling::always);
+        finish(done, problem);
+    });
 }
 
 Subscription SystemCommands::onChange(std::function<void()> changed) {
@@ -157,7 +202,6 @@ void SystemCommands::publish(SettingsPaneScan::Result scanned) {
     if (auto settings = settingsCommand())
         offered_.push_back(*std::move(settings));
     std::ranges::move(scanned.panes, std::back_inserter(offered_));
-    hasScanned_ = true;
     changes_.tell();
 }
 
@@ -184,55 +228,73 @@ std::optional<std::string> SystemCommands::forceQuitQuery() const {
     return query;
 }
 
-void SystemCommands::carryOut(SystemAction action) {
+/// The page of the settings that comes nearest to automatic appearance; null without one.
+const CommandSpec* SystemCommands::appearancePane() const {
+    for (const auto page : appearancePages) {
+        const auto id = std::string(SettingsPanes::idPrefix) + std::string(page);
+        const auto pane = std::ranges::find(offered_, id, &CommandSpec::id);
+        if (pane != offered_.end())
+            return &*pane;
+    }
+    return nullptr;
+}
+
+void SystemCommands::carryOut(SystemAction action, Done done) {
+    const bool isOwn = isAboutTimeHome(action) || action == SystemAction::quitAll ||
+                       action == SystemAction::forceQuitDialog;
+    if (!isOwn && services_.effects.ability(action).available)
+        return perform(action, action, std::move(done));
+    if (!isOwn)
+        return openPane(*appearancePane(), std::move(done));
     if (isAboutTimeHome(action))
-        return setTimeHome(action);
-    if (action == SystemAction::quitAll)
-        return quitAll();
-    if (action == SystemAction::forceQuitDialog)
-        return services_.showPanel(forceQuitQuery().value_or(""));
-    services_.effects.perform(
-        withoutAsking(action),
-        [this, action, alive = std::weak_ptr(alive_)](std::optional<std::string> problem) {
-            if (problem && !alive.expired())
-                fail(action, *problem);
+        setTimeHome(action);
+    else if (action == SystemAction::quitAll)
+        quitAll();
+    else
+        services_.showPanel(forceQuitQuery().value_or(""));
+    finish(std::move(done), std::nullopt);
+}
+
+/// `performed` is the immediate form of an action that has asked.
+void SystemCommands::perform(SystemAction action, SystemAction performed, Done done) {
+    services_.effects.perform(performed,
+                              [this, action, done = std::move(done), alive = std::weak_ptr(alive_)](
+                                  std::optional<std::string> problem) {
+                                  if (alive.expired())
+                                      return;
+                                  if (problem)
+                                      fail(action, *problem, Telling::ifItSeemsDone);
+                                  if (done)
+                                      done(std::move(problem));
+                              });
+}
+
+void SystemCommands::openPane(const CommandSpec& pane, Done done) {
+    const auto* app = services_.catalog.registry()->byPath(pane.path.value_or(""));
+    if (!app)
+        return finish(std::move(done), pane.name + " has been removed");
+    services_.catalog.launch(
+        *app,
+        [this, done = std::move(done), alive = std::weak_ptr(alive_)](
+            std::optional<std::string> problem) {
+            if (alive.expired())
+                return;
+            if (problem)
+                fail(SystemAction::autoAppearance, *problem, Telling::ifItSeemsDone);
+            finish(done, std::move(problem));
         });
 }
 
-/// All but this program.
-std::vector<QuittableApp> SystemCommands::runningApps() const {
-    auto apps = services_.runningApps();
-    std::erase_if(apps, [](const auto& app) { return app.bundleID == ProductInfo::bundleID; });
-    return apps;
-}
-
-void SystemCommands::askToQuit(const std::vector<QuittableApp>& apps) const {
-    std::ranges::for_each(apps, services_.askToQuit);
-}
-
 void SystemCommands::quitAll() {
-    auto apps = runningApps();
+    auto windows = services_.openWindows();
     if (const auto* fileManager =
             StandInApps::application(*services_.catalog.registry(), fileManagerID))
-        std::erase_if(apps, [&](const auto& app) { return app.bundleID == fileManager->bundleID; });
-    askToQuit(apps);
-}
-
-/// What stays open has something to ask the user, so the session stays too.
-void SystemCommands::whenAllQuit(SystemAction action, Seconds deadline) {
-    const auto open = runningApps();
-    if (open.empty())
-        return carryOut(action);
-    if (services_.queue.uptime() >= deadline) {
-        std::vector<std::string> names;
-        for (const auto& app : open)
-            names.push_back(app.name.empty() ? app.bundleID : app.name);
-        return fail(action, fmt::format("still open: {}", fmt::join(names, ", ")));
-    }
-    services_.queue.postAfter(quitPoll, [this, action, deadline, alive = std::weak_ptr(alive_)] {
-        if (!alive.expired())
-            whenAllQuit(action, deadline);
-    });
+        std::erase_if(windows,
+                      [&](const auto& window) { return window.bundleID == fileManager->bundleID; });
+    for (const auto& window : windows)
+        services_.closeWindow(window.id);
+    services_.diagnostics.log(
+        fmt::format("system quitAll: {} window(s) asked to close", windows.size()));
 }
 
 void SystemCommands::setTimeHome(SystemAction action) {
@@ -242,10 +304,21 @@ void SystemCommands::setTimeHome(SystemAction action) {
                                      : "time zones: home is the first clock");
 }
 
-void SystemCommands::fail(SystemAction action, const std::string& problem) {
+void SystemCommands::fail(SystemAction action, const std::string& problem, Telling telling) {
     services_.diagnostics.log(fmt::format("system {}: {}", SystemActions::name(action), problem));
-    services_.alerts.tell(std::string(SystemActions::title(action)),
-                          fmt::format("This could not be done: {}", problem));
+    if (telling == Telling::always || std::ranges::count(seemDone, action) > 0)
+        services_.alerts.tell(std::string(SystemActions::title(action)),
+                              fmt::format("This could not be done: {}", problem));
+}
+
+void SystemCommands::finish(Done done, std::optional<std::string> problem) {
+    if (!done)
+        return;
+    services_.queue.post(
+        [done = std::move(done), problem = std::move(problem), alive = std::weak_ptr(alive_)] {
+            if (!alive.expired())
+                done(problem);
+        });
 }
 
 } // namespace tessarine

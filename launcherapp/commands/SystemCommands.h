@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LauncherCore/commands/CommandSpec.h"
-#include "launcherapp/commands/QuittableApp.h"
+#include "launcherapp/commands/ClosingWindows.h"
 #include "launcherapp/commands/SettingsPaneScan.h"
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/Environment.h"
@@ -42,10 +42,15 @@ public:
         SystemEffects& effects;
         Alerts& alerts;
         Diagnostics& diagnostics;
-        std::function<std::vector<QuittableApp>()> runningApps; ///< every one, by name
-        std::function<void(const QuittableApp& app)> askToQuit;
+        /// As in ClosingWindows.
+        std::function<std::vector<OpenWindow>()> openWindows;
+        std::function<void(std::uint64_t window)> closeWindow;
         std::function<void(const std::string& query)> showPanel; ///< with the query typed
     };
+
+    /// Called once, later, when an action is done or won't be: with nothing on success, else with
+    /// why not, in words. Never when this object has gone.
+    using Done = std::function<void(std::optional<std::string> problem)>;
 
     SystemCommands(Services services, const Environment& environment);
     SystemCommands(const SystemCommands&) = delete;
@@ -65,15 +70,13 @@ public:
     /// Whether this desktop can do it, and why not. Never waits.
     Ability ability(SystemAction action) const;
 
-    /// What a row of the action says: what it does, or why this desktop can't.
+    /// What a row of the action says: what it does here, or why this desktop can't.
     std::string subtitle(SystemAction action) const;
 
-    /// Does the action, after a question for those that ask first. A failure, and an action that
-    /// this desktop can't do, is logged and told.
-    void run(SystemAction action);
-
-    /// Whether the panes have been looked for.
-    bool hasScanned() const { return hasScanned_; }
+    /// Does the action, after a question for those that ask first; a question takes back what an
+    /// earlier one waits for. A failure is logged, and told where the user would take the action
+    /// for done; so is an action that this desktop can't do.
+    void run(SystemAction action, Done done = {});
 
     /// Calls `changed` after the panes were looked for, and when the desktop can do other things
     /// than before.
@@ -85,22 +88,26 @@ private:
     void logOnce(std::string line);
     std::optional<CommandSpec> settingsCommand() const;
     std::optional<std::string> forceQuitQuery() const;
-    void carryOut(SystemAction action);
-    std::vector<QuittableApp> runningApps() const;
-    void askToQuit(const std::vector<QuittableApp>& apps) const;
+    const CommandSpec* appearancePane() const;
+    void askFirst(SystemAction action, Done done);
+    void confirmed(SystemAction action, Done done);
+    void carryOut(SystemAction action, Done done);
+    void perform(SystemAction action, SystemAction performed, Done done);
     void quitAll();
-    void whenAllQuit(SystemAction action, Seconds deadline);
+    void openPane(const CommandSpec& pane, Done done);
     void setTimeHome(SystemAction action);
-    void fail(SystemAction action, const std::string& problem);
+    enum class Telling { ifItSeemsDone, always };
+    void fail(SystemAction action, const std::string& problem, Telling telling);
+    void finish(Done done, std::optional<std::string> problem);
 
     Services services_;
     const Environment& environment_;
     std::vector<CommandSpec> offered_; ///< without regard to the user's own
-    bool hasScanned_ = false;
     std::uint64_t scans_ = 0;
     std::string lastLine_; ///< what was logged of the last scan
     Observers<> changes_;
     std::vector<Subscription> watches_;
+    ClosingWindows closing_;
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "launcherapp/platform/Subscription.h"
+
 #include <functional>
 #include <string>
 
@@ -25,6 +27,12 @@ public:
 
     /// Tells something that went wrong, or why.
     virtual void tell(const std::string& title, const std::string& text) = 0;
+
+    /// Shows what is waited for, with a button that takes it back, and leaves the keyboard where it
+    /// is. The window stays until the subscription ends, or it is closed: then `takenBack` is
+    /// called, once, later. Without a display nothing is shown.
+    virtual Subscription
+    wait(const std::string& title, const std::string& text, std::function<void()> takenBack) = 0;
 };
 
 } // namespace tessarine

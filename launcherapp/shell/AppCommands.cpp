@@ -10,9 +10,11 @@
 
 #include <QString>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace tessarine {
 
@@ -46,7 +48,10 @@ SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop)
         .systemBus = {},
         .user = ::getuid(),
         .sessionID = qEnvironmentVariable("XDG_SESSION_ID").toStdString(),
-        .patience = {}};
+        .patience = {},
+        .sessionType = {}};
+    if (qEnvironmentVariableIsSet("XDG_SESSION_TYPE"))
+        result.sessionType = qEnvironmentVariable("XDG_SESSION_TYPE").toStdString();
     using std::chrono::milliseconds;
     result.systemBus = [patience =
                             std::chrono::duration_cast<milliseconds>(result.patience.systemBus)] {
@@ -66,6 +71,22 @@ std::unique_ptr<SystemEffects> systemEffects(AppServices& services,
         return std::make_unique<HarmlessEffects>(
             queue, "TESSARINE_HARMLESS is set, so nothing is done to this computer");
     return std::make_unique<LinuxSystemEffects>(systemDoors(services, desktop));
+}
+
+/// Those of other programs, as the user knows them.
+std::vector<OpenWindow> openWindows(const AppServices& services) {
+    std::vector<OpenWindow> open;
+    for (const auto& window : services.doors.windows->windows()) {
+        if (!window.ordinary || window.processID == ::getpid())
+            continue;
+        auto owner = services.running.owner(window);
+        const auto* app = owner ? services.catalog.registry()->byID(*owner) : nullptr;
+        auto name = app && !app->name.empty() ? app->name : window.className;
+        open.push_back({.id = window.id,
+                        .name = name.empty() ? "a window without a name" : std::move(name),
+                        .bundleID = std::move(owner)});
+    }
+    return open;
 }
 
 } // namespace
@@ -116,9 +137,8 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
               .effects = *effects,
               .alerts = alerts,
               .diagnostics = made.diagnostics,
-              .runningApps = [this] { return windows.runningApps(""); },
-              .askToQuit =
-                  [this](const QuittableApp& app) { windows.quit(app, WindowManager::Force::no); },
+              .openWindows = [&made] { return openWindows(made); },
+              .closeWindow = [&made](std::uint64_t window) { made.doors.control->close(window); },
               .showPanel = presence.showPanel},
              made.environment),
       hotkeys({.hotkey = presence.hotkey, .usage = made.usage, .diagnostics = made.diagnostics},

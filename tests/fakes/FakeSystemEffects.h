@@ -25,6 +25,11 @@ public:
         return found == missing.end() ? Ability{} : Ability::missing(found->second);
     }
 
+    EffectManner manner(SystemAction action) const override {
+        const auto found = manners.find(action);
+        return found == manners.end() ? EffectManner{} : found->second;
+    }
+
     Subscription onChange(std::function<void()> changed) override {
         return changes_.add(std::move(changed));
     }
@@ -43,7 +48,8 @@ public:
 
     int starts = 0;
     std::map<SystemAction, std::string> missing; ///< with the reason
-    std::optional<std::string> problem;          ///< of what is performed from now on
+    std::map<SystemAction, EffectManner> manners;
+    std::optional<std::string> problem; ///< of what is performed from now on
     std::vector<SystemAction> performed;
 
 private:

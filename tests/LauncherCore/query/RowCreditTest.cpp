@@ -27,7 +27,7 @@ TEST(RowCredit, everyActionButTheProgramsOwnIsCredited) {
 
 TEST(RowCredit, systemActionsNameWhoCarriesThemOut) {
     EXPECT_EQ(RowCreditSpec::forSystemAction(SystemAction::emptyTrash), RowCreditSpec::finder());
-    EXPECT_EQ(RowCreditSpec::forSystemAction(SystemAction::quitAll)->fallbackName(), "macOS");
+    EXPECT_EQ(RowCreditSpec::forSystemAction(SystemAction::quitAll)->fallbackName(), "Desktop");
     EXPECT_EQ(RowCreditSpec::forSystemAction(SystemAction::darkMode),
               RowCreditSpec::systemSettings());
     // The two share an application and are still told apart by their names.
@@ -77,6 +77,10 @@ TEST(RowCredit, commandsAreCreditedByTheFieldTheirKindUses) {
         {{.kind = CommandKind::search, .url = url}, handler("https")},
         {{.kind = CommandKind::app, .path = "~/a.desktop"}, appAt("~/a.desktop")},
         {{.kind = CommandKind::app, .url = url}, std::nullopt},
+        {{.id = "sys.pane.x", .kind = CommandKind::app, .path = "/x.desktop"},
+         RowCreditSpec::systemSettings()}, // a page, as its address would be
+        {{.id = "sys.settings", .kind = CommandKind::app, .path = "/x.desktop"},
+         RowCreditSpec::systemSettings()},
         {{.kind = CommandKind::system, .action = SystemAction::restartDock}, RowCreditSpec::dock()},
         {{.kind = CommandKind::system, .action = SystemAction::timeHomeHere}, std::nullopt},
         {{.kind = CommandKind::system}, std::nullopt},

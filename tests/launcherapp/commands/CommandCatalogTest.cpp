@@ -30,8 +30,8 @@ struct Offer {
                            .effects = effects,
                            .alerts = alerts,
                            .diagnostics = services.diagnostics,
-                           .runningApps = [] { return std::vector<QuittableApp>(); },
-                           .askToQuit = {},
+                           .openWindows = [] { return std::vector<OpenWindow>(); },
+                           .closeWindow = {},
                            .showPanel = {}},
                           services.environment};
     CommandHotkeys hotkeys{{.hotkey = [] { return nullptr; },
@@ -90,7 +90,7 @@ TEST(CommandCatalog, aRowSaysWhatKeepsItsCommandFromWorking) {
     EXPECT_EQ(detail("a"), "a: kind script needs a script");
     EXPECT_THAT(detail("b").value(), HasSubstr("⌘1 not registered: there is no display"));
     EXPECT_EQ(detail("c"), std::nullopt) << "its keyword is shown";
-    EXPECT_THAT(detail("d").value(), HasSubstr("Puts this Mac to sleep now"));
+    EXPECT_THAT(detail("d").value(), HasSubstr("Puts this computer to sleep now"));
     offer.effects.lose(SystemAction::sleep, "the session may not");
     EXPECT_EQ(detail("d"), "Can't be done here: the session may not");
     EXPECT_THAT(offer.services.log(), HasSubstr("commands.json: a: kind script needs a script"));

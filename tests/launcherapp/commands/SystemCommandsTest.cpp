@@ -50,16 +50,27 @@ protected:
     }
 
     void run(SystemAction action) {
-        commands.run(action);
+        commands.run(action, [this](std::optional<std::string> problem) {
+            ends.push_back(std::move(problem).value_or("done"));
+        });
         services.platform.time.settle();
     }
+
+    void answer(bool isConfirmed) {
+        alerts.answers.back()(isConfirmed);
+        services.platform.time.settle();
+    }
+
+    const OpenWindow editor{.id = 1, .name = "Editor", .bundleID = "editor"};
+    const OpenWindow unknown{.id = 2, .name = "AppImage", .bundleID = {}};
 
     FakeServices services;
     FakeSystemEffects effects{services.platform.queue};
     FakeAlerts alerts;
-    std::vector<QuittableApp> running;
-    std::vector<std::string> askedToQuit;
+    std::vector<OpenWindow> open;
+    std::vector<std::uint64_t> closed;
     std::vector<std::string> shown;
+    std::vector<std::string> ends; ///< how what was run ended, each once
     SystemCommands commands{
         {.queue = services.platform.queue,
          .work = services.platform.work,
@@ -70,8 +81,8 @@ protected:
          .effects = effects,
          .alerts = alerts,
          .diagnostics = services.diagnostics,
-         .runningApps = [this] { return running; },
-         .askToQuit = [this](const QuittableApp& app) { askedToQuit.push_back(app.bundleID); },
+         .openWindows = [this] { return open; },
+         .closeWindow = [this](std::uint64_t window) { closed.push_back(window); },
          .showPanel = [this](const std::string& query) { shown.push_back(query); }},
         services.environment};
 };
@@ -89,7 +100,6 @@ TEST_F(SystemCommandsTest, panesComeAfterTheActionsByNameAndAreNoApplications) {
                             "sys.pane.gnome-info-overview-panel",
                             "sys.pane.gnome-sound-panel",
                             "sys.pane.gnome-wifi-panel"));
-    EXPECT_TRUE(commands.hasScanned());
     std::vector<std::string> applications;
     for (const auto& app : services.catalog.apps())
         applications.push_back(app.name);
@@ -182,44 +192,161 @@ TEST_F(SystemCommandsTest, whatEndsTheSessionAsksFirst) {
                                  .text = "Apps will be asked to quit. Anything unsaved is yours to "
                                          "save first.",
                                  .confirm = confirm}));
-        alerts.answers.back()(false);
+        answer(false);
         EXPECT_THAT(effects.performed, IsEmpty());
         run(action);
-        alerts.answers.back()(true);
+        answer(true);
+        EXPECT_THAT(ends, ElementsAre("it was taken back", "done"));
+        ends.clear();
         EXPECT_THAT(effects.performed, ElementsAre(performed));
     }
 }
 
-TEST_F(SystemCommandsTest, theSessionEndsWhenAllAppsHaveQuitAndStaysWithOneThatDoesNot) {
-    running = {{.name = "Editor", .bundleID = "editor"},
-               {.name = "Tessarine", .bundleID = "com.corvane.tessarine"}};
+TEST_F(SystemCommandsTest, theSessionEndsWhenAllWindowsHaveClosedAndStaysWithOneThatDoesNot) {
+    open = {editor, unknown};
     run(SystemAction::restart);
-    EXPECT_THAT(askedToQuit, IsEmpty()) << "the user has not confirmed yet";
-    alerts.answers.back()(true);
-    EXPECT_THAT(askedToQuit, ElementsAre("editor"));
+    EXPECT_THAT(closed, IsEmpty()) << "the user has not confirmed yet";
+    answer(true);
+    EXPECT_THAT(closed, ElementsAre(1, 2)) << "also of programs that aren't installed";
     services.platform.time.advance(Seconds{30});
+    EXPECT_THAT(alerts.waiting, ElementsAre("Waiting for Editor, AppImage to quit"));
+    open = {unknown};
+    services.platform.time.advance(Seconds{1});
+    EXPECT_THAT(alerts.waiting, ElementsAre("Waiting for AppImage to quit"));
     EXPECT_THAT(effects.performed, IsEmpty()) << "it asks whether to save";
-    running.erase(running.begin());
+    open.clear();
     services.platform.time.advance(Seconds{1});
     EXPECT_THAT(effects.performed, ElementsAre(SystemAction::restartImmediately));
+    EXPECT_THAT(alerts.waiting, IsEmpty());
 
-    running.push_back({.name = "Editor", .bundleID = "editor"});
+    open = {editor};
     run(SystemAction::shutDown);
-    alerts.answers.back()(true);
+    answer(true);
     services.platform.time.advance(Seconds{120});
     EXPECT_EQ(effects.performed.size(), 1u);
     EXPECT_THAT(alerts.told,
                 ElementsAre(testing::Pair("Shut down", HasSubstr("still open: Editor"))));
+    EXPECT_THAT(ends, ElementsAre("done", "still open: Editor"));
 }
 
-TEST_F(SystemCommandsTest, whereAppsCannotBeAskedTheQuestionSaysSo) {
+TEST_F(SystemCommandsTest, theWaitingCanBeTakenBack) {
+    const struct {
+        const char* reason;
+        std::function<void()> act;
+    } cases[] = {
+        {"by its window", [this] { alerts.takeBack(); }},
+        {"by another question", [this] { run(SystemAction::logOut); }},
+    };
+
+    for (const auto& [reason, act] : cases) {
+        SCOPED_TRACE(reason);
+        ends.clear();
+        open = {editor};
+        run(SystemAction::restart);
+        answer(true);
+        services.platform.time.advance(Seconds{10});
+        act();
+        services.platform.time.settle();
+        EXPECT_THAT(alerts.waiting, IsEmpty());
+        EXPECT_THAT(ends, ElementsAre("it was taken back"));
+        open.clear(); // the user closes it for another reason
+        services.platform.time.advance(Seconds{10});
+        EXPECT_THAT(effects.performed, IsEmpty());
+        EXPECT_THAT(alerts.told, IsEmpty()) << "the user knows";
+    }
+}
+
+TEST_F(SystemCommandsTest, ofTwoQuestionsTheLastThatIsConfirmedCounts) {
+    open = {editor};
+    run(SystemAction::restart);
+    run(SystemAction::logOut);
+    alerts.answers.front()(true);
+    alerts.answers.back()(true);
+    open.clear();
+    services.platform.time.advance(Seconds{1});
+    EXPECT_THAT(effects.performed, ElementsAre(SystemAction::logOutImmediately));
+}
+
+TEST_F(SystemCommandsTest, nothingEndsTheSessionOnceTheyAreGone) {
+    open = {editor};
+    auto other = std::make_unique<SystemCommands>(
+        SystemCommands::Services{.queue = services.platform.queue,
+                                 .work = services.platform.work,
+                                 .files = services.platform.files,
+                                 .catalog = services.catalog,
+                                 .running = services.running,
+                                 .prefs = services.prefs,
+                                 .effects = effects,
+                                 .alerts = alerts,
+                                 .diagnostics = services.diagnostics,
+                                 .openWindows = [this] { return open; },
+                                 .closeWindow = [](std::uint64_t) {},
+                                 .showPanel = {}},
+        services.environment);
+    other->run(SystemAction::restart);
+    other->run(SystemAction::shutDown);
+    alerts.answers.front()(true);
+    services.platform.time.advance(Seconds{1});
+    other.reset();
+    alerts.answers.back()(true);
+    open.clear();
+    services.platform.time.advance(Seconds{10});
+    EXPECT_THAT(effects.performed, IsEmpty());
+}
+
+TEST_F(SystemCommandsTest, theDesktopEndsTheSessionInItsOwnWayWhereItAsks) {
     services.platform.windows.supported = Ability::missing("windows are not told");
-    running = {{.name = "Editor", .bundleID = "editor"}};
+    open = {editor};
+    effects.manners[SystemAction::restart].farewell = Farewell::userAndApps;
+    effects.manners[SystemAction::shutDown].farewell = Farewell::apps;
+    run(SystemAction::restart);
+    EXPECT_THAT(alerts.questions, IsEmpty()) << "the user is not asked twice";
+    EXPECT_THAT(effects.performed, ElementsAre(SystemAction::restart));
+
+    run(SystemAction::shutDown);
+    EXPECT_THAT(alerts.questions.back().text, HasSubstr("Apps will be asked to quit."));
+    answer(true);
+    EXPECT_THAT(effects.performed, ElementsAre(SystemAction::restart, SystemAction::shutDown));
+    EXPECT_THAT(closed, IsEmpty()) << "the session manager closes them, and may remember them";
+    for (const auto action : {SystemAction::restart, SystemAction::shutDown})
+        EXPECT_THAT(commands.subtitle(action), HasSubstr("apps are asked to quit"));
+}
+
+TEST_F(SystemCommandsTest, whereAppsCannotBeAskedTheRowAndTheQuestionSaySo) {
+    services.platform.windows.supported = Ability::missing("windows are not told");
+    open = {editor};
+    for (const auto action :
+         {SystemAction::restart, SystemAction::shutDown, SystemAction::logOut}) {
+        EXPECT_THAT(commands.subtitle(action), HasSubstr("at once; save your work before"));
+        EXPECT_EQ(SystemActions::guidanceProblem(commands.subtitle(action)), std::nullopt);
+    }
     run(SystemAction::logOut);
     EXPECT_THAT(alerts.questions.back().text, HasSubstr("can't be asked to quit"));
-    alerts.answers.back()(true);
-    EXPECT_THAT(askedToQuit, IsEmpty());
+    answer(true);
+    EXPECT_THAT(closed, IsEmpty());
     EXPECT_THAT(effects.performed, ElementsAre(SystemAction::logOutImmediately));
+}
+
+TEST_F(SystemCommandsTest, aRowSaysHowThisDesktopDoesIt) {
+    effects.manners[SystemAction::screenshotWindow].line = "Takes the window in front";
+    EXPECT_EQ(commands.subtitle(SystemAction::screenshotWindow), "Takes the window in front");
+}
+
+TEST_F(SystemCommandsTest, appearanceByTheHourOpensThePageThatComesNearest) {
+    effects.lose(SystemAction::autoAppearance, "there is no switch");
+    start();
+    EXPECT_THAT(commands.subtitle(SystemAction::autoAppearance), HasSubstr("Can't be done here"));
+    installPanel("background", "Background");
+    services.catalog.rescan();
+    services.platform.time.settle();
+    EXPECT_THAT(commands.subtitle(SystemAction::autoAppearance),
+                HasSubstr("Opens Appearance in the settings"));
+    run(SystemAction::autoAppearance);
+    EXPECT_THAT(effects.performed, IsEmpty());
+    ASSERT_EQ(services.platform.processes.started.size(), 1u);
+    EXPECT_THAT(services.platform.processes.started[0].arguments,
+                ElementsAre("gnome-control-center", "background"));
+    EXPECT_THAT(ends, ElementsAre("done"));
 }
 
 TEST_F(SystemCommandsTest, allOthersAreDoneAtOnce) {
@@ -239,26 +366,29 @@ TEST_F(SystemCommandsTest, allOthersAreDoneAtOnce) {
     EXPECT_EQ(effects.performed.size(), allSystemActions.size() - 3 - 4);
 }
 
-TEST_F(SystemCommandsTest, aFailureIsLoggedAndTold) {
-    effects.problem = "the trash of a drive can't be written";
+TEST_F(SystemCommandsTest, aFailureIsLoggedAndToldWhereItWouldPassForDone) {
+    effects.problem = "the disk is full";
     run(SystemAction::emptyTrash);
+    run(SystemAction::showTrash);
     EXPECT_THAT(alerts.told,
-                ElementsAre(testing::Pair("Empty Trash", HasSubstr("the trash of a drive"))));
+                ElementsAre(testing::Pair("Empty Trash", HasSubstr("the disk is full"))));
     EXPECT_THAT(services.log(),
-                HasSubstr("system emptyTrash: the trash of a drive can't be written"));
+                AllOf(HasSubstr("system emptyTrash: the disk is full"),
+                      HasSubstr("system showTrash: the disk is full")));
+    EXPECT_THAT(ends, ElementsAre("the disk is full", "the disk is full"));
 }
 
-TEST_F(SystemCommandsTest, quittingAllSparesTheFileManagerAndThisProgram) {
+TEST_F(SystemCommandsTest, quittingAllSparesTheFileManager) {
     services.install("org.x.Files", "Files", "MimeType=inode/directory;\n");
     start();
-    for (const auto* id : {"editor", "org.x.Files", "com.corvane.tessarine", "mail"})
-        running.push_back({.name = id, .bundleID = id});
+    open = {editor, {.id = 3, .name = "Files", .bundleID = "org.x.Files"}, unknown};
     run(SystemAction::quitAll);
-    EXPECT_THAT(askedToQuit, ElementsAre("editor", "mail"));
+    EXPECT_THAT(closed, ElementsAre(1, 2));
     services.platform.windows.supported = Ability::missing("windows are not told");
     run(SystemAction::quitAll);
-    EXPECT_EQ(askedToQuit.size(), 2u);
+    EXPECT_EQ(closed.size(), 2u);
     EXPECT_EQ(alerts.told.size(), 1u);
+    EXPECT_THAT(ends, ElementsAre("done", "windows are not told"));
 }
 
 TEST_F(SystemCommandsTest, forceQuittingListsTheApps) {
@@ -270,6 +400,8 @@ TEST_F(SystemCommandsTest, forceQuittingListsTheApps) {
     EXPECT_EQ(shown.size(), 1u);
     EXPECT_EQ(alerts.told.size(), 1u);
     EXPECT_THAT(commands.subtitle(SystemAction::forceQuitDialog), HasSubstr("switched off"));
+    services.platform.windows.supported = Ability::missing("windows are not told");
+    EXPECT_THAT(commands.subtitle(SystemAction::forceQuitDialog), HasSubstr("not told"));
 }
 
 TEST_F(SystemCommandsTest, theHomeOfTimesFollowsTheComputerOrTheClock) {

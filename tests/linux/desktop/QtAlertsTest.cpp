@@ -56,6 +56,13 @@ TEST_F(QtAlertsTest, onlyTheButtonItselfDoesIt) {
         {"the default button leaves it", [](QMessageBox&) { press("Return"); }, false},
         {"Escape leaves it", [](QMessageBox&) { press("Escape"); }, false},
         {"closing the window leaves it", [](QMessageBox& box) { box.close(); }, false},
+        {"the user goes to the button by a key",
+         [](QMessageBox& box) {
+             press("Tab");
+             EXPECT_TRUE(spinUntil([&] { return box.buttons().front()->hasFocus(); }));
+             press("Return");
+         },
+         true},
         {"the button does it", [](QMessageBox& box) { box.buttons().front()->click(); }, true},
     };
 
@@ -94,6 +101,40 @@ TEST_F(QtAlertsTest, whatIsToldIsClosedByReturn) {
     press("Return");
     EXPECT_TRUE(spinUntil([&] { return !shown; }));
     EXPECT_THAT(logged, IsEmpty());
+}
+
+TEST_F(QtAlertsTest, whatIsWaitedForIsShownWithoutTakingTheKeyboard) {
+    const auto question = ask();
+    ASSERT_TRUE(question);
+    int takenBack = 0;
+    const auto waiting = [&] {
+        for (auto* window : QApplication::topLevelWidgets()) {
+            auto* found = qobject_cast<QMessageBox*>(window);
+            if (found && found->text() == QStringLiteral("Waiting for Editor to quit"))
+                return QPointer<QMessageBox>(found);
+        }
+        return QPointer<QMessageBox>();
+    };
+    const auto wait = [&] {
+        return alerts.wait("Waiting for Editor to quit", "", [&] { ++takenBack; });
+    };
+    auto first = wait();
+    auto shown = waiting();
+    ASSERT_TRUE(shown && spinUntil([&] { return shown->isVisible(); }));
+    spinFor(100);
+    EXPECT_TRUE(question->isActiveWindow());
+    first.end();
+    EXPECT_TRUE(spinUntil([&] { return !shown; }));
+    EXPECT_EQ(takenBack, 0) << "it is over, and was not taken back";
+
+    const auto second = wait();
+    shown = waiting();
+    ASSERT_TRUE(shown);
+    shown->buttons().front()->click();
+    EXPECT_TRUE(spinUntil([&] { return !shown; }));
+    EXPECT_EQ(takenBack, 1);
+    question->close();
+    EXPECT_TRUE(spinUntil([&] { return !question; }));
 }
 
 TEST_F(QtAlertsTest, withoutADisplayTheAnswerIsNoAndTheLogIsTold) {

@@ -5,6 +5,7 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 #include <atomic>
 #include <thread>
 
@@ -16,14 +17,22 @@ using testing::HasSubstr;
 
 using enum SystemAction;
 
+bool isTheLaunchersOwn(SystemAction action) {
+    return action == quitAll || action == forceQuitDialog || action == timeHomeHere ||
+           action == timeHomeClocks;
+}
+
 class LinuxSystemEffectsTest : public SystemFixture {
 protected:
-    void haveLogind() {
-        ASSERT_TRUE(services.own("org.freedesktop.login1"));
+    /// False on a bus that has one of its own.
+    [[nodiscard]] bool haveLogind() {
+        if (!services.own("org.freedesktop.login1"))
+            return false;
         for (const auto* method : {"CanReboot", "CanPowerOff", "CanSuspend"})
             services.answer(method, {QStringLiteral("yes")});
         services.answer("GetSession",
                         {QVariant::fromValue(QDBusObjectPath(QStringLiteral("/session/c7")))});
+        return true;
     }
 
     /// Until all is known.
@@ -43,7 +52,7 @@ protected:
 };
 
 TEST_F(LinuxSystemEffectsTest, powerIsLogindsToGive) {
-    haveLogind();
+    ASSERT_TRUE(haveLogind());
     for (const auto* method : {"Reboot", "PowerOff", "Suspend"})
         services.answer(method);
     services.answer("CanPowerOff", {QStringLiteral("challenge")});
@@ -64,7 +73,7 @@ TEST_F(LinuxSystemEffectsTest, powerIsLogindsToGive) {
 }
 
 TEST_F(LinuxSystemEffectsTest, saysBeforehandWhatLogindRefuses) {
-    haveLogind();
+    ASSERT_TRUE(haveLogind());
     services.answer("CanReboot", {QStringLiteral("no")});
     services.answer("CanSuspend", {QStringLiteral("na")});
     LinuxSystemEffects effects(doors());
@@ -80,7 +89,7 @@ TEST_F(LinuxSystemEffectsTest, saysBeforehandWhatLogindRefuses) {
 }
 
 TEST_F(LinuxSystemEffectsTest, waitsNoLongerThanItSays) {
-    haveLogind();
+    ASSERT_TRUE(haveLogind());
     services.hung["CanSuspend"] = true;
     services.hung["PowerOff"] = true;
     patience.probe = Seconds{.2};
@@ -105,9 +114,8 @@ TEST_F(LinuxSystemEffectsTest, withoutAnyBusOrProgramEachReasonIsAPhrase) {
     for (const auto action : allSystemActions) {
         const auto ability = effects.ability(action);
         SCOPED_TRACE(SystemActions::name(action));
-        const bool isAlwaysThere = action == emptyTrash || action == showTrash ||
-                                   action == quitAll || action == forceQuitDialog ||
-                                   action == timeHomeHere || action == timeHomeClocks;
+        const bool isAlwaysThere =
+            action == emptyTrash || action == showTrash || isTheLaunchersOwn(action);
         EXPECT_EQ(ability.available, isAlwaysThere);
         EXPECT_NE(ability.reason.empty(), !isAlwaysThere);
         EXPECT_FALSE(ability.reason.ends_with('.'));
@@ -134,6 +142,39 @@ TEST_F(LinuxSystemEffectsTest, aSystemBusThatHangsDelaysNothingElse) {
     EXPECT_THAT(ran, ElementsAre("xfce4-panel -r"));
     isOver = true;
     spinFor(20);
+}
+
+TEST_F(LinuxSystemEffectsTest, findsASystemBusThatGreetsLate) {
+    ASSERT_TRUE(haveLogind());
+    patience.lookAgain = Seconds{.05};
+    auto late = doors();
+    std::atomic<bool> greets = false;
+    late.systemBus = [&greets, bus = late.systemBus] {
+        return greets ? bus() : QDBusConnection(QString());
+    };
+    LinuxSystemEffects effects(std::move(late));
+    start(effects);
+    EXPECT_FALSE(effects.ability(restart).available);
+    greets = true;
+    EXPECT_TRUE(spinUntil([&] { return effects.ability(restart).available; }));
+}
+
+TEST_F(LinuxSystemEffectsTest, believesLogindThatItsSessionIsWaylands) {
+    ASSERT_TRUE(haveLogind());
+    environment.desktops = {"GNOME"};
+    environment.hasX11 = true;
+    install("pkill");
+    const auto canRestartShell = [&](const char* logindSays, const char* weWereTold) {
+        services.answer("Get", {QVariant::fromValue(QDBusVariant(QLatin1String(logindSays)))});
+        auto told = doors();
+        told.sessionType = weWereTold;
+        LinuxSystemEffects effects(std::move(told));
+        start(effects);
+        return effects.ability(restartDock).available;
+    };
+    EXPECT_TRUE(canRestartShell("x11", "x11"));
+    EXPECT_FALSE(canRestartShell("wayland", "x11"));
+    EXPECT_FALSE(canRestartShell("tty", "tty"));
 }
 
 TEST_F(LinuxSystemEffectsTest, asksGSettingsWhatThereIs) {

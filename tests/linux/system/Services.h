@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <functional>
 #include <map>
@@ -55,7 +56,7 @@ public:
                            message.interface().section(QLatin1Char('.'), -1).toStdString() + "." +
                            method + "(";
         for (const auto& value : message.arguments())
-            call += (call.back() == '(' ? "" : ",") + value.toString().toStdString();
+            call += (call.back() == '(' ? "" : ",") + printed(value);
         calls.push_back(call + ")");
         if (hung.contains(method))
             return true;
@@ -82,6 +83,16 @@ public:
     std::vector<std::string> calls;   ///< "/path Interface.Method(values)"
 
 private:
+    /// Types that a service tells apart look different.
+    static std::string printed(const QVariant& value) {
+        if (value.userType() == qMetaTypeId<QDBusVariant>())
+            return "<" + printed(value.value<QDBusVariant>().variant()) + ">";
+        const auto text = value.toString().toStdString();
+        if (value.userType() == QMetaType::UInt)
+            return text + "u";
+        return value.userType() == QMetaType::QString && text.empty() ? "\"\"" : text;
+    }
+
     std::vector<QString> names_;
     QDBusConnection bus_ =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("services"));

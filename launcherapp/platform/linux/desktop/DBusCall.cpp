@@ -8,14 +8,12 @@
 
 namespace tessarine {
 
-namespace {
-
-std::string inWords(const QDBusMessage& error) {
-    return (error.errorMessage().isEmpty() ? error.errorName() : error.errorMessage())
+std::optional<std::string> busProblem(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ErrorMessage)
+        return std::nullopt;
+    return (reply.errorMessage().isEmpty() ? reply.errorName() : reply.errorMessage())
         .toStdString();
 }
-
-} // namespace
 
 void askBus(const QDBusConnection& bus,
             const QDBusMessage& message,
@@ -38,8 +36,7 @@ void callBus(const QDBusConnection& bus,
              Seconds timeout,
              std::function<void(std::optional<std::string> problem)> done) {
     askBus(bus, message, timeout, [done = std::move(done)](const QDBusMessage& reply) {
-        done(reply.type() == QDBusMessage::ErrorMessage ? std::optional(inWords(reply))
-                                                        : std::nullopt);
+        done(busProblem(reply));
     });
 }
 

@@ -11,6 +11,9 @@ class QDBusMessage;
 
 namespace tessarine {
 
+/// Why a call failed, in words; nothing for a reply that is no error.
+std::optional<std::string> busProblem(const QDBusMessage& reply);
+
 /// Sends a call and gives what comes back, an error too; `done` is called once, later, on the main
 /// thread, at the latest after `timeout`.
 void askBus(const QDBusConnection& bus,

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 #include <memory>
@@ -51,7 +52,15 @@ void QtAlerts::ask(const AlertQuestion& question, std::function<void(bool confir
     auto* confirm =
         box->addButton(QString::fromStdString(question.confirm), QMessageBox::AcceptRole);
     auto* cancel = box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    confirm->setAutoDefault(false); // else it would be Return's as soon as it has the focus
+    // Return is Cancel's, until the user goes to the button by a key: the Return that chose the
+    // action may be repeating still.
+    confirm->setAutoDefault(false);
+    QObject::connect(qApp, &QApplication::focusChanged, confirm, [confirm](QWidget*, QWidget* now) {
+        if (now == confirm) {
+            confirm->setAutoDefault(true);
+            confirm->setDefault(true);
+        }
+    });
     box->setDefaultButton(cancel);
     box->setEscapeButton(cancel);
     QObject::connect(
@@ -69,6 +78,25 @@ void QtAlerts::tell(const std::string& title, const std::string& text) {
     auto* box = makeBox(QMessageBox::Warning, title, text);
     box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
     bringUp(*box);
+}
+
+Subscription
+QtAlerts::wait(const std::string& title, const std::string& text, std::function<void()> takenBack) {
+    if (!hasWindows())
+        return {};
+    auto* box = makeBox(QMessageBox::Information, title, text);
+    box->setAttribute(Qt::WA_ShowWithoutActivating);
+    box->setEscapeButton(box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole));
+    QObject::connect(
+        box, &QDialog::finished, box, [takenBack = std::move(takenBack)](int) { takenBack(); });
+    box->show();
+    box->raise();
+    return Subscription([shown = QPointer<QMessageBox>(box)] {
+        if (!shown)
+            return;
+        shown->disconnect(SIGNAL(finished(int)));
+        shown->close();
+    });
 }
 
 } // namespace tessarine

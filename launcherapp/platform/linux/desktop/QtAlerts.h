@@ -19,9 +19,13 @@ public:
 
     explicit QtAlerts(Log log);
 
-    /// Return and Escape both leave it undone: only the button itself does it.
+    /// Return and Escape both leave it undone: only the button itself does it, clicked or pressed
+    /// once the user has gone to it.
     void ask(const AlertQuestion& question, std::function<void(bool confirmed)> answered) override;
     void tell(const std::string& title, const std::string& text) override;
+    Subscription wait(const std::string& title,
+                      const std::string& text,
+                      std::function<void()> takenBack) override;
 
 private:
     Log log_;

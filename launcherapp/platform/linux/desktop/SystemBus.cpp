@@ -28,7 +28,11 @@ QDBusConnection systemBus(const QString& name, std::chrono::milliseconds patienc
         "DBUS_SYSTEM_BUS_ADDRESS", QStringLiteral("unix:path=/run/dbus/system_bus_socket"));
     if (!busAnswers(address, patience))
         return QDBusConnection(QString());
-    return QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
+    auto bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
+    // Qt gives the same broken connection again for a name that it has kept.
+    if (!bus.isConnected())
+        QDBusConnection::disconnectFromBus(name);
+    return bus;
 }
 
 } // namespace tessarine

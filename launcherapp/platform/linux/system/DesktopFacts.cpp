@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tessarine {
 
@@ -65,6 +66,7 @@ constexpr auto toolNames = std::to_array<const char*>({
     "slurp",
     "wl-copy",
     "grimshot",
+    "swaymsg",
     // Shells and what talks to them.
     "systemctl",
     "plasmashell",
@@ -92,6 +94,20 @@ bool isExecutable(const std::string& path) {
 }
 
 } // namespace
+
+LogindAnswer logindAnswer(std::string_view word) {
+    constexpr auto known = std::to_array<std::pair<std::string_view, LogindAnswer>>({
+        {"yes", LogindAnswer::yes},
+        {"challenge", LogindAnswer::challenge},
+        {"no", LogindAnswer::no},
+        {"na", LogindAnswer::unable},
+    });
+    for (const auto& [name, answer] : known) {
+        if (name == word)
+            return answer;
+    }
+    return LogindAnswer::unknown;
+}
 
 DesktopKind DesktopFacts::kind() const {
     const auto* const desktop = known(desktops);

@@ -14,22 +14,33 @@ namespace tessarine {
 /// The desktops whose own ways are known.
 enum class DesktopKind { gnome, budgie, kde, xfce, cinnamon, mate, lxqt, pantheon, other };
 
+/// Whether this user may do something to the machine.
+enum class LogindAnswer {
+    unknown, ///< not answered, or in a word of a later logind
+    yes,
+    challenge, ///< after a password
+    no,        ///< not this user
+    unable,    ///< not this machine
+};
+
+/// From logind's own word: "yes", "challenge", "no", "na".
+LogindAnswer logindAnswer(std::string_view word);
+
 /// What logind says it can do for this user.
 struct LogindFacts {
-    // "yes", "challenge" (after a password), "no" (not this user), "na" (not this machine).
-    std::string canRestart;
-    std::string canPowerOff;
-    std::string canSleep;
+    LogindAnswer canRestart = LogindAnswer::unknown;
+    LogindAnswer canPowerOff = LogindAnswer::unknown;
+    LogindAnswer canSleep = LogindAnswer::unknown;
     std::optional<std::string> session; ///< object path of our own
-
-    bool operator==(const LogindFacts&) const = default;
 };
 
 /// What this desktop was found to have. Every ability is decided from these alone. A value.
 struct DesktopFacts {
     std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
-    bool hasX11 = false;
-    bool hasWayland = false;
+    bool hasX11 = false;               ///< DISPLAY is set
+    bool hasWayland = false;           ///< WAYLAND_DISPLAY is set
+    /// What XDG_SESSION_TYPE and logind call the session: "x11", "wayland", "tty".
+    std::set<std::string> sessionTypes;
     std::string folderOpener;                    ///< see SystemDoors
     std::map<std::string, std::string> programs; ///< of those that matter here: path by name
     std::set<std::string> running;               ///< names of the user's processes, cut to 15 bytes
@@ -40,17 +51,24 @@ struct DesktopFacts {
     std::optional<LogindFacts> logind; ///< nothing when there is none
     bool hasUDisks = false;
 
-    bool operator==(const DesktopFacts&) const = default;
-
     DesktopKind kind() const;
 
     /// As its users call it; "this desktop" for one that isn't known.
     std::string desktopName() const;
 
-    /// X11 is what draws here, and no Wayland compositor's stand-in for it.
-    bool isPlainX11() const { return hasX11 && !hasWayland; }
+    /// Whether anything says that a Wayland compositor draws here. A program that was kept off it
+    /// has no WAYLAND_DISPLAY, but its X server is one that the compositor has started.
+    bool isWayland() const {
+        return hasWayland || sessionTypes.contains("wayland") || running.contains("Xwayland");
+    }
 
-    /// What starts a program that is there, by its path.
+    /// X11 is what draws here, and no Wayland compositor's stand-in for it.
+    bool isPlainX11() const { return hasX11 && !isWayland(); }
+
+    /// The same where somebody has said so too: for what would end a Wayland session.
+    bool isSurelyX11() const { return isPlainX11() && sessionTypes.contains("x11"); }
+
+    /// What starts a program, by its path; it must be there.
     std::vector<std::string> commandLine(std::string_view name,
                                          std::vector<std::string> options) const;
 

@@ -1,8 +1,10 @@
 #include "launcherapp/platform/linux/system/DesktopProbe.h"
 
 #include "launcherapp/platform/linux/desktop/DBusCall.h"
+#include "launcherapp/platform/linux/system/BusTargets.h"
 
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -14,15 +16,6 @@
 namespace tessarine {
 
 namespace {
-
-constexpr Seconds oldAfter{60};
-
-constexpr BusTarget theBus{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus"};
-constexpr BusTarget logind{
-    "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager"};
-constexpr BusTarget portal{"org.freedesktop.portal.Desktop",
-                           "/org/freedesktop/portal/desktop",
-                           "org.freedesktop.DBus.Properties"};
 
 bool isAnswer(const QDBusMessage& reply) {
     return reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty();
@@ -50,6 +43,8 @@ DesktopProbe::DesktopProbe(std::shared_ptr<const SystemDoors> doors, std::functi
     context_.facts.desktops = environment.desktops;
     context_.facts.hasX11 = environment.hasX11;
     context_.facts.hasWayland = environment.hasWayland;
+    if (const auto& type = context_.doors->sessionType)
+        context_.facts.sessionTypes.insert(*type);
 }
 
 void DesktopProbe::start() {
@@ -72,11 +67,14 @@ void DesktopProbe::start() {
 }
 
 void DesktopProbe::lookAgain() {
-    if (!isFirstOver_ || context_.doors->queue.uptime() - lastLook_ < oldAfter)
+    if (!isFirstOver_ ||
+        context_.doors->queue.uptime() - lastLook_ < context_.doors->patience.lookAgain)
         return;
     look();
     if (context_.system)
         lookAtSystem();
+    else
+        connectToSystem();
 }
 
 void DesktopProbe::finish() {
@@ -147,21 +145,25 @@ void DesktopProbe::lookAtSession() {
     if (context_.facts.portalTakesPictures)
         return;
     // A portal has this interface where the desktop has given it what takes pictures.
-    const QVariantList version{QStringLiteral("org.freedesktop.portal.Screenshot"),
-                               QStringLiteral("version")};
-    ask(bus, portal.call("Get", version), [](DesktopProbe& probe, const QDBusMessage& reply) {
-        probe.context_.facts.portalTakesPictures = isAnswer(reply);
-    });
+    askProperty(bus,
+                BusTargets::portalScreenshot,
+                "version",
+                [](DesktopProbe& probe, const QDBusMessage& reply) {
+                    probe.context_.facts.portalTakesPictures = isAnswer(reply);
+                });
 }
 
 /// Where it never greets, only that thread waits.
 void DesktopProbe::connectToSystem() {
+    if (std::exchange(isConnecting_, true))
+        return;
     begin();
     context_.doors->work.runApart(context_.doors->systemBus,
                                   [weak = weak_from_this()](const QDBusConnection& system) {
                                       const auto self = weak.lock();
                                       if (!self)
                                           return;
+                                      self->isConnecting_ = false;
                                       if (system.isConnected()) {
                                           self->context_.system = system;
                                           self->lookAtSystem();
@@ -180,13 +182,13 @@ void DesktopProbe::lookAtSystem() {
 }
 
 void DesktopProbe::askLogind() {
-    const auto note = [this](const char* method, std::string LogindFacts::*fact) {
+    const auto note = [this](const char* method, LogindAnswer LogindFacts::*fact) {
         ask(*context_.system,
-            logind.call(method),
+            BusTargets::logind.call(method),
             [fact](DesktopProbe& probe, const QDBusMessage& reply) {
                 if (isAnswer(reply))
                     logindOf(probe.context_.facts).*fact =
-                        reply.arguments().constFirst().toString().toStdString();
+                        logindAnswer(reply.arguments().constFirst().toString().toStdString());
             });
     };
     note("CanReboot", &LogindFacts::canRestart);
@@ -208,13 +210,36 @@ void DesktopProbe::askForSession(const char* method,
                                  const QVariant& value,
                                  std::function<void()> otherwise) {
     ask(*context_.system,
-        logind.call(method, {value}),
+        BusTargets::logind.call(method, {value}),
         [otherwise = std::move(otherwise)](DesktopProbe& probe, const QDBusMessage& reply) {
             if (!isAnswer(reply))
                 return otherwise();
             logindOf(probe.context_.facts).session =
                 reply.arguments().constFirst().value<QDBusObjectPath>().path().toStdString();
+            probe.askForSessionType();
         });
+}
+
+void DesktopProbe::askForSessionType() {
+    const auto path = *context_.facts.logind->session;
+    askProperty(*context_.system,
+                BusTargets::logindSession(path.c_str()),
+                "Type",
+                [](DesktopProbe& probe, const QDBusMessage& reply) {
+                    const auto type = reply.arguments().value(0).value<QDBusVariant>().variant();
+                    if (isAnswer(reply))
+                        probe.context_.facts.sessionTypes.insert(type.toString().toStdString());
+                });
+}
+
+void DesktopProbe::askProperty(const QDBusConnection& bus,
+                               const BusTarget& target,
+                               const char* property,
+                               Answer answer) {
+    ask(bus,
+        BusTargets::propertiesOf(target).call(
+            "Get", {QLatin1String(target.interface), QLatin1String(property)}),
+        std::move(answer));
 }
 
 void DesktopProbe::ask(const QDBusConnection& bus, const QDBusMessage& question, Answer answer) {
@@ -235,7 +260,7 @@ void DesktopProbe::askNames(
     const char* method,
     std::function<void(DesktopFacts& facts, std::set<std::string> names)> note) {
     ask(bus,
-        theBus.call(method),
+        BusTargets::bus.call(method),
         [note = std::move(note)](DesktopProbe& probe, const QDBusMessage& reply) {
             std::set<std::string> names;
             for (const auto& name : reply.arguments().value(0).toStringList())

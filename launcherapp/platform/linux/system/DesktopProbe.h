@@ -20,8 +20,9 @@ public:
     /// Connects and looks. Once.
     void start();
 
-    /// Looks again, if the last look is a minute old: a locker may have been started or installed
-    /// since. Cheap enough for every row that asks.
+    /// Looks again, if the last look is `SystemPatience::lookAgain` old: a locker may have been
+    /// started or installed since, and the system's bus may greet now. Cheap enough for every row
+    /// that asks.
     void lookAgain();
 
     const EffectContext& context() const { return context_; }
@@ -38,7 +39,12 @@ private:
     void askLogind();
     void findSession();
     void askForSession(const char* method, const QVariant& value, std::function<void()> otherwise);
+    void askForSessionType();
     void ask(const QDBusConnection& bus, const QDBusMessage& question, Answer answer);
+    void askProperty(const QDBusConnection& bus,
+                     const BusTarget& target,
+                     const char* property,
+                     Answer answer);
     void askNames(const QDBusConnection& bus,
                   const char* method,
                   std::function<void(DesktopFacts& facts, std::set<std::string> names)> note);
@@ -49,8 +55,9 @@ private:
 
     EffectContext context_;
     std::function<void()> found_;
-    int waiting_ = 0;          ///< for so many answers
-    bool isFirstOver_ = false; ///< it has been told once what was found
+    bool isConnecting_ = false; ///< to the system's bus
+    int waiting_ = 0;           ///< for so many answers
+    bool isFirstOver_ = false;  ///< it has been told once what was found
     Seconds lastLook_{0};
 };
 

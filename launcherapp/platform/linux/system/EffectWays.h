@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/Ability.h"
+#include "launcherapp/platform/SystemEffects.h"
 #include "launcherapp/platform/linux/system/DesktopFacts.h"
 #include "launcherapp/platform/linux/system/SystemDoors.h"
 
@@ -17,10 +18,18 @@ namespace tessarine {
 /// Does something; the answer may come after everything else here has gone.
 using EffectWay = std::function<void(EffectDone done)>;
 
+/// A call on a bus whose answer holds nothing.
+struct BusCall {
+    QDBusConnection bus;
+    QDBusMessage message;
+    Seconds timeout;
+};
+
 /// One action on this desktop: a way, or why there is none.
 struct Effect {
     Ability ability;
     EffectWay perform; ///< empty when it is missing
+    EffectManner manner = {};
 
     static Effect by(EffectWay way) { return {.ability = {}, .perform = std::move(way)}; }
 
@@ -28,7 +37,9 @@ struct Effect {
         return {.ability = Ability::missing(std::move(why)), .perform = {}};
     }
 
-    /// The ways in turn until one works, or why there is none.
+    /// As `EffectWays::firstOf`, or why there is none.
+    static Effect
+    byFirst(std::vector<BusCall> calls, std::vector<EffectWay> ways, std::string whyNone);
     static Effect byFirst(std::vector<EffectWay> ways, std::string whyNone);
 };
 
@@ -60,26 +71,33 @@ struct ProgramAnswer {
     std::string output; ///< without the white space around it
 };
 
-/// Starts a program, by its path, and gives how it ended; what takes longer than `limit` is ended.
+/// Starts a program, by its path, for what it prints to its standard output; its warnings are
+/// dropped. What takes longer than `limit` is ended.
 void readProgram(const Doors& doors,
                  std::vector<std::string> arguments,
                  Seconds limit,
                  std::function<void(ProgramAnswer answer)> done);
 
-/// The same with an answer that doesn't matter.
+/// The same for what it does: `done` has its first words, errors too, when it fails.
 EffectWay program(const Doors& doors, std::vector<std::string> arguments, Seconds limit);
 
 /// A program that stays: starting it is all there is to wait for.
 EffectWay detached(const Doors& doors, std::vector<std::string> arguments);
 
-/// A call whose answer doesn't matter; nothing on the bus is started for it unless it may be.
+/// A call whose answer doesn't matter.
 EffectWay call(const QDBusConnection& bus, QDBusMessage message, Seconds timeout);
 
-/// Each in turn until one works; with the last one's problem when none does.
+/// The calls in turn until one isn't refused, then the ways until one works; with the last one's
+/// problem when none does. A call that nobody answers in time may be carried out yet, so that its
+/// problem ends it too.
+EffectWay firstOf(std::vector<BusCall> calls, std::vector<EffectWay> ways);
 EffectWay firstOf(std::vector<EffectWay> ways);
 
 /// Each in turn; the first problem ends it.
 EffectWay allOf(std::vector<EffectWay> ways);
+
+/// The way, for which a problem that tells of the user's change of mind is none.
+EffectWay forgivingCancel(EffectWay way);
 
 /// The way, a while later.
 EffectWay after(const Doors& doors, Seconds delay, EffectWay way);

@@ -10,20 +10,15 @@
 #include "launcherapp/platform/linux/system/screen/Screenshots.h"
 #include "launcherapp/platform/linux/system/session/LogindPower.h"
 #include "launcherapp/platform/linux/system/session/SessionEffects.h"
+#include "launcherapp/platform/linux/system/session/SessionEnd.h"
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 
 namespace tessarine {
 
 namespace {
-
-/// The launcher's own, which it answers without the desktop.
-Effect answeredElsewhere(const EffectContext& context) {
-    return Effect::by([doors = context.doors](EffectDone done) {
-        doors->queue.post([done = std::move(done)] { done("the desktop has no part in this"); });
-    });
-}
 
 Effect noWispr(const EffectContext&) {
     return Effect::missing("there is no Wispr Flow for Linux");
@@ -31,7 +26,7 @@ Effect noWispr(const EffectContext&) {
 
 struct Row {
     SystemAction action;
-    Effect (*effect)(const EffectContext& context);
+    Effect (*effect)(const EffectContext& context); ///< null for one that the launcher does itself
 };
 
 constexpr auto table = std::to_array<Row>({
@@ -40,27 +35,27 @@ constexpr auto table = std::to_array<Row>({
     {SystemAction::sleep, LogindPower::sleep},
     {SystemAction::emptyTrash, TrashEffects::empty},
     {SystemAction::toggleDarkMode, AppearanceSetting::toggle},
-    {SystemAction::restart, LogindPower::restart},
-    {SystemAction::shutDown, LogindPower::powerOff},
-    {SystemAction::logOut, SessionEffects::logOut},
-    {SystemAction::quitAll, answeredElsewhere},
+    {SystemAction::restart, SessionEnd::askingRestart},
+    {SystemAction::shutDown, SessionEnd::askingShutDown},
+    {SystemAction::logOut, SessionEnd::askingLogOut},
+    {SystemAction::quitAll, nullptr},
     {SystemAction::sleepDisplays, ScreenEffects::sleepDisplays},
     {SystemAction::screenSaver, ScreenEffects::startScreenSaver},
     {SystemAction::showTrash, TrashEffects::show},
     {SystemAction::toggleHiddenFiles, FileManagerEffects::toggleHiddenFiles},
-    {SystemAction::forceQuitDialog, answeredElsewhere},
+    {SystemAction::forceQuitDialog, nullptr},
     {SystemAction::restartFinder, FileManagerEffects::restart},
     {SystemAction::restartDock, SessionEffects::restartShell},
     {SystemAction::screenshotSelection, Screenshots::selection},
     {SystemAction::screenshotWindow, Screenshots::window},
     {SystemAction::restartImmediately, LogindPower::restart},
     {SystemAction::shutDownImmediately, LogindPower::powerOff},
-    {SystemAction::logOutImmediately, SessionEffects::logOut},
+    {SystemAction::logOutImmediately, SessionEnd::logOut},
     {SystemAction::darkMode, AppearanceSetting::dark},
     {SystemAction::lightMode, AppearanceSetting::light},
     {SystemAction::autoAppearance, AppearanceSetting::automatic},
-    {SystemAction::timeHomeHere, answeredElsewhere},
-    {SystemAction::timeHomeClocks, answeredElsewhere},
+    {SystemAction::timeHomeHere, nullptr},
+    {SystemAction::timeHomeClocks, nullptr},
     {SystemAction::fixWispr, noWispr},
 });
 
@@ -74,10 +69,16 @@ constexpr bool isWhole() {
 
 static_assert(isWhole(), "an action's place in the table is its value");
 
+std::size_t placeOf(SystemAction action) {
+    return static_cast<std::size_t>(action);
+}
+
 } // namespace
 
 Effect effectOf(SystemAction action, const EffectContext& context) {
-    return table[static_cast<std::size_t>(action)].effect(context);
+    auto* const effect = table[placeOf(action)].effect;
+    assert(effect && "the launcher does this one by itself");
+    return effect ? effect(context) : Effect{};
 }
 
 LinuxSystemEffects::LinuxSystemEffects(SystemDoors doors)
@@ -93,8 +94,11 @@ void LinuxSystemEffects::start() {
 
 Ability LinuxSystemEffects::ability(SystemAction action) const {
     probe_->lookAgain();
-    const auto found = effects_.find(action);
-    return found == effects_.end() ? Ability{} : found->second.ability;
+    return effects_.empty() ? Ability{} : effects_[placeOf(action)].ability;
+}
+
+EffectManner LinuxSystemEffects::manner(SystemAction action) const {
+    return effects_.empty() ? EffectManner{} : effects_[placeOf(action)].manner;
 }
 
 Subscription LinuxSystemEffects::onChange(std::function<void()> changed) {
@@ -103,24 +107,28 @@ Subscription LinuxSystemEffects::onChange(std::function<void()> changed) {
 
 void LinuxSystemEffects::perform(SystemAction action, EffectDone done) {
     requireMainThread(doors_->queue);
-    const auto found = effects_.find(action);
-    if (found == effects_.end()) {
+    assert(table[placeOf(action)].effect && "the launcher does this one by itself");
+    if (effects_.empty()) {
         waiting_.emplace_back(action, std::move(done));
         return;
     }
-    if (const auto way = found->second.perform) {
+    const auto& effect = effects_[placeOf(action)];
+    if (const auto way = effect.perform) {
         way(std::move(done));
         return;
     }
-    doors_->queue.post([done = std::move(done), why = found->second.ability.reason] { done(why); });
+    doors_->queue.post([done = std::move(done), why = effect.ability.reason] { done(why); });
 }
 
 void LinuxSystemEffects::found() {
+    effects_.resize(table.size());
     bool isOther = false;
-    for (const auto action : allSystemActions) {
-        auto effect = effectOf(action, probe_->context());
-        isOther |= effect.ability != ability(action);
-        effects_[action] = std::move(effect);
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (!table[i].effect)
+            continue;
+        auto effect = effectOf(table[i].action, probe_->context());
+        isOther |= effect.ability != effects_[i].ability || effect.manner != effects_[i].manner;
+        effects_[i] = std::move(effect);
     }
     for (auto& [action, done] : std::exchange(waiting_, {}))
         perform(action, std::move(done));

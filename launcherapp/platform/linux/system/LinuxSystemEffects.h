@@ -4,7 +4,6 @@
 #include "launcherapp/platform/SystemEffects.h"
 #include "launcherapp/platform/linux/system/SystemDoors.h"
 
-#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -26,6 +25,7 @@ public:
 
     void start() override;
     Ability ability(SystemAction action) const override;
+    EffectManner manner(SystemAction action) const override;
     Subscription onChange(std::function<void()> changed) override;
     void perform(SystemAction action, EffectDone done) override;
 
@@ -34,12 +34,13 @@ private:
 
     std::shared_ptr<const SystemDoors> doors_;
     std::shared_ptr<DesktopProbe> probe_;
-    std::map<SystemAction, Effect> effects_; ///< empty until the desktop is known
+    std::vector<Effect> effects_; ///< by the action's value; empty until the desktop is known
     std::vector<std::pair<SystemAction, EffectDone>> waiting_;
     Observers<> observers_;
 };
 
-/// What an action does on a desktop of which this is known. Pure but for the ways in it.
+/// What an action does on a desktop of which this is known; the action is none of those that the
+/// launcher does by itself. Making it asks and starts nothing.
 Effect effectOf(SystemAction action, const EffectContext& context);
 
 } // namespace tessarine

@@ -27,6 +27,7 @@ struct SystemPatience {
     Seconds probe{10};      ///< until what has not answered counts as not there
     Seconds systemBus{30};  ///< the greeting of a bus that is busy with the user's login
     Seconds keyRelease{.5}; ///< until Return is up again, which would wake the screen
+    Seconds lookAgain{60};  ///< how old what was found may be before it is looked for again
 };
 
 /// What the machine's actions work through. Nothing of the machine is reached in another way, so
@@ -63,6 +64,7 @@ struct SystemDoors {
     unsigned user = 0;     ///< whose trash and drives they are
     std::string sessionID; ///< XDG_SESSION_ID; may be empty
     SystemPatience patience;
+    std::optional<std::string> sessionType; ///< XDG_SESSION_TYPE
 };
 
 } // namespace tessarine

@@ -1,5 +1,7 @@
 #include "launcherapp/platform/linux/system/screen/AppearanceSetting.h"
 
+#include "launcherapp/platform/linux/system/BusTargets.h"
+
 #include <fmt/format.h>
 
 #include <string>
@@ -55,11 +57,12 @@ Found settingOf(const DesktopFacts& facts) {
     case DesktopKind::xfce:
     case DesktopKind::mate:
     case DesktopKind::lxqt:
-    case DesktopKind::pantheon:
         return fmt::format("{} has no such setting for other programs to change",
                            facts.desktopName());
+    case DesktopKind::pantheon:
+        return fmt::format("it is not known how {} sets it", facts.desktopName());
     case DesktopKind::other:
-        if (!facts.answers("org.freedesktop.portal.Desktop"))
+        if (!facts.answers(BusTargets::portalScreenshot.service))
             return "no settings portal passes it on to programs here";
         return byGSettings(facts, gnomeSchema, "prefer-light");
     }
@@ -79,7 +82,7 @@ Effect to(const EffectContext& context, std::vector<std::string> Setting::*schem
 
 EffectWay toggling(const EffectWays::Doors& doors, Setting setting) {
     return [doors, setting = std::move(setting)](EffectDone done) {
-        const auto turn = [doors, setting, done = std::move(done)](bool isDark) {
+        const auto turn = [doors, setting, done](bool isDark) {
             write(doors, isDark ? setting.light : setting.dark)(done);
         };
         if (setting.read.empty())
@@ -87,8 +90,11 @@ EffectWay toggling(const EffectWays::Doors& doors, Setting setting) {
         EffectWays::readProgram(doors,
                                 setting.read,
                                 doors->patience.question,
-                                [turn](const EffectWays::ProgramAnswer& answer) {
-                                    turn(answer.output == "'prefer-dark'");
+                                [turn, done](const EffectWays::ProgramAnswer& answer) {
+                                    if (answer.problem)
+                                        done(answer.problem);
+                                    else
+                                        turn(answer.output == "'prefer-dark'");
                                 });
     };
 }

@@ -11,7 +11,8 @@ Effect light(const EffectContext& context);
 /// To whichever it is not now.
 Effect toggle(const EffectContext& context);
 
-/// With the time of day.
+/// With the time of day; missing everywhere, as each desktop that has it keeps its switch to
+/// itself.
 Effect automatic(const EffectContext& context);
 
 } // namespace tessarine::AppearanceSetting

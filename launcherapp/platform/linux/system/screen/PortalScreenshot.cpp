@@ -2,11 +2,13 @@
 
 #include "LauncherCore/text/Urls.h"
 #include "launcherapp/platform/linux/desktop/DBusCall.h"
+#include "launcherapp/platform/linux/system/BusTargets.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QObject>
 #include <QPointer>
+#include <QRandomGenerator>
 #include <QVariantMap>
 #include <utility>
 
@@ -14,16 +16,14 @@ namespace tessarine {
 
 namespace {
 
-constexpr BusTarget portal{"org.freedesktop.portal.Desktop",
-                           "/org/freedesktop/portal/desktop",
-                           "org.freedesktop.portal.Screenshot"};
+constexpr auto requestInterface = "org.freedesktop.portal.Request";
 
 /// Of a portal's request: done, taken back by the user, or anything else.
 enum class Response : unsigned { done = 0, cancelled = 1 };
 
+/// No other program can guess it, nor an earlier request of ours have it.
 QString newToken() {
-    static int made = 0;
-    return QStringLiteral("tessarine%1").arg(++made);
+    return QStringLiteral("tessarine%1").arg(QRandomGenerator::system()->generate64(), 0, 16);
 }
 
 /// XDG Desktop Portal, "Request": so the answer can be listened to before the question is sent.
@@ -48,29 +48,35 @@ public:
         path_ = requestPath(bus_, token);
         bus_.connect(QString(),
                      path_,
-                     QStringLiteral("org.freedesktop.portal.Request"),
+                     QLatin1String(requestInterface),
                      QStringLiteral("Response"),
                      this,
                      SLOT(responded(QDBusMessage)));
         const QVariantMap options{{QStringLiteral("handle_token"), token},
                                   {QStringLiteral("interactive"), true}};
         // The answer to the call is only that the question was taken; the user's comes later.
-        callBus(bus_,
-                portal.call("Screenshot", {QString(), options}),
-                doors_->patience.act,
-                [self = QPointer(this)](std::optional<std::string> problem) {
-                    if (self && problem)
-                        self->end(std::move(problem));
-                });
+        askBus(bus_,
+               BusTargets::portalScreenshot.call("Screenshot", {QString(), options}),
+               doors_->patience.act,
+               [self = QPointer(this)](const QDBusMessage& reply) {
+                   if (!self)
+                       return;
+                   if (auto problem = busProblem(reply))
+                       return self->end(std::move(problem));
+                   self->portal_ = reply.service();
+               });
         doors_->queue.postAfter(doors_->patience.user, [self = QPointer(this)] {
             if (self)
-                self->end("the desktop portal did not answer");
+                self->giveUp();
         });
     }
 
 private Q_SLOTS:
 
     void responded(const QDBusMessage& message) {
+        // The portal answers the call first, and whoever else sends this is no portal.
+        if (message.service() != portal_)
+            return;
         const auto values = message.arguments();
         if (message.signature() != QLatin1String("ua{sv}"))
             return end("the desktop portal gave an answer that can't be read");
@@ -89,6 +95,15 @@ private Q_SLOTS:
     }
 
 private:
+    /// Its window would stay, and what is chosen in it later would go nowhere.
+    void giveUp() {
+        const auto path = path_.toUtf8();
+        const BusTarget request{
+            BusTargets::portalScreenshot.service, path.constData(), requestInterface};
+        callBus(bus_, request.call("Close"), doors_->patience.question, [](const auto&) {});
+        end("the desktop portal did not answer");
+    }
+
     void end(std::optional<std::string> problem) {
         if (const auto done = std::exchange(done_, nullptr))
             done(std::move(problem));
@@ -99,6 +114,7 @@ private:
     QDBusConnection bus_;
     EffectDone done_;
     QString path_;
+    QString portal_; ///< its own name on the bus, once it has answered
 };
 
 EffectWay PortalScreenshot::way(const EffectWays::Doors& doors, const QDBusConnection& bus) {

@@ -45,7 +45,7 @@ std::string whyDisplaysStayOn(const DesktopFacts& facts) {
         return "xset, which turns screens off, is not installed";
     if (facts.kind() == DesktopKind::kde)
         return "kscreen-doctor, which turns screens off, is not installed";
-    if (!facts.hasWayland)
+    if (!facts.isWayland())
         return "there is no screen";
     // Wayland compositors of the wlroots kind turn screens off at a command, but no key wakes them.
     return "no way is known here that a key would undo";
@@ -63,13 +63,9 @@ Effect ScreenEffects::sleepDisplays(const EffectContext& context) {
 
 Effect ScreenEffects::startScreenSaver(const EffectContext& context) {
     const auto& facts = context.facts;
+    auto calls = ScreenSavers::calls(
+        context, &ScreenSavers::Saver::activate, context.doors->patience.question);
     std::vector<EffectWay> ways;
-    for (const auto& saver : ScreenSavers::present(facts)) {
-        if (context.session)
-            ways.push_back(EffectWays::call(*context.session,
-                                            saver.call("SetActive", {true}),
-                                            context.doors->patience.question));
-    }
     const auto add = [&](const char* program, std::vector<std::string> options) {
         ways.push_back(EffectWays::program(context.doors,
                                            facts.commandLine(program, std::move(options)),
@@ -79,10 +75,11 @@ Effect ScreenEffects::startScreenSaver(const EffectContext& context) {
         add("xscreensaver-command", {"-activate"});
     if (facts.isPlainX11() && facts.hasProgram("xset"))
         add("xset", {"s", "activate"}); // the X server's own
-    if (ways.empty())
+    if (calls.empty() && ways.empty())
         return Effect::missing("no screen saver runs here");
-    return Effect::by(EffectWays::after(
-        context.doors, context.doors->patience.keyRelease, EffectWays::firstOf(std::move(ways))));
+    return Effect::by(EffectWays::after(context.doors,
+                                        context.doors->patience.keyRelease,
+                                        EffectWays::firstOf(std::move(calls), std::move(ways))));
 }
 
 } // namespace tessarine

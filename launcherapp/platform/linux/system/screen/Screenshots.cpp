@@ -4,10 +4,12 @@
 
 #include <fmt/format.h>
 
-#include <array>
+#include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <random>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -18,35 +20,48 @@ namespace {
 
 enum class Wanted { selection, window };
 
-/// A program that puts the picture into the clipboard by itself.
+/// A desktop's own program, which puts the picture into the clipboard by itself.
 struct ClipboardTool {
     const char* program;
     std::vector<std::string> selection;
     std::vector<std::string> window;
-
-    bool onlyOn(DesktopKind here) const { return !desktop || *desktop == here; }
-
-    std::optional<DesktopKind> desktop; ///< nothing: wherever it is installed
+    std::vector<DesktopKind> desktops;
+    const char* windowLine; ///< which window it takes, as none of them lets one be clicked
 };
 
-/// Spectacle takes the window below the pointer, the other desktops' programs the active one: none
-/// of them lets a window be clicked.
+constexpr auto inFront = "Takes the window in front at once; its picture goes to your clipboard";
+
 std::vector<ClipboardTool> clipboardTools() {
+    using enum DesktopKind;
     return {
         {.program = "spectacle",
          .selection = {"-r", "-b", "-n", "-c"},
          .window = {"-u", "-b", "-n", "-c"},
-         .desktop = DesktopKind::kde},
+         .desktops = {kde},
+         .windowLine =
+             "Takes the window below the pointer at once; its picture goes to your clipboard"},
         {.program = "xfce4-screenshooter",
          .selection = {"-r", "-c"},
          .window = {"-w", "-c"},
-         .desktop = DesktopKind::xfce},
+         .desktops = {xfce},
+         .windowLine = inFront},
         {.program = "mate-screenshot",
          .selection = {"-a", "-c"},
          .window = {"-w", "-c"},
-         .desktop = DesktopKind::mate},
-        {.program = "gnome-screenshot", .selection = {"-a", "-c"}, .window = {"-w", "-c"}},
+         .desktops = {mate},
+         .windowLine = inFront},
+        {.program = "gnome-screenshot",
+         .selection = {"-a", "-c"},
+         .window = {"-w", "-c"},
+         .desktops = {gnome, budgie, cinnamon},
+         .windowLine = inFront},
     };
+}
+
+/// On plain X11 GNOME's works on any desktop; what other Wayland compositors give it is black.
+bool worksOn(const ClipboardTool& tool, const DesktopFacts& facts) {
+    const bool isOfGnome = std::ranges::count(tool.desktops, DesktopKind::gnome) > 0;
+    return std::ranges::count(tool.desktops, facts.kind()) > 0 || (isOfGnome && facts.isPlainX11());
 }
 
 /// Programs for X11 in which a drag takes a part of the screen and a click takes a window: both
@@ -68,19 +83,12 @@ std::string freshPicturePath(const Environment& environment) {
                        random());
 }
 
-/// The user's change of mind is a failure to the program, and none to us: "Cancelled", "canceled".
-EffectWay forgivingCancel(EffectWay way) {
-    return [way = std::move(way)](EffectDone done) {
-        way([done = std::move(done)](std::optional<std::string> problem) {
-            const bool isCancelled = problem && problem->find("ancel") != std::string::npos;
-            done(isCancelled ? std::nullopt : std::move(problem));
-        });
-    };
-}
-
-/// The picture's file is ours, and goes once it is in the clipboard.
-EffectWay throughFile(const EffectWays::Doors& doors, std::vector<std::string> arguments) {
-    return [doors, arguments = std::move(arguments)](EffectDone done) {
+/// A program that leaves the picture in a file of ours, whose path comes behind its arguments, and
+/// what brings that file into the clipboard. The file goes afterwards.
+EffectWay throughFile(const EffectWays::Doors& doors,
+                      std::vector<std::string> arguments,
+                      std::function<void(const std::string& path, EffectDone done)> copy) {
+    return [doors, arguments = std::move(arguments), copy = std::move(copy)](EffectDone done) {
         const auto path = freshPicturePath(doors->environment);
         const auto finish =
             [doors, path, done = std::move(done)](std::optional<std::string> problem) {
@@ -92,82 +100,133 @@ EffectWay throughFile(const EffectWays::Doors& doors, std::vector<std::string> a
             };
         auto withPath = arguments;
         withPath.push_back(path);
-        EffectWays::readProgram(doors,
-                                std::move(withPath),
-                                doors->patience.user,
-                                [doors, path, finish](const EffectWays::ProgramAnswer& answer) {
-                                    if (answer.problem)
-                                        finish(answer.problem);
-                                    else
-                                        doors->copyImage(path, finish);
-                                });
+        const auto take = EffectWays::program(doors, std::move(withPath), doors->patience.user);
+        take([path, copy, finish](const std::optional<std::string>& problem) {
+            if (problem)
+                finish(problem);
+            else
+                copy(path, finish);
+        });
     };
 }
 
-/// The wlroots compositors' own tools, in a pipe: the paths are handed to the shell as arguments.
-std::optional<std::vector<std::string>> waylandPipe(const DesktopFacts& facts) {
+/// The wlroots compositors' own tools: the paths are handed to the shell as arguments. The picture
+/// is whole before it takes the clipboard's place, and no window of ours is needed for that.
+std::optional<EffectWay> grimAndSlurp(const EffectContext& context) {
+    const auto& programs = context.facts.programs;
     for (const auto* each : {"grim", "slurp", "wl-copy"}) {
-        if (!facts.hasProgram(each))
+        if (!context.facts.hasProgram(each))
             return std::nullopt;
     }
-    return std::vector<std::string>{"/bin/sh",
-                                    "-c",
-                                    "part=$(\"$1\") && \"$2\" -g \"$part\" - | \"$3\" -t image/png",
-                                    "screenshot",
-                                    facts.programs.at("slurp"),
-                                    facts.programs.at("grim"),
-                                    facts.programs.at("wl-copy")};
+    return throughFile(
+        context.doors,
+        {"/bin/sh",
+         "-c",
+         R"(part=$("$1") && "$2" -g "$part" "$3")",
+         "screenshot",
+         programs.at("slurp"),
+         programs.at("grim")},
+        [doors = context.doors, copier = programs.at("wl-copy")](const std::string& path,
+                                                                 EffectDone done) {
+            const auto copy = EffectWays::program(
+                doors,
+                {"/bin/sh", "-c", R"("$1" -t image/png < "$2")", "screenshot", copier, path},
+                doors->patience.act);
+            copy(std::move(done));
+        });
 }
 
-std::vector<EffectWay> ways(const EffectContext& context, Wanted wanted) {
-    const auto& facts = context.facts;
-    std::vector<EffectWay> ways;
-    const auto run = [&](std::vector<std::string> arguments) {
-        ways.push_back(
-            EffectWays::program(context.doors, std::move(arguments), context.doors->patience.user));
-    };
+/// In these a drag takes a part of the screen and a click a window.
+std::optional<EffectWay> byPointer(const EffectContext& context) {
+    if (!context.facts.isPlainX11())
+        return std::nullopt;
+    for (const auto& tool : fileTools()) {
+        if (context.facts.hasProgram(tool.program))
+            return throughFile(context.doors,
+                               context.facts.commandLine(tool.program, tool.options),
+                               context.doors->copyImage);
+    }
+    return std::nullopt;
+}
+
+std::optional<Effect> byDesktopsTool(const EffectContext& context, Wanted wanted) {
     for (const auto& tool : clipboardTools()) {
-        if (tool.onlyOn(facts.kind()) && facts.hasProgram(tool.program))
-            run(facts.commandLine(tool.program,
-                                  wanted == Wanted::window ? tool.window : tool.selection));
+        if (!worksOn(tool, context.facts) || !context.facts.hasProgram(tool.program))
+            continue;
+        const bool isWindow = wanted == Wanted::window;
+        auto effect = Effect::by(EffectWays::program(
+            context.doors,
+            context.facts.commandLine(tool.program, isWindow ? tool.window : tool.selection),
+            context.doors->patience.user));
+        if (isWindow)
+            effect.manner.line = tool.windowLine;
+        return effect;
     }
-    if (ways.empty() && facts.isPlainX11()) {
-        for (const auto& tool : fileTools()) {
-            if (facts.hasProgram(tool.program))
-                ways.push_back(
-                    throughFile(context.doors, facts.commandLine(tool.program, tool.options)));
-        }
-    }
-    if (ways.empty() && facts.hasWayland && facts.kind() == DesktopKind::other) {
-        if (facts.hasProgram("grimshot"))
-            run(facts.commandLine("grimshot",
-                                  {"copy", wanted == Wanted::window ? "window" : "area"}));
-        else if (auto pipe = waylandPipe(facts); pipe && wanted == Wanted::selection)
-            run(*std::move(pipe));
-    }
-    // Its own window lets the user choose. It comes last, as it leaves the picture in a file too.
-    if (context.session && facts.portalTakesPictures)
-        ways.push_back(PortalScreenshot::way(context.doors, *context.session));
-    return ways;
+    return std::nullopt;
+}
+
+/// sway tells grimshot where its windows are.
+bool knowsWindows(const DesktopFacts& facts) {
+    return std::ranges::count(facts.desktops, "sway") > 0 && facts.hasProgram("swaymsg");
+}
+
+std::optional<EffectWay> byWlroots(const EffectContext& context, Wanted wanted) {
+    const auto& facts = context.facts;
+    if (!facts.isWayland() || facts.kind() != DesktopKind::other)
+        return std::nullopt;
+    const bool isWindow = wanted == Wanted::window;
+    if (facts.hasProgram("grimshot") && (!isWindow || knowsWindows(facts)))
+        return EffectWays::program(
+            context.doors,
+            facts.commandLine("grimshot", {"copy", isWindow ? "window" : "area"}),
+            context.doors->patience.user);
+    return isWindow ? std::nullopt : grimAndSlurp(context);
+}
+
+/// The first that is here, so that no other asks the user again after one that failed. For a window
+/// one that lets it be clicked is better than the desktop's own. The portal comes last, as it
+/// leaves the picture in a file too.
+std::optional<Effect> found(const EffectContext& context, Wanted wanted) {
+    auto pointer = byPointer(context);
+    if (pointer && wanted == Wanted::window)
+        return Effect::by(*std::move(pointer));
+    if (auto tool = byDesktopsTool(context, wanted))
+        return tool;
+    if (pointer)
+        return Effect::by(*std::move(pointer));
+    if (auto way = byWlroots(context, wanted))
+        return Effect::by(*std::move(way));
+    if (!context.session || !context.facts.portalTakesPictures)
+        return std::nullopt;
+    auto effect = Effect::by(PortalScreenshot::way(context.doors, *context.session));
+    effect.manner.line = "Asks what to take a picture of; the picture goes to your clipboard";
+    return effect;
 }
 
 std::string whyNone(const DesktopFacts& facts, Wanted wanted) {
+    constexpr auto wouldDo =
+        "no program that takes pictures of the screen is installed; {} would do";
     if (facts.isPlainX11())
-        return "no program that takes pictures of the screen is installed; maim would do";
-    if (!facts.hasWayland)
+        return fmt::format(wouldDo, "maim");
+    if (!facts.isWayland())
         return "there is no screen";
-    return wanted == Wanted::window
-               ? "no program that takes pictures of a window is installed; grimshot would do"
-               : "no program that takes pictures of the screen is installed; grim with slurp and "
-                 "wl-clipboard would do";
+    for (const auto& tool : clipboardTools()) {
+        if (worksOn(tool, facts))
+            return fmt::format(wouldDo, tool.program);
+    }
+    if (facts.kind() == DesktopKind::other && wanted == Wanted::selection)
+        return fmt::format(wouldDo, "grim with slurp and wl-clipboard");
+    if (knowsWindows(facts))
+        return fmt::format(wouldDo, "grimshot");
+    return fmt::format("it is not known how {} takes such a picture", facts.desktopName());
 }
 
 Effect screenshot(const EffectContext& context, Wanted wanted) {
-    auto found = ways(context, wanted);
-    if (found.empty())
+    auto effect = found(context, wanted);
+    if (!effect)
         return Effect::missing(whyNone(context.facts, wanted));
-    // One that fails may have let the user choose already: no other asks again.
-    return Effect::by(forgivingCancel(std::move(found.front())));
+    effect->perform = EffectWays::forgivingCancel(std::move(effect->perform));
+    return *std::move(effect);
 }
 
 } // namespace

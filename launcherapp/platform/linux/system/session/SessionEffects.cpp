@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/system/session/SessionEffects.h"
 
+#include "launcherapp/platform/linux/system/BusTargets.h"
 #include "launcherapp/platform/linux/system/screen/ScreenSavers.h"
 
 #include <fmt/format.h>
@@ -16,45 +17,8 @@ namespace tessarine {
 
 namespace {
 
-constexpr auto logindSession = "org.freedesktop.login1.Session";
-
-/// On our own session, if logind knows it.
-std::optional<EffectWay> askLogind(const EffectContext& context, const char* method) {
-    if (!context.system || !context.facts.logind || !context.facts.logind->session)
-        return std::nullopt;
-    const auto& path = *context.facts.logind->session;
-    const BusTarget session{"org.freedesktop.login1", path.c_str(), logindSession};
-    auto message = session.call(method);
-    message.setInteractiveAuthorizationAllowed(true);
-    return EffectWays::call(*context.system, std::move(message), context.doors->patience.user);
-}
-
-struct SessionManager {
-    BusTarget target;
-    const char* method;
-    QVariantList values;
-};
-
-/// Which of them runs tells the desktop better than any variable. GNOME's name is taken by
-/// Cinnamon's, MATE's and Budgie's session managers too.
-std::vector<SessionManager> sessionManagers() {
-    return {
-        // 1: without a question.
-        {{"org.gnome.SessionManager", "/org/gnome/SessionManager", "org.gnome.SessionManager"},
-         "Logout",
-         {1U}},
-        // Plasma 6; it has no question.
-        {{"org.kde.Shutdown", "/Shutdown", "org.kde.Shutdown"}, "logout", {}},
-        // Plasma 5: no question, log out, as usual.
-        {{"org.kde.ksmserver", "/KSMServer", "org.kde.KSMServerInterface"}, "logout", {0, 0, 0}},
-        // No dialog; the session may be saved.
-        {{"org.xfce.SessionManager", "/org/xfce/SessionManager", "org.xfce.Session.Manager"},
-         "Logout",
-         {false, true}},
-    };
-}
-
-/// Programs that only wait for logind to ask for the lock.
+/// Programs that do nothing but wait for logind to ask for the lock. swayidle may wait for it, or
+/// for other things alone, and nobody can tell from outside.
 constexpr auto listeners = std::to_array<const char*>({"light-locker", "xss-lock", "hypridle"});
 
 struct LockProgram {
@@ -75,20 +39,26 @@ bool runsAny(const DesktopFacts& facts) {
                                [&](const char* name) { return facts.running.contains(name); });
 }
 
+enum class PanelProgram {
+    isTheNewPanel, ///< and takes the old one's place
+    asksThePanel,  ///< which starts itself anew
+};
+
 struct Panel {
     DesktopKind desktop;
     const char* program;
     std::vector<std::string> options;
-    bool stays; ///< the new panel is the program itself
+    PanelProgram kind;
 };
 
 std::vector<Panel> panels() {
+    using enum PanelProgram;
     return {
-        {DesktopKind::kde, "plasmashell", {"--replace"}, true},
-        {DesktopKind::xfce, "xfce4-panel", {"-r"}, false},
-        {DesktopKind::mate, "mate-panel", {"--replace"}, true},
-        {DesktopKind::budgie, "budgie-panel", {"--replace"}, true},
-        {DesktopKind::cinnamon, "cinnamon", {"--replace"}, true},
+        {DesktopKind::kde, "plasmashell", {"--replace"}, isTheNewPanel},
+        {DesktopKind::xfce, "xfce4-panel", {"-r"}, asksThePanel},
+        {DesktopKind::mate, "mate-panel", {"--replace"}, isTheNewPanel},
+        {DesktopKind::budgie, "budgie-panel", {"--replace"}, isTheNewPanel},
+        {DesktopKind::cinnamon, "cinnamon", {"--replace"}, isTheNewPanel},
     };
 }
 
@@ -109,36 +79,14 @@ bool isCompositor(DesktopKind desktop) {
 
 } // namespace
 
-Effect SessionEffects::logOut(const EffectContext& context) {
-    std::vector<EffectWay> ways;
-    for (const auto& [target, method, values] : sessionManagers()) {
-        const bool isPlasmas = std::string_view(target.service) == "org.kde.Shutdown" &&
-                               context.facts.kind() == DesktopKind::kde;
-        const bool isThere = context.facts.owns(target.service) ||
-                             (isPlasmas && context.facts.answers(target.service));
-        if (context.session && isThere)
-            ways.push_back(EffectWays::call(
-                *context.session, target.call(method, values), context.doors->patience.act));
-    }
-    if (auto way = askLogind(context, "Terminate"); way && ways.empty())
-        ways.push_back(*std::move(way));
-    return Effect::byFirst(std::move(ways),
-                           "neither a session manager nor logind is there to end the session");
-}
-
 Effect SessionEffects::lock(const EffectContext& context) {
     const auto& facts = context.facts;
+    // Plasma's answers only once the screen is locked.
+    auto calls =
+        ScreenSavers::calls(context, &ScreenSavers::Saver::lock, context.doors->patience.act);
+    if (auto call = BusTargets::ownSession(context, "Lock"); call && runsAny(facts))
+        calls.push_back(*std::move(call));
     std::vector<EffectWay> ways;
-    for (const auto& locker : ScreenSavers::present(facts)) {
-        // Cinnamon's takes a message for others to read.
-        const bool takesMessage = std::string_view(locker.service) == "org.cinnamon.ScreenSaver";
-        const auto values = takesMessage ? QVariantList{QString()} : QVariantList();
-        if (context.session)
-            ways.push_back(EffectWays::call(
-                *context.session, locker.call("Lock", values), context.doors->patience.question));
-    }
-    if (auto way = askLogind(context, "Lock"); way && runsAny(facts))
-        ways.push_back(*std::move(way));
     if (facts.hasProgram("xscreensaver-command") && facts.running.contains("xscreensaver"))
         ways.push_back(EffectWays::program(context.doors,
                                            facts.commandLine("xscreensaver-command", {"-lock"}),
@@ -147,7 +95,8 @@ Effect SessionEffects::lock(const EffectContext& context) {
         if (facts.hasProgram(name))
             ways.push_back(EffectWays::detached(context.doors, facts.commandLine(name, options)));
     }
-    return Effect::byFirst(std::move(ways),
+    return Effect::byFirst(std::move(calls),
+                           std::move(ways),
                            facts.isPlainX11()
                                ? "nothing here locks the screen; xss-lock or i3lock would"
                                : "nothing here locks the screen; swaylock would");
@@ -156,7 +105,7 @@ Effect SessionEffects::lock(const EffectContext& context) {
 Effect SessionEffects::restartShell(const EffectContext& context) {
     const auto& facts = context.facts;
     const auto kind = facts.kind();
-    if (isCompositor(kind) && facts.hasWayland)
+    if (isCompositor(kind) && !facts.isSurelyX11())
         return Effect::missing(fmt::format("{} can't restart its shell without ending the session",
                                            facts.desktopName()));
     // On X11 the hangup signal has GNOME's shell start itself anew.
@@ -169,14 +118,14 @@ Effect SessionEffects::restartShell(const EffectContext& context) {
     std::vector<EffectWay> ways;
     if (kind == DesktopKind::kde && facts.hasProgram("systemctl"))
         ways.push_back(restartUnit(context, "plasma-plasmashell.service"));
-    for (auto& [desktop, program, options, stays] : panels()) {
+    for (auto& [desktop, program, options, programKind] : panels()) {
         if (desktop != kind || !facts.hasProgram(program))
             continue;
         auto arguments = facts.commandLine(program, options);
-        ways.push_back(stays ? EffectWays::detached(context.doors, std::move(arguments))
-                             : EffectWays::program(context.doors,
-                                                   std::move(arguments),
-                                                   context.doors->patience.act));
+        ways.push_back(programKind == PanelProgram::isTheNewPanel
+                           ? EffectWays::detached(context.doors, std::move(arguments))
+                           : EffectWays::program(
+                                 context.doors, std::move(arguments), context.doors->patience.act));
     }
     return Effect::byFirst(
         std::move(ways),
