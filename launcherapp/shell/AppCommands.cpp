@@ -5,6 +5,7 @@
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/desktop/SystemBus.h"
 #include "launcherapp/platform/linux/system/LinuxSystemEffects.h"
+#include "launcherapp/platform/linux/system/files/BlockHolders.h"
 #include "launcherapp/shell/AppDoors.h"
 #include "launcherapp/shell/AppServices.h"
 
@@ -43,6 +44,8 @@ SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop)
         .openUrl = [&opener =
                         services.opener](const std::string& url,
                                          EffectDone done) { opener.openUrl(url, std::move(done)); },
+        .blockHolders =
+            [](const std::string& device) { return blockHolders("/sys/class/block", device); },
         .colorScheme = [&desktop] { return desktop.colorScheme(); },
         .sessionBus = sessionBus,
         .systemBus = {},

@@ -5,10 +5,16 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <sys/file.h>
+#include <sys/fsuid.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tessarine {
@@ -16,6 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using FreedesktopTrash::Emptied;
+using FreedesktopTrash::Order;
+using std::chrono::system_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -28,6 +36,18 @@ protected:
         scratch.folder(trash + "/info");
         scratch.write(trash + "/files/a", "thrown away");
         scratch.write(trash + "/info/a.trashinfo", "[Trash Info]");
+    }
+
+    Emptied emptyHome(system_clock::time_point now = system_clock::now()) {
+        return FreedesktopTrash::emptyHome(path(), {.user = user, .now = now});
+    }
+
+    /// Whatever is still in the trash can still be put back.
+    void expectANoteOfEachItem(const std::string& trash) {
+        for (const auto& each : fs::directory_iterator(path(trash + "/files"))) {
+            const auto name = each.path().filename().string();
+            EXPECT_TRUE(has(trash + "/info/" + name + ".trashinfo")) << name;
+        }
     }
 
     bool has(const std::string& below) { return fs::exists(fs::symlink_status(path(below))); }
@@ -45,7 +65,7 @@ TEST_F(FreedesktopTrashTest, removesAllThatWasThrownAwayAndNothingElse) {
     scratch.folder("/Trash/files/folder/deeper/still");
     scratch.write("/Trash/files/folder/deeper/file", "x");
     scratch.folder("/Trash/expunged/left-over");
-    scratch.write("/Trash/info/of-nothing.trashinfo", "x");
+    scratch.write("/Trash/files/without-a-note", "x");
     scratch.write("/Trash/directorysizes", "x");
     scratch.write("/Trash/info/notes.txt", "nobody threw this away");
     scratch.write("/Trash/elsewhere", "nor this");
@@ -56,27 +76,97 @@ TEST_F(FreedesktopTrashTest, removesAllThatWasThrownAwayAndNothingElse) {
     for (int i = 0; i < 3000; ++i)
         scratch.write("/Trash/files/folder/" + std::to_string(i), "");
 
-    const auto emptied = FreedesktopTrash::emptyHome(path(), user);
+    const Order order{.user = user, .now = system_clock::now()};
+    const auto emptied = FreedesktopTrash::emptyHome(path(), order);
 
     EXPECT_THAT(emptied.problems, IsEmpty());
-    EXPECT_EQ(emptied.items, 4U); // a, folder, up, same
+    EXPECT_EQ(emptied.items, 5U); // a, folder, up, same, without-a-note
+    EXPECT_GT(*order.progress, 3000U);
     EXPECT_TRUE(fs::is_empty(path("/Trash/files")));
     EXPECT_TRUE(fs::is_empty(path("/Trash/expunged")));
     EXPECT_FALSE(has("/Trash/info/a.trashinfo"));
-    EXPECT_FALSE(has("/Trash/info/of-nothing.trashinfo"));
     EXPECT_FALSE(has("/Trash/directorysizes"));
     EXPECT_EQ(scratch.text("/Trash/info/notes.txt"), "nobody threw this away");
     EXPECT_TRUE(has("/Trash/elsewhere"));
     EXPECT_EQ(scratch.text("/beside"), "nor this");
-    EXPECT_EQ(FreedesktopTrash::emptyHome(path(), user), Emptied{}); // a second time
-    EXPECT_EQ(FreedesktopTrash::emptyHome(path("/none"), user), Emptied{});
+    EXPECT_EQ(emptyHome(), Emptied{}); // a second time
+    EXPECT_EQ(FreedesktopTrash::emptyHome(path("/none"), order), Emptied{});
+}
+
+TEST_F(FreedesktopTrashTest, keepsTheNotesOfFilesThatCanNotBeRead) {
+    const uid_t owner = user == 0 ? 4711 : user; // root may read everything
+    fill("/Trash");
+    for (const auto* each : {"", "/Trash", "/Trash/files", "/Trash/info"})
+        ASSERT_EQ(::chown(path(each).c_str(), owner, static_cast<gid_t>(-1)), 0);
+    for (const auto* unreadable : {"/Trash/files", "/Trash/info"}) {
+        SCOPED_TRACE(unreadable);
+        ASSERT_EQ(::chmod(path(unreadable).c_str(), S_IWUSR | S_IXUSR), 0);
+        ::setfsuid(owner); // of this thread alone
+        const auto emptied =
+            FreedesktopTrash::emptyHome(path(), {.user = owner, .now = system_clock::now()});
+        ::setfsuid(user);
+        EXPECT_THAT(emptied.problems, ElementsAre(HasSubstr("can't be opened")));
+        ASSERT_EQ(::chmod(path(unreadable).c_str(), S_IRWXU), 0);
+        EXPECT_TRUE(has("/Trash/files/a"));
+        EXPECT_TRUE(has("/Trash/info/a.trashinfo"));
+    }
+}
+
+TEST_F(FreedesktopTrashTest, keepsWhatIsThrownAwayMeanwhile) {
+    fill("/Trash");
+    scratch.folder("/away");
+    for (int i = 0; i < 4000; ++i)
+        scratch.write("/Trash/files/" + std::to_string(i), "");
+    std::atomic<bool> isOver = false;
+    std::jthread fileManager([&] { // as file managers do it
+        for (int i = 0; !isOver; ++i) {
+            const auto name = "later" + std::to_string(i);
+            scratch.write("/away/" + name, "x");
+            scratch.write("/Trash/info/" + name + ".trashinfo", "[Trash Info]");
+            fs::rename(path("/away/" + name), path("/Trash/files/" + name));
+        }
+    });
+    const auto emptied = emptyHome();
+    isOver = true;
+    fileManager.join();
+    EXPECT_THAT(emptied.problems, IsEmpty());
+    EXPECT_FALSE(has("/Trash/files/a"));
+    EXPECT_FALSE(fs::is_empty(path("/Trash/files")));
+    expectANoteOfEachItem("/Trash");
+}
+
+TEST_F(FreedesktopTrashTest, notesOfNothingGoWhenTheyAreOld) {
+    fill("/Trash");
+    scratch.write("/Trash/info/of-nothing.trashinfo", "x"); // or on its way from another disk
+    EXPECT_EQ(emptyHome().items, 1U);
+    EXPECT_TRUE(has("/Trash/info/of-nothing.trashinfo"));
+    EXPECT_EQ(emptyHome(system_clock::now() + std::chrono::hours{25}), Emptied{});
+    EXPECT_FALSE(has("/Trash/info/of-nothing.trashinfo"));
+
+    // All notes would be of nothing.
+    scratch.write("/Trash/info/a.trashinfo", "x");
+    fs::rename(path("/Trash/files"), path("/files-elsewhere"));
+    EXPECT_THAT(emptyHome(system_clock::now() + std::chrono::hours{25}).problems,
+                ElementsAre(HasSubstr("/files is not there")));
+    EXPECT_TRUE(has("/Trash/info/a.trashinfo"));
+}
+
+TEST_F(FreedesktopTrashTest, leavesATrashToWhoeverEmptiesIt) {
+    fill("/Trash");
+    const int other = ::open(path("/Trash").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(other, LOCK_EX | LOCK_NB), 0);
+    EXPECT_EQ(emptyHome(), Emptied{.isBusy = true});
+    EXPECT_TRUE(has("/Trash/files/a"));
+    ::close(other);
+    EXPECT_EQ(emptyHome(), Emptied{.items = 1});
 }
 
 TEST_F(FreedesktopTrashTest, leavesWhatIsNotTheUsersOwnFolder) {
     const struct {
         const char* reason;
         std::function<void(const std::string& trash)> spoil;
-        const char* problem; ///< of which a part is told; null: it is as good as none
+        const char* problem; ///< of which a part is told
+        bool needsRoot = false;
     } cases[] = {
         {"a link to a trash",
          [&](const std::string& trash) {
@@ -98,28 +188,45 @@ TEST_F(FreedesktopTrashTest, leavesWhatIsNotTheUsersOwnFolder) {
          "is not a folder"},
         {"another user's",
          [&](const std::string& trash) { ASSERT_EQ(::chown(path(trash).c_str(), 4711, 4711), 0); },
-         "another user's"},
+         "another user's",
+         true},
+        {"another user's notes",
+         [&](const std::string& trash) {
+             ASSERT_EQ(::chown(path(trash + "/info").c_str(), 4711, 4711), 0);
+         },
+         "another user's",
+         true},
+        {"its notes are a link",
+         [&](const std::string& trash) {
+             fs::rename(path(trash + "/info"), path("/outside-info"));
+             fs::create_directory_symlink(path("/outside-info"), path(trash + "/info"));
+         },
+         "/info is not a folder"},
         {"another user's files",
          [&](const std::string& trash) {
              ASSERT_EQ(::chown(path(trash + "/files").c_str(), 4711, 4711), 0);
          },
-         "another user's"},
+         "another user's",
+         true},
     };
 
-    if (user != 0)
-        GTEST_SKIP() << "NOT MEASURED: only root may give folders away";
-    for (const auto& [reason, spoil, problem] : cases) {
+    for (const auto& [reason, spoil, problem, needsRoot] : cases) {
         SCOPED_TRACE(reason);
+        if (needsRoot && user != 0) // who alone may give folders away
+            continue;
         fill("/Trash");
         spoil("/Trash");
-        const auto emptied = FreedesktopTrash::emptyHome(path(), user);
+        const auto emptied = emptyHome(system_clock::now() + std::chrono::hours{25});
         EXPECT_EQ(emptied.items, 0U);
         ASSERT_FALSE(emptied.problems.empty());
         EXPECT_THAT(emptied.problems.front(), HasSubstr(problem));
-        std::size_t files = 0;
-        for (const auto& each : fs::recursive_directory_iterator(path()))
-            files += each.path().filename() == "a" ? 1 : 0;
-        EXPECT_EQ(files, 1U);
+        std::vector<std::string> kept;
+        for (const auto& each : fs::recursive_directory_iterator(path())) {
+            if (each.is_regular_file())
+                kept.push_back(each.path().filename());
+        }
+        // Of a file in the trash's place there is one more, "Trash".
+        EXPECT_THAT(kept, testing::IsSupersetOf({std::string("a"), std::string("a.trashinfo")}));
         for (const auto& each : fs::directory_iterator(path()))
             fs::remove_all(each.path());
     }
@@ -147,7 +254,8 @@ TEST_F(FreedesktopTrashTest, takesASharedTrashOnlyAsItMustBe) {
             fs::rename(path(drive + "/.Trash"), path("/outside"));
             fs::create_directory_symlink(path("/outside"), path(drive + "/.Trash"));
         }
-        const auto emptied = FreedesktopTrash::emptyMount(path(drive), user);
+        const auto emptied =
+            FreedesktopTrash::emptyMount(path(drive), {.user = user, .now = system_clock::now()});
         EXPECT_THAT(emptied.problems, IsEmpty());
         EXPECT_EQ(emptied.items, isEmptied ? 2U : 1U);
         EXPECT_FALSE(has(drive + "/" + own + "/files/a"));
@@ -172,7 +280,7 @@ TEST_F(FreedesktopTrashTest, keepsWhatIsMountedInTheTrashAndTheNoteOfIt) {
                       MS_BIND,
                       nullptr),
               0);
-    const auto emptied = FreedesktopTrash::emptyHome(path(), user);
+    const auto emptied = emptyHome();
     EXPECT_EQ(scratch.text("/precious/file"), "not in the trash");
     EXPECT_EQ(emptied.items, 1U);
     EXPECT_THAT(emptied.problems, ElementsAre(HasSubstr("mounted")));

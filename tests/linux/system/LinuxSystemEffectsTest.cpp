@@ -184,7 +184,7 @@ TEST_F(LinuxSystemEffectsTest, asksGSettingsWhatThereIs) {
     LinuxSystemEffects effects(doors());
     start(effects);
     EXPECT_TRUE(effects.ability(darkMode).available);
-    folderOpener = "nemo.desktop";
+    folderOpener = "nemo";
     EXPECT_FALSE(effects.ability(toggleHiddenFiles).available);
 }
 

@@ -61,10 +61,12 @@ public:
         if (hung.contains(method))
             return true;
         const auto found = answers.find(method);
-        connection.send(
-            found != answers.end()
-                ? message.createReply(found->second(message))
-                : message.createErrorReply(QStringLiteral("x.Refused"), QStringLiteral("not now")));
+        connection.send(found != answers.end()
+                            ? message.createReply(found->second(message))
+                            : message.createErrorReply(refusals.contains(method)
+                                                           ? QLatin1String(refusals.at(method))
+                                                           : QLatin1String("x.Refused"),
+                                                       QStringLiteral("not now")));
         return true;
     }
 
@@ -79,8 +81,9 @@ public:
     }
 
     std::map<std::string, Answer> answers;
-    std::map<std::string, bool> hung; ///< methods that are never answered
-    std::vector<std::string> calls;   ///< "/path Interface.Method(values)"
+    std::map<std::string, const char*> refusals; ///< the error's name, of methods without answer
+    std::map<std::string, bool> hung;            ///< methods that are never answered
+    std::vector<std::string> calls;              ///< "/path Interface.Method(values)"
 
 private:
     /// Types that a service tells apart look different.

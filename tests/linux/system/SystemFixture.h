@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ namespace tessarine {
 class SystemFixture : public testing::Test {
 protected:
     SystemFixture() {
+        environment.home = scratch.folder("/home");
         environment.dataHome = scratch.folder("/data");
         environment.runtimeDir = scratch.folder("/run");
         environment.programDirs = {scratch.folder("/bin")};
@@ -36,7 +38,7 @@ protected:
 
     SystemDoors doors() {
         return {.queue = queue,
-                .work = work,
+                .work = *workDoor,
                 .programs = programs,
                 .launcher = launcher,
                 .mounts = mounts,
@@ -53,6 +55,11 @@ protected:
                         opened = url;
                         queue.post([done] { done(std::nullopt); });
                     },
+                .blockHolders = [holders = holders](const std::string& device)
+                    -> std::optional<std::vector<std::string>> {
+                    const auto found = holders.find(device);
+                    return found == holders.end() ? std::vector<std::string>() : found->second;
+                },
                 .colorScheme = [this] { return scheme; },
                 .sessionBus = sessionBus,
                 .systemBus =
@@ -108,12 +115,15 @@ protected:
     Environment environment;
     QtMainQueue queue;
     ThreadPoolWorkQueues work{queue};
+    WorkQueues* workDoor = &work; ///< what the doors get
     FakeProgramReader programs{queue};
     FakeProcessLauncher launcher;
     FakeMountTable mounts;
     Services services;
-    SystemPatience patience{.keyRelease = Seconds{.01}};
+    SystemPatience patience{.leaving = Seconds{.01}, .keyRelease = Seconds{.01}};
     std::string folderOpener;
+    /// By device; of all others there are none.
+    std::map<std::string, std::optional<std::vector<std::string>>> holders;
     ColorScheme scheme = ColorScheme::none;
     std::vector<std::string> log;
     std::string copied;

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/system/files/UDisksEject.h"
 
+#include "launcherapp/platform/linux/system/files/BlockHolders.h"
 #include "tests/linux/system/SystemFixture.h"
 
 #include <QDBusMetaType>
@@ -7,10 +8,15 @@
 #include <QMap>
 #include <QVariantMap>
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace tessarine {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -38,6 +44,7 @@ struct BlockSpec {
     std::string cryptoBelow = {};
     const char* holds = "ext4";
     bool isSystem = false;
+    const char* fileSystemID = "";
 };
 
 class UDisksEjectTest : public SystemFixture {
@@ -78,6 +85,8 @@ protected:
         interfaces[of("Block")] = {
             {QStringLiteral("Drive"), reference("drives/", spec.drive)},
             {QStringLiteral("CryptoBackingDevice"), reference("block_devices/", spec.cryptoBelow)},
+            {QStringLiteral("Device"), QByteArray(("/dev/" + spec.name).c_str())},
+            {QStringLiteral("IdUUID"), QLatin1String(spec.fileSystemID)},
             {QStringLiteral("IdType"), QLatin1String(spec.holds)},
             {QStringLiteral("IdLabel"), QString::fromStdString(spec.name)},
             {QStringLiteral("HintSystem"), spec.isSystem}};
@@ -110,6 +119,9 @@ protected:
     }
 
     Objects objects;
+    const QVariantMap builtIn{{QStringLiteral("Removable"), false},
+                              {QStringLiteral("MediaRemovable"), false},
+                              {QStringLiteral("Ejectable"), false}};
 };
 
 TEST_F(UDisksEjectTest, takesEachExternalDriveApartInOrder) {
@@ -135,9 +147,6 @@ TEST_F(UDisksEjectTest, takesEachExternalDriveApartInOrder) {
 }
 
 TEST_F(UDisksEjectTest, touchesNothingOfTheRunningSystem) {
-    const QVariantMap builtIn{{QStringLiteral("Removable"), false},
-                              {QStringLiteral("MediaRemovable"), false},
-                              {QStringLiteral("Ejectable"), false}};
     drive("builtin", builtIn);
     block({.name = "sda1", .drive = "builtin", .mount = "/mnt/data"});
     drive("usb-root"); // a system on a USB disk
@@ -145,8 +154,12 @@ TEST_F(UDisksEjectTest, touchesNothingOfTheRunningSystem) {
     block({.name = "sdb2", .drive = "usb-root", .mount = "/media/me/more"});
     drive("usb-boot");
     block({.name = "sdc1", .drive = "usb-boot", .mount = "/boot/efi"});
-    drive("volumes"); // the root may lie in its volume group
-    block({.name = "sdd1", .drive = "volumes", .holds = "LVM2_member"});
+    drive("homes");
+    block({.name = "sdd1", .drive = "homes", .mount = "/home"});
+    drive("a-home");
+    block({.name = "sdd2", .drive = "a-home", .mount = "/home/somebody"});
+    drive("own-home"); // wherever it is
+    block({.name = "sdd3", .drive = "own-home", .mount = scratch.path()});
     drive("unlocked-root");
     block({.name = "sde", .drive = "unlocked-root", .holds = "crypto_LUKS"});
     block({.name = "dm_2d1", .drive = "", .mount = "/", .cryptoBelow = "sde"});
@@ -164,6 +177,162 @@ TEST_F(UDisksEjectTest, touchesNothingOfTheRunningSystem) {
         {QStringLiteral("SetupByUID"), 1001U}};
     EXPECT_EQ(eject(), std::nullopt);
     EXPECT_THAT(acts(), IsEmpty());
+}
+
+TEST_F(UDisksEjectTest, leavesAloneAndNamesWhatMayBeInUse) {
+    const struct {
+        const char* reason;
+        std::function<void()> make;
+        const char* told; ///< a part of it
+    } cases[] = {
+        {"the root may lie in its volume group",
+         [&] { block({.name = "sdb1", .drive = "stick", .holds = "LVM2_member"}); },
+         "volume group"},
+        {"a btrfs that is mounted from another drive",
+         [&] {
+             block({.name = "sda3",
+                    .drive = "builtin",
+                    .mount = "/home",
+                    .holds = "btrfs",
+                    .fileSystemID = "one"});
+             block({.name = "sdb1", .drive = "stick", .holds = "btrfs", .fileSystemID = "one"});
+         },
+         "a file system that is in use"},
+        {"a bcachefs that is mounted here, with more of it elsewhere",
+         [&] {
+             block({.name = "sdb1",
+                    .drive = "stick",
+                    .mount = "/media/me/pool",
+                    .holds = "bcachefs",
+                    .fileSystemID = "one"});
+             block(
+                 {.name = "sda3", .drive = "builtin", .holds = "bcachefs", .fileSystemID = "one"});
+         },
+         "a file system that is in use"},
+        {"a mapped volume, as of a live system",
+         [&] {
+             holders["sdb1"] = {"dm-0"};
+             block({.name = "sdb1", .drive = "stick"});
+             block({.name = "dm-0", .drive = "", .mount = "/run/elsewhere"});
+         },
+         "dm-0 uses it"},
+        {"a volume within an unlocked one",
+         [&] {
+             holders["sdb1"] = {"dm-0"};
+             holders["dm-0"] = {"dm-1"};
+             block({.name = "sdb1", .drive = "stick", .holds = "crypto_LUKS"});
+             block({.name = "dm-0", .drive = "", .cryptoBelow = "sdb1", .holds = "other"});
+         },
+         "dm-1 uses it"},
+        {"nobody tells",
+         [&] {
+             holders["sdb1"] = std::nullopt;
+             block({.name = "sdb1", .drive = "stick", .mount = "/media/me/x"});
+         },
+         "can't be told"},
+    };
+
+    for (const auto& [reason, make, told] : cases) {
+        SCOPED_TRACE(reason);
+        objects.clear();
+        holders.clear();
+        services.calls.clear();
+        drive("stick");
+        drive("builtin", builtIn);
+        make();
+        EXPECT_THAT(eject().value_or(""),
+                    AllOf(HasSubstr("“Acme stick” was left alone"), HasSubstr(told)));
+        EXPECT_THAT(acts(), IsEmpty());
+    }
+}
+
+TEST_F(UDisksEjectTest, whatItKnowsToLieInADriveIsNoneOfTheSystems) {
+    drive("stick");
+    holders["sdb1"] = {"dm-0"};
+    block({.name = "sdb1", .drive = "stick", .holds = "crypto_LUKS"});
+    block({.name = "dm-0", .drive = "", .mount = "/media/me/x", .cryptoBelow = "sdb1"});
+    drive("pool"); // the whole of it
+    for (const auto* name : {"sdc1", "sdc2"})
+        block({.name = name, .drive = "pool", .holds = "btrfs", .fileSystemID = "one"});
+    drive("spare",
+          {{QStringLiteral("CanPowerOff"), false}}); // mounted nowhere, like its other half
+    block({.name = "sdd1", .drive = "spare", .holds = "btrfs", .fileSystemID = "two"});
+    EXPECT_EQ(eject(), std::nullopt);
+    EXPECT_THAT(acts(),
+                ElementsAre("drives/pool Drive.PowerOff()",
+                            "drives/spare Drive.Eject()",
+                            "block_devices/dm_0 Filesystem.Unmount()",
+                            "drives/stick Drive.PowerOff()"));
+}
+
+TEST_F(UDisksEjectTest, theDrivesOfOneDeviceLoseTheirPowerTogetherOrNotAtAll) {
+    const auto bay = [&](const std::string& name, const std::string& mount) {
+        drive("bay-" + name, {{QStringLiteral("SiblingId"), QStringLiteral("/sys/usb1/1-1")}});
+        block({.name = "sd" + name, .drive = "bay-" + name, .mount = mount});
+    };
+    const std::vector<std::string> bothReleased{"block_devices/sda Filesystem.Unmount()",
+                                                "block_devices/sdb Filesystem.Unmount()"};
+    bay("a", "/media/me/a");
+    bay("b", "/media/me/b");
+    EXPECT_EQ(eject(), std::nullopt);
+    auto all = bothReleased;
+    all.emplace_back("drives/bay_a Drive.PowerOff()"); // for both
+    EXPECT_EQ(acts(), all);
+
+    const struct {
+        const char* reason;
+        std::function<void()> make;
+        std::vector<std::string> calls;
+        const char* told;
+    } cases[] = {
+        {"one is in use", [&] { services.answers.erase("Unmount"); }, bothReleased, "stays on"},
+        {"the system runs on one",
+         [&] { bay("b", "/var"); },
+         {bothReleased.front()},
+         "“Acme bay-a” is unmounted but stays on"},
+        {"one may be in use",
+         [&] { holders["sdb"] = {"dm-0"}; },
+         {bothReleased.front()},
+         "“Acme bay-b” was left alone"},
+        {"one is the machine's own",
+         [&] {
+             drive("bay-b",
+                   {{QStringLiteral("SiblingId"), QStringLiteral("/sys/usb1/1-1")},
+                    {QStringLiteral("Removable"), false},
+                    {QStringLiteral("MediaRemovable"), false},
+                    {QStringLiteral("Ejectable"), false}});
+         },
+         {bothReleased.front()},
+         "stays on"},
+    };
+
+    for (const auto& [reason, make, calls, told] : cases) {
+        SCOPED_TRACE(reason);
+        objects.clear();
+        holders.clear();
+        services.answer("Unmount");
+        services.calls.clear();
+        bay("a", "/media/me/a");
+        bay("b", "/media/me/b");
+        make();
+        EXPECT_THAT(eject().value_or(""), HasSubstr(told));
+        EXPECT_EQ(acts(), calls);
+    }
+}
+
+TEST_F(UDisksEjectTest, whatWentByItselfHasNotFailed) {
+    block({.name = "loop5", .drive = "", .mount = "/media/me/image"})[of("Loop")] = {
+        {QStringLiteral("SetupByUID"), 1000U}};
+    const auto refuse = [&](const char* method, const char* error) {
+        services.answers.erase(method);
+        services.refusals[method] = error;
+    };
+    refuse("Delete", "org.freedesktop.DBus.Error.UnknownObject"); // gone with its last mount
+    EXPECT_EQ(eject(), std::nullopt);
+    refuse("Unmount", "org.freedesktop.UDisks2.Error.NotMounted");
+    EXPECT_EQ(eject(), std::nullopt);
+    refuse("Unmount", "org.freedesktop.UDisks2.Error.DeviceBusy");
+    EXPECT_THAT(eject().value_or(""), HasSubstr("“loop5” could not be ejected"));
 }
 
 TEST_F(UDisksEjectTest, partsWithEachKindAsItGoes) {
@@ -195,6 +364,16 @@ TEST_F(UDisksEjectTest, namesTheDriveThatIsInUseAndGoesOn) {
     EXPECT_THAT(
         acts(),
         ElementsAre("block_devices/sdb1 Filesystem.Unmount()", "drives/idle Drive.PowerOff()"));
+}
+
+TEST_F(UDisksEjectTest, theKernelTellsWhatIsMadeFromADevice) {
+    const auto folder = scratch.folder("/block");
+    scratch.folder("/block/sdb1/holders");
+    EXPECT_EQ(blockHolders(folder, "sdb1"), std::vector<std::string>());
+    scratch.write("/block/sdb1/holders/dm-0", "");
+    EXPECT_EQ(blockHolders(folder, "sdb1"), std::vector<std::string>{"dm-0"});
+    EXPECT_EQ(blockHolders(folder, "sdc"), std::nullopt);
+    EXPECT_EQ(blockHolders(folder, ""), std::nullopt);
 }
 
 TEST_F(UDisksEjectTest, anAnswerOfAnotherShapeIsNoTree) {

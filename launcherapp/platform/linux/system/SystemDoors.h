@@ -12,6 +12,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <sys/types.h>
+#include <vector>
 
 namespace tessarine {
 
@@ -22,17 +24,18 @@ using EffectDone = std::function<void(std::optional<std::string> problem)>;
 struct SystemPatience {
     Seconds question{5};    ///< a service or program that only has to look
     Seconds act{60};        ///< one that does something: a disk may have much to write
-    Seconds disk{300};      ///< folders with very many files
+    Seconds disk{300};      ///< one that gets on; what shows no sign for so long counts as dead
     Seconds user{600};      ///< a person who is asked for a password or for a part of the screen
     Seconds probe{10};      ///< until what has not answered counts as not there
     Seconds systemBus{30};  ///< the greeting of a bus that is busy with the user's login
+    Seconds leaving{1};     ///< until a program that was told to end takes no more orders
     Seconds keyRelease{.5}; ///< until Return is up again, which would wake the screen
     Seconds lookAgain{60};  ///< how old what was found may be before it is looked for again
 };
 
 /// What the machine's actions work through. Nothing of the machine is reached in another way, so
 /// that tests stand in for all of it. The functions are called on the main thread, except
-/// `systemBus`.
+/// `systemBus` and `blockHolders`.
 struct SystemDoors {
     MainQueue& queue;
     WorkQueues& work;
@@ -52,6 +55,10 @@ struct SystemDoors {
 
     std::function<void(const std::string& url, EffectDone done)> openUrl;
 
+    /// The kernel's names of the block devices that are made from one; nothing when that can't be
+    /// told. Any thread but the main one; it outlives these doors.
+    std::function<std::optional<std::vector<std::string>>(const std::string& device)> blockHolders;
+
     /// What the desktop is set to now.
     std::function<ColorScheme()> colorScheme;
 
@@ -61,7 +68,7 @@ struct SystemDoors {
     /// May wait, as it runs on a thread of its own; not connected when none runs.
     std::function<QDBusConnection()> systemBus;
 
-    unsigned user = 0;     ///< whose trash and drives they are
+    uid_t user;            ///< whose trash and drives they are
     std::string sessionID; ///< XDG_SESSION_ID; may be empty
     SystemPatience patience;
     std::optional<std::string> sessionType; ///< XDG_SESSION_TYPE

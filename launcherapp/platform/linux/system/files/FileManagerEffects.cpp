@@ -20,6 +20,7 @@ namespace {
 struct Switch {
     std::vector<std::string> read;
     std::vector<std::string> write; ///< what is to be written comes behind it
+    bool mayBeUnset = false;        ///< then it can't be read, and counts as "false"
 };
 
 struct SettingsKey {
@@ -45,7 +46,7 @@ std::vector<Switch> switches(const DesktopFacts& facts, HiddenFilesSetting setti
         auto write = property;
         for (const auto* option : {"-n", "-t", "bool", "-s"})
             write.emplace_back(option);
-        found.push_back({.read = property, .write = std::move(write)});
+        found.push_back({.read = property, .write = std::move(write), .mayBeUnset = true});
     }
     for (const auto& [of, schema, key] : gsettingsKeys) {
         if (of != setting || !facts.hasProgram("gsettings") ||
@@ -58,8 +59,7 @@ std::vector<Switch> switches(const DesktopFacts& facts, HiddenFilesSetting setti
     return found;
 }
 
-/// All become the opposite of what the first says; one that was never set can't be read, and
-/// hides them.
+/// All become the opposite of what the first says.
 EffectWay toggle(const EffectWays::Doors& doors, std::vector<Switch> found) {
     return [doors, found = std::move(found)](EffectDone done) {
         EffectWays::readProgram(
@@ -67,6 +67,8 @@ EffectWay toggle(const EffectWays::Doors& doors, std::vector<Switch> found) {
             found.front().read,
             doors->patience.question,
             [doors, found, done = std::move(done)](const EffectWays::ProgramAnswer& answer) {
+                if (answer.problem && !found.front().mayBeUnset)
+                    return done(answer.problem);
                 const auto* wanted = !answer.problem && answer.output == "true" ? "false" : "true";
                 std::vector<EffectWay> writes;
                 for (const auto& each : found) {
@@ -138,14 +140,20 @@ Effect FileManagerEffects::restart(const EffectContext& context) {
     if (!manager)
         return Effect::missing(whyUnknown(context.facts));
     const auto program = std::string(manager->program);
-    if (manager->quit == QuitWay::option && context.facts.hasProgram(program))
-        return Effect::by(EffectWays::program(context.doors,
-                                              {context.facts.programs.at(program), "-q"},
-                                              context.doors->patience.act));
-    if (manager->quit == QuitWay::bus && context.session)
-        return Effect::by(quitOnBus(context.doors, *context.session));
-    return Effect::missing(
-        fmt::format("{} can't be told to end by another program", manager->name));
+    if (manager->quit == QuitWay::none || (manager->quit == QuitWay::bus && !context.session))
+        return Effect::missing(
+            fmt::format("{} can't be told to end by another program", manager->name));
+    if (!context.facts.hasProgram(program))
+        return Effect::missing(program + ", which would start it again, is not installed");
+    const auto& path = context.facts.programs.at(program);
+    const auto& doors = context.doors;
+    auto quit = manager->quit == QuitWay::bus
+                    ? quitOnBus(doors, *context.session)
+                    : EffectWays::program(doors, {path, "-q"}, doors->patience.act);
+    // One that is on its way out would still take the new window, and take it along.
+    return Effect::by(EffectWays::allOf(
+        {std::move(quit),
+         EffectWays::after(doors, doors->patience.leaving, EffectWays::detached(doors, {path}))}));
 }
 
 } // namespace tessarine

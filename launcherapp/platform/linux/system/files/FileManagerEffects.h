@@ -8,8 +8,7 @@ namespace tessarine::FileManagerEffects {
 /// Turns the setting of the program that opens folders; its windows follow by themselves.
 Effect toggleHiddenFiles(const EffectContext& context);
 
-/// Ends it with all its windows. It comes up again when it is needed, and a file manager that also
-/// draws the desktop is started again by its session.
+/// Ends it with all its windows, and then starts it again with a window of its own.
 Effect restart(const EffectContext& context);
 
 } // namespace tessarine::FileManagerEffects

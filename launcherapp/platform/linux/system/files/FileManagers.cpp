@@ -26,9 +26,6 @@ constexpr auto table = std::to_array<KnownFileManager>({
 } // namespace
 
 const KnownFileManager* FileManagers::byDesktopID(std::string_view id) {
-    constexpr std::string_view suffix = ".desktop";
-    if (id.ends_with(suffix))
-        id.remove_suffix(suffix.size());
     const auto* const found = std::ranges::find(table, id, &KnownFileManager::desktopID);
     return found == table.end() ? nullptr : found;
 }

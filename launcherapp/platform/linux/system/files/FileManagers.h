@@ -7,7 +7,7 @@ namespace tessarine {
 /// How the programs that open folders keep what other programs may want of them.
 enum class HiddenFilesSetting {
     none,   ///< its own business
-    gtk,    ///< the file dialogs' setting, by the GSettings schemas of GTK 4 and 3
+    gtk,    ///< GSettings: that of the file dialogs, which GTK 4 and GTK 3 keep each for itself
     nemo,   ///< GSettings
     caja,   ///< GSettings
     thunar, ///< Xfconf
@@ -25,7 +25,7 @@ struct KnownFileManager {
     std::string_view desktopID; ///< without ".desktop"
     std::string_view program;
     std::string_view name;
-    std::string_view trashUrl; ///< empty: it knows none
+    std::string_view trashUrl; ///< what it calls the trash
     HiddenFilesSetting hidden = HiddenFilesSetting::none;
     QuitWay quit = QuitWay::none;
 };
@@ -33,7 +33,7 @@ struct KnownFileManager {
 /// What is known of file managers. Pure; any thread.
 namespace FileManagers {
 
-/// By a desktop-file id, with or without ".desktop"; null for an unknown one.
+/// By a desktop-file id without ".desktop"; null for an unknown one.
 const KnownFileManager* byDesktopID(std::string_view id);
 
 } // namespace FileManagers

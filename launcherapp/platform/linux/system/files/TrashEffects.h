@@ -6,7 +6,7 @@
 namespace tessarine::TrashEffects {
 
 /// Empties the home trash and those of every mounted file system, each apart, so that a drive that
-/// hangs delays no other; it is named in the problem.
+/// hangs delays no other; it is named in the problem. It takes as long as files go.
 Effect empty(const EffectContext& context);
 
 /// Opens it in the file manager, or, where that knows no trash, the folder that holds the files.

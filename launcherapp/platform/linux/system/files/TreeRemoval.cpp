@@ -1,7 +1,5 @@
 #include "launcherapp/platform/linux/system/files/TreeRemoval.h"
 
-#include "launcherapp/platform/linux/files/FileDescriptor.h"
-
 #include <fmt/format.h>
 
 #include <cerrno>
@@ -10,16 +8,16 @@
 #include <memory>
 #include <string_view>
 #include <sys/stat.h>
-#include <sys/syscall.h>
+#include <sys/types.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace tessarine {
 
 namespace {
 
-/// Each level keeps a folder open, and a process has 1024 descriptors by default.
-constexpr int deepest = 256;
+using TreeRemoval::OpenedFolder;
 
 std::string inWords(const std::string& name, int error) {
     if (error == EXDEV)
@@ -28,103 +26,222 @@ std::string inWords(const std::string& name, int error) {
 }
 
 /// The root of a mount, a folder bound onto another place of the same file system too. Kernels
-/// before 5.8 don't tell of those; the device tells of all others.
+/// before 5.8 don't tell of those: there the device alone tells, which a subvolume of btrfs has of
+/// its own too.
 bool isMounted(int folder, int parent) {
     struct statx here {};
 
     struct statx above {};
 
-    if (::statx(folder, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &here) != 0 ||
-        ::statx(parent, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &above) != 0)
+    if (::statx(folder, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &here) != 0)
         return true;
-    return (here.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 ||
+    if ((here.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0)
+        return (here.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    return ::statx(parent, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &above) != 0 ||
            here.stx_dev_major != above.stx_dev_major || here.stx_dev_minor != above.stx_dev_minor;
 }
 
-/// What was thrown away may be a folder that its owner may not change: it goes all the same.
+/// What was thrown away may be a folder that its owner may not change: it goes all the same. What
+/// is mounted there keeps its mode.
 void makeWritable(int parent, const std::string& name) {
     const FileDescriptor folder(
         ::openat(parent, name.c_str(), O_PATH | O_NOFOLLOW | O_DIRECTORY | O_CLOEXEC));
-    if (folder)
+    if (folder && !isMounted(folder.number(), parent))
         ::chmod(fmt::format("/proc/self/fd/{}", folder.number()).c_str(), S_IRWXU);
 }
 
-std::optional<std::string> removeBelow(int parent, const std::string& name, int depth);
-
-std::optional<std::string> emptyFolder(int parent, const std::string& name, int depth) {
-    if (depth == deepest)
-        return fmt::format("{} is nested too deeply", name);
-    FileDescriptor folder(TreeRemoval::openFolder(parent, name));
-    if (!folder && errno == EACCES) {
+OpenedFolder openWritable(int parent, const std::string& name) {
+    auto opened = TreeRemoval::openFolder(parent, name);
+    if (opened.error == EACCES) {
         makeWritable(parent, name);
-        folder = FileDescriptor(TreeRemoval::openFolder(parent, name));
+        opened = TreeRemoval::openFolder(parent, name);
     }
-    if (!folder)
-        return inWords(name, errno);
 
     struct stat status {};
 
-    if (::fstat(folder.number(), &status) == 0 && (status.st_mode & S_IRWXU) != S_IRWXU)
-        ::fchmod(folder.number(), S_IRWXU);
-
-    std::optional<std::string> problem;
-    for (const auto& each : TreeRemoval::names(folder.number())) {
-        auto next = removeBelow(folder.number(), each, depth + 1);
-        if (!problem)
-            problem = std::move(next);
-    }
-    return problem;
+    if (opened.folder && ::fstat(opened.folder.number(), &status) == 0 &&
+        (status.st_mode & S_IRWXU) != S_IRWXU)
+        ::fchmod(opened.folder.number(), S_IRWXU);
+    return opened;
 }
 
-std::optional<std::string> removeBelow(int parent, const std::string& name, int depth) {
+/// What became of one name.
+enum class Outcome {
+    gone,
+    holdsMore, ///< a folder that isn't empty
+    stays,     ///< for the reason in errno
+};
+
+Outcome removeOne(int parent, const std::string& name) {
     if (::unlinkat(parent, name.c_str(), 0) == 0 || errno == ENOENT)
-        return std::nullopt;
+        return Outcome::gone;
     // Linux says EISDIR of a folder, POSIX allows EPERM.
     if (errno != EISDIR && errno != EPERM)
-        return inWords(name, errno);
+        return Outcome::stays;
     const int why = errno;
     if (::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT)
-        return std::nullopt;
-    if (errno == ENOTDIR)
-        return inWords(name, why);
-    auto problem = emptyFolder(parent, name, depth);
-    if (problem || ::unlinkat(parent, name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT)
-        return problem;
-    return inWords(name, errno);
+        return Outcome::gone;
+    if (errno != ENOTDIR)
+        return Outcome::holdsMore;
+    errno = why;
+    return Outcome::stays;
 }
+
+/// One removal. Only the deepest folder is held open, so that no depth is too much for a process's
+/// descriptors or its stack; the way back up is "..", checked to be where it came from.
+class Removal {
+public:
+    explicit Removal(std::atomic<std::size_t>& removed) : removed_(removed) {}
+
+    std::optional<std::string> remove(int parent, const std::string& name) {
+        top_ = parent;
+        take(name);
+        while (!levels_.empty()) {
+            auto& names = levels_.back().names;
+            if (names.empty()) {
+                if (!leave())
+                    return problem_;
+                continue;
+            }
+            const auto next = std::move(names.back());
+            names.pop_back();
+            take(next);
+        }
+        return problem_;
+    }
+
+private:
+    /// A folder on the way down.
+    struct Level {
+        std::string name; ///< in the one above
+        dev_t device = 0;
+        ino_t number = 0;
+        std::vector<std::string> names; ///< still to be removed
+        bool holdsOthers = false;       ///< something in it stays, and so does it
+    };
+
+    int current() const { return levels_.empty() ? top_ : folder_.number(); }
+
+    void take(const std::string& name) {
+        switch (removeOne(current(), name)) {
+        case Outcome::gone:
+            ++removed_;
+            return;
+        case Outcome::stays:
+            keep(name, errno);
+            return;
+        case Outcome::holdsMore:
+            enter(name);
+            return;
+        }
+    }
+
+    void enter(const std::string& name) {
+        auto opened = openWritable(current(), name);
+        if (!opened.folder)
+            return keep(name, opened.error);
+
+        struct stat status {};
+
+        if (::fstat(opened.folder.number(), &status) != 0)
+            return keep(name, errno);
+        auto listing = TreeRemoval::names(opened.folder.number());
+        if (listing.error != 0)
+            return keep(name, listing.error);
+        levels_.push_back({.name = name,
+                           .device = status.st_dev,
+                           .number = status.st_ino,
+                           .names = std::move(listing.names)});
+        folder_ = std::move(opened.folder);
+    }
+
+    /// To the folder above, removing the one left; false when the way up is lost.
+    bool leave() {
+        const auto left = std::move(levels_.back());
+        levels_.pop_back();
+        if (!levels_.empty()) {
+            FileDescriptor above(
+                ::openat(folder_.number(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            if (!isLevel(above, levels_.back())) {
+                if (!problem_)
+                    problem_ = left.name + " was moved meanwhile";
+                return false;
+            }
+            folder_ = std::move(above);
+        }
+        if (left.holdsOthers)
+            keepParent();
+        else if (::unlinkat(current(), left.name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT)
+            ++removed_;
+        else
+            keep(left.name, errno);
+        return true;
+    }
+
+    /// Somebody may have moved the folder meanwhile, out of the trash even.
+    static bool isLevel(const FileDescriptor& folder, const Level& level) {
+        struct stat status {};
+
+        return folder && ::fstat(folder.number(), &status) == 0 && status.st_dev == level.device &&
+               status.st_ino == level.number;
+    }
+
+    void keep(const std::string& name, int error) {
+        if (!problem_)
+            problem_ = inWords(name, error);
+        keepParent();
+    }
+
+    void keepParent() {
+        if (!levels_.empty())
+            levels_.back().holdsOthers = true;
+    }
+
+    std::atomic<std::size_t>& removed_;
+    int top_ = -1;
+    std::vector<Level> levels_;
+    FileDescriptor folder_; ///< of the last level
+    std::optional<std::string> problem_;
+};
 
 } // namespace
 
-std::vector<std::string> TreeRemoval::names(int folder) {
-    std::vector<std::string> names;
+TreeRemoval::Listing TreeRemoval::names(int folder) {
+    Listing listing;
     // A stream closes what it reads from.
     const int own = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(own < 0 ? nullptr : ::fdopendir(own),
                                                      &::closedir);
-    if (!stream)
-        return names;
-    while (const auto* entry = ::readdir(stream.get())) {
+    if (!stream) {
+        listing.error = errno;
+        return listing;
+    }
+    while (true) {
+        errno = 0; // else the end and a failure look the same
+        const auto* entry = ::readdir(stream.get());
+        if (!entry)
+            break;
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..")
-            names.emplace_back(name);
+            listing.names.emplace_back(name);
     }
-    return names;
+    listing.error = errno;
+    return listing;
 }
 
-int TreeRemoval::openFolder(int parent, const std::string& name) {
+OpenedFolder TreeRemoval::openFolder(int parent, const std::string& name) {
     FileDescriptor folder(
         ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!folder)
-        return -1;
-    if (isMounted(folder.number(), parent)) {
-        errno = EXDEV;
-        return -1;
-    }
-    return ::fcntl(folder.number(), F_DUPFD_CLOEXEC, 0);
+        return {.folder = {}, .error = errno};
+    if (isMounted(folder.number(), parent))
+        return {.folder = {}, .error = EXDEV};
+    return {.folder = std::move(folder)};
 }
 
-std::optional<std::string> TreeRemoval::remove(int parent, const std::string& name) {
-    return removeBelow(parent, name, 0);
+std::optional<std::string>
+TreeRemoval::remove(int parent, const std::string& name, std::atomic<std::size_t>& removed) {
+    return Removal(removed).remove(parent, name);
 }
 
 } // namespace tessarine

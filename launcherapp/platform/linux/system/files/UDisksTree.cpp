@@ -1,7 +1,5 @@
 #include "launcherapp/platform/linux/system/files/UDisksTree.h"
 
-#include "LauncherCore/text/Folding.h"
-
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
@@ -17,17 +15,17 @@ namespace tessarine {
 
 namespace {
 
-using namespace UDisksTree;
+using UDisksTree::Block;
+using UDisksTree::Drive;
+using UDisksTree::Tree;
 
 using Interfaces = QMap<QString, QVariantMap>;
 using Objects = QMap<QDBusObjectPath, Interfaces>;
 
-/// Folders that the running system itself may be on; "/home" and its like too, since nobody can
-/// work on without them. Live systems run from the stick that they were started from.
-constexpr auto systemFolders = std::to_array<std::string_view>({
-    "/boot",     "/bin",  "/cdrom", "/efi",     "/etc",  "/gnu",  "/home",        "/isodevice",
-    "/lib",      "/nix",  "/opt",   "/ostree",  "/rofs", "/root", "/run/archiso", "/run/initramfs",
-    "/run/live", "/sbin", "/srv",   "/sysroot", "/usr",  "/var",
+/// File systems that lie on several blocks at once, of which UDisks tells each mount on one alone.
+constexpr auto spreading = std::to_array<QLatin1StringView>({
+    QLatin1StringView("btrfs"),
+    QLatin1StringView("bcachefs"),
 });
 
 QString interfaceName(const char* name) {
@@ -42,6 +40,15 @@ QString objectPath(const QVariant& value) {
 /// Paths come as bytes that end in a nul.
 std::string pathFrom(const QByteArray& bytes) {
     return std::string(bytes.constData());
+}
+
+/// "/dev/sdb1" is "sdb1"; below /sys, "cciss/c0d0" is "cciss!c0d0".
+std::string kernelName(std::string path) {
+    constexpr std::string_view folder = "/dev/";
+    if (path.starts_with(folder))
+        path.erase(0, folder.size());
+    std::ranges::replace(path, '/', '!');
+    return path;
 }
 
 std::vector<std::string> mountPoints(const QVariant& value) {
@@ -74,7 +81,8 @@ Drive driveFrom(const QString& path, const QVariantMap& values) {
             .staysPluggedIn =
                 takesMedia(values.value(QStringLiteral("MediaCompatibility")).toStringList()),
             .canEject = isSet("Ejectable"),
-            .canPowerOff = isSet("CanPowerOff")};
+            .canPowerOff = isSet("CanPowerOff"),
+            .sibling = text("SiblingId").toStdString()};
 }
 
 Block blockFrom(const QString& path, const Interfaces& interfaces) {
@@ -88,8 +96,12 @@ Block blockFrom(const QString& path, const Interfaces& interfaces) {
     Block block{.path = path,
                 .drive = objectPath(value("Drive")),
                 .below = objectPath(value("CryptoBackingDevice")),
+                .device = kernelName(pathFrom(value("Device").toByteArray())),
                 .name = label.isEmpty() ? pathFrom(value("PreferredDevice").toByteArray())
                                         : label.toStdString(),
+                .fileSystemID = std::ranges::count(spreading, holds) > 0
+                                    ? value("IdUUID").toString().toStdString()
+                                    : std::string(),
                 .mounts = mountPoints(of("Filesystem", "MountPoints")),
                 .isSystem = value("HintSystem").toBool() &&
                             objectPath(value("CryptoBackingDevice")).isEmpty(),
@@ -105,107 +117,14 @@ Block blockFrom(const QString& path, const Interfaces& interfaces) {
     return block;
 }
 
-bool isSystemFolder(std::string_view mount) {
-    return mount == "/" || std::ranges::any_of(systemFolders, [mount](std::string_view folder) {
-               if (!mount.starts_with(folder))
-                   return false;
-               const auto below = mount.substr(folder.size());
-               // Drives of the user's are at times mounted below the home folder, and images
-               // anywhere.
-               return below.empty() ||
-                      (folder != "/home" && folder != "/root" && below.front() == '/');
-           });
-}
-
-/// Of what lies in it, since UDisks takes every image, and what is unlocked, for the machine's own.
-bool isUsedBySystem(const Block& block) {
-    return block.isSwap || block.isPartOfMore || std::ranges::any_of(block.mounts, isSystemFolder);
-}
-
-template <typename Holds> bool any(const std::vector<const Block*>& blocks, Holds holds) {
-    return std::ranges::any_of(blocks, [&](const Block* block) { return holds(*block); });
-}
-
-/// More than a disk, a partition, LUKS and a volume lie in one another: a circle ends there.
-constexpr int deepest = 8;
-
-/// The blocks that lie on one drive or image, those inside others behind them.
-class Lying {
-public:
-    explicit Lying(const Tree& tree) : tree_(tree) {}
-
-    std::vector<const Block*> onDrive(const QString& drive) const {
-        return where([&](const Block& block) { return root(block)->drive == drive; });
-    }
-
-    std::vector<const Block*> inImage(const QString& image) const {
-        return where([&](const Block& block) { return root(block)->path == image; });
-    }
-
-private:
-    /// The outermost that a block lies in.
-    const Block* root(const Block& block) const {
-        const auto* outer = &block;
-        for (int depth = 0; depth < deepest && !outer->below.isEmpty(); ++depth) {
-            const auto found = std::ranges::find(tree_.blocks, outer->below, &Block::path);
-            if (found == tree_.blocks.end())
-                break;
-            outer = &*found;
-        }
-        return outer;
-    }
-
-    template <typename Holds> std::vector<const Block*> where(Holds holds) const {
-        std::vector<const Block*> found;
-        for (const auto& block : tree_.blocks) {
-            if (holds(block))
-                found.push_back(&block);
-        }
-        return found;
-    }
-
-    const Tree& tree_;
-};
-
-constexpr auto filesystem = "org.freedesktop.UDisks2.Filesystem";
-constexpr auto encrypted = "org.freedesktop.UDisks2.Encrypted";
-constexpr auto driveInterface = "org.freedesktop.UDisks2.Drive";
-constexpr auto loop = "org.freedesktop.UDisks2.Loop";
-
-/// First every file system, then every lock, as one may lie in the other.
-std::vector<Step> release(const std::vector<const Block*>& blocks) {
-    std::vector<Step> steps;
-    for (const auto* block : blocks) {
-        // Each call undoes one mount.
-        for (std::size_t i = 0; i < block->mounts.size(); ++i)
-            steps.push_back({block->path, filesystem, "Unmount"});
-    }
-    for (const auto* block : blocks) {
-        if (block->isUnlocked)
-            steps.push_back({block->path, encrypted, "Lock"});
-    }
-    return steps;
-}
-
-/// A whole stick or disk loses its power, which also writes what the drive itself holds back. A
-/// reader stays, as it could not be used again until it is plugged in anew.
-std::optional<Step> farewell(const Drive& drive) {
-    if (drive.canPowerOff && !drive.staysPluggedIn)
-        return Step{drive.path, driveInterface, "PowerOff"};
-    if (drive.canEject)
-        return Step{drive.path, driveInterface, "Eject"};
-    return std::nullopt;
-}
-
 } // namespace
 
 std::optional<Tree> UDisksTree::read(const QDBusMessage& answer) {
-    static const bool registered = [] {
+    [[maybe_unused]] static const bool registered = [] {
         qDBusRegisterMetaType<Interfaces>();
         qDBusRegisterMetaType<Objects>();
         return true;
     }();
-    Q_UNUSED(registered)
     if (answer.signature() != QLatin1String("a{oa{sa{sv}}}"))
         return std::nullopt;
     const auto objects = qdbus_cast<Objects>(answer.arguments().constFirst());
@@ -218,36 +137,6 @@ std::optional<Tree> UDisksTree::read(const QDBusMessage& answer) {
             tree.blocks.push_back(blockFrom(path, *each));
     }
     return tree;
-}
-
-std::vector<Ejection> UDisksTree::ejections(const Tree& tree, unsigned user) {
-    const Lying lying(tree);
-    std::vector<Ejection> result;
-    // Images first: their files may lie on the drives.
-    for (const auto& image : tree.blocks) {
-        if (image.imageUser != user || user == 0) // the system's own are set up by its user, 0
-            continue;
-        const auto blocks = lying.inImage(image.path);
-        if (any(blocks, isUsedBySystem))
-            continue;
-        auto steps = release(blocks);
-        steps.push_back({image.path, loop, "Delete"});
-        result.push_back({.name = image.name, .steps = std::move(steps)});
-    }
-    for (const auto& drive : tree.drives) {
-        const auto blocks = lying.onDrive(drive.path);
-        const bool isKept = any(blocks, isUsedBySystem) || any(blocks, [&](const Block& block) {
-                                return block.isSystem && block.drive == drive.path;
-                            });
-        if (!drive.isExternal || !drive.hasMedium || isKept)
-            continue;
-        auto steps = release(blocks);
-        if (const auto last = farewell(drive))
-            steps.push_back(*last);
-        if (!steps.empty())
-            result.push_back({.name = drive.name, .steps = std::move(steps)});
-    }
-    return result;
 }
 
 } // namespace tessarine
