@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <algorithm>
 
 namespace tessarine {
 namespace {
@@ -94,6 +95,24 @@ TEST_F(QtAlertsTest, whatIsToldIsClosedByReturn) {
     press("Return");
     EXPECT_TRUE(spinUntil([&] { return !shown; }));
     EXPECT_THAT(logged, IsEmpty());
+}
+
+TEST_F(QtAlertsTest, whatIsToldAgainIsToldInTheSameWindow) {
+    const auto open = [] {
+        return std::ranges::count_if(QApplication::topLevelWidgets(), [](const QWidget* window) {
+            return qobject_cast<const QMessageBox*>(window) != nullptr;
+        });
+    };
+    for (int i = 0; i < 3; ++i)
+        alerts.tell("Lock failed", "There is no session.");
+    EXPECT_EQ(open(), 1);
+    alerts.tell("Lock failed", "Another reason.");
+    EXPECT_EQ(open(), 2);
+    while (auto* each = box())
+        delete each;
+    alerts.tell("Lock failed", "There is no session.");
+    EXPECT_EQ(open(), 1) << "the one before was closed";
+    delete box();
 }
 
 TEST_F(QtAlertsTest, withoutADisplayTheAnswerIsNoAndTheLogIsTold) {

@@ -2,9 +2,13 @@
 
 #include "launcherapp/platform/Alerts.h"
 
+#include <QPointer>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+class QMessageBox;
 
 namespace tessarine {
 
@@ -21,10 +25,12 @@ public:
 
     /// Return and Escape both leave it undone: only the button itself does it.
     void ask(const AlertQuestion& question, std::function<void(bool confirmed)> answered) override;
+    /// What is told already in an open window brings that up again.
     void tell(const std::string& title, const std::string& text) override;
 
 private:
     Log log_;
+    std::vector<QPointer<QMessageBox>> told_; ///< null for those that were closed
 };
 
 } // namespace tessarine
