@@ -70,6 +70,23 @@ const InstalledApp* AppRegistry::byPath(std::string_view path) const {
     return find(byPath_, path);
 }
 
+const InstalledApp* AppRegistry::named(std::string_view pathOrID) const {
+    if (const auto* app = byPath(pathOrID))
+        return app;
+    const bool isPath = pathOrID.find('/') != std::string_view::npos;
+    return !isPath || pathOrID.ends_with(extension) ? byID(lastPart(pathOrID, '/')) : nullptr;
+}
+
+const InstalledApp* AppRegistry::startedBy(std::string_view program) const {
+    const auto* app = find(byExecutable_, lastPart(program, '/'));
+    const auto words = app ? ExecLine::words(app->exec) : std::nullopt;
+    if (!words)
+        return nullptr;
+    // A bare name may be found in any folder.
+    const bool bothArePaths = program.starts_with('/') && words->front().starts_with('/');
+    return !bothArePaths || words->front() == program ? app : nullptr;
+}
+
 const InstalledApp* AppRegistry::handlerForType(std::string_view mimeType) const {
     const auto type = Folding::lowercase(mimeType);
     for (const auto& id : associations_.preferred(type)) {

@@ -54,6 +54,14 @@ public:
     const InstalledApp* byID(std::string_view bundleID) const;
     const InstalledApp* byPath(std::string_view path) const;
 
+    /// What a user's command names as its application: the path of a desktop entry, one that
+    /// another folder's entry of the same id hides too, or an id. Null when none is installed.
+    const InstalledApp* named(std::string_view pathOrID) const;
+
+    /// Whose entry starts this program, given by its path or its bare name. Null when none does, or
+    /// only a program of that name in another folder is started.
+    const InstalledApp* startedBy(std::string_view program) const;
+
     /// Who opens a MIME type ("inode/directory") or a URL scheme: the user's default, else what
     /// the desktop or an added association says, else the first entry that declares it. Null when
     /// nobody does.

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cassert>
 #include <set>
 #include <utility>
 
@@ -37,21 +38,18 @@ public:
         : services_(services), order_(std::move(order)), done_(std::move(done)),
           began_(services.queue.uptime()), names_(namesOf(order_.app)) {}
 
-    void waitForApp() {
-        const auto program = programWithWindows();
-        if (program) {
-            beginPressing();
-        } else if (services_.running.ability().available) {
-            appIsMissing();
-        } else {
-            // Where windows aren't told of, the application itself is asked for.
-            onSerialQueue(
-                [program = AccessibleProgram{.names = names_}](Accessibility& accessibility) {
-                    return accessibility.runs(program);
-                },
-                [](Run& run, bool runs) { runs ? run.beginPressing() : run.appIsMissing(); });
-        }
+    void begin() {
+        // Asked first, since most toolkits tell nothing until then.
+        onSerialQueue([](Accessibility& accessibility) { return accessibility.wake(); },
+                      [](Run& run, Accessibility::Before before) {
+                          if (before == Accessibility::Before::silent && !run.programWithWindows())
+                              run.after(timeToSpeak, &Run::waitForApp);
+                          else
+                              run.waitForApp();
+                      });
     }
+
+    bool isOver() const { return isOver_; }
 
 private:
     /// Runs `job(accessibility)` on the serial queue and then `back(run, value)` on the main one.
@@ -90,7 +88,22 @@ private:
         return program;
     }
 
+    void waitForApp() {
+        if (programWithWindows()) {
+            nextName();
+            return;
+        }
+        onSerialQueue([program = AccessibleProgram{.names = names_}](
+                          Accessibility& accessibility) { return accessibility.runs(program); },
+                      [](Run& run, bool runs) { runs ? run.nextName() : run.appIsMissing(); });
+    }
+
     void appIsMissing() {
+        if (order_.start && !result_.started) {
+            result_.started = true;
+            began_ = services_.queue.uptime();
+            order_.start();
+        }
         if (services_.queue.uptime() - began_ < order_.waitForApp) {
             after(appCheck, &Run::waitForApp);
             return;
@@ -99,24 +112,21 @@ private:
         stop(fmt::format("{} is not running", order_.app.name));
     }
 
-    void beginPressing() {
-        onSerialQueue(
-            [program = programOrNames()](Accessibility& accessibility) {
-                accessibility.wake(program);
-                return true;
-            },
-            [](Run& run, bool) { run.nextName(); });
-    }
-
     void nextName() {
-        nameBegan_ = services_.queue.uptime();
+        nameEnds_ = services_.queue.uptime() + order_.waitPerName;
         attempt();
     }
 
     void attempt() {
         // The processes are asked for anew each time: a splash screen may be another's.
+        auto program = programWithWindows();
+        if (!program && result_.started && result_.pressed.empty()) {
+            // Nor does one count as being there whose splash screen alone has spoken so far.
+            nameEnds_ = std::max(nameEnds_, began_ + order_.waitForApp);
+        }
         onSerialQueue(
-            [program = programOrNames(), name = name()](Accessibility& accessibility) {
+            [program = std::move(program).value_or(AccessibleProgram{.names = names_}),
+             name = name()](Accessibility& accessibility) {
                 return accessibility.press(program, name);
             },
             [](Run& run, const PressAttempt& attempt) { run.attempted(attempt); });
@@ -135,7 +145,7 @@ private:
             stop(fmt::format("the press was refused (AX error {})", attempt.problem));
             return;
         case PressAttempt::Outcome::notFound:
-            if (services_.queue.uptime() - nameBegan_ < order_.waitPerName)
+            if (services_.queue.uptime() < nameEnds_)
                 after(retry, &Run::attempt);
             else
                 stop(fmt::format("nothing named that was on screen within {:.1f} s",
@@ -146,25 +156,24 @@ private:
 
     const std::string& name() const { return order_.names[result_.pressed.size()]; }
 
-    AccessibleProgram programOrNames() const {
-        return programWithWindows().value_or(AccessibleProgram{.names = names_});
-    }
-
-    void stop(std::string note) {
-        result_.missing = name();
-        result_.note = std::move(note);
+    void stop(std::string reason) {
+        result_.missing = Missing{.name = name(), .reason = std::move(reason)};
         finish();
     }
 
-    void finish() { done_(std::move(result_)); }
+    void finish() {
+        isOver_ = true;
+        done_(std::move(result_));
+    }
 
     Services services_;
     Order order_;
     std::function<void(Result)> done_;
     Seconds began_;
     std::set<std::string> names_;
-    Seconds nameBegan_{0};
+    Seconds nameEnds_{0};
     Result result_;
+    bool isOver_ = false;
 };
 
 ButtonPresses::ButtonPresses(Services services) : services_(std::move(services)) {}
@@ -173,10 +182,11 @@ ButtonPresses::~ButtonPresses() = default;
 
 void ButtonPresses::press(Order order, std::function<void(Result result)> done) {
     requireMainThread(services_.queue);
+    assert(!run_ || run_->isOver());
     run_ = std::make_shared<Run>(services_, std::move(order), std::move(done));
     services_.queue.post([weak = std::weak_ptr(run_)] {
         if (const auto run = weak.lock())
-            run->waitForApp();
+            run->begin();
     });
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "LauncherCore/catalog/AppRegistry.h"
-#include "LauncherCore/commands/CommandSpec.h"
-#include "launcherapp/commands/CommandRuntime.h"
+#include "launcherapp/catalog/AppLauncher.h"
 #include "launcherapp/platform/MainQueue.h"
 
 #include <functional>
@@ -18,10 +16,12 @@ class Accessibility;
 class Alerts;
 class AppCatalog;
 class Diagnostics;
+class FileOpener;
 class FileTypes;
 class RunningApps;
 class WindowList;
 class WorkQueues;
+struct CommandSpec;
 
 /// Goes to a place inside another application: opens a deep link or the application, then presses
 /// named buttons in it, one jump at a time. When a button can't be pressed, the application comes
@@ -31,12 +31,18 @@ class JumpRunner {
 public:
     static constexpr Seconds waitForApp{8};
     static constexpr Seconds waitPerName{4};
+    /// How long a disk may take to say what the file is that a jump leads to.
+    static constexpr Seconds diskPatience{5};
+
+    using Activation = AppLauncher::Activation;
 
     struct Services {
         MainQueue& queue;
         WorkQueues& work;
-        const AppCatalog& catalog;
-        const FileTypes& types;
+        AppCatalog& catalog;
+        AppLauncher& launcher;
+        const FileOpener& opener;
+        std::shared_ptr<const FileTypes> types; ///< a disk that hangs may ask it after our end
         RunningApps& running;
         const WindowList& windows;
         std::shared_ptr<Accessibility> accessibility;
@@ -44,10 +50,7 @@ public:
         Diagnostics& diagnostics;
         /// What CommandRuntime does under these names.
         std::function<std::optional<std::string>(std::string_view text)> resolve;
-        std::function<void(std::vector<std::string> urls, CommandRuntime::Activation activation)>
-            open;
-        /// Brings the application forward if it runs; else starts it. Logs its own failures.
-        std::function<void(const InstalledApp& app)> launch;
+        std::function<void(std::vector<std::string> urls, Activation activation)> open;
     };
 
     explicit JumpRunner(Services services);
@@ -55,6 +58,9 @@ public:
     JumpRunner(const JumpRunner&) = delete;
     JumpRunner& operator=(const JumpRunner&) = delete;
 
+    /// Runs a command of kind `jump`: its link goes to the application that `path` names, else to
+    /// who opens such links. Without names to press it is opened at once; else the jump waits for
+    /// those before it. What came of it is logged.
     void run(const CommandSpec& command, const std::string& argument);
 
     /// The same pressing in an application that runs, for finding out what its buttons are called.
@@ -63,9 +69,12 @@ public:
                const std::vector<std::string>& names,
                std::function<void(std::string line)> told);
 
+    /// Whether every jump has ended and handed over what it opens.
+    bool isSettled() const;
+
 private:
-    struct Parts;
-    std::shared_ptr<Parts> parts_;
+    struct Core;
+    std::shared_ptr<Core> core_;
 };
 
 } // namespace tessarine

@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/Ability.h"
 
+#include <chrono>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -15,8 +16,6 @@ struct AccessibleProgram {
     /// What it may call itself: its entry's name, its id, its program's file name. They count only
     /// while no process is known.
     std::set<std::string> names;
-
-    bool operator==(const AccessibleProgram&) const = default;
 };
 
 /// What came of looking for a button and pressing it.
@@ -29,25 +28,30 @@ struct PressAttempt {
 
     Outcome outcome = Outcome::notFound;
     std::string problem; ///< of a refusal, in the words of who refused; else empty
-
-    bool operator==(const PressAttempt&) const = default;
 };
 
 /// Other programs' buttons, through the desktop's accessibility service. Every call may wait for
-/// the bus and for the other program, for a few seconds at most: any thread but the main one, one
-/// call at a time.
+/// the bus and for the other program, `longestCall` at most: any thread but the main one, one call
+/// at a time.
 class Accessibility {
 public:
+    /// A search that meets its bound at its last button, and the answer to that button's press.
+    static constexpr std::chrono::milliseconds longestCall{4000};
+
+    /// How programs were before they were woken.
+    enum class Before { silent, speaking };
+
     virtual ~Accessibility() = default;
 
     /// Whether the desktop has the service and lets us use it.
     virtual Ability ability() = 0;
 
-    /// Whether the program tells what it shows: how one is known to run where windows don't say.
+    /// Whether the program shows a window: how one is known to run where windows aren't told.
     virtual bool runs(const AccessibleProgram& program) = 0;
 
-    /// Has programs tell what they show; some do only when asked. Lasts until the program ends.
-    virtual void wake(const AccessibleProgram& program) = 0;
+    /// Has programs tell what they show, those that start from now on too; some do only when asked.
+    /// Lasts until this object goes. "speaking" also where nobody could be asked.
+    virtual Before wake() = 0;
 
     /// Looks once, depth first, for something in the program's windows that is on screen, can be
     /// pressed and is called `name`, by its name, description or value, and presses it.

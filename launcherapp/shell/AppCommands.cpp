@@ -119,7 +119,9 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
       jumps({.queue = made.doors.queue,
              .work = made.doors.work,
              .catalog = made.catalog,
-             .types = made.doors.fileTypes,
+             .launcher = made.launcher,
+             .opener = made.opener,
+             .types = std::make_shared<const QtFileTypes>(),
              .running = made.running,
              .windows = *made.doors.windows,
              .accessibility = made.doors.accessibility,
@@ -129,8 +131,7 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
              .open =
                  [this](std::vector<std::string> urls, CommandRuntime::Activation activation) {
                      runtime.open(std::move(urls), activation);
-                 },
-             .launch = [this](const InstalledApp& app) { services.bringUp(app); }}),
+                 }}),
       system({.queue = made.doors.queue,
               .work = made.doors.work,
               .files = made.doors.files,

@@ -21,7 +21,10 @@ public:
 
     bool runs(const AccessibleProgram&) override { return running; }
 
-    void wake(const AccessibleProgram& program) override { woken.push_back(program); }
+    Before wake() override {
+        ++wakings;
+        return std::exchange(before, Before::speaking);
+    }
 
     PressAttempt press(const AccessibleProgram& program, std::string_view name) override {
         attempts.push_back({.program = program, .name = std::string(name)});
@@ -29,11 +32,12 @@ public:
     }
 
     Ability trusted;
-    bool running = false; ///< for whoever has no windows to go by
+    bool running = false;             ///< for whoever has no windows to go by
+    Before before = Before::speaking; ///< until it is woken
+    int wakings = 0;
     std::function<PressAttempt(const std::string& name)> answer = [](const std::string&) {
         return PressAttempt{.outcome = PressAttempt::Outcome::pressed};
     };
-    std::vector<AccessibleProgram> woken;
     std::vector<Attempt> attempts;
 };
 

@@ -23,6 +23,33 @@ TEST(AppRegistry, idsAreFoundHoweverTheyAreWritten) {
     EXPECT_EQ(idOf(registry.byPath("/a/fox.desktop")), "fox");
 }
 
+TEST(AppRegistry, whatACommandNamesIsAnEntryAnIdOrAProgram) {
+    const AppRegistry registry({app("org.x.Editor", "/usr/bin/editor-bin %F"),
+                                app("bare", "tool --new"),
+                                app("env-e", "env e")},
+                               {});
+
+    const struct {
+        std::string text, named, startedBy;
+    } cases[] = {
+        {"/a/org.x.Editor.desktop", "org.x.Editor", "(none)"},
+        {"/b/org.x.Editor.desktop", "org.x.Editor", "(none)"}, // hidden by the other folder's
+        {"org.x.editor", "org.x.Editor", "(none)"},
+        {"/b/org.x.Editor", "(none)", "(none)"}, // a path, and no entry's
+        {"/usr/bin/editor-bin", "(none)", "org.x.Editor"},
+        {"editor-bin", "(none)", "org.x.Editor"},
+        {"/opt/bin/editor-bin", "(none)", "(none)"}, // another program of that name
+        {"/opt/bin/tool", "(none)", "bare"},         // where a bare name may lead
+        {"/usr/bin/env", "(none)", "(none)"},        // starts others' programs
+        {"", "(none)", "(none)"},
+    };
+
+    for (const auto& [text, named, startedBy] : cases) {
+        EXPECT_EQ(idOf(registry.named(text)), named) << text;
+        EXPECT_EQ(idOf(registry.startedBy(text)), startedBy) << text;
+    }
+}
+
 TEST(AppRegistry, windowsAreOwnedByTheBestHint) {
     auto editor = app("org.x.Editor", "/usr/bin/editor-bin %F");
     editor.windowClass = "EditorWindow";

@@ -10,7 +10,6 @@
 #include <QLocalServer>
 #include <QProcess>
 #include <csignal>
-#include <iostream>
 
 namespace tessarine {
 namespace {
@@ -102,7 +101,7 @@ protected:
     void SetUp() override {
         const auto ability = accessibility.ability();
         ASSERT_TRUE(ability.available) << ability.reason;
-        accessibility.wake({});
+        accessibility.wake();
     }
 
     /// As a jump does: right after its start a program tells nothing yet.
@@ -121,6 +120,8 @@ protected:
         took = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - began);
         return attempt;
     }
+
+    void record(const char* name) { RecordProperty(name, static_cast<int>(took.count())); }
 
     void pressesAndIsRefusedTheDecoys(Shown& shown) {
         ASSERT_TRUE(shown.ready);
@@ -147,7 +148,6 @@ protected:
                 EXPECT_TRUE(spinUntil([&] { return shown.said(says); }))
                     << shown.output().toStdString();
             }
-            std::cout << "  [" << name << "] in " << took.count() << " ms\n";
         }
         for (const auto* decoy : {"hidden", "disabled", "off"})
             EXPECT_FALSE(shown.said(decoy)) << decoy;
@@ -173,12 +173,30 @@ TEST_F(AtspiAccessibilityTest, aProgramIsKnownByItsNameWhereItsProcessIsNot) {
     const auto shown = Shown::qt();
     const AccessibleProgram byName{.names = {"Other", "shownprogram"}};
     EXPECT_TRUE(spinUntil([&] { return accessibility.runs(byName); }));
+    EXPECT_FALSE(accessibility.runs({.names = {"shown_program"}})); // no mnemonic in there
     EXPECT_EQ(pressSoon(byName, "Go").outcome, Outcome::pressed);
     EXPECT_TRUE(spinUntil([&] { return shown->said("go"); }));
     EXPECT_FALSE(accessibility.runs({.names = {"shown"}}));
     // A process that is known counts alone.
     EXPECT_EQ(timedPress({.processIDs = {1}, .names = byName.names}, "Go").outcome,
               Outcome::notFound);
+}
+
+TEST_F(AtspiAccessibilityTest, aProgramRunsWhenItShowsAWindow) {
+    const auto none = Shown::qt("windowless");
+    ASSERT_TRUE(none->ready);
+    const auto shown = Shown::qt();
+    ASSERT_TRUE(spinUntil([&] { return accessibility.runs(shown->program()); }));
+    EXPECT_FALSE(accessibility.runs(none->program()));
+}
+
+TEST_F(AtspiAccessibilityTest, whatIsCalledJustSoIsPressedBeforeWhatIsSoButForAMark) {
+    const auto shown = Shown::qt();
+    EXPECT_EQ(pressSoon(shown->program(), "myfile").outcome, Outcome::pressed);
+    EXPECT_TRUE(spinUntil([&] { return shown->said("without mark"); }));
+    EXPECT_FALSE(shown->said("with mark")); // it comes first in the window
+    EXPECT_EQ(timedPress(shown->program(), "my_file").outcome, Outcome::pressed);
+    EXPECT_TRUE(spinUntil([&] { return shown->said("with mark"); }));
 }
 
 TEST_F(AtspiAccessibilityTest, aProgramThatHangsCostsItsBoundAndNoMore) {
@@ -188,7 +206,6 @@ TEST_F(AtspiAccessibilityTest, aProgramThatHangsCostsItsBoundAndNoMore) {
     ASSERT_EQ(pressSoon(qt->program(), "Go").outcome, Outcome::pressed);
     gtk->signal(SIGSTOP);
     EXPECT_EQ(timedPress(gtk->program(), "Go").outcome, Outcome::notFound);
-    std::cout << "  stopped: " << took.count() << " ms\n";
     EXPECT_LE(took, AtspiAccessibility::longestPress + milliseconds(200));
     // The others are pressed in meanwhile as ever.
     EXPECT_EQ(timedPress(qt->program(), "Go").outcome, Outcome::pressed);
@@ -209,7 +226,7 @@ TEST_F(AtspiAccessibilityTest, aProgramThatHasEndedIsNotFound) {
 TEST_F(AtspiAccessibilityTest, theLastOfThreeThousandThingsIsFound) {
     const auto shown = Shown::qt("many");
     EXPECT_EQ(pressSoon(shown->program(), "Last").outcome, Outcome::pressed);
-    std::cout << "  three thousand: " << took.count() << " ms\n";
+    record("threeThousandMilliseconds");
     EXPECT_TRUE(spinUntil([&] { return shown->said("last"); }));
 }
 
@@ -217,7 +234,7 @@ TEST_F(AtspiAccessibilityTest, aTreeWithoutEndCostsItsBoundAndNoMore) {
     const auto shown = Shown::qt("endless");
     ASSERT_TRUE(shown->ready);
     EXPECT_EQ(timedPress(shown->program(), "Go").outcome, Outcome::notFound);
-    std::cout << "  endless: " << took.count() << " ms\n";
+    record("endlessMilliseconds");
     EXPECT_GT(took, milliseconds(20)); // it did go down
     EXPECT_LE(took, AtspiAccessibility::longestPress + milliseconds(200));
 }
@@ -235,10 +252,10 @@ TEST(AtspiStatus, isPutBackAsItWasFound) {
     ASSERT_FALSE(isEnabled());
     {
         AtspiAccessibility ours;
-        ours.wake({});
+        EXPECT_EQ(ours.wake(), Accessibility::Before::silent);
         EXPECT_TRUE(isEnabled());
         AtspiAccessibility another; // finds it on, so it isn't the one to put it back
-        another.wake({});
+        EXPECT_EQ(another.wake(), Accessibility::Before::speaking);
     }
     EXPECT_FALSE(isEnabled());
 }

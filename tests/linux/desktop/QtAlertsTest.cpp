@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <algorithm>
 
 namespace tessarine {
 namespace {
@@ -135,6 +136,24 @@ TEST_F(QtAlertsTest, whatIsWaitedForIsShownWithoutTakingTheKeyboard) {
     EXPECT_EQ(takenBack, 1);
     question->close();
     EXPECT_TRUE(spinUntil([&] { return !question; }));
+}
+
+TEST_F(QtAlertsTest, whatIsToldAgainIsToldInTheSameWindow) {
+    const auto open = [] {
+        return std::ranges::count_if(QApplication::topLevelWidgets(), [](const QWidget* window) {
+            return qobject_cast<const QMessageBox*>(window) != nullptr;
+        });
+    };
+    for (int i = 0; i < 3; ++i)
+        alerts.tell("Lock failed", "There is no session.");
+    EXPECT_EQ(open(), 1);
+    alerts.tell("Lock failed", "Another reason.");
+    EXPECT_EQ(open(), 2);
+    while (auto* each = box())
+        delete each;
+    alerts.tell("Lock failed", "There is no session.");
+    EXPECT_EQ(open(), 1) << "the one before was closed";
+    delete box();
 }
 
 TEST_F(QtAlertsTest, withoutADisplayTheAnswerIsNoAndTheLogIsTold) {

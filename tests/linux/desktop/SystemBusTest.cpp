@@ -30,5 +30,36 @@ TEST(SystemBus, isLeftAloneWhenItSaysNothing) {
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
 }
 
+TEST(SystemBus, everyAddressOfASocketIsAskedWithinOnePatience) {
+    const auto session = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    const ScratchFolder folder;
+    QLocalServer hangs;
+    ASSERT_TRUE(hangs.listen(QString::fromStdString(folder.path("/hangs"))));
+    QLocalServer abstract;
+    abstract.setSocketOptions(QLocalServer::AbstractNamespaceOption);
+    const auto name = QString::fromStdString(folder.path("/abstract"));
+    ASSERT_TRUE(abstract.listen(name));
+    const auto hanging = "unix:path=" + hangs.fullServerName().toUtf8();
+
+    const struct {
+        QByteArray address;
+        bool answers;
+    } cases[] = {
+        {session, true},
+        {"unix:path=/none;" + session, true},
+        {"unix:guid=0,abstract=" + name.toUtf8(), false},
+        {hanging + ";" + session, false}, // the library would wait for the first
+        {"tcp:host=localhost,port=1", true},
+        {"", false},
+    };
+
+    for (const auto& [address, answers] : cases) {
+        const auto began = std::chrono::steady_clock::now();
+        EXPECT_EQ(busAnswers(QString::fromUtf8(address), std::chrono::milliseconds{300}), answers)
+            << address.toStdString();
+        EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds{550});
+    }
+}
+
 } // namespace
 } // namespace tessarine

@@ -17,10 +17,7 @@
 #include <cstdio>
 #include <string_view>
 
-/// Another program, as the tests need one: "buttons" shows a window and says on its standard output
-/// what was pressed in it, "many" does among three thousand labels, "endless" tells the
-/// accessibility bus a tree that never ends and leads back into itself, and "alerts" has no
-/// display.
+/// A thing on the accessibility bus.
 struct Place {
     QString owner;
     QDBusObjectPath path;
@@ -60,6 +57,8 @@ void fill(QGridLayout& layout, QWidget& window) {
     addButton(layout, "Go", "hidden")->hide();
     addButton(layout, "Go", "disabled")->setEnabled(false);
     addButton(layout, "&Go", "go");
+    addButton(layout, "my_file", "with mark");
+    addButton(layout, "myfile", "without mark");
     addButton(layout, "Off", "off")->setEnabled(false);
     addButton(layout, "?", "described")->setAccessibleDescription(QStringLiteral("What is this"));
     auto* box = new QCheckBox(QStringLiteral("Wrap lines"));
@@ -98,7 +97,7 @@ int showWindow(int& argc, char** argv, std::string_view mode) {
     QWidget window;
     QGridLayout layout(&window);
     mode == "many" ? fillWithMany(layout) : fill(layout, window);
-    window.show();
+    window.setVisible(mode != "windowless");
     QTimer::singleShot(0, &window, [] { say("ready"); });
     return QApplication::exec();
 }
@@ -169,6 +168,10 @@ int alertWithoutDisplay(int& argc, char** argv) {
 
 } // namespace
 
+/// Another program, as the tests need one: "buttons" shows a window and says on its standard output
+/// what was pressed in it, "many" does among three thousand labels, "windowless" shows none,
+/// "endless" tells the accessibility bus a tree that never ends and leads back into itself, and
+/// "alerts" has no display.
 int main(int argc, char** argv) {
     const std::string_view mode = argc > 1 ? argv[1] : "buttons";
     if (mode == "endless")

@@ -2,11 +2,11 @@
 
 #include "launcherapp/platform/linux/accessibility/AtspiSearch.h"
 #include "launcherapp/platform/linux/accessibility/PressableThings.h"
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
 
 #include <dbus/dbus-shared.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <utility>
@@ -17,10 +17,11 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr auto accessible = "org.a11y.atspi.Accessible";
+constexpr auto accessible = AtspiSearch::accessible;
 constexpr auto statusInterface = "org.a11y.Status";
-constexpr milliseconds patienceWithName{500}; ///< all programs together, for what they're called
-constexpr milliseconds patienceAtTheEnd{100}; ///< each of three calls
+/// All programs together, for what they are called: one that hangs leaves most of a search's time.
+constexpr milliseconds patienceWithName{500};
+constexpr milliseconds patienceAtTheEnd{100}; ///< each of three calls, as a log-out waits for us
 
 PrivateBus::Clock::time_point in(milliseconds duration) {
     return PrivateBus::Clock::now() + duration;
@@ -38,13 +39,6 @@ BusPlace registryRoot() {
     return {.owner = "org.a11y.atspi.Registry", .path = "/org/a11y/atspi/accessible/root"};
 }
 
-std::string sessionAddress() {
-    if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS"); address && *address)
-        return address;
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    return runtime ? std::string("unix:path=") + runtime + "/bus" : std::string();
-}
-
 /// A sandboxed program speaks through a process that isn't its window's.
 bool isSandboxProxy(std::int64_t process) {
     std::string name;
@@ -52,18 +46,18 @@ bool isSandboxProxy(std::int64_t process) {
     return name == "xdg-dbus-proxy";
 }
 
-BusCall setEnabled(bool enabled) {
+enum class Telling { off, on };
+
+BusCall setTelling(Telling telling) {
     return {.place = statusPlace(),
             .interface = DBUS_INTERFACE_PROPERTIES,
             .method = "Set",
             .arguments = {std::string(statusInterface),
                           std::string("IsEnabled"),
-                          BusCall::Flag{.value = enabled}}};
+                          BusCall::Flag{.value = telling == Telling::on}}};
 }
 
 } // namespace
-
-AtspiAccessibility::AtspiAccessibility() = default;
 
 AtspiAccessibility::~AtspiAccessibility() {
     if (!wokeThem_ || !connectSession(in(patienceAtTheEnd)))
@@ -73,7 +67,7 @@ AtspiAccessibility::~AtspiAccessibility() {
                        in(patienceAtTheEnd));
     // The desktop keeps the setting over log-outs, so it isn't left to stay by accident.
     if (reader.number() == 0)
-        session_->call(setEnabled(false), in(patienceAtTheEnd));
+        session_->call(setTelling(Telling::off), in(patienceAtTheEnd));
 }
 
 Ability AtspiAccessibility::ability() {
@@ -89,17 +83,22 @@ Ability AtspiAccessibility::ability() {
 
 bool AtspiAccessibility::runs(const AccessibleProgram& program) {
     const auto deadline = in(longestPress);
-    return connect(deadline) && !roots(program, deadline).empty();
+    if (!connect(deadline))
+        return false;
+    AtspiSearch search(*bus_, "", deadline);
+    return search.showsWindow(roots(program, deadline));
 }
 
-void AtspiAccessibility::wake(const AccessibleProgram&) {
+Accessibility::Before AtspiAccessibility::wake() {
     const auto deadline = in(patienceWithBus);
     if (!connectSession(deadline))
-        return;
+        return Before::speaking;
     const auto enabled =
         session_->call(BusCall::property(statusPlace(), statusInterface, "IsEnabled"), deadline);
-    if (enabled.number() == 0)
-        wokeThem_ = session_->call(setEnabled(true), deadline).succeeded() || wokeThem_;
+    if (enabled.number() != 0 || !session_->call(setTelling(Telling::on), deadline).succeeded())
+        return Before::speaking;
+    wokeThem_ = true;
+    return Before::silent;
 }
 
 PressAttempt AtspiAccessibility::press(const AccessibleProgram& program, std::string_view name) {
@@ -107,19 +106,15 @@ PressAttempt AtspiAccessibility::press(const AccessibleProgram& program, std::st
     if (!connect(deadline))
         return {};
     AtspiSearch search(*bus_, name, deadline);
-    for (const auto& root : roots(program, deadline)) {
-        auto attempt = search.pressBelow(root);
-        if (attempt.outcome != PressAttempt::Outcome::notFound)
-            return attempt;
-    }
-    return {};
+    return search.pressBelow(roots(program, deadline));
 }
 
 bool AtspiAccessibility::connectSession(Deadline deadline) {
     if (session_ && !session_->isConnected())
         session_.reset();
-    if (!session_ && !sessionAddress().empty())
-        session_ = PrivateBus::connect(sessionAddress(), deadline);
+    const auto address = session_ ? std::nullopt : sessionBusAddress();
+    if (address)
+        session_ = PrivateBus::connect(*address, deadline);
     return session_ != nullptr;
 }
 
@@ -176,7 +171,7 @@ std::vector<BusPlace> AtspiAccessibility::rootsByName(const std::vector<BusPlace
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         const auto text = replies[i].text().value_or("");
         if (std::ranges::any_of(names, [&](const std::string& name) {
-                return PressableThings::isCalled(text, name);
+                return PressableThings::likeness(text, name) == PressableThings::Likeness::same;
             }))
             found.push_back(candidates[i]);
     }

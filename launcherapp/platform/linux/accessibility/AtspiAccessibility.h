@@ -17,18 +17,20 @@ namespace tessarine {
 /// program that hangs. One thread at a time; the destructor waits 0.3 seconds at most.
 class AtspiAccessibility : public Accessibility {
 public:
-    static constexpr std::chrono::milliseconds patienceWithBus{3000}; ///< it may have to be started
-    /// One search; a press that isn't answered takes AtspiSearch::patience more.
+    /// The accessibility bus may have to be started, which takes a busy machine a second or two.
+    static constexpr std::chrono::milliseconds patienceWithBus{3000};
+    /// One search, so that a button that comes late is looked for again within a name's four
+    /// seconds; a press that isn't answered takes AtspiSearch::patience more.
     static constexpr std::chrono::milliseconds longestPress{3000};
 
-    AtspiAccessibility();
+    AtspiAccessibility() = default;
     /// Has programs that start from now on be silent again, if it was us who had woken them and no
     /// screen reader has come since.
     ~AtspiAccessibility() override;
 
     Ability ability() override;
     bool runs(const AccessibleProgram& program) override;
-    void wake(const AccessibleProgram& program) override;
+    Before wake() override;
     PressAttempt press(const AccessibleProgram& program, std::string_view name) override;
 
 private:

@@ -1,7 +1,5 @@
 #include "launcherapp/platform/linux/accessibility/AtspiSearch.h"
 
-#include "launcherapp/platform/linux/accessibility/PressableThings.h"
-
 #include <dbus/dbus-protocol.h>
 
 #include <algorithm>
@@ -12,28 +10,55 @@ namespace tessarine {
 
 namespace {
 
-constexpr auto accessible = "org.a11y.atspi.Accessible";
+using PressableThings::Likeness;
+
 constexpr auto actionInterface = "org.a11y.atspi.Action";
 constexpr auto textInterface = "org.a11y.atspi.Text";
 constexpr std::int64_t siblingsAtOnce = 128; ///< few round trips, and little is asked in vain
 constexpr std::int32_t longestText = 200;    ///< characters; a button's words are fewer
-constexpr std::int64_t mostActions = 16;
+constexpr std::int64_t mostActions = 16;     ///< GTK and Qt tell three at most
 
 BusCall method(const BusPlace& place, const char* interface, const char* name) {
     return {.place = place, .interface = interface, .method = name};
 }
 
-bool isGone(const std::string& error) {
+/// Also when the bus answers for a program that ended meanwhile.
+bool isUnanswered(const BusReply& reply) {
+    return !reply.came() || reply.error() == DBUS_ERROR_NO_REPLY;
+}
+
+bool isGone(const BusReply& reply) {
     constexpr std::array<std::string_view, 3> goneErrors{
         DBUS_ERROR_UNKNOWN_OBJECT, DBUS_ERROR_SERVICE_UNKNOWN, DBUS_ERROR_NAME_HAS_NO_OWNER};
-    return std::ranges::count(goneErrors, error) > 0;
+    const auto error = reply.error();
+    return error && std::ranges::count(goneErrors, *error) > 0;
 }
 
 } // namespace
 
-PressAttempt AtspiSearch::pressBelow(const BusPlace& root) {
-    const std::array count{BusCall::property(root, accessible, "ChildCount")};
-    return below(root, ask(count).front().number().value_or(0), 0).value_or(PressAttempt{});
+PressAttempt AtspiSearch::pressBelow(std::span<const BusPlace> roots) {
+    for (const auto& root : roots) {
+        if (auto attempt = below(root, childCount(root), 0))
+            return *std::move(attempt);
+    }
+    for (const auto& place : butForMarks_) {
+        if (auto attempt = press(place))
+            return *std::move(attempt);
+    }
+    return {};
+}
+
+bool AtspiSearch::showsWindow(std::span<const BusPlace> roots) {
+    return std::ranges::any_of(roots, [&](const BusPlace& root) {
+        const auto count = childCount(root);
+        return !children(root, {.afterLast = std::min(count, siblingsAtOnce), .count = count})
+                    .empty();
+    });
+}
+
+std::int64_t AtspiSearch::childCount(const BusPlace& place) {
+    const std::array call{BusCall::property(place, accessible, "ChildCount")};
+    return ask(call).front().number().value_or(0);
 }
 
 /// Nothing when what is looked for isn't there.
@@ -43,10 +68,12 @@ AtspiSearch::below(const BusPlace& parent, std::int64_t count, int depth) {
         return std::nullopt;
     count = std::min(count, maxChildren);
     for (std::int64_t first = 0; first < count; first += siblingsAtOnce) {
-        const Span span{
+        const ChildRange range{
             .first = first, .afterLast = std::min(first + siblingsAtOnce, count), .count = count};
-        for (const auto& thing : children(parent, span)) {
-            if (thing.named) {
+        for (const auto& thing : children(parent, range)) {
+            if (thing.likeness == Likeness::butForMarks)
+                butForMarks_.push_back(thing.place);
+            if (thing.likeness == Likeness::same) {
                 if (auto attempt = press(thing.place))
                     return attempt;
             }
@@ -59,14 +86,14 @@ AtspiSearch::below(const BusPlace& parent, std::int64_t count, int depth) {
     return std::nullopt;
 }
 
-std::vector<BusPlace> AtspiSearch::places(const BusPlace& parent, const Span& span) {
+std::vector<BusPlace> AtspiSearch::places(const BusPlace& parent, const ChildRange& range) {
     // All at once is one call instead of one for each, but a table would make a million of them.
-    if (span.count <= siblingsAtOnce) {
+    if (range.count <= siblingsAtOnce) {
         const auto all = method(parent, accessible, "GetChildren");
         return ask(std::span(&all, 1)).front().places();
     }
     std::vector<BusCall> calls;
-    for (auto i = span.first; i < span.afterLast; ++i) {
+    for (auto i = range.first; i < range.afterLast; ++i) {
         calls.push_back(method(parent, accessible, "GetChildAtIndex"));
         calls.back().arguments = {static_cast<std::int32_t>(i)};
     }
@@ -79,69 +106,96 @@ std::vector<BusPlace> AtspiSearch::places(const BusPlace& parent, const Span& sp
 }
 
 /// Those on screen that were not met before.
-std::vector<AtspiSearch::Thing> AtspiSearch::children(const BusPlace& parent, const Span& span) {
-    std::vector<Thing> things;
-    for (auto& place : places(parent, span)) {
+std::vector<AtspiSearch::Thing> AtspiSearch::children(const BusPlace& parent,
+                                                      const ChildRange& range) {
+    std::vector<BusPlace> met;
+    for (auto& place : places(parent, range)) {
         if (seen_.size() < maxThings && seen_.insert(place).second)
-            things.push_back({.place = std::move(place)});
+            met.push_back(std::move(place));
     }
-    std::vector<BusCall> calls;
-    for (const auto& thing : things) {
-        calls.push_back(method(thing.place, accessible, "GetState"));
-        calls.push_back(method(thing.place, accessible, "GetRole"));
-        calls.push_back(BusCall::property(thing.place, accessible, "ChildCount"));
+    const auto shapes = this->shapes(met);
+    std::vector<Thing> things;
+    std::vector<BusPlace> pressable;
+    for (std::size_t i = 0; i < met.size(); ++i) {
+        if (!shapes[i].isOnScreen)
+            continue;
+        things.push_back({.place = met[i], .children = shapes[i].children});
+        if (shapes[i].isPressable)
+            pressable.push_back(met[i]);
     }
-    const auto replies = ask(calls);
-    for (std::size_t i = 0; i < things.size(); ++i) {
-        auto& thing = things[i];
-        thing.states = replies[3 * i].numbers();
-        thing.pressable = PressableThings::isPressable(replies[3 * i + 1].number().value_or(0)) &&
-                          PressableThings::isEnabled(thing.states);
-        thing.children = replies[3 * i + 2].number().value_or(0);
+    const auto likenesses = this->likenesses(pressable);
+    for (auto& thing : things) {
+        if (const auto found = likenesses.find(thing.place); found != likenesses.end())
+            thing.likeness = found->second;
     }
-    std::erase_if(things,
-                  [](const Thing& thing) { return !PressableThings::isOnScreen(thing.states); });
-    readNames(things);
     return things;
 }
 
-void AtspiSearch::readNames(std::vector<Thing>& things) {
-    std::vector<Thing*> asked;
+/// One for each place.
+std::vector<AtspiSearch::Shape> AtspiSearch::shapes(const std::vector<BusPlace>& places) {
     std::vector<BusCall> calls;
-    for (auto& thing : things) {
-        if (!thing.pressable)
-            continue;
-        asked.push_back(&thing);
-        calls.push_back(BusCall::property(thing.place, accessible, "Name"));
-        calls.push_back(BusCall::property(thing.place, accessible, "Description"));
-        calls.push_back(method(thing.place, accessible, "GetInterfaces"));
+    for (const auto& place : places) {
+        calls.push_back(method(place, accessible, "GetState"));
+        calls.push_back(method(place, accessible, "GetRole"));
+        calls.push_back(BusCall::property(place, accessible, "ChildCount"));
     }
+    std::vector<Shape> shapes;
     const auto replies = ask(calls);
-    std::vector<Thing*> withText;
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-        const auto isCalled = [&](const BusReply& reply) {
-            return PressableThings::isCalled(reply.text().value_or(""), name_);
-        };
-        const auto interfaces = replies[3 * i + 2].texts();
-        if (std::ranges::count(interfaces, actionInterface) == 0)
-            continue;
-        asked[i]->named = isCalled(replies[3 * i]) || isCalled(replies[3 * i + 1]);
-        // What has no text complains in its program's own log when it is asked for one.
-        if (!asked[i]->named && std::ranges::count(interfaces, textInterface) > 0)
-            withText.push_back(asked[i]);
+    for (auto reply = replies.begin(); reply != replies.end();) {
+        const auto states = (reply++)->numbers();
+        const auto role = (reply++)->number().value_or(0);
+        shapes.push_back({.isOnScreen = PressableThings::isOnScreen(states),
+                          .isPressable = PressableThings::isPressable(role) &&
+                                         PressableThings::isEnabled(states),
+                          .children = (reply++)->number().value_or(0)});
     }
-    readTexts(std::move(withText));
+    return shapes;
 }
 
-void AtspiSearch::readTexts(std::vector<Thing*> things) {
+/// Of those that have actions at all.
+AtspiSearch::Likenesses AtspiSearch::likenesses(const std::vector<BusPlace>& places) {
     std::vector<BusCall> calls;
-    for (const auto* thing : things) {
-        calls.push_back(method(thing->place, textInterface, "GetText"));
+    for (const auto& place : places) {
+        calls.push_back(BusCall::property(place, accessible, "Name"));
+        calls.push_back(BusCall::property(place, accessible, "Description"));
+        calls.push_back(method(place, accessible, "GetInterfaces"));
+    }
+    Likenesses result;
+    std::vector<BusPlace> withText;
+    const auto replies = ask(calls);
+    auto reply = replies.begin();
+    for (const auto& place : places) {
+        const auto byName = likenessOf(*reply++);
+        const auto byDescription = likenessOf(*reply++);
+        const auto interfaces = (reply++)->texts();
+        if (std::ranges::count(interfaces, actionInterface) == 0)
+            continue;
+        const auto likeness = std::max(byName, byDescription);
+        // What has no text complains in its program's own log when it is asked for one.
+        if (likeness == Likeness::none && std::ranges::count(interfaces, textInterface) > 0)
+            withText.push_back(place);
+        else
+            result[place] = likeness;
+    }
+    result.merge(likenessesOfTexts(withText));
+    return result;
+}
+
+AtspiSearch::Likenesses AtspiSearch::likenessesOfTexts(const std::vector<BusPlace>& places) {
+    std::vector<BusCall> calls;
+    for (const auto& place : places) {
+        calls.push_back(method(place, textInterface, "GetText"));
         calls.back().arguments = {std::int32_t{0}, longestText};
     }
+    Likenesses result;
     const auto replies = ask(calls);
-    for (std::size_t i = 0; i < things.size(); ++i)
-        things[i]->named = PressableThings::isCalled(replies[i].text().value_or(""), name_);
+    for (std::size_t i = 0; i < places.size(); ++i)
+        result[places[i]] = likenessOf(replies[i]);
+    return result;
+}
+
+Likeness AtspiSearch::likenessOf(const BusReply& reply) const {
+    return PressableThings::likeness(reply.text().value_or(""), name_);
 }
 
 /// Nothing when it can't be pressed after all.
@@ -153,8 +207,12 @@ std::optional<PressAttempt> AtspiSearch::press(const BusPlace& place) {
         calls.push_back(method(place, actionInterface, "GetName"));
         calls.back().arguments = {static_cast<std::int32_t>(i)};
     }
+    const auto replies = ask(calls);
+    // Silence is no name: taken for one, it would stand for an action that moves the keyboard.
+    if (std::ranges::any_of(replies, isUnanswered))
+        return std::nullopt;
     std::vector<std::string> names;
-    for (const auto& reply : ask(calls))
+    for (const auto& reply : replies)
         names.push_back(reply.text().value_or(""));
     const auto action = PressableThings::pressAction(names);
     return action ? std::optional(act(place, *action)) : std::nullopt;
@@ -164,15 +222,18 @@ PressAttempt AtspiSearch::act(const BusPlace& place, std::size_t action) {
     using Outcome = PressAttempt::Outcome;
     auto call = method(place, actionInterface, "DoAction");
     call.arguments = {static_cast<std::int32_t>(action)};
-    // With time of its own: what was never sent has to be told from what isn't answered.
-    const auto reply = bus_.call(call, PrivateBus::Clock::now() + patience);
     if (!bus_.isConnected())
         return {.outcome = Outcome::notFound};
+    // With time of its own: what was never sent has to be told from what isn't answered.
+    const auto reply = bus_.call(call, PrivateBus::Clock::now() + patience);
+    // Perhaps it is pressed, so whoever tries again may turn a toggle back.
+    if (!bus_.isConnected())
+        return {.outcome = Outcome::refused, .problem = "the accessibility bus was lost"};
     // A press that opens a dialog may be answered when that is closed, and one that ends the
     // program never: it had answered everything before this.
-    if (reply.error() == DBUS_ERROR_NO_REPLY)
+    if (isUnanswered(reply))
         return {.outcome = Outcome::pressed};
-    if (isGone(reply.error()))
+    if (isGone(reply))
         return {.outcome = Outcome::notFound};
     if (!reply.succeeded())
         return {.outcome = Outcome::refused, .problem = reply.errorText()};
@@ -190,7 +251,7 @@ std::vector<BusReply> AtspiSearch::ask(std::span<const BusCall> calls) {
         return std::vector<BusReply>(calls.size());
     auto replies = bus_.call(calls, std::min(now + patience, deadline_));
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (replies[i].error() == DBUS_ERROR_NO_REPLY)
+        if (isUnanswered(replies[i]))
             silent_.insert(calls[i].place.owner);
     }
     return replies;

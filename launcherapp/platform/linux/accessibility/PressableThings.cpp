@@ -82,13 +82,15 @@ bool isEnabled(std::span<const std::uint32_t> states) {
     return has(states, ATSPI_STATE_ENABLED) || has(states, ATSPI_STATE_SENSITIVE);
 }
 
-bool isCalled(std::string_view text, std::string_view name) {
+Likeness likeness(std::string_view text, std::string_view name) {
     text = Folding::trimmed(text);
     name = Folding::trimmed(name);
     if (text.empty() || name.empty())
-        return false;
-    return Folding::equalIgnoringCase(text, name) ||
-           Folding::equalIgnoringCase(plainName(text), plainName(name));
+        return Likeness::none;
+    if (Folding::equalIgnoringCase(text, name))
+        return Likeness::same;
+    return Folding::equalIgnoringCase(plainName(text), plainName(name)) ? Likeness::butForMarks
+                                                                        : Likeness::none;
 }
 
 std::optional<std::size_t> pressAction(std::span<const std::string> actions) {
@@ -101,8 +103,11 @@ std::optional<std::size_t> pressAction(std::span<const std::string> actions) {
                 return i;
         }
     }
+    if (actions.size() == 1 && actions.front().empty())
+        return 0;
     for (std::size_t i = 0; i < actions.size(); ++i) {
-        if (std::ranges::none_of(otherActions, [&](auto name) { return is(i, name); }))
+        if (!actions[i].empty() &&
+            std::ranges::none_of(otherActions, [&](auto name) { return is(i, name); }))
             return i;
     }
     return std::nullopt;

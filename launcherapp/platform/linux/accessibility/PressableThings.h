@@ -20,11 +20,18 @@ bool isOnScreen(std::span<const std::uint32_t> states);
 /// Whether it takes a press, or is greyed out.
 bool isEnabled(std::span<const std::uint32_t> states);
 
-/// Whether what a program calls a thing is the name that the user wrote: the same text but for
-/// case, white space at its ends and the marks of mnemonics ("_Save", "&Save").
-bool isCalled(std::string_view text, std::string_view name);
+/// How near what a program calls a thing is to the name that the user wrote.
+enum class Likeness {
+    none,
+    butForMarks, ///< the same without the marks of mnemonics ("_Save", "&Save") in either
+    same,        ///< but for case and white space at its ends
+};
 
-/// Which of a thing's actions is its press, by their names; nothing when none is.
+/// Marks count where they tell two things apart: "my_file" is no mark's, should "myfile" be there.
+Likeness likeness(std::string_view text, std::string_view name);
+
+/// Which of a thing's actions is its press, by their names; nothing when none is. One without a
+/// name is a press only where it is all that the thing does.
 std::optional<std::size_t> pressAction(std::span<const std::string> actions);
 
 } // namespace tessarine::PressableThings

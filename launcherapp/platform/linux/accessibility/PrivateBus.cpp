@@ -141,20 +141,21 @@ bool BusReply::succeeded() const {
     return message_ && dbus_message_get_type(message_.get()) == DBUS_MESSAGE_TYPE_METHOD_RETURN;
 }
 
-std::string BusReply::error() const {
-    if (!message_)
-        return DBUS_ERROR_NO_REPLY;
-    const char* name = dbus_message_get_error_name(message_.get());
-    return name ? name : "";
+std::optional<std::string> BusReply::error() const {
+    const char* name = message_ ? dbus_message_get_error_name(message_.get()) : nullptr;
+    return name ? std::optional<std::string>(name) : std::nullopt;
 }
 
 std::string BusReply::errorText() const {
+    const auto name = error();
+    if (!name)
+        return {};
     DBusMessageIter first;
-    if (message_ && dbus_message_iter_init(message_.get(), &first)) {
+    if (dbus_message_iter_init(message_.get(), &first)) {
         if (auto text = textAt(&first); text && !text->empty())
             return *std::move(text);
     }
-    return error();
+    return *name;
 }
 
 std::optional<std::string> BusReply::text() const {

@@ -34,9 +34,13 @@ public:
     /// Whether it is an answer and no error.
     bool succeeded() const;
 
-    /// The name of the error that it is; empty when it is none, "NoReply" in the bus's own form
-    /// when nothing came.
-    std::string error() const;
+    /// Whether anything came, an error too.
+    bool came() const { return message_ != nullptr; }
+
+    /// The name of the error that it is; nothing when it is none or didn't come.
+    std::optional<std::string> error() const;
+
+    /// What an error says of itself, or its name where it says nothing; empty when it is none.
     std::string errorText() const;
 
     std::optional<std::string> text() const;

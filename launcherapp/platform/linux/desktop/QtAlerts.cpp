@@ -5,14 +5,14 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
-#include <memory>
+#include <algorithm>
 #include <utility>
 
 namespace tessarine {
 
 namespace {
 
-bool hasWindows() {
+bool canShowWindows() {
     return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
@@ -42,7 +42,7 @@ void bringUp(QMessageBox& box) {
 QtAlerts::QtAlerts(Log log) : log_(std::move(log)) {}
 
 void QtAlerts::ask(const AlertQuestion& question, std::function<void(bool confirmed)> answered) {
-    if (!hasWindows()) {
+    if (!canShowWindows()) {
         log_("asked without a display, so the answer is no: " + question.title);
         QTimer::singleShot(
             0, QCoreApplication::instance(), [answered = std::move(answered)] { answered(false); });
@@ -71,12 +71,21 @@ void QtAlerts::ask(const AlertQuestion& question, std::function<void(bool confir
 }
 
 void QtAlerts::tell(const std::string& title, const std::string& text) {
-    if (!hasWindows()) {
+    if (!canShowWindows()) {
         log_(text.empty() ? title : title + ": " + text);
+        return;
+    }
+    const auto isTold = [&](const QPointer<QMessageBox>& box) {
+        return box->text().toStdString() == title && box->informativeText().toStdString() == text;
+    };
+    std::erase(told_, nullptr);
+    if (const auto open = std::ranges::find_if(told_, isTold); open != told_.end()) {
+        bringUp(**open);
         return;
     }
     auto* box = makeBox(QMessageBox::Warning, title, text);
     box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
+    told_.emplace_back(box);
     bringUp(*box);
 }
 

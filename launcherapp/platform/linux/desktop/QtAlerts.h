@@ -2,9 +2,13 @@
 
 #include "launcherapp/platform/Alerts.h"
 
+#include <QPointer>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+class QMessageBox;
 
 namespace tessarine {
 
@@ -22,6 +26,7 @@ public:
     /// Return and Escape both leave it undone: only the button itself does it, clicked or pressed
     /// once the user has gone to it.
     void ask(const AlertQuestion& question, std::function<void(bool confirmed)> answered) override;
+    /// What is told already in an open window brings that up again.
     void tell(const std::string& title, const std::string& text) override;
     Subscription wait(const std::string& title,
                       const std::string& text,
@@ -29,6 +34,7 @@ public:
 
 private:
     Log log_;
+    std::vector<QPointer<QMessageBox>> told_; ///< null for those that were closed
 };
 
 } // namespace tessarine

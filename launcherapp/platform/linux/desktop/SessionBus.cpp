@@ -4,10 +4,18 @@
 
 namespace tessarine {
 
+std::optional<std::string> sessionBusAddress() {
+    if (const auto named = qgetenv("DBUS_SESSION_BUS_ADDRESS"); !named.isEmpty())
+        return named.toStdString();
+    const auto runtime = qgetenv("XDG_RUNTIME_DIR");
+    const auto socket = runtime + "/bus";
+    if (runtime.isEmpty() || !QFile::exists(QFile::decodeName(socket)))
+        return std::nullopt;
+    return "unix:path=" + socket.toStdString();
+}
+
 std::optional<QDBusConnection> sessionBus() {
-    const bool named = !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS");
-    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (!named && (runtime.isEmpty() || !QFile::exists(runtime + QStringLiteral("/bus"))))
+    if (!sessionBusAddress())
         return std::nullopt;
     auto bus = QDBusConnection::sessionBus();
     return bus.isConnected() ? std::optional(bus) : std::nullopt;
