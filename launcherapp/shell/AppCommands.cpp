@@ -58,8 +58,9 @@ SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop)
 AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence)
     : services(made),
       alerts([&log = made.diagnostics](std::string_view line) { log.log(std::string(line)); }),
-      effects(systemDoors(made, desktop)), windows({.control = *made.doors.control,
-                                                    .windows = *made.doors.windows,
+      effects(systemDoors(made, desktop)), windows({.queue = made.doors.queue,
+                                                    .control = made.windowControl(),
+                                                    .windows = made.windows(),
                                                     .running = made.running,
                                                     .catalog = made.catalog,
                                                     .diagnostics = made.diagnostics}),
@@ -101,9 +102,11 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
               .effects = effects,
               .alerts = alerts,
               .diagnostics = made.diagnostics,
-              .runningApps = [this] { return windows.runningApps(""); },
+              .runningApps = [this] { return windows.runningApps("", Certainty::likely); },
               .askToQuit =
-                  [this](const QuittableApp& app) { windows.quit(app, WindowManager::Force::no); },
+                  [this](const QuittableApp& app) {
+                      windows.quit(app, WindowManager::Force::no, Certainty::likely);
+                  },
               .showPanel = presence.showPanel},
              made.environment),
       hotkeys({.hotkey = presence.hotkey, .usage = made.usage, .diagnostics = made.diagnostics},
@@ -133,8 +136,7 @@ CommandWiring::Services AppCommands::wiringServices() {
             .usage = services.usage,
             .index = services.index,
             .opener = services.opener,
-            .running = services.running,
-            .control = *services.doors.control,
+            .list = services.windows(),
             .windows = windows,
             .runtime = runtime,
             .lists = lists,
