@@ -4,6 +4,7 @@
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace tessarine {
@@ -16,19 +17,59 @@ std::string_view lastPart(std::string_view text, char separator) {
     return text.substr(text.rfind(separator) + 1);
 }
 
+/// Programs that run others: a process of theirs may be any application. In order; without the
+/// versions that installed ones end with.
+constexpr auto runners = std::to_array<std::string_view>({"bash",
+                                                          "bun",
+                                                          "dash",
+                                                          "deno",
+                                                          "dotnet",
+                                                          "electron",
+                                                          "env",
+                                                          "fish",
+                                                          "flatpak",
+                                                          "gjs",
+                                                          "gjs-console",
+                                                          "guile",
+                                                          "java",
+                                                          "javaw",
+                                                          "lua",
+                                                          "luajit",
+                                                          "mono",
+                                                          "mono-sgen",
+                                                          "node",
+                                                          "nodejs",
+                                                          "perl",
+                                                          "php",
+                                                          "pkexec",
+                                                          "python",
+                                                          "qml",
+                                                          "qmlscene",
+                                                          "ruby",
+                                                          "sh",
+                                                          "snap",
+                                                          "sudo",
+                                                          "tclsh",
+                                                          "wine",
+                                                          "wine-preloader",
+                                                          "wine64-preloader",
+                                                          "wish",
+                                                          "zsh"});
+static_assert(std::ranges::is_sorted(runners));
+
+bool isRunner(std::string_view program) {
+    program = program.substr(0, program.find_last_not_of("0123456789.-") + 1);
+    return std::ranges::binary_search(runners, program);
+}
+
 /// The file name of the program that an Exec key starts; empty for one that hides it behind a
-/// wrapper shared by many applications.
+/// program shared by many applications.
 std::string programOf(const std::string& exec) {
     const auto words = ExecLine::words(exec);
     if (!words)
         return {};
     const auto name = lastPart(words->front(), '/');
-    for (const std::string_view wrapper :
-         {"env", "sh", "bash", "flatpak", "snap", "pkexec", "sudo"}) {
-        if (name == wrapper)
-            return {};
-    }
-    return std::string(name);
+    return isRunner(name) ? std::string() : std::string(name);
 }
 
 } // namespace
@@ -105,17 +146,24 @@ const InstalledApp* AppRegistry::handlerForScheme(std::string_view scheme) const
     return handlerForType("x-scheme-handler/" + std::string(scheme));
 }
 
-const InstalledApp* AppRegistry::windowOwner(const WindowOwnerHints& window) const {
+const InstalledApp* AppRegistry::windowOwner(const WindowOwnerHints& window,
+                                             Certainty certainty) const {
     if (const auto* app = byID(window.applicationID))
         return app;
     const auto className = Folding::lowercase(window.className);
     const auto instanceName = Folding::lowercase(window.instanceName);
-    for (const auto* index : {&byWindowClass_, &byID_, &byShortID_}) {
-        for (const auto& name : {className, instanceName}) {
-            if (const auto* app = find(*index, name))
-                return app;
-        }
+    const auto named = [&](const Index& index) {
+        const auto* app = find(index, className);
+        return app ? app : find(index, instanceName);
+    };
+    for (const auto* index : {&byWindowClass_, &byID_}) {
+        if (const auto* app = named(*index))
+            return app;
     }
+    if (certainty == Certainty::sure)
+        return nullptr;
+    if (const auto* app = named(byShortID_))
+        return app;
     return find(byExecutable_, lastPart(window.executable, '/'));
 }
 

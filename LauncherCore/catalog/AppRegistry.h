@@ -39,6 +39,12 @@ struct WindowOwnerHints {
     std::string executable;    ///< path of the process's program; may be empty
 };
 
+/// How sure it has to be whose a window is.
+enum class Certainty {
+    likely, ///< enough to show and to bring forward
+    sure,   ///< enough to end it
+};
+
 /// Everything one scan found, indexed for look-up. Immutable, shared between threads.
 class AppRegistry {
 public:
@@ -69,9 +75,11 @@ public:
     const InstalledApp* handlerForScheme(std::string_view scheme) const;
 
     /// Whose window this is: by the id the window names, then StartupWMClass, then an id that
-    /// equals its class or instance, whole or in its last part, then the executable. Null when no
-    /// installed application fits.
-    const InstalledApp* windowOwner(const WindowOwnerHints& window) const;
+    /// equals its class or instance. Where likely is enough, also by the last part of an id, then
+    /// by the executable: many programs share a short name, or run in one interpreter. Null when
+    /// no installed application fits.
+    const InstalledApp* windowOwner(const WindowOwnerHints& window,
+                                    Certainty certainty = Certainty::likely) const;
 
 private:
     using Index = std::unordered_map<std::string, std::size_t>;

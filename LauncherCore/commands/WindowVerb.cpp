@@ -1,10 +1,21 @@
 #include "LauncherCore/commands/WindowVerb.h"
 
 #include <cmath>
+#include <utility>
 
 namespace tessarine {
 
 namespace {
+
+constexpr std::array keywordsOfVerbs{
+    std::pair(BuiltinKeyword::windowLeft, WindowVerb::left),
+    std::pair(BuiltinKeyword::windowRight, WindowVerb::right),
+    std::pair(BuiltinKeyword::windowTop, WindowVerb::top),
+    std::pair(BuiltinKeyword::windowBottom, WindowVerb::bottom),
+    std::pair(BuiltinKeyword::windowMax, WindowVerb::max),
+    std::pair(BuiltinKeyword::windowCenter, WindowVerb::center),
+    std::pair(BuiltinKeyword::windowDisplay, WindowVerb::display),
+};
 
 struct VerbFacts {
     std::string_view name;
@@ -40,6 +51,14 @@ Rectangle between(double left, double top, double right, double bottom) {
 }
 
 } // namespace
+
+std::optional<WindowVerb> windowVerb(BuiltinKeyword keyword) {
+    for (const auto& [each, verb] : keywordsOfVerbs) {
+        if (each == keyword)
+            return verb;
+    }
+    return std::nullopt;
+}
 
 std::string_view WindowVerbs::name(WindowVerb verb) {
     return facts(verb).name;

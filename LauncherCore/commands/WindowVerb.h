@@ -1,8 +1,10 @@
 #pragma once
 
 #include "LauncherCore/geometry/Rectangle.h"
+#include "LauncherCore/query/Keywords.h"
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace tessarine {
@@ -17,6 +19,9 @@ inline constexpr auto allWindowVerbs = std::to_array<WindowVerb>({WindowVerb::le
                                                                   WindowVerb::max,
                                                                   WindowVerb::center,
                                                                   WindowVerb::display});
+
+/// The verb whose word the keyword is; nothing for a keyword of anything else. Pure; any thread.
+std::optional<WindowVerb> windowVerb(BuiltinKeyword keyword);
 
 /// What is known of each verb. Pure; any thread.
 namespace WindowVerbs {

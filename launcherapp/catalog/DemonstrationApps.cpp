@@ -85,9 +85,10 @@ std::string_view demonstrationSymbol(const CatalogApp& app) {
 
 std::vector<AppWindow> DemonstrationWindows::windows() const {
     std::vector<AppWindow> windows;
+    std::uint64_t id = 0;
     for (const auto& app : invented) {
-        if (app.isRunning)
-            windows.push_back({.id = windows.size() + 1, .applicationID = std::string(app.id)});
+        if (app.isRunning && !ended_.contains(++id))
+            windows.push_back({.id = id, .applicationID = std::string(app.id)});
     }
     return windows;
 }

@@ -2,9 +2,14 @@
 
 #include "LauncherCore/catalog/AppRegistry.h"
 #include "LauncherCore/catalog/CatalogApp.h"
+#include "launcherapp/platform/WindowControl.h"
 #include "launcherapp/platform/WindowList.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,8 +26,8 @@ std::shared_ptr<const AppRegistry> demonstrationRegistry();
 /// icon of it; empty for any other application. Pure; any thread.
 std::string_view demonstrationSymbol(const CatalogApp& app);
 
-/// Windows of some of these applications, as if they were running. Which window is active, and
-/// when that changes, is the desktop's own. Main thread only.
+/// Windows of some of these applications, as if they were running, until they are ended. Which
+/// window is active, and when that changes, is the desktop's own. Main thread only.
 class DemonstrationWindows : public WindowList {
 public:
     explicit DemonstrationWindows(WindowList& desktop) : desktop_(desktop) {}
@@ -31,7 +36,11 @@ public:
 
     std::vector<AppWindow> windows() const override;
 
+    std::optional<std::string> gap() const override { return std::nullopt; }
+
     std::optional<AppWindow> active() const override { return desktop_.active(); }
+
+    bool stillRuns(const AppWindow& window) const override { return desktop_.stillRuns(window); }
 
     Subscription onActiveChanged(std::function<void()> changed) override {
         return desktop_.onActiveChanged(std::move(changed));
@@ -41,8 +50,42 @@ public:
 
     void activate(std::uint64_t) override {}
 
+    /// The window is there no more.
+    void end(std::uint64_t window) { ended_.insert(window); }
+
 private:
     WindowList& desktop_;
+    std::set<std::uint64_t> ended_;
+};
+
+/// Moves no window, and ends only the demonstration's own. Main thread only.
+class DemonstrationControl : public WindowControl {
+public:
+    explicit DemonstrationControl(DemonstrationWindows& windows) : windows_(windows) {}
+
+    Ability ability() const override {
+        return Ability::missing("a demonstration moves no windows");
+    }
+
+    std::vector<Screen> screens() const override { return {}; }
+
+    std::optional<Rectangle> frame(std::uint64_t) const override { return std::nullopt; }
+
+    void restore(std::uint64_t) override {}
+
+    void resize(std::uint64_t, double, double) override {}
+
+    void move(std::uint64_t, const Point&) override {}
+
+    void close(std::uint64_t window) override { windows_.end(window); }
+
+    bool kill(std::uint64_t window) override {
+        windows_.end(window);
+        return true;
+    }
+
+private:
+    DemonstrationWindows& windows_;
 };
 
 } // namespace tessarine

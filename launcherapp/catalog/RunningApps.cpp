@@ -16,10 +16,10 @@ Ability RunningApps::ability() const {
     return windows_.ability();
 }
 
-std::vector<RunningApp> RunningApps::running() const {
+std::vector<RunningApp> RunningApps::running(Certainty certainty) const {
     std::vector<RunningApp> apps;
     for (const auto& window : windows_.windows()) {
-        const auto bundleID = window.ordinary ? owner(window) : std::nullopt;
+        const auto bundleID = window.ordinary ? owner(window, certainty) : std::nullopt;
         if (!bundleID)
             continue;
         auto app = std::ranges::find(apps, *bundleID, &RunningApp::bundleID);
@@ -28,12 +28,15 @@ std::vector<RunningApp> RunningApps::running() const {
         app->windows.push_back(window.id);
         if (window.hidden)
             app->hidden.push_back(window.id);
+        if (window.processID != 0 && std::ranges::count(app->processes, window.processID) == 0)
+            app->processes.push_back(window.processID);
     }
     return apps;
 }
 
-std::optional<RunningApp> RunningApps::running(const std::string& bundleID) const {
-    auto apps = running();
+std::optional<RunningApp> RunningApps::running(const std::string& bundleID,
+                                               Certainty certainty) const {
+    auto apps = running(certainty);
     const auto found = std::ranges::find(apps, bundleID, &RunningApp::bundleID);
     return found == apps.end() ? std::nullopt : std::optional(std::move(*found));
 }
@@ -60,11 +63,12 @@ void RunningApps::activate(const RunningApp& app) {
         windows_.activate(app.windows.back());
 }
 
-std::optional<std::string> RunningApps::owner(const AppWindow& window) const {
+std::optional<std::string> RunningApps::owner(const AppWindow& window, Certainty certainty) const {
     const auto* app = registry_->windowOwner({.applicationID = window.applicationID,
                                               .className = window.className,
                                               .instanceName = window.instanceName,
-                                              .executable = window.executable});
+                                              .executable = window.executable},
+                                             certainty);
     return app ? std::optional(app->bundleID) : std::nullopt;
 }
 

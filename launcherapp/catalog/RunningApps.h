@@ -4,6 +4,7 @@
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/platform/WindowList.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -17,6 +18,9 @@ struct RunningApp {
     std::string bundleID;
     std::vector<std::uint64_t> windows; ///< its ordinary windows, oldest first
     std::vector<std::uint64_t> hidden;  ///< those of them that are minimised
+    /// Those that have them, each once, as far as the desktop tells them. Other applications may
+    /// have windows of the same process.
+    std::vector<std::int64_t> processes;
 
     bool operator==(const RunningApp&) const = default;
 };
@@ -33,10 +37,11 @@ public:
     Ability ability() const;
 
     /// In the order of each application's oldest window. Asks the display each time.
-    std::vector<RunningApp> running() const;
+    std::vector<RunningApp> running(Certainty certainty = Certainty::likely) const;
 
     /// The one application; nothing when it has no ordinary window.
-    std::optional<RunningApp> running(const std::string& bundleID) const;
+    std::optional<RunningApp> running(const std::string& bundleID,
+                                      Certainty certainty = Certainty::likely) const;
 
     /// The id of the application in front; nothing when none is, or none that is installed.
     std::optional<std::string> frontmost() const;
@@ -51,7 +56,8 @@ public:
 
     /// The id of the application whose window it is, also when the window has gone; nothing for
     /// one that is not installed.
-    std::optional<std::string> owner(const AppWindow& window) const;
+    std::optional<std::string> owner(const AppWindow& window,
+                                     Certainty certainty = Certainty::likely) const;
 
 private:
     WindowList& windows_;

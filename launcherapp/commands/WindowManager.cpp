@@ -11,8 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
-#include <ranges>
+#include <cstdint>
+#include <tuple>
 #include <utility>
 
 namespace tessarine {
@@ -30,11 +30,27 @@ std::size_t screenOf(const Rectangle& window, const std::vector<Screen>& screens
     return found == screens.end() ? 0 : static_cast<std::size_t>(found - screens.begin());
 }
 
+bool shareProcess(const RunningApp& one, const RunningApp& other) {
+    return std::ranges::any_of(one.processes, [&](std::int64_t process) {
+        return std::ranges::count(other.processes, process) > 0;
+    });
+}
+
 } // namespace
 
+Ability WindowManager::ability(const std::optional<AppWindow>& target) const {
+    auto can = services_.control.ability();
+    const auto gap = target ? std::nullopt : services_.windows.gap();
+    if (can.available && gap)
+        return Ability::missing("the front window isn't told: " + *gap);
+    return can;
+}
+
 bool WindowManager::apply(WindowVerb verb, const std::optional<AppWindow>& target) {
-    auto& [control, windows, running, catalog, diagnostics] = services_;
-    if (!control.ability().available) {
+    requireMainThread(services_.queue);
+    auto& control = services_.control;
+    auto& diagnostics = services_.diagnostics;
+    if (!ability(target).available) {
         diagnostics.log(fmt::format("window: {} needs Accessibility", WindowVerbs::name(verb)));
         return false;
     }
@@ -45,9 +61,13 @@ bool WindowManager::apply(WindowVerb verb, const std::optional<AppWindow>& targe
     }
     const auto name = nameOf(*window);
     const auto before = window->ordinary ? control.frame(window->id) : std::nullopt;
-    const auto screens = before ? control.screens() : std::vector<Screen>{};
-    if (screens.empty()) {
+    if (!before) {
         diagnostics.log(fmt::format("window: {} reported no window", name));
+        return false;
+    }
+    const auto screens = control.screens();
+    if (screens.empty()) {
+        diagnostics.log(fmt::format("window: {} found no screen", WindowVerbs::name(verb)));
         return false;
     }
     auto screen = screenOf(*before, screens);
@@ -75,32 +95,50 @@ bool WindowManager::apply(WindowVerb verb, const std::optional<AppWindow>& targe
 
 /// Which window a verb is for; it may be one that can't be moved, as the desktop is.
 std::optional<AppWindow> WindowManager::chosen(const std::optional<AppWindow>& target) const {
+    auto& windows = services_.windows;
     if (target) {
-        const auto windows = services_.windows.windows();
-        const auto same = std::ranges::find(windows, target->id, &AppWindow::id);
-        if (same != windows.end() && same->ordinary)
-            return *same;
-        if (auto other = newestOfApplication(*target, windows))
-            return other;
-        if (same != windows.end())
-            return *same;
+        if (auto window = windowOfApplication(*target))
+            return window;
+        // Its number may be another program's by now.
+        if (auto none = *target; windows.stillRuns(none)) {
+            none.ordinary = false;
+            return none;
+        }
     }
-    return services_.windows.active();
+    // The panel has just gone, and where it is a window like others it may still be told of.
+    auto front = windows.active();
+    return front && front->own ? std::nullopt : front;
 }
 
-std::optional<AppWindow>
-WindowManager::newestOfApplication(const AppWindow& gone,
-                                   const std::vector<AppWindow>& windows) const {
-    const auto owner = services_.running.owner(gone);
+/// The recorded one, else the best of the same application; one that can't be moved where it has
+/// no others.
+std::optional<AppWindow> WindowManager::windowOfApplication(const AppWindow& recorded) const {
+    const auto owner = services_.running.owner(recorded);
     const auto isOfIt = [&](const AppWindow& window) {
-        if (!window.ordinary || window.hidden)
-            return false;
-        return (gone.processID != 0 && window.processID == gone.processID) ||
-               (owner && services_.running.owner(window) == owner);
+        const auto other = owner ? services_.running.owner(window) : std::nullopt;
+        // Several applications may share a process.
+        return other ? other == owner
+                     : recorded.processID != 0 && window.processID == recorded.processID;
     };
-    const auto newestFirst = windows | std::views::reverse;
-    const auto found = std::ranges::find_if(newestFirst, isOfIt);
-    return found == newestFirst.end() ? std::nullopt : std::optional(*found);
+    const auto rank = [&](const AppWindow& window) {
+        const bool isRecorded = window.id == recorded.id && window.processID == recorded.processID;
+        if (window.own || !(isRecorded || isOfIt(window)))
+            return 0;
+        if (!window.ordinary)
+            return 1;
+        if (isRecorded)
+            return 4;
+        return window.hidden ? 2 : 3;
+    };
+    std::optional<AppWindow> best;
+    int bestRank = 1;
+    for (const auto& window : services_.windows.windows()) {
+        if (const int found = rank(window); found >= bestRank) {
+            best = window;
+            bestRank = found;
+        }
+    }
+    return best;
 }
 
 std::string WindowManager::nameOf(const AppWindow& window) const {
@@ -111,29 +149,55 @@ std::string WindowManager::nameOf(const AppWindow& window) const {
     return window.className.empty() ? "app" : window.className;
 }
 
-std::vector<QuittableApp> WindowManager::runningApps(std::string_view query) const {
+std::vector<QuittableApp> WindowManager::runningApps(std::string_view query,
+                                                     Certainty certainty) const {
     const auto wanted = Folding::lowercase(query);
     const auto& registry = *services_.catalog.registry();
+    const auto named = [&](const std::string& bundleID) {
+        const auto* app = registry.byID(bundleID);
+        return app ? app->name : bundleID;
+    };
+    const auto all = services_.running.running();
     std::vector<QuittableApp> apps;
-    for (const auto& app : services_.running.running()) {
+    for (const auto& app : services_.running.running(certainty)) {
         const auto* installed = registry.byID(app.bundleID);
-        // This program has a row of its own that ends it.
-        if (!installed || app.bundleID == ProductInfo::bundleID)
+        // Those that are not listed are parts of the desktop. This program has a row of its own
+        // that ends it.
+        if (!installed || !installed->listed || app.bundleID == ProductInfo::bundleID)
             continue;
-        if (Folding::lowercase(installed->name).find(wanted) != std::string::npos)
-            apps.push_back({.name = installed->name, .bundleID = app.bundleID});
+        if (Folding::lowercase(installed->name).find(wanted) == std::string::npos)
+            continue;
+        QuittableApp found{.name = installed->name, .bundleID = app.bundleID};
+        for (const auto& other : all) {
+            if (other.bundleID != app.bundleID && shareProcess(app, other))
+                found.alsoEnds.push_back(named(other.bundleID));
+        }
+        apps.push_back(std::move(found));
     }
-    std::ranges::sort(apps, {}, &QuittableApp::name);
+    std::ranges::sort(
+        apps, {}, [](const QuittableApp& app) { return std::tie(app.name, app.bundleID); });
     return apps;
 }
 
-void WindowManager::quit(const QuittableApp& app, Force force) {
+const WindowManager::Offer& WindowManager::offer() {
+    const auto now = services_.queue.uptime();
+    if (!offeredAt_ || now - *offeredAt_ >= AppCatalog::runningLifetime) {
+        offeredAt_ = now;
+        offer_ = {.ability = services_.running.ability(), .apps = runningApps("")};
+    }
+    return offer_;
+}
+
+void WindowManager::quit(const QuittableApp& app, Force force, Certainty certainty) {
+    requireMainThread(services_.queue);
     auto& diagnostics = services_.diagnostics;
     const auto name = app.name.empty() ? "app" : app.name;
     diagnostics.log(
         fmt::format("window: {} {}", force == Force::yes ? "force-quit" : "quit", name));
+    offeredAt_.reset();
     // Asked anew: the numbers of windows that have gone since are given to other programs' windows.
-    const auto running = services_.running.running(app.bundleID);
+    const auto running =
+        services_.running.running(app.bundleID, force == Force::yes ? Certainty::sure : certainty);
     if (!running)
         return;
     bool ended = false;

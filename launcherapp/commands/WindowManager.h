@@ -1,7 +1,10 @@
 #pragma once
 
+#include "LauncherCore/catalog/AppRegistry.h"
 #include "LauncherCore/commands/WindowVerb.h"
 #include "launcherapp/commands/QuittableApp.h"
+#include "launcherapp/platform/Ability.h"
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/WindowList.h"
 
 #include <optional>
@@ -16,10 +19,12 @@ class Diagnostics;
 class RunningApps;
 class WindowControl;
 
-/// Moves the window that the user came from, and quits applications. Main thread only.
+/// Moves the window that the user came from, and quits applications. It is a client of what
+/// desktops call their window manager, and no such thing itself. Main thread only.
 class WindowManager {
 public:
     struct Services {
+        MainQueue& queue;
         WindowControl& control;
         WindowList& windows;
         RunningApps& running;
@@ -31,27 +36,45 @@ public:
 
     explicit WindowManager(Services services) : services_(services) {}
 
-    /// Moves `target`; where that has gone, the newest other window of its application that isn't
-    /// minimised; and where there is none, the window in front. False when nothing was moved,
-    /// which is logged. Waits for the display: a few milliseconds, or
-    /// `WindowControl::longestRestore` where the window is maximised.
+    /// Whether `apply` could move something. Where the desktop doesn't tell all its windows, only
+    /// one that was recorded can be moved: the one in front may be another. Asks nobody while it
+    /// can: it is called for each keystroke.
+    Ability ability(const std::optional<AppWindow>& target) const;
+
+    /// Moves `target`; where that has gone, the newest other window of its application, a minimised
+    /// one last; and where the application has ended, the window in front. Never a window of this
+    /// program. False when nothing was moved, which is logged. Waits for the display, and for
+    /// `WindowControl::longestRestore` at most where the window is minimised or maximised.
     bool apply(WindowVerb verb, const std::optional<AppWindow>& target);
 
-    /// Those with ordinary windows whose name holds the query, whatever the case, by name. This
-    /// program is not among them. Asks the display each time.
-    std::vector<QuittableApp> runningApps(std::string_view query) const;
+    /// Those with a row of their own and ordinary windows that are theirs with that certainty,
+    /// whose name holds the query, whatever the case; by name, and by id of one name. This program
+    /// is not among them. Asks the display each time.
+    std::vector<QuittableApp> runningApps(std::string_view query,
+                                          Certainty certainty = Certainty::sure) const;
 
-    /// Asks all windows of the application to close, or ends its program at once. Nothing happens
+    /// What keystrokes are answered with: all of `runningApps`, and whether the desktop tells them,
+    /// as they were `AppCatalog::runningLifetime` ago at most.
+    struct Offer {
+        Ability ability;
+        std::vector<QuittableApp> apps;
+    };
+
+    const Offer& offer();
+
+    /// Asks the windows that are the application's with that certainty to close, or ends the
+    /// programs of those that surely are. A program may go on without a window. Nothing happens
     /// when it runs no more.
-    void quit(const QuittableApp& app, Force force);
+    void quit(const QuittableApp& app, Force force, Certainty certainty = Certainty::sure);
 
 private:
     std::optional<AppWindow> chosen(const std::optional<AppWindow>& target) const;
-    std::optional<AppWindow> newestOfApplication(const AppWindow& gone,
-                                                 const std::vector<AppWindow>& windows) const;
+    std::optional<AppWindow> windowOfApplication(const AppWindow& recorded) const;
     std::string nameOf(const AppWindow& window) const;
 
     Services services_;
+    Offer offer_;
+    std::optional<Seconds> offeredAt_;
 };
 
 } // namespace tessarine

@@ -112,7 +112,9 @@ void PanelController::showBody() {
     auto& window = services_.window;
     shownAt_ = services_.queue.uptime();
     isMeasured_ = false;
-    previousApp_ = services_.windows.active();
+    // The panel itself, or another window of this program, is never where the user came from.
+    if (auto front = services_.windows.active(); !front || !front->own)
+        previousApp_ = std::move(front);
     services_.model.previousApp = previousApp_;
     // Mostly it is at rest already, as hiding and the warm passes see to it.
     if (!services_.model.isAtRest())

@@ -13,16 +13,18 @@ namespace tessarine {
 
 /// Moves, closes and kills the windows of other programs. A window is the id of `AppWindow`; one
 /// that has gone is no error, and nothing happens. Rectangles, those of the screens included, are
-/// in the display's own pixels. Main thread only; a call waits at most a few milliseconds for the
-/// display, where it doesn't say otherwise.
+/// in the display's own pixels. Main thread only. A call waits for the display's answer: mostly
+/// less than a millisecond, and longer only while another program has the display to itself.
 class WindowControl {
 public:
-    /// Longest wait for a window manager, and the program, to make a window an ordinary one.
+    /// Longest wait for a window manager, and the program, to make a window an ordinary one: two
+    /// in a row are hardly seen, and a program that takes longer keeps the size it had.
     static constexpr std::chrono::milliseconds longestRestore{150};
 
     virtual ~WindowControl() = default;
 
-    /// Whether windows can be moved on this desktop. Waits for nobody while they can.
+    /// Whether windows can be moved on this desktop. Asks nobody while they can: it is called for
+    /// each keystroke.
     virtual Ability ability() const = 0;
 
     /// In the desktop's own order; empty without a display.
@@ -32,8 +34,8 @@ public:
     /// the program itself gives it, and without a shadow. Nothing when the window is gone.
     virtual std::optional<Rectangle> frame(std::uint64_t window) const = 0;
 
-    /// Makes a maximised, full-screen or rolled-up window an ordinary one, and waits until it is,
-    /// at most `longestRestore`.
+    /// Makes a minimised, maximised, full-screen or rolled-up window an ordinary one, and waits
+    /// until it is, at most `longestRestore`.
     virtual void restore(std::uint64_t window) = 0;
 
     /// Gives the frame of an ordinary window another size. The window may round it to what suits
@@ -46,8 +48,8 @@ public:
     /// Asks the window to close, as its close button would: its program may ask the user first.
     virtual void close(std::uint64_t window) = 0;
 
-    /// Ends the window's program at once, with what is unsaved. False when it can't be ended, or
-    /// is this program.
+    /// Ends the window's program at once, with what is unsaved and all its windows. False when it
+    /// can't be ended, is this program, or has no such window on the desktop.
     virtual bool kill(std::uint64_t window) = 0;
 };
 

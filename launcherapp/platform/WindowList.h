@@ -21,12 +21,14 @@ struct AppWindow {
     std::string executable;     ///< path of that process's program; empty when unknown
     bool ordinary = true;       ///< a window that task bars show, not a panel or desktop
     bool hidden = false;        ///< minimised
+    bool own = false;           ///< of this very process
 
     bool operator==(const AppWindow&) const = default;
 };
 
-/// The windows of running applications, and which is in front. Main thread only; a call waits at
-/// most a few milliseconds for the display.
+/// The windows of running applications, and which is in front. Main thread only. A call waits for
+/// the display's answer: mostly less than a millisecond, and longer only while another program
+/// has the display to itself.
 class WindowList {
 public:
     virtual ~WindowList() = default;
@@ -34,11 +36,19 @@ public:
     /// Whether this desktop tells its windows; when not, the lists below are empty.
     virtual Ability ability() const = 0;
 
+    /// Why there may be windows, the one in front among them, that the lists below lack; nothing
+    /// where they hold them all.
+    virtual std::optional<std::string> gap() const = 0;
+
     /// Oldest first.
     virtual std::vector<AppWindow> windows() const = 0;
 
     /// The window that has the user's attention; nothing when none has.
     virtual std::optional<AppWindow> active() const = 0;
+
+    /// Whether the program that has or had the window runs, with or without windows. False for a
+    /// window that didn't tell its process.
+    virtual bool stillRuns(const AppWindow& window) const = 0;
 
     /// Calls `changed` after another window has become active.
     virtual Subscription onActiveChanged(std::function<void()> changed) = 0;

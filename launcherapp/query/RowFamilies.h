@@ -3,6 +3,7 @@
 #include "LauncherCore/answers/CurrencyReading.h"
 #include "LauncherCore/catalog/CatalogApp.h"
 #include "LauncherCore/commands/CommandSpec.h"
+#include "LauncherCore/query/Keywords.h"
 #include "launcherapp/query/PersonCard.h"
 #include "launcherapp/query/ResultRow.h"
 #include "launcherapp/query/RowAction.h"
@@ -129,6 +130,9 @@ struct RowFamilies {
 
     /// What copying a row of the source copies; nothing for what it leaves to the row's kind.
     std::function<std::optional<std::string>(const ResultRow& row)> copyText;
+
+    /// Whether the source is there that the keyword's word leads to.
+    bool serves(BuiltinKeyword keyword) const;
 };
 
 /// The rows of a family, or none while it has no source.

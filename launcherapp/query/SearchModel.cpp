@@ -203,33 +203,33 @@ std::optional<Rows> SearchModel::keywordRows(std::string_view q) {
     const auto& keywords = services_.prefs.keywords();
     if (auto argument = keywords.argument(BuiltinKeyword::clipboard, q))
         return clipboardKeywordRows(*std::move(argument));
-    if (const auto argument = keywords.argument(BuiltinKeyword::clearClipboard, q))
-        return rowsOf(families.clearClipboard, *argument);
-    if (const auto argument = keywords.argument(BuiltinKeyword::tabs, q))
-        return rowsOf(families.tabs, *argument, ListMode::keyword);
-    if (const auto argument = keywords.argument(BuiltinKeyword::people, q)) {
+    // A word without a source behind it is a word like any other.
+    const auto argumentOf = [&](BuiltinKeyword keyword) {
+        return families.serves(keyword) ? keywords.argument(keyword, q) : std::nullopt;
+    };
+    if (const auto argument = argumentOf(BuiltinKeyword::clearClipboard))
+        return families.clearClipboard(*argument);
+    if (const auto argument = argumentOf(BuiltinKeyword::tabs))
+        return families.tabs(*argument, ListMode::keyword);
+    if (const auto argument = argumentOf(BuiltinKeyword::people)) {
         if (families.loadPeople)
             families.loadPeople();
-        return ranked(rowsOf(families.people, *argument, ListMode::keyword), q);
+        return ranked(families.people(*argument, ListMode::keyword), q);
     }
-    if (const auto argument = keywords.argument(BuiltinKeyword::agenda, q)) {
+    if (const auto argument = argumentOf(BuiltinKeyword::agenda)) {
         if (families.loadAgenda)
             families.loadAgenda();
-        return rowsOf(families.agenda, *argument);
+        return families.agenda(*argument);
     }
-    if (const auto argument = keywords.argument(BuiltinKeyword::calcHistory, q))
-        return rowsOf(families.calcHistory, *argument, ListMode::keyword);
-    // These three are modes only while their companion is live.
-    const auto ofCompanion = [&](BuiltinKeyword keyword,
-                                 const RowFamilies::Family& family) -> std::optional<Rows> {
-        const auto argument = family ? keywords.argument(keyword, q) : std::nullopt;
-        return argument ? std::optional(family(*argument)) : std::nullopt;
-    };
-    if (auto rows = ofCompanion(BuiltinKeyword::snippets, families.snippets))
-        return rows;
-    if (auto rows = ofCompanion(BuiltinKeyword::farsillDevices, families.farsillDevices))
-        return rows;
-    return ofCompanion(BuiltinKeyword::laneryGroups, families.laneryGroups);
+    if (const auto argument = argumentOf(BuiltinKeyword::calcHistory))
+        return families.calcHistory(*argument, ListMode::keyword);
+    if (const auto argument = argumentOf(BuiltinKeyword::snippets))
+        return families.snippets(*argument);
+    if (const auto argument = argumentOf(BuiltinKeyword::farsillDevices))
+        return families.farsillDevices(*argument);
+    if (const auto argument = argumentOf(BuiltinKeyword::laneryGroups))
+        return families.laneryGroups(*argument);
+    return std::nullopt;
 }
 
 Rows SearchModel::clipboardKeywordRows(std::string argument) {
@@ -356,9 +356,12 @@ void SearchModel::addAnswersAndSources(Rows& rows, std::string_view q) {
             append(rows, rowsOf(families.people, q, ListMode::mixed));
         }
     }
-    append(rows, featureRows(services_.prefs.keywords(), q, [this](const std::string& text) {
-               setQuery(text);
-           }));
+    append(rows,
+           featureRows(
+               services_.prefs.keywords(),
+               q,
+               [this](BuiltinKeyword keyword) { return families.serves(keyword); },
+               [this](const std::string& text) { setQuery(text); }));
     append(rows, rowsOf(families.windows, q));
     append(rows, rowsOf(families.dictation, q));
     if (answers.main)

@@ -77,9 +77,9 @@ std::unique_ptr<SystemEffects> systemEffects(AppServices& services,
 }
 
 /// Those of other programs, as the user knows them.
-std::vector<OpenWindow> openWindows(const AppServices& services) {
+std::vector<OpenWindow> openWindows(AppServices& services) {
     std::vector<OpenWindow> open;
-    for (const auto& window : services.doors.windows->windows()) {
+    for (const auto& window : services.windows().windows()) {
         if (!window.ordinary || window.processID == ::getpid())
             continue;
         auto owner = services.running.owner(window);
@@ -97,8 +97,9 @@ std::vector<OpenWindow> openWindows(const AppServices& services) {
 AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence)
     : services(made),
       alerts([&log = made.diagnostics](std::string_view line) { log.log(std::string(line)); }),
-      effects(systemEffects(made, desktop)), windows({.control = *made.doors.control,
-                                                      .windows = *made.doors.windows,
+      effects(systemEffects(made, desktop)), windows({.queue = made.doors.queue,
+                                                      .control = made.windowControl(),
+                                                      .windows = made.windows(),
                                                       .running = made.running,
                                                       .catalog = made.catalog,
                                                       .diagnostics = made.diagnostics}),
@@ -142,7 +143,7 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
               .alerts = alerts,
               .diagnostics = made.diagnostics,
               .openWindows = [&made] { return openWindows(made); },
-              .closeWindow = [&made](std::uint64_t window) { made.doors.control->close(window); },
+              .closeWindow = [&made](std::uint64_t window) { made.windowControl().close(window); },
               .showPanel = presence.showPanel},
              made.environment),
       hotkeys({.hotkey = presence.hotkey, .usage = made.usage, .diagnostics = made.diagnostics},
@@ -172,8 +173,7 @@ CommandWiring::Services AppCommands::wiringServices() {
             .usage = services.usage,
             .index = services.index,
             .opener = services.opener,
-            .running = services.running,
-            .control = *services.doors.control,
+            .list = services.windows(),
             .windows = windows,
             .runtime = runtime,
             .lists = lists,

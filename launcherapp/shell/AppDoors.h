@@ -24,6 +24,7 @@
 #include "launcherapp/platform/linux/watching/InotifyTreeWatcher.h"
 
 #include <memory>
+#include <optional>
 
 namespace tessarine {
 
@@ -57,7 +58,9 @@ struct AppDoors {
 private:
     static std::unique_ptr<WindowList> windowList(const Environment& environment) {
         if (environment.hasX11)
-            return std::make_unique<X11WindowList>();
+            return std::make_unique<X11WindowList>(
+                environment.hasWayland ? std::optional("windows of Wayland are not read yet")
+                                       : std::nullopt);
         return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland "
                                               "are not read yet");
     }

@@ -117,6 +117,14 @@ StateFile AppServices::stateFile(const std::string& name) {
             StateFile::Failures::silent};
 }
 
+WindowList& AppServices::windows() {
+    return run.isDemonstration ? cannedWindows : *doors.windows;
+}
+
+WindowControl& AppServices::windowControl() {
+    return run.isDemonstration ? cannedControl : *doors.control;
+}
+
 SearchModel::Services AppServices::modelServices() {
     return {.queue = doors.queue,
             .diagnostics = diagnostics,

@@ -65,6 +65,10 @@ public:
 
     SearchModel::Services modelServices();
 
+    /// Those that rows and commands are about: a demonstration touches none of the user's.
+    WindowList& windows();
+    WindowControl& windowControl();
+
     /// Whether the user has a command of this id; until it is set, any may be the user's.
     std::function<bool(std::string_view id)> isUsersCommand;
 
@@ -77,7 +81,8 @@ public:
     DefaultsStore defaults;
     Prefs prefs{defaults, environment};
     DemonstrationWindows cannedWindows{*doors.windows};
-    RunningApps running{run.isDemonstration ? cannedWindows : *doors.windows};
+    DemonstrationControl cannedControl{cannedWindows};
+    RunningApps running{windows()};
     AppLauncher launcher{doors.queue, doors.processes, doors.bus, environment};
     AppCatalog catalog;
     std::shared_ptr<IndexWalker> walker;

@@ -1,13 +1,12 @@
 #include "launcherapp/shell/CommandWiring.h"
 
 #include "launcherapp/catalog/FileOpener.h"
-#include "launcherapp/catalog/RunningApps.h"
 #include "launcherapp/commands/CommandCatalog.h"
 #include "launcherapp/commands/CommandRuntime.h"
 #include "launcherapp/commands/CommandStore.h"
 #include "launcherapp/commands/ListCommands.h"
 #include "launcherapp/index/FileIndex.h"
-#include "launcherapp/platform/WindowControl.h"
+#include "launcherapp/platform/WindowList.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/query/UsageStore.h"
 #include "launcherapp/query/rows/CommandRows.h"
@@ -16,6 +15,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -101,18 +101,22 @@ WindowRowSources CommandWiring::windowSources() {
     };
     using Force = WindowManager::Force;
     return {.keywords = services_.prefs.keywords(),
-            .movingProblem = [problem,
-                              &control = services_.control] { return problem(control.ability()); },
+            .movingProblem =
+                [this, problem] {
+                    return problem(services_.windows.ability(services_.model.previousApp));
+                },
             .apply =
                 [this](WindowVerb verb) {
                     hidePanel();
                     services_.windows.apply(verb, services_.model.previousApp);
                 },
-            .setUp = {},
-            .quittingProblem =
-                [problem, &running = services_.running] { return problem(running.ability()); },
-            .runningApps =
-                [this](std::string_view query) { return services_.windows.runningApps(query); },
+            .quittingProblem = [problem,
+                                &windows =
+                                    services_.windows] { return problem(windows.offer().ability); },
+            .quittingGap = [&list = services_.list] { return list.gap(); },
+            .runningApps = [&windows = services_.windows]() -> std::span<const QuittableApp> {
+                return windows.offer().apps;
+            },
             .quit = [this](const QuittableApp& app) { quit(app, Force::no); },
             .forceQuit = [this](const QuittableApp& app) { quit(app, Force::yes); }};
 }

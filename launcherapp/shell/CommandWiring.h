@@ -18,10 +18,9 @@ class FileIndex;
 class FileOpener;
 class ListCommands;
 class Prefs;
-class RunningApps;
 class SearchModel;
 class UsageStore;
-class WindowControl;
+class WindowList;
 
 /// Connects the search model to the services of the commands: which rows they give, and what a row
 /// of theirs does. Main thread only; what it refers to outlives it.
@@ -33,8 +32,7 @@ public:
         UsageStore& usage;
         FileIndex& index;
         FileOpener& opener;
-        RunningApps& running;
-        WindowControl& control;
+        WindowList& list;
         WindowManager& windows;
         CommandRuntime& runtime;
         ListCommands& lists;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace tessarine {
@@ -13,6 +14,8 @@ class FakeWindowList : public WindowList {
 public:
     Ability ability() const override { return supported; }
 
+    std::optional<std::string> gap() const override { return untold; }
+
     std::vector<AppWindow> windows() const override {
         ++listings;
         return open;
@@ -21,6 +24,10 @@ public:
     std::optional<AppWindow> active() const override {
         const auto found = std::ranges::find(open, activeID, &AppWindow::id);
         return found == open.end() ? std::nullopt : std::optional(*found);
+    }
+
+    bool stillRuns(const AppWindow& window) const override {
+        return programs.contains(window.processID);
     }
 
     Subscription onActiveChanged(std::function<void()> changed) override {
@@ -51,8 +58,10 @@ public:
     }
 
     Ability supported;
-    std::vector<AppWindow> open; ///< oldest first
-    std::uint64_t activeID = 0;  ///< 0: none
+    std::optional<std::string> untold;
+    std::set<std::int64_t> programs; ///< processes that run, with or without windows
+    std::vector<AppWindow> open;     ///< oldest first
+    std::uint64_t activeID = 0;      ///< 0: none
     std::vector<std::pair<std::string, std::uint64_t>> calls;
     mutable int listings = 0; ///< how often the windows were asked for
 

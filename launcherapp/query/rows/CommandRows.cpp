@@ -1,5 +1,6 @@
 #include "launcherapp/query/rows/CommandRows.h"
 
+#include "LauncherCore/commands/WindowVerb.h"
 #include "LauncherCore/query/Matcher.h"
 #include "LauncherCore/text/Folding.h"
 
@@ -70,11 +71,6 @@ std::string_view label(CommandKind kind) {
         return "run";
     }
     return "run";
-}
-
-/// Those words are all there is to type.
-bool isWindowVerb(BuiltinKeyword keyword) {
-    return keyword >= BuiltinKeyword::windowLeft && keyword <= BuiltinKeyword::windowDisplay;
 }
 
 std::optional<RowCreditSpec> creditOf(const CommandSpec& command) {
@@ -153,11 +149,12 @@ std::vector<ResultRow> engagedRows(const CommandSpec& command,
 
 std::vector<ResultRow> featureRows(const Keywords& keywords,
                                    std::string_view query,
+                                   const std::function<bool(BuiltinKeyword)>& isThere,
                                    const std::function<void(const std::string&)>& typeWord) {
     const Matcher::Query folded(query);
     std::vector<ResultRow> rows;
     for (const auto& info : Keywords::all()) {
-        if (!keywords.isEnabled(info.keyword))
+        if (!keywords.isEnabled(info.keyword) || !isThere(info.keyword))
             continue;
         const std::string_view alternatives[] = {info.name};
         std::int64_t score = 0;
@@ -168,7 +165,7 @@ std::vector<ResultRow> featureRows(const Keywords& keywords,
         if (score < 1)
             continue;
         const auto word = keywords.word(info.keyword);
-        const bool takesArgument = !isWindowVerb(info.keyword);
+        const bool takesArgument = !windowVerb(info.keyword);
         if (!takesArgument && Folding::lowercase(query) == Folding::lowercase(word))
             continue; // what the word does stands there already
         rows.push_back({

@@ -48,10 +48,11 @@ std::vector<ResultRow> engagedRows(const CommandSpec& command,
                                    const CommandRowSources& sources,
                                    const std::string& argument);
 
-/// The program's own modes as rows, found by their words and names. Return types the word through
-/// `typeWord`.
+/// The program's own modes that are there as rows, found by their words and names. Return types
+/// the word through `typeWord`.
 std::vector<ResultRow> featureRows(const Keywords& keywords,
                                    std::string_view query,
+                                   const std::function<bool(BuiltinKeyword keyword)>& isThere,
                                    const std::function<void(const std::string& text)>& typeWord);
 
 } // namespace tessarine

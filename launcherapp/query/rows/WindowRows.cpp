@@ -1,6 +1,11 @@
 #include "launcherapp/query/rows/WindowRows.h"
 
 #include "LauncherCore/query/Matcher.h"
+#include "LauncherCore/text/Folding.h"
+#include "launcherapp/query/rows/HintRows.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -13,23 +18,27 @@ namespace {
 /// As of a command's own word: above even an exact name of anything else.
 constexpr std::int64_t wordScore = Matcher::exact + 1;
 
-constexpr std::array verbWords{
-    std::pair(BuiltinKeyword::windowLeft, WindowVerb::left),
-    std::pair(BuiltinKeyword::windowRight, WindowVerb::right),
-    std::pair(BuiltinKeyword::windowTop, WindowVerb::top),
-    std::pair(BuiltinKeyword::windowBottom, WindowVerb::bottom),
-    std::pair(BuiltinKeyword::windowMax, WindowVerb::max),
-    std::pair(BuiltinKeyword::windowCenter, WindowVerb::center),
-    std::pair(BuiltinKeyword::windowDisplay, WindowVerb::display),
-};
-
-std::optional<std::string> problemOf(const WindowRowSources::Problem& problem) {
+std::optional<std::string> answerOf(const WindowRowSources::Problem& problem) {
     return problem ? problem() : std::nullopt;
 }
 
+ResultRow
+hint(std::string id, std::string_view title, std::string reason, std::string_view symbol) {
+    auto row = readHint(std::move(id), std::string(title), std::move(reason), symbol);
+    row.group = RowGroup::commands;
+    row.score = wordScore;
+    return row;
+}
+
 ResultRow verbRow(const WindowRowSources& sources, WindowVerb verb) {
-    ResultRow row{
-        .id = "win:" + std::string(WindowVerbs::name(verb)),
+    auto id = "win:" + std::string(WindowVerbs::name(verb));
+    if (auto problem = answerOf(sources.movingProblem))
+        return hint(std::move(id),
+                    WindowVerbs::title(verb),
+                    *std::move(problem),
+                    WindowVerbs::symbol(verb));
+    return {
+        .id = std::move(id),
         .kind = RowKind::command,
         .title = std::string(WindowVerbs::title(verb)),
         .subtitle = "the front window",
@@ -39,16 +48,12 @@ ResultRow verbRow(const WindowRowSources& sources, WindowVerb verb) {
         .group = std::string(RowGroup::commands),
         .score = wordScore,
     };
-    if (const auto problem = problemOf(sources.movingProblem)) {
-        row.subtitle = *problem;
-        row.primary = sources.setUp ? sources.setUp : [] {};
-        row.primaryLabel = sources.setUp ? "set up" : "";
-    }
-    return row;
 }
 
+constexpr std::string_view quitSymbol = "power";
+
 /// What tells the rows of the two ways to quit apart.
-struct QuitWay {
+struct QuitVerb {
     BuiltinKeyword keyword;
     std::string_view idPrefix;
     std::string_view titlePrefix;
@@ -56,65 +61,80 @@ struct QuitWay {
     const std::function<void(const QuittableApp& app)>& quit;
 };
 
-/// In place of the applications, which this desktop doesn't tell.
-ResultRow quittingProblemRow(const QuitWay& way, const std::string& problem) {
-    return {
-        .id = std::string(way.idPrefix),
-        .kind = RowKind::hint,
-        .title = std::string(Keywords::info(way.keyword).name),
-        .subtitle = problem,
-        .symbol = "power",
-        .primary = [] {},
-        .group = std::string(RowGroup::commands),
-        .score = wordScore,
-    };
+/// What is to be known of an application before Return: which of two of one name it is, and what
+/// else ends.
+std::string
+detail(const QuitVerb& verb, const QuittableApp& app, std::span<const QuittableApp> running) {
+    std::vector<std::string> parts;
+    if (std::ranges::count(running, app.name, &QuittableApp::name) > 1)
+        parts.push_back(app.bundleID);
+    if (verb.keyword == BuiltinKeyword::forceQuit && !app.alsoEnds.empty())
+        parts.push_back(fmt::format("also ends {}", fmt::join(app.alsoEnds, ", ")));
+    return fmt::format("{}", fmt::join(parts, " · "));
 }
 
-ResultRow quitRow(const QuitWay& way, const QuittableApp& app, std::int64_t score) {
+ResultRow quitRow(const QuitVerb& verb, const QuittableApp& app, std::string detail) {
     return {
-        .id = std::string(way.idPrefix) + app.bundleID,
+        .id = std::string(verb.idPrefix) + app.bundleID,
         .kind = RowKind::command,
-        .title = std::string(way.titlePrefix) + app.name,
-        .symbol = "power",
-        .primary = [quit = way.quit, app] { quit(app); },
-        .primaryLabel = std::string(way.label),
+        .title = std::string(verb.titlePrefix) + app.name,
+        .subtitle = std::move(detail),
+        .symbol = std::string(quitSymbol),
+        .primary = [quit = verb.quit, app] { quit(app); },
+        .primaryLabel = std::string(verb.label),
         .group = std::string(RowGroup::commands),
-        .score = score,
     };
 }
 
 std::vector<ResultRow>
-quitRows(const WindowRowSources& sources, const QuitWay& way, std::string_view argument) {
-    if (const auto problem = problemOf(sources.quittingProblem))
-        return {quittingProblemRow(way, *problem)};
-    const auto apps = sources.runningApps(argument);
-    const auto score = argument.empty() ? Matcher::belowWordPrefix : wordScore;
+quitRows(const WindowRowSources& sources, const QuitVerb& verb, std::string_view argument) {
+    if (auto problem = answerOf(sources.quittingProblem))
+        return {hint(std::string(verb.idPrefix),
+                     Keywords::info(verb.keyword).name,
+                     *std::move(problem),
+                     quitSymbol)};
+    const auto wanted = Folding::lowercase(argument);
+    const auto running = sources.runningApps();
     std::vector<ResultRow> rows;
-    for (std::size_t i = 0; i < std::min(apps.size(), quitRowLimit); ++i)
-        rows.push_back(quitRow(way, apps[i], score));
+    for (const auto& app : running) {
+        if (rows.size() == quitRowLimit)
+            break;
+        if (Folding::lowercase(app.name).find(wanted) == std::string::npos)
+            continue;
+        auto& row = rows.emplace_back(quitRow(verb, app, detail(verb, app, running)));
+        row.score = argument.empty() ? Matcher::belowWordPrefix : wordScore;
+    }
+    if (auto gap = answerOf(sources.quittingGap)) {
+        auto& row = rows.emplace_back(hint(std::string(verb.idPrefix),
+                                           "Not all that runs is listed",
+                                           *std::move(gap),
+                                           quitSymbol));
+        row.score = Matcher::belowWordPrefix;
+    }
     return rows;
 }
 
 } // namespace
 
 std::vector<ResultRow> windowRows(const WindowRowSources& sources, std::string_view query) {
-    const std::array ways{
-        QuitWay{BuiltinKeyword::quit, "quit:", "Quit ", "quit", sources.quit},
-        QuitWay{BuiltinKeyword::forceQuit,
-                "quit:force:",
-                "Force quit ",
-                "force quit",
-                sources.forceQuit},
+    const std::array quitVerbs{
+        QuitVerb{BuiltinKeyword::quit, "quit:", "Quit ", "quit", sources.quit},
+        QuitVerb{BuiltinKeyword::forceQuit,
+                 "quit:force:",
+                 "Force quit ",
+                 "force quit",
+                 sources.forceQuit},
     };
-    for (const auto& [keyword, verb] : verbWords) {
-        const auto argument = sources.keywords.argument(keyword, query);
-        if (argument && argument->empty() && sources.apply)
-            return {verbRow(sources, verb)};
+    for (const auto& info : Keywords::all()) {
+        const auto verb = sources.apply ? windowVerb(info.keyword) : std::nullopt;
+        const auto argument = verb ? sources.keywords.argument(info.keyword, query) : std::nullopt;
+        if (argument && argument->empty())
+            return {verbRow(sources, *verb)};
     }
-    for (const auto& way : ways) {
-        const auto argument = sources.keywords.argument(way.keyword, query);
-        if (argument && way.quit && sources.runningApps)
-            return quitRows(sources, way, *argument);
+    for (const auto& verb : quitVerbs) {
+        const auto argument = sources.keywords.argument(verb.keyword, query);
+        if (argument && verb.quit && sources.runningApps)
+            return quitRows(sources, verb, *argument);
     }
     return {};
 }

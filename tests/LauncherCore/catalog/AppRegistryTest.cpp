@@ -84,6 +84,39 @@ TEST(AppRegistry, windowsAreOwnedByTheBestHint) {
         EXPECT_EQ(idOf(registry.windowOwner(window)), owner) << reason;
 }
 
+TEST(AppRegistry, onlyWhatAWindowSaysOfItselfIsSure) {
+    auto editor = app("org.x.Editor", "/usr/bin/editor-bin %F");
+    editor.windowClass = "EditorWindow";
+    const AppRegistry registry({editor,
+                                app("com.example.app", "example"),
+                                app("jar", "/usr/bin/java -jar /opt/x.jar"),
+                                app("script", "python3.11 /opt/x.py"),
+                                app("shell", "electron25 /opt/app"),
+                                app("plain", "plain")},
+                               {});
+
+    const struct {
+        WindowOwnerHints window;
+        std::string likely;
+        std::string sure;
+        const char* reason;
+    } cases[] = {
+        {{.applicationID = "plain"}, "plain", "plain", "an id, of its own or its control group"},
+        {{.className = "EditorWindow"}, "org.x.Editor", "org.x.Editor", "its class as promised"},
+        {{.instanceName = "com.example.app"}, "com.example.app", "com.example.app", "a whole id"},
+        {{.className = "Tk", .instanceName = "app"}, "com.example.app", "(none)", "any program's"},
+        {{.executable = "/opt/editor-bin"}, "org.x.Editor", "(none)", "the same name elsewhere"},
+        {{.executable = "/usr/lib/jvm/17/bin/java"}, "(none)", "(none)", "runs any program"},
+        {{.executable = "/usr/bin/python3.11"}, "(none)", "(none)", "whatever its version"},
+        {{.executable = "/usr/lib/electron25"}, "(none)", "(none)", "or that"},
+    };
+
+    for (const auto& [window, likely, sure, reason] : cases) {
+        EXPECT_EQ(idOf(registry.windowOwner(window)), likely) << reason;
+        EXPECT_EQ(idOf(registry.windowOwner(window, Certainty::sure)), sure) << reason;
+    }
+}
+
 TEST(AppRegistry, handlersFollowTheUsersAssociations) {
     auto first = app("first");
     first.mimeTypes = {"text/plain", "x-scheme-handler/https"};

@@ -1,21 +1,47 @@
 #include "LauncherCore/commands/WindowVerb.h"
 
+#include "tests/fakes/RectanglePrinting.h"
+
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <ostream>
+#include <set>
 
 namespace tessarine {
-
-/// For failures.
-inline void PrintTo(const Rectangle& rectangle, std::ostream* out) {
-    *out << rectangle.x << "," << rectangle.y << " " << rectangle.width << "x" << rectangle.height;
-}
-
 namespace {
 
 Rectangle placed(WindowVerb verb, const Rectangle& workArea) {
     return WindowVerbs::frame(verb, workArea, {.x = 5, .y = 5, .width = 301, .height = 200});
+}
+
+TEST(WindowVerb, eachHasOneKeywordATitleAndASymbol) {
+    const struct {
+        BuiltinKeyword keyword;
+        const char* name;
+        const char* title;
+        const char* symbol;
+    } cases[] = {
+        {BuiltinKeyword::windowLeft, "left", "Left half", "rectangle.lefthalf.filled"},
+        {BuiltinKeyword::windowRight, "right", "Right half", "rectangle.righthalf.filled"},
+        {BuiltinKeyword::windowTop, "top", "Top half", "rectangle.tophalf.filled"},
+        {BuiltinKeyword::windowBottom, "bottom", "Bottom half", "rectangle.bottomhalf.filled"},
+        {BuiltinKeyword::windowMax, "max", "Maximize", "rectangle.fill"},
+        {BuiltinKeyword::windowCenter, "center", "Center", "rectangle.center.inset.filled"},
+        {BuiltinKeyword::windowDisplay, "display", "Next display", "macwindow.on.rectangle"},
+    };
+
+    std::set<WindowVerb> found;
+    for (const auto& [keyword, name, title, symbol] : cases) {
+        SCOPED_TRACE(name);
+        const auto verb = windowVerb(keyword);
+        ASSERT_TRUE(verb);
+        found.insert(*verb);
+        EXPECT_EQ(WindowVerbs::name(*verb), name);
+        EXPECT_EQ(WindowVerbs::title(*verb), title);
+        EXPECT_EQ(WindowVerbs::symbol(*verb), symbol);
+    }
+    EXPECT_EQ(found.size(), allWindowVerbs.size());
+    EXPECT_EQ(windowVerb(BuiltinKeyword::forceQuit), std::nullopt);
 }
 
 TEST(WindowVerb, fillsItsPartOfTheWorkArea) {

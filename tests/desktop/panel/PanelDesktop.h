@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/desktop/Program.h"
-#include "tests/linux/panel/X11Neighbour.h"
+#include "tests/linux/x11/X11Neighbour.h"
 
 #include <gmock/gmock.h>
 

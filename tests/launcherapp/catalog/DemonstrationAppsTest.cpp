@@ -52,5 +52,21 @@ TEST(DemonstrationApps, areWhatADemonstrationIsAbout) {
     EXPECT_THAT(titles, ElementsAre("Firewheel", "Bluebird Mail", "Teletype"));
 }
 
+TEST(DemonstrationApps, endWithoutTouchingTheUsersWindows) {
+    FakeWindowList desktop;
+    DemonstrationWindows windows(desktop);
+    DemonstrationControl control(windows);
+    const auto before = windows.windows();
+    ASSERT_GE(before.size(), 3u);
+    control.close(before[0].id);
+    EXPECT_TRUE(control.kill(before[2].id));
+    auto left = before;
+    left.erase(left.begin() + 2);
+    left.erase(left.begin());
+    EXPECT_EQ(windows.windows(), left);
+    EXPECT_FALSE(control.ability().available);
+    EXPECT_TRUE(desktop.calls.empty());
+}
+
 } // namespace
 } // namespace tessarine

@@ -16,11 +16,12 @@ protected:
     RunningAppsTest() {
         for (const auto* id : {"a", "b", "c"})
             services.install(id, std::string("App ") + id);
-        windows.open = {{.id = 1, .className = "b"},
+        windows.open = {{.id = 1, .className = "b", .processID = 20},
                         {.id = 2, .className = "stranger"},
                         {.id = 3, .className = "a", .hidden = true},
                         {.id = 4, .className = "b", .ordinary = false},
-                        {.id = 5, .className = "b", .hidden = true}};
+                        {.id = 5, .className = "b", .processID = 20, .hidden = true},
+                        {.id = 9, .className = "b", .processID = 19}};
         windows.activeID = 3;
     }
 
@@ -32,9 +33,11 @@ protected:
 TEST_F(RunningAppsTest, windowsAreGatheredByTheirApplication) {
     EXPECT_THAT(running.running(), IsEmpty()); // before the first scan nothing is known
     services.startCatalog();
-    EXPECT_THAT(running.running(),
-                ElementsAre(RunningApp{.bundleID = "b", .windows = {1, 5}, .hidden = {5}},
-                            RunningApp{.bundleID = "a", .windows = {3}, .hidden = {3}}));
+    EXPECT_THAT(
+        running.running(),
+        ElementsAre(
+            RunningApp{.bundleID = "b", .windows = {1, 5, 9}, .hidden = {5}, .processes = {20, 19}},
+            RunningApp{.bundleID = "a", .windows = {3}, .hidden = {3}}));
     EXPECT_EQ(running.running("c"), std::nullopt);
     EXPECT_EQ(running.frontmost(), "a");
     windows.activeID = 2;

@@ -332,6 +332,10 @@ TEST_F(PanelControllerTest, theModelKnowsWhatWasInFront) {
     panel.hide();
     ASSERT_TRUE(model.previousApp);
     EXPECT_EQ(model.previousApp->id, 7u);
+    services.platform.windows.open.push_back({.id = 8, .own = true}); // the panel, or the like
+    services.platform.windows.activeID = 8;
+    panel.show();
+    EXPECT_EQ(model.previousApp->id, 7u);
     services.platform.windows.activeID = 0;
     panel.show();
     EXPECT_FALSE(model.previousApp);

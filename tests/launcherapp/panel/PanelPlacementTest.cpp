@@ -1,13 +1,10 @@
 #include "launcherapp/panel/PanelPlacement.h"
 
+#include "tests/fakes/RectanglePrinting.h"
+
 #include <gtest/gtest.h>
 
 namespace tessarine {
-
-static void PrintTo(const Rectangle& r, std::ostream* out) {
-    *out << r.x << "," << r.y << " " << r.width << "x" << r.height;
-}
-
 namespace {
 
 // Two monitors side by side, the right one smaller and lower, with a bar at its top.

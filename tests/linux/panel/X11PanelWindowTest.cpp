@@ -1,7 +1,7 @@
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
 #include "tests/linux/EventLoop.h"
-#include "tests/linux/panel/X11Neighbour.h"
+#include "tests/linux/x11/X11Neighbour.h"
 
 #include <gmock/gmock.h>
 

@@ -14,9 +14,13 @@ public:
 
     Ability ability() const override { return ability_; }
 
+    std::optional<std::string> gap() const override { return ability_.reason; }
+
     std::vector<AppWindow> windows() const override { return {}; }
 
     std::optional<AppWindow> active() const override { return std::nullopt; }
+
+    bool stillRuns(const AppWindow&) const override { return false; }
 
     Subscription onActiveChanged(std::function<void()>) override { return {}; }
 

@@ -21,14 +21,19 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uint32_t pager = 2; ///< who asks: not the window's own program, but the user
-/// A window is an ordinary one again when nothing has happened to it for so long.
+/// A window is an ordinary one again when nothing has happened to it for so long: half of one
+/// picture of a display, in which window managers and programs answer each other.
 constexpr auto calm = 8ms;
 constexpr double longestSide = 32767; ///< of any X11 window
 
+/// What keeps a window from being an ordinary one; all but the last are the window manager's to
+/// remove on request.
 constexpr std::array specialStates{"_NET_WM_STATE_MAXIMIZED_VERT",
                                    "_NET_WM_STATE_MAXIMIZED_HORZ",
                                    "_NET_WM_STATE_FULLSCREEN",
-                                   "_NET_WM_STATE_SHADED"};
+                                   "_NET_WM_STATE_SHADED",
+                                   "_NET_WM_STATE_HIDDEN"};
+constexpr std::array minimised{specialStates.back()};
 
 /// What stands out of, or within, the four sides of a window.
 struct Margins {
@@ -56,7 +61,7 @@ std::uint32_t side(double length) {
 }
 
 /// Places left of and above the desktop are negative, and go over the wire as they are.
-std::uint32_t place(double coordinate) {
+std::uint32_t onWire(double coordinate) {
     return static_cast<std::uint32_t>(
         static_cast<std::int32_t>(std::clamp(std::round(coordinate), -longestSide, longestSide)));
 }
@@ -87,14 +92,21 @@ struct X11WindowControl::Shape {
     }
 };
 
-X11WindowControl::X11WindowControl() = default;
+X11WindowControl::Door& X11WindowControl::door() const {
+    return door_ ? *door_ : door_.emplace();
+}
 
-Ability X11WindowControl::ability() const {
-    if (display_.root() == XCB_WINDOW_NONE)
-        return Ability::missing("the X11 display can't be reached");
+/// Whether the display answers. What it told unasked is taken first: it would pile up.
+bool X11WindowControl::isReady() const {
     while (waitForEvent(0ms)) {
     }
-    if (!display_.answers())
+    return display().answers();
+}
+
+Ability X11WindowControl::ability() const {
+    if (display().root() == XCB_WINDOW_NONE)
+        return Ability::missing("the X11 display can't be reached");
+    if (!isReady())
         return Ability::missing("the X11 display was lost");
     if (manager_ == XCB_WINDOW_NONE && !findManager())
         return Ability::missing("no window manager takes requests to move windows");
@@ -103,39 +115,41 @@ Ability X11WindowControl::ability() const {
 
 /// Remembers it until its own window goes: asking again would make every keystroke wait.
 bool X11WindowControl::findManager() const {
-    const auto check = display_.atom("_NET_SUPPORTING_WM_CHECK");
-    const auto told = display_.numbers(
-        {{display_.root(), check}, {display_.root(), display_.atom("_NET_SUPPORTED")}});
+    const auto check = display().atom("_NET_SUPPORTING_WM_CHECK");
+    const auto told = display().numbers(
+        {{display().root(), check}, {display().root(), display().atom("_NET_SUPPORTED")}});
     const auto takesMoves =
-        std::ranges::count(told[1], display_.atom("_NET_MOVERESIZE_WINDOW")) > 0;
+        std::ranges::count(told[1], display().atom("_NET_MOVERESIZE_WINDOW")) > 0;
     if (told[0].empty() || !takesMoves)
         return false;
     // Listened to before it is asked, so that its end is not missed.
     const auto window = told[0].front();
     listen(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     // One that has ended leaves the root's property behind; its window is gone or another's.
-    if (display_.numbers({{window, check}}).front() != told[0])
+    if (display().numbers({{window, check}}).front() != told[0]) {
+        listen(window, XCB_EVENT_MASK_NO_EVENT);
         return false;
+    }
     manager_ = window;
     return true;
 }
 
 std::vector<Screen> X11WindowControl::screens() const {
-    return monitors_.all();
+    return door().monitors.all();
 }
 
 std::optional<X11WindowControl::Shape> X11WindowControl::shape(Window window) const {
-    if (!display_.answers())
+    if (!isReady())
         return std::nullopt;
-    const auto sizeAsked = xcb_get_geometry(display_.xcb(), window);
+    const auto sizeAsked = xcb_get_geometry(display().xcb(), window);
     const auto placeAsked =
-        xcb_translate_coordinates(display_.xcb(), window, display_.root(), 0, 0);
-    const auto extents = display_.numbers({{window, display_.atom("_NET_FRAME_EXTENTS")},
-                                           {window, display_.atom("_GTK_FRAME_EXTENTS")}});
+        xcb_translate_coordinates(display().xcb(), window, display().root(), 0, 0);
+    const auto extents = display().numbers({{window, display().atom("_NET_FRAME_EXTENTS")},
+                                            {window, display().atom("_GTK_FRAME_EXTENTS")}});
     const XcbOwned<xcb_get_geometry_reply_t> size(
-        xcb_get_geometry_reply(display_.xcb(), sizeAsked, nullptr));
+        xcb_get_geometry_reply(display().xcb(), sizeAsked, nullptr));
     const XcbOwned<xcb_translate_coordinates_reply_t> corner(
-        xcb_translate_coordinates_reply(display_.xcb(), placeAsked, nullptr));
+        xcb_translate_coordinates_reply(display().xcb(), placeAsked, nullptr));
     if (!size || !corner)
         return std::nullopt;
     Shape shape{.client = {.x = static_cast<double>(corner->dst_x),
@@ -156,10 +170,10 @@ std::optional<Rectangle> X11WindowControl::frame(std::uint64_t window) const {
     return found ? std::optional(found->frame()) : std::nullopt;
 }
 
-bool X11WindowControl::isSpecial(Window window) const {
-    const auto states = display_.numbers({{window, display_.atom("_NET_WM_STATE")}}).front();
-    return std::ranges::any_of(specialStates, [&](const char* state) {
-        return std::ranges::count(states, display_.atom(state)) > 0;
+bool X11WindowControl::isAnyOf(Window window, std::span<const char* const> states) const {
+    const auto told = display().numbers({{window, display().atom("_NET_WM_STATE")}}).front();
+    return std::ranges::any_of(states, [&](const char* state) {
+        return std::ranges::count(told, display().atom(state)) > 0;
     });
 }
 
@@ -171,20 +185,26 @@ bool X11WindowControl::lacksShadow(Window window) const {
 
 void X11WindowControl::restore(std::uint64_t id) {
     const auto window = xWindow(id);
-    if (!isSpecial(window))
+    if (!isAnyOf(window, specialStates))
         return;
     listen(window, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    if (isAnyOf(window, minimised))
+        xcb_map_window(display().xcb(), window); // ICCCM 4.1.4
     constexpr std::uint32_t remove = 0;
-    for (std::size_t i = 0; i < specialStates.size(); i += 2)
+    for (std::size_t i = 0; i + 1 < specialStates.size(); i += 2)
         ask(window,
             "_NET_WM_STATE",
-            {remove, display_.atom(specialStates[i]), display_.atom(specialStates[i + 1]), pager});
+            {remove,
+             display().atom(specialStates[i]),
+             display().atom(specialStates[i + 1]),
+             pager,
+             0});
 
     const auto deadline = Clock::now() + longestRestore;
     const auto timeLeft = [&] {
         return std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     };
-    while (timeLeft() > 0ms && isSpecial(window))
+    while (timeLeft() > 0ms && isAnyOf(window, specialStates))
         waitForEvent(timeLeft());
     // The state is told before border and size are others, and a program that draws its own frame
     // gives it its shadow back with the picture after that.
@@ -199,91 +219,98 @@ void X11WindowControl::resize(std::uint64_t window, double width, double height)
     const auto found = shape(xWindow(window));
     if (!found)
         return;
-    constexpr std::uint32_t northWest = 1;
-    constexpr std::uint32_t hasSize = 0b1100U << 8;
-    ask(xWindow(window),
-        "_NET_MOVERESIZE_WINDOW",
-        {northWest | hasSize | pager << 12,
-         0,
-         0,
-         side(width - found->border.width() + found->shadow.width()),
-         side(height - found->border.height() + found->shadow.height())});
+    constexpr std::uint32_t size = 0b1100U << 8;
+    place(xWindow(window),
+          size,
+          {0,
+           0,
+           side(width - found->border.width() + found->shadow.width()),
+           side(height - found->border.height() + found->shadow.height())});
 }
 
 void X11WindowControl::move(std::uint64_t window, const Point& topLeft) {
     const auto found = shape(xWindow(window));
     if (!found)
         return;
+    constexpr std::uint32_t corner = 0b0011U << 8;
+    place(xWindow(window),
+          corner,
+          {onWire(topLeft.x - found->shadow.left), onWire(topLeft.y - found->shadow.top), 0, 0});
+}
+
+/// Asks for the parts of `frame` that `parts` tells: place and size.
+void X11WindowControl::place(Window window,
+                             std::uint32_t parts,
+                             const std::array<std::uint32_t, 4>& frame) const {
     // By this gravity the place is that of the border's corner.
     constexpr std::uint32_t northWest = 1;
-    constexpr std::uint32_t hasPlace = 0b0011U << 8;
-    ask(xWindow(window),
-        "_NET_MOVERESIZE_WINDOW",
-        {northWest | hasPlace | pager << 12,
-         place(topLeft.x - found->shadow.left),
-         place(topLeft.y - found->shadow.top),
-         0,
-         0});
+    const auto [x, y, width, height] = frame;
+    ask(window, "_NET_MOVERESIZE_WINDOW", {northWest | parts | pager << 12, x, y, width, height});
 }
 
 void X11WindowControl::close(std::uint64_t window) {
-    ask(xWindow(window), "_NET_CLOSE_WINDOW", {XCB_CURRENT_TIME, pager});
+    ask(xWindow(window), "_NET_CLOSE_WINDOW", {XCB_CURRENT_TIME, pager, 0, 0, 0});
 }
 
 bool X11WindowControl::kill(std::uint64_t id) {
-    if (!display_.answers())
+    if (!isReady())
         return false;
     const auto window = xWindow(id);
-    const auto told = display_.numbers({{window, display_.atom("_NET_WM_PID")}}).front();
-    const auto process = clients_.answer(clients_.ask(window));
+    const auto& clients = door().clients;
+    const auto asked = clients.ask(window);
+    const auto told = display().numbers({{display().root(), display().atom("_NET_CLIENT_LIST")},
+                                         {window, display().atom("_NET_WM_PID")}});
+    const auto process = clients.answer(asked);
     const auto own = ::getpid();
-    if (process == own || (!told.empty() && told.front() == static_cast<std::uint32_t>(own)))
+    // Any number below those of windows is the X server's own.
+    if (std::ranges::count(told[0], window) == 0 || process == own ||
+        (!told[1].empty() && told[1].front() == static_cast<std::uint32_t>(own)))
         return false;
     // A program on another machine has the number of a process here that has nothing to do with
     // it, or of the one that carries its windows over.
-    const auto machine = display_.text({window, XCB_ATOM_WM_CLIENT_MACHINE});
+    const auto machine = display().text({window, XCB_ATOM_WM_CLIENT_MACHINE});
     if (process > 1 && !machine.empty() && machine == hostName() &&
         ::kill(static_cast<pid_t>(process), SIGKILL) == 0)
         return true;
     const XcbOwned<xcb_generic_error_t> refused(
-        xcb_request_check(display_.xcb(), xcb_kill_client_checked(display_.xcb(), window)));
-    return !refused && display_.answers();
+        xcb_request_check(display().xcb(), xcb_kill_client_checked(display().xcb(), window)));
+    return !refused && display().answers();
 }
 
 /// Asks the window manager.
 void X11WindowControl::ask(Window window,
                            const char* request,
-                           const std::vector<std::uint32_t>& numbers) const {
-    if (!display_.answers())
+                           const std::array<std::uint32_t, 5>& numbers) const {
+    if (!isReady())
         return;
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = window;
-    event.type = display_.atom(request);
+    event.type = display().atom(request);
     std::ranges::copy(numbers, event.data.data32);
-    xcb_send_event(display_.xcb(),
+    xcb_send_event(display().xcb(),
                    0,
-                   display_.root(),
+                   display().root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&event));
-    xcb_flush(display_.xcb());
+    xcb_flush(display().xcb());
 }
 
 void X11WindowControl::listen(Window window, std::uint32_t events) const {
-    xcb_change_window_attributes(display_.xcb(), window, XCB_CW_EVENT_MASK, &events);
-    xcb_flush(display_.xcb());
+    xcb_change_window_attributes(display().xcb(), window, XCB_CW_EVENT_MASK, &events);
+    xcb_flush(display().xcb());
 }
 
 /// Takes one event, waiting for it so long at most; false when none came. No other event than the
 /// end of the window manager's window says more than that something happened.
 bool X11WindowControl::waitForEvent(std::chrono::milliseconds longest) const {
-    XcbOwned<xcb_generic_event_t> event(xcb_poll_for_event(display_.xcb()));
-    if (!event && longest > 0ms && display_.answers()) {
+    XcbOwned<xcb_generic_event_t> event(xcb_poll_for_event(display().xcb()));
+    if (!event && longest > 0ms && display().answers()) {
         pollfd socket{
-            .fd = xcb_get_file_descriptor(display_.xcb()), .events = POLLIN, .revents = 0};
+            .fd = xcb_get_file_descriptor(display().xcb()), .events = POLLIN, .revents = 0};
         ::poll(&socket, 1, static_cast<int>(longest.count()));
-        event.reset(xcb_poll_for_event(display_.xcb()));
+        event.reset(xcb_poll_for_event(display().xcb()));
     }
     if (!event)
         return false;

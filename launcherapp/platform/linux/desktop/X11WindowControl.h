@@ -5,19 +5,20 @@
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 #include "launcherapp/platform/linux/x11/X11Monitors.h"
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <optional>
-#include <vector>
+#include <span>
 
 namespace tessarine {
 
 /// Windows as an X11 window manager lets them be moved (Extended Window Manager Hints 1.5), over a
-/// connection of its own. Losing the display makes it unable, with the reason, and nothing worse.
-/// Main thread only.
+/// connection of its own, made with the first question: most runs ask none. Losing the display
+/// makes it unable, with the reason, and nothing worse. Main thread only.
 class X11WindowControl : public WindowControl {
 public:
-    X11WindowControl();
+    X11WindowControl() = default;
     X11WindowControl(const X11WindowControl&) = delete;
     X11WindowControl& operator=(const X11WindowControl&) = delete;
 
@@ -34,17 +35,28 @@ private:
     using Window = X11Connection::Window;
     struct Shape;
 
+    /// The connection and what is asked over it.
+    struct Door {
+        X11Connection display;
+        X11ClientProcesses clients{display.xcb()};
+        X11Monitors monitors{display};
+    };
+
+    Door& door() const;
+
+    X11Connection& display() const { return door().display; }
+
+    bool isReady() const;
     std::optional<Shape> shape(Window window) const;
     bool findManager() const;
-    bool isSpecial(Window window) const;
+    bool isAnyOf(Window window, std::span<const char* const> states) const;
     bool lacksShadow(Window window) const;
     bool waitForEvent(std::chrono::milliseconds longest) const;
     void listen(Window window, std::uint32_t events) const;
-    void ask(Window window, const char* request, const std::vector<std::uint32_t>& numbers) const;
+    void place(Window window, std::uint32_t parts, const std::array<std::uint32_t, 4>& frame) const;
+    void ask(Window window, const char* request, const std::array<std::uint32_t, 5>& numbers) const;
 
-    X11Connection display_;
-    X11ClientProcesses clients_{display_.xcb()};
-    mutable X11Monitors monitors_{display_};
+    mutable std::optional<Door> door_;
     mutable Window manager_ = 0; ///< the window manager's own window; 0 while none is known
 };
 

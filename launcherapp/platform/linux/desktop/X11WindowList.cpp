@@ -15,6 +15,7 @@
 #include <map>
 #include <set>
 #include <string_view>
+#include <unistd.h>
 #include <utility>
 
 namespace tessarine {
@@ -253,6 +254,7 @@ private:
         if (window.applicationID.empty())
             window.applicationID = asApplicationID(textOf(gtkID));
         if (window.processID != 0) {
+            window.own = window.processID == ::getpid();
             window.executable = ProcessFacts::executable(window.processID);
             if (window.applicationID.empty())
                 window.applicationID = ProcessFacts::applicationID(window.processID);
@@ -351,7 +353,8 @@ private:
     std::shared_ptr<int> alive_ = std::make_shared<int>();
 };
 
-X11WindowList::X11WindowList() : display_(std::make_unique<Display>()) {}
+X11WindowList::X11WindowList(std::optional<std::string> gap)
+    : display_(std::make_unique<Display>()), gap_(std::move(gap)) {}
 
 X11WindowList::~X11WindowList() = default;
 
@@ -365,6 +368,12 @@ std::vector<AppWindow> X11WindowList::windows() const {
 
 std::optional<AppWindow> X11WindowList::active() const {
     return display_->active();
+}
+
+/// Another program may have got the process's number since, but hardly another copy of the same.
+bool X11WindowList::stillRuns(const AppWindow& window) const {
+    return window.processID != 0 && !window.executable.empty() &&
+           ProcessFacts::executable(window.processID) == window.executable;
 }
 
 Subscription X11WindowList::onActiveChanged(std::function<void()> changed) {

@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/x11/X11ClientProcesses.h"
 
 #include "launcherapp/platform/linux/XcbOwned.h"
+#include "launcherapp/platform/linux/x11/X11Extension.h"
 
 #include <xcb/res.h>
 #include <xcb/xcb.h>
@@ -11,10 +12,8 @@ namespace tessarine {
 
 namespace {
 
-/// Asking an extension that the display lacks would close the connection.
 bool tellsClients(xcb_connection_t* connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_res_id);
-    if (!extension || !extension->present)
+    if (!x11Extension(connection, xcb_res_id))
         return false;
     const auto cookie = xcb_res_query_version(connection, 1, 2);
     const XcbOwned<xcb_res_query_version_reply_t> version(

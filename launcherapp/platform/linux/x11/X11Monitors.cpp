@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/x11/X11Monitors.h"
 
 #include "launcherapp/platform/linux/x11/X11Connection.h"
+#include "launcherapp/platform/linux/x11/X11Extension.h"
 
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
@@ -13,10 +14,8 @@ namespace tessarine {
 
 namespace {
 
-/// Asking an extension that the display lacks would close the connection.
 bool tellsMonitors(xcb_connection_t* connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_randr_id);
-    if (!extension || !extension->present)
+    if (!x11Extension(connection, xcb_randr_id))
         return false;
     const XcbOwned<xcb_randr_query_version_reply_t> version(xcb_randr_query_version_reply(
         connection, xcb_randr_query_version(connection, 1, 5), nullptr));

@@ -1,5 +1,6 @@
 #include "launcherapp/query/rows/WindowRows.h"
 
+#include "LauncherCore/text/Folding.h"
 #include "tests/fakes/FakeServices.h"
 
 #include <gmock/gmock.h>
@@ -29,49 +30,27 @@ protected:
     int listings = 0;
     std::optional<std::string> movingProblem;
     std::optional<std::string> quittingProblem;
+    std::optional<std::string> quittingGap;
     WindowRowSources sources{
         .keywords = keywords,
         .movingProblem = [this] { return movingProblem; },
         .apply = [this](WindowVerb verb) { done.emplace_back(WindowVerbs::name(verb)); },
-        .setUp = [this] { done.emplace_back("set up"); },
         .quittingProblem = [this] { return quittingProblem; },
-        .runningApps =
-            [this](std::string_view query) {
-                ++listings;
-                std::vector<QuittableApp> found;
-                for (const auto& app : apps) {
-                    if (app.name.find(query) != std::string::npos)
-                        found.push_back(app);
-                }
-                return found;
-            },
+        .quittingGap = [this] { return quittingGap; },
+        .runningApps = [this]() -> std::span<const QuittableApp> {
+            ++listings;
+            return apps;
+        },
         .quit = [this](const QuittableApp& app) { done.push_back("quit " + app.bundleID); },
         .forceQuit = [this](const QuittableApp& app) { done.push_back("kill " + app.bundleID); }};
 };
 
 TEST_F(WindowRowsTest, eachVerbAnswersToItsWordAlone) {
-    const struct {
-        const char* query;
-        const char* id;
-        const char* title;
-        const char* symbol;
-    } cases[] = {
-        {"left", "win:left", "Left half", "rectangle.lefthalf.filled"},
-        {"right", "win:right", "Right half", "rectangle.righthalf.filled"},
-        {"top", "win:top", "Top half", "rectangle.tophalf.filled"},
-        {"bottom", "win:bottom", "Bottom half", "rectangle.bottomhalf.filled"},
-        {"Max", "win:max", "Maximize", "rectangle.fill"},
-        {"center", "win:center", "Center", "rectangle.center.inset.filled"},
-        {"display", "win:display", "Next display", "macwindow.on.rectangle"},
-    };
-
-    for (const auto& [query, id, title, symbol] : cases) {
+    for (const auto* query : {"left", "right", "top", "bottom", "Max", "center", "display"}) {
         SCOPED_TRACE(query);
         done.clear();
         const auto row = run(query);
-        EXPECT_EQ(row.id, id);
-        EXPECT_EQ(row.title, title);
-        EXPECT_EQ(row.symbol, symbol);
+        EXPECT_EQ(row.id, "win:" + Folding::lowercase(query));
         EXPECT_EQ(row.subtitle, "the front window");
         EXPECT_EQ(row.group, "commands");
         EXPECT_THAT(done, ElementsAre(row.id.substr(4)));
@@ -87,17 +66,34 @@ TEST_F(WindowRowsTest, eachVerbAnswersToItsWordAlone) {
 
 TEST_F(WindowRowsTest, whatTheDesktopCannotDoIsSaidBeforeReturn) {
     movingProblem = "this desktop lets no program move another's windows";
-    const auto verb = run("left");
+    const auto verb = rows("left").at(0);
+    EXPECT_EQ(verb.kind, RowKind::hint);
+    EXPECT_EQ(verb.title, "Left half");
     EXPECT_EQ(verb.subtitle, *movingProblem);
-    EXPECT_EQ(verb.primaryLabel, "set up");
-    EXPECT_THAT(done, ElementsAre("set up"));
 
     quittingProblem = "this desktop doesn't tell which programs run";
-    const auto quit = run("kill something");
+    const auto quit = rows("kill something").at(0);
     EXPECT_EQ(quit.kind, RowKind::hint);
     EXPECT_EQ(quit.title, "Force quit an app");
     EXPECT_EQ(quit.subtitle, *quittingProblem);
-    EXPECT_THAT(done, SizeIs(1));
+
+    quittingProblem.reset();
+    quittingGap = "windows of some kind are not read";
+    const auto some = rows("kill Edit");
+    ASSERT_THAT(some, SizeIs(2));
+    EXPECT_EQ(some[1].kind, RowKind::hint);
+    EXPECT_EQ(some[1].subtitle, *quittingGap);
+    EXPECT_LT(some[1].score, some[0].score);
+}
+
+TEST_F(WindowRowsTest, whatElseWouldEndIsSaidBeforeReturn) {
+    apps = {{"Letter", "org.l", {"Sheet", "Slides"}}, {"Sheet", "org.s"}, {"Sheet", "com.s"}};
+    EXPECT_EQ(rows("kill letter").at(0).subtitle, "also ends Sheet, Slides");
+    EXPECT_EQ(rows("quit letter").at(0).subtitle, "") << "its windows are asked, and no others";
+    const auto twins = rows("quit sheet");
+    ASSERT_THAT(twins, SizeIs(2));
+    EXPECT_EQ(twins[0].subtitle, "org.s");
+    EXPECT_EQ(twins[1].subtitle, "com.s");
 }
 
 TEST_F(WindowRowsTest, applicationsAreQuitByName) {
