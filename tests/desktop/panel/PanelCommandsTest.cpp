@@ -211,8 +211,9 @@ TEST_F(PanelCommandsTest, aScriptThatMisbehavesCostsOneLineOfTheLogAndNoMore) {
     for (const auto& [id, script, line] : cases) {
         SCOPED_TRACE(id);
         enter(std::string("zz") + id);
-        if (*line)
+        if (*line) {
             EXPECT_TRUE(becomes(1, line));
+        }
     }
     enter("zeal");
     EXPECT_TRUE(started("zeal"));
@@ -314,6 +315,28 @@ TEST_F(PanelJumpTest, aJumpPressesItsWayThroughRealProgramsWhichQuitByName) {
     EXPECT_TRUE(waitUntil(patience, [&] { return neighbour.managed().size() == windows - 2; }));
     EXPECT_EQ(logged("window: quit Knobs"), 1);
     EXPECT_EQ(logged("window: force-quit Levers"), 1);
+}
+
+TEST_F(PanelJumpTest, aJumpThatIsToStayBehindLeavesTheWindowInFront) {
+    folder.write("/bin/gtk.py", gtkProgram);
+    installButtons("gtkbuttons", "Knobs", "/usr/bin/python3 -u " + folder.path("/bin/gtk.py"));
+    auto quiet = jump("gtkbuttons", {"First step"});
+    quiet["activate"] = false;
+    writeCommands(nlohmann::json::array({quiet}));
+    // It runs: one that is started has the focus by its toolkit's and window manager's leave.
+    run(folder.path("/bin/gtkbuttons") + " &");
+    ASSERT_TRUE(waitUntil(patience, [&] { return neighbour.managed().size() == 1; }));
+    const auto front = neighbour.open(40, 40, 300, 200);
+    ASSERT_TRUE(waitUntil(patience, [&] { return neighbour.active() == front; }));
+    start();
+    ASSERT_TRUE(becomes(1, "command hotkeys: 0 registered"));
+    enter("zjgtkbuttons");
+    ASSERT_TRUE(becomes(1, "jump gtkbuttons: pressed 1 in "));
+    EXPECT_TRUE(traces("gtkbuttons", "first\n"));
+    EXPECT_EQ(neighbour.active(), front);
+    EXPECT_EQ(neighbour.managed().size(), 2U) << "nor is it started again";
+    enter("quit knobs");
+    EXPECT_TRUE(waitUntil(patience, [&] { return neighbour.managed().size() == 1; }));
 }
 
 } // namespace
