@@ -27,7 +27,7 @@ public:
     static constexpr Seconds retry{0.12};   ///< between two searches for one button
     static constexpr Seconds pause{0.15};   ///< after a press, before the next name
     /// What programs that were silent get to begin to speak, before one that doesn't counts as not
-    /// running. Qt's and GTK's take some ten milliseconds on a machine at rest.
+    /// running. Spent once a session at most, so as long as nobody minds; no toolkit tells its own.
     static constexpr Seconds timeToSpeak{0.3};
     static constexpr const char* serialQueue = "tessarine.jump";
 
