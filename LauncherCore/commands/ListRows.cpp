@@ -16,16 +16,17 @@ using Json = nlohmann::json;
 /// What an object has under a key.
 struct Member {
     std::optional<std::string> text; ///< null counts as absent
-    bool isWrong = false;            ///< there, and no text
+    bool isWrong = false;            ///< there, and no text that a script could be given
 };
 
 Member memberOf(const Json& object, const char* key) {
     const auto member = object.find(key);
     if (member == object.end() || member->is_null())
         return {};
-    if (!member->is_string())
+    const auto* text = member->get_ptr<const std::string*>();
+    if (!text || text->find('\0') != std::string::npos)
         return {.isWrong = true};
-    return {.text = member->get<std::string>()};
+    return {.text = *text};
 }
 
 std::optional<ListRow> rowOf(const Json& object) {
@@ -43,7 +44,6 @@ std::optional<ListRow> rowOf(const Json& object) {
                    .icon = std::move(icon.text)};
 }
 
-/// One row that can't be read spoils all: a script that prints something else is told so.
 std::optional<std::vector<ListRow>> rowsOf(const Json& array) {
     if (!array.is_array())
         return std::nullopt;

@@ -6,7 +6,8 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::string_view fileScheme = "file://";
+constexpr std::string_view fileScheme = "file:";
+constexpr std::string_view authority = "//"; ///< before a host, or none
 constexpr std::string_view localHost = "localhost";
 
 /// What stands in a URL as it is beside the unreserved characters (RFC 3986, 2.2), and the sign of
@@ -67,7 +68,7 @@ std::string encoded(std::string_view text, std::string_view kept) {
 } // namespace
 
 std::string Urls::fileUrl(std::string_view path) {
-    return std::string(fileScheme) + encoded(path, "/");
+    return std::string(fileScheme) + std::string(authority) + encoded(path, "/");
 }
 
 std::string Urls::queryValue(std::string_view text) {
@@ -78,8 +79,12 @@ std::optional<std::string> Urls::filePath(std::string_view url) {
     if (!url.starts_with(fileScheme))
         return std::nullopt;
     url.remove_prefix(fileScheme.size());
-    if (url.starts_with(localHost))
-        url.remove_prefix(localHost.size());
+    if (url.starts_with(authority)) {
+        url.remove_prefix(authority.size());
+        if (url.starts_with(localHost))
+            url.remove_prefix(localHost.size());
+    }
+    url = url.substr(0, url.find_first_of("?#"));
     if (!url.starts_with('/'))
         return std::nullopt;
     std::string path;

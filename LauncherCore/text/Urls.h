@@ -13,8 +13,8 @@ std::string fileUrl(std::string_view path);
 /// The text as a value in a URL's query, everything but unreserved characters encoded.
 std::string queryValue(std::string_view text);
 
-/// The path that a file URL of this machine names; nothing for any other URL, for one of another
-/// host, and for a path with a NUL in it.
+/// The path that a file URL of this machine names (RFC 8089), without a query or fragment after it;
+/// nothing for any other URL, for one of another host, and for a path with a NUL in it.
 std::optional<std::string> filePath(std::string_view url);
 
 /// The URL that a text is: its scheme in lower case, and what a URL can't hold percent-encoded.

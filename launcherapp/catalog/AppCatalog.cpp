@@ -117,7 +117,7 @@ void AppCatalog::launch(const InstalledApp& application,
         // One that the session bus activates knows better which of its windows to show.
         if (!application.busActivatable) {
             doors_.running.activate(*running);
-            done(std::nullopt);
+            doors_.queue.post([done = std::move(done)] { done(std::nullopt); });
             return;
         }
     }

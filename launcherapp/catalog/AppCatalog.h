@@ -90,8 +90,8 @@ public:
     /// A failure is logged.
     void launch(const CatalogApp& app);
 
-    /// The same for any installed application. `done` is called once, later or within the call,
-    /// with nothing on success, else with the problem in words.
+    /// The same for any installed application. `done` is called once, later, with nothing on
+    /// success, else with the problem in words.
     void launch(const InstalledApp& application,
                 std::function<void(std::optional<std::string> problem)> done);
 

@@ -16,23 +16,29 @@
 namespace tessarine {
 
 void FileOpener::open(const std::string& path) {
+    openFile(path, [&diagnostics = doors_.diagnostics](const std::optional<std::string>& problem) {
+        if (problem)
+            diagnostics.log(fmt::format("open: {}", *problem));
+    });
+}
+
+void FileOpener::openFile(const std::string& path, const Done& done) {
     const auto types = doors_.types.types(path);
-    if (types.empty()) {
-        doors_.diagnostics.log(fmt::format("open: {} is no longer there", path));
-        return;
-    }
     const auto* application = handler(types);
     if (!application) {
-        doors_.diagnostics.log(
-            fmt::format("open: no application opens {} ({})", path, types.front()));
+        doors_.queue.post(
+            [done,
+             problem = types.empty()
+                           ? fmt::format("{} is no longer there", path)
+                           : fmt::format("no application opens {} ({})", path, types.front())] {
+                done(problem);
+            });
         return;
     }
     doors_.launcher.launch(
-        *application,
-        {Urls::fileUrl(path)},
-        [&diagnostics = doors_.diagnostics, path](std::optional<std::string> problem) {
-            if (problem)
-                diagnostics.log(fmt::format("open: {} could not be opened: {}", path, *problem));
+        *application, {Urls::fileUrl(path)}, [done, path](const std::optional<std::string>& why) {
+            done(why ? std::optional(fmt::format("{} could not be opened: {}", path, *why))
+                     : std::nullopt);
         });
 }
 
@@ -58,11 +64,14 @@ void FileOpener::trash(const std::string& path) {
         doors_.diagnostics.log(fmt::format("trash: {}", *problem));
 }
 
-void FileOpener::openUrl(const std::string& url,
-                         const std::function<void(std::optional<std::string> problem)>& done) {
-    const auto scheme = Urls::scheme(url);
-    const auto* application = doors_.catalog.registry()->handlerForScheme(scheme);
-    if (application)
+void FileOpener::openUrl(const std::string& url, const Done& done) {
+    if (const auto path = Urls::filePath(url)) {
+        openFile(*path, done);
+        return;
+    }
+    // A copy: the caller's address is gone by the next turn.
+    const std::string scheme(Urls::scheme(url));
+    if (const auto* application = doors_.catalog.registry()->handlerForScheme(scheme))
         doors_.launcher.launch(*application, {url}, done);
     else
         doors_.queue.post(

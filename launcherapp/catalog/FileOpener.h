@@ -42,16 +42,19 @@ public:
 
     void trash(const std::string& path);
 
-    /// With the application of its scheme. `done` is called once, later, with nothing on success,
-    /// else with the problem in words.
-    void openUrl(const std::string& url,
-                 const std::function<void(std::optional<std::string> problem)>& done);
+    using Done = std::function<void(std::optional<std::string> problem)>;
+
+    /// A file with the application of its type, anything else with that of its scheme. `done` is
+    /// called once, later, with nothing on success, else with the problem in words.
+    void openUrl(const std::string& url, const Done& done);
 
     /// Who opens what is of these MIME types, the narrowest first: the user's choice for the first
     /// that has one. Null when nobody does; valid until the catalog is scanned again.
     const InstalledApp* handler(const std::vector<std::string>& types) const;
 
 private:
+    void openFile(const std::string& path, const Done& done);
+
     Doors doors_;
 };
 

@@ -35,14 +35,14 @@ std::string filled(std::string_view text, const std::string& argument) {
     }
 }
 
-/// A desktop session's PATH is bare, and a script is to find what a terminal finds.
+/// A script is to find what a terminal finds, and a desktop session's PATH may be bare.
 std::string programPath(const Environment& environment) {
-    std::vector<std::string> folders{"/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin"};
+    auto folders = environment.programDirs;
     const auto add = [&](const std::string& folder) {
         if (std::ranges::find(folders, folder) == folders.end())
             folders.push_back(folder);
     };
-    for (const auto& folder : environment.programDirs)
+    for (const auto* folder : {"/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin"})
         add(folder);
     add(Paths::normalized(environment.home + "/.local/bin"));
     return fmt::format("{}", fmt::join(folders, ":"));
@@ -74,10 +74,10 @@ void CommandRuntime::run(const CommandSpec& command, const std::string& argument
         open(filledIn(command, {command.url.value_or("")}, argument), Activation::foreground);
         return;
     case CommandKind::script:
-        runScript(command.script.value_or(""),
-                  command.shell.value_or(std::string(usualShell)),
-                  argument,
-                  command.id);
+        runScript({.text = command.script.value_or(""),
+                   .shell = command.shell,
+                   .argument = argument,
+                   .name = command.id});
         return;
     case CommandKind::app:
         launchApp(command);
@@ -94,6 +94,10 @@ void CommandRuntime::run(const CommandSpec& command, const std::string& argument
     case CommandKind::list:
         return;
     }
+}
+
+void CommandRuntime::open(std::vector<std::string> urls, Activation activation) {
+    services_.links.open(std::move(urls), activation);
 }
 
 std::vector<std::string> CommandRuntime::filledIn(const CommandSpec& command,
@@ -125,10 +129,19 @@ void CommandRuntime::launchApp(const CommandSpec& command) {
     const auto told = [&diagnostics = services_.diagnostics,
                        id = command.id](const std::optional<std::string>& problem) {
         if (problem)
-            diagnostics.log(fmt::format("app command {} failed: {}", id, *problem));
+            diagnostics.log(
+                fmt::format("app command {} failed: {}", Printable::line(id), *problem));
     };
     if (const auto* application = installedApp(path)) {
-        services_.catalog.launch(*application, told);
+        ++launching_;
+        services_.catalog.launch(
+            *application,
+            [this, told, weak = std::weak_ptr(alive_)](const std::optional<std::string>& problem) {
+                if (weak.expired())
+                    return;
+                --launching_;
+                told(problem);
+            });
         return;
     }
     if (path.empty() || path.ends_with(entrySuffix)) {
@@ -153,6 +166,7 @@ const InstalledApp* CommandRuntime::installedApp(const std::string& path) const 
 }
 
 void CommandRuntime::reveal(const std::vector<std::string>& urls) {
+    requireMainThread(services_.queue);
     for (const auto& url : urls) {
         if (const auto path = Urls::filePath(url))
             services_.opener.reveal(*path);
@@ -161,33 +175,37 @@ void CommandRuntime::reveal(const std::vector<std::string>& urls) {
     }
 }
 
-ProcessSpec CommandRuntime::scriptProcess(const std::string& script,
-                                          const std::string& shell,
-                                          const std::string& argument) const {
-    return {.arguments = {shell, "-c", script, "launcher", argument},
-            .environment = {{"PATH", programPath(environment_)}, {"LAUNCHER_QUERY", argument}},
-            .workingDirectory = environment_.home};
+ProcessSpec CommandRuntime::scriptProcess(const Script& script) const {
+    const auto shell = script.shell.value_or("");
+    return {
+        .arguments = {shell.empty() ? std::string(usualShell) : shell,
+                      "-c",
+                      script.text,
+                      "launcher",
+                      script.argument},
+        .environment = {{"PATH", programPath(environment_)}, {"LAUNCHER_QUERY", script.argument}},
+        .workingDirectory = environment_.home,
+        .name = script.name};
 }
 
-void CommandRuntime::runScript(const std::string& script,
-                               const std::string& shell,
-                               const std::string& argument,
-                               const std::string& id) {
+void CommandRuntime::runScript(const Script& script) {
     requireMainThread(services_.queue);
-    auto process = scriptProcess(script, shell, argument);
-    process.name = id;
+    const auto log = [&diagnostics = services_.diagnostics,
+                      name = Printable::line(script.name)](std::string_view what) {
+        diagnostics.log(fmt::format("script {} {}", name, what));
+    };
+    if (script.text.empty()) {
+        log("could not start: it has no text");
+        return;
+    }
     try {
         services_.programs.start(
-            process,
-            {},
-            [&diagnostics = services_.diagnostics, id, weak = std::weak_ptr(alive_)](
-                const ProcessEnd& end) {
+            scriptProcess(script), {}, [log, weak = std::weak_ptr(alive_)](const ProcessEnd& end) {
                 if (!weak.expired())
-                    diagnostics.log(
-                        fmt::format("script {} exit {}: {}", id, end.status, printed(end)));
+                    log(fmt::format("exit {}: {}", end.status, printed(end)));
             });
     } catch (const ProcessError& error) {
-        services_.diagnostics.log(fmt::format("script {} could not start: {}", id, error.what()));
+        log(fmt::format("could not start: {}", error.what()));
     }
 }
 

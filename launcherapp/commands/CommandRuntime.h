@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LauncherCore/commands/CommandSpec.h"
-#include "launcherapp/catalog/AppLauncher.h"
+#include "launcherapp/commands/LinkOpener.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/ProgramReader.h"
@@ -19,9 +19,15 @@ namespace tessarine {
 class AppCatalog;
 class Diagnostics;
 class FileOpener;
-class FileTypes;
-class WorkQueues;
 struct InstalledApp;
+
+/// One run of a program text, as `shell -c` has it.
+struct Script {
+    std::string text;
+    std::optional<std::string> shell; ///< nothing, or none at all, means CommandRuntime::usualShell
+    std::string argument;
+    std::string name; ///< what to call it in the log, and to the session's process manager
+};
 
 /// Runs commands: nothing here waits for a process, a link or an application, and what fails is
 /// logged. Main thread only.
@@ -29,20 +35,16 @@ class CommandRuntime {
 public:
     struct Services {
         MainQueue& queue;
-        WorkQueues& work;
         ProcessLauncher& processes;
         ProgramReader& programs;
         AppCatalog& catalog;
-        AppLauncher& launcher;
         FileOpener& opener;
-        const FileTypes& types;
+        LinkOpener& links;
         Diagnostics& diagnostics;
     };
 
-    using Activation = AppLauncher::Activation;
+    using Activation = LinkOpener::Activation;
 
-    /// How long a disk may take to say what a file is before other links go ahead of it.
-    static constexpr Seconds diskPatience{5};
     static constexpr std::size_t loggedOutput = 4000; ///< bytes of what a script printed
 
     /// Who runs a script that names no shell.
@@ -60,44 +62,39 @@ public:
     /// are lists of their own in the panel.
     void run(const CommandSpec& command, const std::string& argument);
 
-    /// Opens addresses in their order: those of one application that follow each other in one go,
-    /// and the next application's only when the one before has taken its own.
+    /// As `LinkOpener::open`.
     void open(std::vector<std::string> urls, Activation activation);
 
     /// The address that a text stands for: a path, from "/" or "~", as a file's; nothing is guessed
     /// for a text without a scheme.
     std::optional<std::string> resolve(std::string_view text) const;
 
+    /// Shows files in their folders; an address that is no file's is logged.
     void reveal(const std::vector<std::string>& urls);
 
-    /// Runs a program text as `shell -c`; what it prints goes into the log when it ends. Inside it
-    /// "$0" is "launcher", and "$1" and LAUNCHER_QUERY are the argument, which is never part of
-    /// the text.
-    void runScript(const std::string& script,
-                   const std::string& shell,
-                   const std::string& argument,
-                   const std::string& id);
+    /// Runs a script; what it prints goes into the log when it ends. Inside it "$0" is "launcher",
+    /// and "$1" and LAUNCHER_QUERY are the argument, which is never part of the text.
+    void runScript(const Script& script);
 
-    /// How a script is started, so that a list's is started alike. Its PATH holds the system's
-    /// folders, then what the user's own adds, then "~/.local/bin".
-    ProcessSpec scriptProcess(const std::string& script,
-                              const std::string& shell,
-                              const std::string& argument) const;
+    /// How a script is started, so that a list's is started alike. Its PATH holds the user's own
+    /// folders, as a terminal has them, then those of the system's that these lack, then
+    /// "~/.local/bin".
+    ProcessSpec scriptProcess(const Script& script) const;
+
+    /// Whether what it started was handed over, or failed: links and applications, for nothing
+    /// else is waited for.
+    bool isSettled() const { return launching_ == 0 && services_.links.isSettled(); }
 
 private:
-    struct Opening;
     std::vector<std::string> filledIn(const CommandSpec& command,
                                       const std::vector<std::string>& templates,
                                       const std::string& argument) const;
     void launchApp(const CommandSpec& command);
     const InstalledApp* installedApp(const std::string& path) const;
-    void openFiles(const std::shared_ptr<Opening>& opening, const std::vector<std::string>& paths);
-    void group(Opening& opening) const;
-    void openStep(const std::shared_ptr<Opening>& opening);
-    void logHold(const Opening& opening, Seconds since) const;
 
     Services services_;
     const Environment& environment_;
+    std::size_t launching_ = 0;                              ///< applications
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };
 

@@ -16,13 +16,55 @@ namespace {
 
 constexpr std::size_t shownOfOutput = 160; ///< bytes
 
-std::string shellOf(const CommandSpec& command) {
-    return command.shell.value_or(std::string(CommandRuntime::usualShell));
-}
-
 std::string beginningOf(const std::string& output) {
     const auto shown = Printable::beginning(output, shownOfOutput);
     return Folding::isUtf8(shown) ? Printable::line(shown) : "<not text>";
+}
+
+/// What a result takes in memory, its own frame left out.
+std::size_t bytesOf(const ListResult& result) {
+    const auto bytes = [](const std::optional<std::string>& text) {
+        return text ? text->capacity() : 0;
+    };
+    std::size_t sum = bytes(result.problem);
+    for (const auto& row : result.rows)
+        sum += sizeof row + row.title.capacity() + bytes(row.subtitle) + bytes(row.arg) +
+               bytes(row.icon);
+    return sum;
+}
+
+/// What a script's output came to, and how the log tells it.
+struct Parsed {
+    ListResult result;
+    std::optional<std::string> line; ///< nothing where all went well
+};
+
+/// Why output is no rows, for the user.
+std::string problemOf(const ProcessEnd& end) {
+    if (end.isCut)
+        return fmt::format("Its script printed more than {} MB", ListCommands::mostOutput >> 20);
+    if (end.status != 0)
+        return fmt::format("Its script ended with status {}", end.status);
+    return "Its script printed no rows; the log says what";
+}
+
+Parsed parsed(const ProcessEnd& end) {
+    auto rows = end.isCut ? std::nullopt : parseListRows(end.output);
+    if (!rows)
+        return {.result = {.rows = {}, .problem = problemOf(end)},
+                .line = fmt::format("output is not rows or {{items:[…]}}: {}",
+                                    beginningOf(end.output))};
+    Parsed parsed;
+    const auto printed = rows->size();
+    if (printed > ListCommands::mostRows) {
+        rows->resize(ListCommands::mostRows);
+        rows->shrink_to_fit();
+        parsed.line = fmt::format("the first {} of {} rows are kept", rows->size(), printed);
+    }
+    if (rows->empty() && end.status != 0)
+        parsed.result.problem = problemOf(end);
+    parsed.result.rows = *std::move(rows);
+    return parsed;
 }
 
 } // namespace
@@ -41,41 +83,45 @@ ListCommands::~ListCommands() {
     forget();
 }
 
-const std::vector<ListRow>* ListCommands::rows(const CommandSpec& command,
-                                               std::string_view query) const {
+const ListResult* ListCommands::rows(const CommandSpec& command, std::string_view query) const {
+    if (const auto failed = failed_.find(command.id); failed != failed_.end())
+        return &failed->second;
     const auto found = cache_.find(Key(command.id, query));
-    return found == cache_.end() ? nullptr : &found->second.rows;
+    return found == cache_.end() ? nullptr : &found->second;
 }
 
 void ListCommands::request(const CommandSpec& command,
                            const std::string& query,
                            std::function<void()> then) {
+    requireMainThread(services_.queue);
     const Key key(command.id, query);
-    const auto log = [&](std::string_view what) {
-        services_.diagnostics.log(fmt::format("list {}: {}", command.id, what));
-    };
     const auto quoted = Printable::line(query);
-    if (cache_.contains(key) || inFlight_.contains(key)) {
-        log(fmt::format("skip (cached or in flight) for \"{}\"", quoted));
+    if (rows(command, query) || inFlight_.contains(key)) {
+        log(command.id, fmt::format("skip (cached or in flight) for \"{}\"", quoted));
         return;
     }
-    if (!command.script) {
-        log("no script");
+    if (command.script.value_or("").empty()) {
+        log(command.id, "no script");
+        failed_[command.id].problem = "It has no script";
         return;
     }
-    log(fmt::format("starting for \"{}\"", quoted));
+    log(command.id, fmt::format("starting for \"{}\"", quoted));
     supersede(command.id);
     const auto run = std::make_shared<Run>(Run{.key = key, .then = std::move(then)});
+    // One that runs at each key gets no name, so that the session isn't told of each.
+    const Script script{
+        .text = *command.script, .shell = command.shell, .argument = query, .name = {}};
     try {
         run->process = services_.programs.start(
-            services_.runtime.scriptProcess(*command.script, shellOf(command), query),
+            services_.runtime.scriptProcess(script),
             {.errors = OutputReading::Errors::dropped, .keepBytes = mostOutput},
             [this, run, weak = std::weak_ptr(alive_)](ProcessEnd end) {
                 if (!weak.expired() && !run->isSuperseded)
                     parse(run, std::move(end));
             });
     } catch (const ProcessError& error) {
-        log(fmt::format("could not start: {}", error.what()));
+        log(command.id, fmt::format("could not start: {}", error.what()));
+        failed_[command.id].problem = fmt::format("Its script could not start: {}", error.what());
         return;
     }
     inFlight_.insert(key);
@@ -97,51 +143,30 @@ void ListCommands::supersede(const std::string& id) {
 }
 
 void ListCommands::parse(const std::shared_ptr<Run>& run, ProcessEnd end) {
-    struct Parsed {
-        std::optional<std::vector<ListRow>> rows;
-        std::string beginning; ///< of output that is no rows
-        std::size_t outputBytes = 0;
-    };
-
-    if (const auto last = running_.find(run->key.first);
-        last != running_.end() && last->second == run)
+    const auto& id = run->key.first;
+    if (const auto last = running_.find(id); last != running_.end() && last->second == run)
         running_.erase(last);
     services_.work.run(
         WorkPriority::userInitiated,
-        [end = std::move(end)] {
-            Parsed parsed{.outputBytes = end.output.size()};
-            if (!end.isCut)
-                parsed.rows = parseListRows(end.output);
-            if (!parsed.rows)
-                parsed.beginning = beginningOf(end.output);
-            return parsed;
-        },
+        [end = std::move(end)] { return parsed(end); },
         [this, run, weak = std::weak_ptr(alive_)](Parsed parsed) {
             if (weak.expired() || run->isSuperseded)
                 return;
-            if (!parsed.rows)
-                services_.diagnostics.log(
-                    fmt::format("list {}: output is not rows or {{items:[…]}}: {}",
-                                run->key.first,
-                                parsed.beginning));
-            const auto bytes = parsed.rows ? parsed.outputBytes : 0;
-            keep(*run,
-                 {.rows = std::move(parsed.rows).value_or(std::vector<ListRow>()),
-                  .outputBytes = bytes});
+            if (parsed.line)
+                log(run->key.first, *parsed.line);
+            keep(*run, std::move(parsed.result));
         });
 }
 
-void ListCommands::keep(const Run& run, Kept kept) {
-    services_.diagnostics.log(
-        fmt::format("list {}: cached {} rows, calling back", run.key.first, kept.rows.size()));
+void ListCommands::keep(const Run& run, ListResult result) {
+    log(run.key.first, fmt::format("cached {} rows, calling back", result.rows.size()));
     inFlight_.erase(run.key);
-    keptOutput_ += kept.outputBytes;
-    cache_[run.key] = std::move(kept);
+    keptBytes_ += bytesOf(result);
+    cache_[run.key] = std::move(result);
     oldestFirst_.push_back(run.key);
-    while (oldestFirst_.size() > 1 &&
-           (oldestFirst_.size() > mostQueries || keptOutput_ > mostKeptOutput)) {
+    while (oldestFirst_.size() > mostQueries || keptBytes_ > mostKeptBytes) {
         const auto oldest = cache_.find(oldestFirst_.front());
-        keptOutput_ -= oldest->second.outputBytes;
+        keptBytes_ -= bytesOf(oldest->second);
         cache_.erase(oldest);
         oldestFirst_.pop_front();
     }
@@ -150,27 +175,35 @@ void ListCommands::keep(const Run& run, Kept kept) {
 }
 
 void ListCommands::choose(const CommandSpec& command, const ListRow& row) {
+    requireMainThread(services_.queue);
     const auto target = row.arg.value_or(row.title);
     if (command.onSelect && !command.onSelect->empty()) {
-        services_.runtime.runScript(
-            *command.onSelect, shellOf(command), target, command.id + ".onSelect");
+        services_.runtime.runScript({.text = *command.onSelect,
+                                     .shell = command.shell,
+                                     .argument = target,
+                                     .name = command.id + ".onSelect"});
         return;
     }
     if (auto url = services_.runtime.resolve(target))
         services_.runtime.open({*std::move(url)}, CommandRuntime::Activation::foreground);
     else
-        services_.diagnostics.log(
-            fmt::format("list {}: \"{}\" is nothing to open", command.id, Printable::line(target)));
+        log(command.id, fmt::format("\"{}\" is nothing to open", Printable::line(target)));
 }
 
 void ListCommands::forget() {
+    requireMainThread(services_.queue);
     while (!running_.empty())
         supersede(std::string(running_.begin()->first));
     alive_ = std::make_shared<char>();
     inFlight_.clear();
     cache_.clear();
+    failed_.clear();
     oldestFirst_.clear();
-    keptOutput_ = 0;
+    keptBytes_ = 0;
+}
+
+void ListCommands::log(std::string_view id, std::string_view what) const {
+    services_.diagnostics.log(fmt::format("list {}: {}", Printable::line(id), what));
 }
 
 } // namespace tessarine

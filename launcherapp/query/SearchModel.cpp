@@ -266,8 +266,10 @@ Rows SearchModel::cardRows(const std::string& personID, std::string_view q) {
     return rows;
 }
 
-CommandRowSources SearchModel::commandRowSources() const {
-    return {.verbs = verbs, .detail = families.commandDetail};
+CommandRowSources SearchModel::commandRowSources() {
+    return {.verbs = verbs,
+            .detail = families.commandDetail,
+            .typeWord = [this](const std::string& text) { setQuery(text); }};
 }
 
 Rows SearchModel::atRestRows(std::span<const CommandSpec> commands) {

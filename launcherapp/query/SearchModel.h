@@ -183,7 +183,7 @@ private:
     Rows cardRows(const std::string& personID, std::string_view q);
     Rows atRestRows(std::span<const CommandSpec> commands);
     Rows mainRows(std::string_view q, std::span<const CommandSpec> commands, Rows keptRows);
-    CommandRowSources commandRowSources() const;
+    CommandRowSources commandRowSources();
     void addAnswersAndSources(Rows& rows, std::string_view q);
     void addWebRows(Rows& rows, std::string_view q);
     void lookUpWord(const Rows& rows, std::string_view q);

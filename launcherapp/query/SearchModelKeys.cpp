@@ -170,10 +170,10 @@ bool SearchModel::complete() {
     const auto id = row->id.substr(commandRowPrefix.size());
     const auto commands = rowsOf(families.commands);
     const auto command = std::ranges::find(commands, id, &CommandSpec::id);
-    if (command == commands.end() || !command->takesArgument() || !command->keyword ||
-        command->keyword->empty())
+    const auto word = command == commands.end() ? std::nullopt : wordToType(*command);
+    if (!word)
         return false;
-    setQuery(*command->keyword + " ");
+    setQuery(*word);
     return true;
 }
 

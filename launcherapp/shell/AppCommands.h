@@ -5,6 +5,7 @@
 #include "launcherapp/commands/CommandRuntime.h"
 #include "launcherapp/commands/CommandStore.h"
 #include "launcherapp/commands/JumpRunner.h"
+#include "launcherapp/commands/LinkOpener.h"
 #include "launcherapp/commands/ListCommands.h"
 #include "launcherapp/commands/SystemCommands.h"
 #include "launcherapp/commands/WindowManager.h"
@@ -44,6 +45,7 @@ public:
     QtAlerts alerts;
     std::unique_ptr<SystemEffects> effects;
     WindowManager windows;
+    LinkOpener links;
     CommandRuntime runtime;
     ListCommands lists;
     JumpRunner jumps;

@@ -51,7 +51,7 @@ struct AppDoors {
     std::shared_ptr<const DirectoryReader> directories = std::make_shared<PosixDirectoryReader>();
     ProcMountTable mounts;
     InotifyTreeWatcher trees{queue};
-    QtFileTypes fileTypes;
+    std::shared_ptr<const FileTypes> fileTypes = std::make_shared<QtFileTypes>();
     DesktopFileManager fileManager{queue};
     QtHttpClient web;
 

@@ -68,7 +68,7 @@ AppServices::AppServices(AppDoors& appDoors,
       opener({.queue = doors.queue,
               .catalog = catalog,
               .launcher = launcher,
-              .types = doors.fileTypes,
+              .types = *doors.fileTypes,
               .manager = doors.fileManager,
               .diagnostics = diagnostics}),
       usage(
@@ -193,11 +193,10 @@ void AppServices::startRates() {
 }
 
 void AppServices::bringUp(const InstalledApp& app) {
-    catalog.launch({.id = app.path,
-                    .name = app.name,
-                    .path = app.path,
-                    .bundleID = app.bundleID,
-                    .aliases = {}});
+    catalog.launch(app, [this, name = app.name](const std::optional<std::string>& problem) {
+        if (problem)
+            diagnostics.log(fmt::format("launch failed for {}: {}", name, *problem));
+    });
 }
 
 void AppServices::openSettings() {

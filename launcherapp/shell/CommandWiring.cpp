@@ -14,6 +14,7 @@
 #include "launcherapp/shell/Prefs.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -71,17 +72,21 @@ Rows CommandWiring::engaged(const CommandSpec& command, std::string_view argumen
 
 /// The script runs beside the typing; what it prints is there when the list is made again.
 Rows CommandWiring::listRows(const CommandSpec& command, std::string_view argument) {
+    static_assert(ListCommands::mostRows == SearchModel::maximumRows);
     auto& model = services_.model;
-    const auto* printed = services_.lists.rows(command, argument);
-    if (!printed)
-        services_.lists.request(command, std::string(argument), [&model, id = command.id] {
+    auto& lists = services_.lists;
+    if (!lists.rows(command, argument))
+        lists.request(command, std::string(argument), [&model, id = command.id] {
             if (model.engaged() && model.engaged()->id == id)
                 model.recompute();
         });
-    return listCommandRows(command, printed, [this, command](const ListRow& row) {
-        hidePanel();
-        services_.lists.choose(command, row);
-    });
+    // One command for all of its rows: its script may be long.
+    const auto shared = std::make_shared<const CommandSpec>(command);
+    return listCommandRows(
+        command, lists.rows(command, argument), [this, shared](const ListRow& row) {
+            hidePanel();
+            services_.lists.choose(*shared, row);
+        });
 }
 
 Rows CommandWiring::foundFiles(const CommandSpec& command, std::string_view argument) const {

@@ -3,6 +3,7 @@
 #include "launcherapp/platform/WorkQueues.h"
 #include "tests/fakes/VirtualTime.h"
 
+#include <deque>
 #include <map>
 #include <string>
 #include <utility>
@@ -36,14 +37,20 @@ public:
 
     void submitApart(std::function<void()> job, std::function<void()> completion) override {
         ++submittedApart;
-        time_.schedule(apartDuration, [job = std::move(job), completion = std::move(completion)] {
+        auto takes = apartDuration;
+        if (!durationsApart.empty()) {
+            takes = durationsApart.front();
+            durationsApart.pop_front();
+        }
+        time_.schedule(takes, [job = std::move(job), completion = std::move(completion)] {
             job();
             completion();
         });
     }
 
-    Seconds apartDuration{0}; ///< of the jobs with a thread of their own
-    int submittedApart = 0;   ///< those given so far
+    Seconds apartDuration{0};           ///< of the jobs with a thread of their own
+    std::deque<Seconds> durationsApart; ///< of the next ones, each its own
+    int submittedApart = 0;             ///< those given so far
 
 private:
     struct Serial : SerialQueue {

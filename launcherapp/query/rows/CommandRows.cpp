@@ -73,6 +73,33 @@ std::string_view label(CommandKind kind) {
     return "run";
 }
 
+/// Such a command is a filtered search: there is nothing to run.
+bool isList(CommandKind kind) {
+    return kind == CommandKind::files || kind == CommandKind::list;
+}
+
+std::string subtitleOf(const CommandSpec& command, const CommandRowSources& sources) {
+    if (auto detail = sources.detail ? sources.detail(command) : std::nullopt)
+        return *std::move(detail);
+    if (isList(command.kind) && !wordToType(command))
+        return "It needs a keyword, to be followed by what you look for";
+    return command.keyword.value_or("");
+}
+
+std::function<void()> actionOf(const CommandSpec& command,
+                               const CommandRowSources& sources,
+                               const std::string& argument) {
+    if (!isList(command.kind))
+        return [run = sources.verbs.runCommand, command, argument] {
+            if (run)
+                run(command, argument);
+        };
+    const auto word = wordToType(command);
+    if (!word || !sources.typeWord)
+        return {};
+    return [type = sources.typeWord, text = *word] { type(text); };
+}
+
 std::optional<RowCreditSpec> creditOf(const CommandSpec& command) {
     const auto kinds = RowCreditSpec::creditedKinds();
     if (std::ranges::find(kinds, command.kind) == kinds.end())
@@ -98,21 +125,26 @@ std::vector<ResultRow> commandRows(std::span<const CommandSpec> commands,
     return rows;
 }
 
+std::optional<std::string> wordToType(const CommandSpec& command) {
+    if (!command.takesArgument())
+        return std::nullopt;
+    for (const auto& word : wordsOf(command)) {
+        if (word.find(' ') == std::string::npos)
+            return word + " ";
+    }
+    return std::nullopt;
+}
+
 ResultRow commandRow(const CommandSpec& command,
                      const CommandRowSources& sources,
                      const std::string& argument) {
-    auto detail = sources.detail ? sources.detail(command) : std::nullopt;
     return {
         .id = std::string(commandRowPrefix) + command.id,
         .kind = RowKind::command,
         .title = command.name,
-        .subtitle = detail ? *std::move(detail) : command.keyword.value_or(""),
+        .subtitle = subtitleOf(command, sources),
         .symbol = command.defaultSymbol(),
-        .primary =
-            [run = sources.verbs.runCommand, command, argument] {
-                if (run)
-                    run(command, argument);
-            },
+        .primary = actionOf(command, sources, argument),
         .primaryLabel = std::string(label(command.kind)),
         .group = std::string(RowGroup::commands),
         .credit = creditOf(command),

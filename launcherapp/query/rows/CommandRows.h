@@ -22,6 +22,8 @@ struct CommandRowSources {
     const RowVerbs& verbs;
     /// What the row of a command says of it; nothing for its keyword. May be empty.
     const std::function<std::optional<std::string>(const CommandSpec& command)>& detail;
+    /// Puts a text in the place of the query.
+    std::function<void(const std::string& text)> typeWord = {};
 };
 
 /// Rows of the commands that `query` names, by name, keyword or alias, in the given order.
@@ -29,7 +31,12 @@ std::vector<ResultRow> commandRows(std::span<const CommandSpec> commands,
                                    const CommandRowSources& sources,
                                    std::string_view query);
 
-/// The row of one command; Return runs it with `argument`.
+/// What to type so that the command takes what follows: its keyword, else its first alias, and a
+/// blank. Nothing for a command without a word that can be typed so, or that takes nothing.
+std::optional<std::string> wordToType(const CommandSpec& command);
+
+/// The row of one command; Return runs it with `argument`, or, of one that is a list of its own,
+/// types its word.
 ResultRow commandRow(const CommandSpec& command,
                      const CommandRowSources& sources,
                      const std::string& argument = {});

@@ -4,40 +4,60 @@
 
 #include <fmt/format.h>
 
+#include <set>
+#include <string>
 #include <utility>
 
 namespace tessarine {
 
 namespace {
 
-/// A script's rows are told apart by what they stand for: learned positions stay with that.
-std::string idOf(const CommandSpec& command, const ListRow& row) {
-    return fmt::format("list:{}:{}", command.id, row.arg.value_or(row.title));
-}
+/// A script's rows are told apart by what they stand for, so that learned positions stay with that,
+/// and those that stand for the same by their number.
+class RowIDs {
+public:
+    explicit RowIDs(const CommandSpec& command) : beginning_("list:" + command.id + ":") {}
+
+    std::string next(const ListRow& row) {
+        const auto id = beginning_ + row.arg.value_or(row.title);
+        auto own = id;
+        for (int number = 2; !taken_.insert(own).second; ++number)
+            own = fmt::format("{}#{}", id, number);
+        return own;
+    }
+
+private:
+    std::string beginning_;
+    std::set<std::string> taken_;
+};
 
 } // namespace
 
 std::vector<ResultRow> listCommandRows(const CommandSpec& command,
-                                       const std::vector<ListRow>* printed,
+                                       const ListResult* result,
                                        const std::function<void(const ListRow& row)>& choose) {
-    const auto hintID = "empty:list:" + command.id;
-    if (!printed)
-        return {readHint(hintID, command.name, "Its script is running", command.defaultSymbol())};
-    if (printed->empty())
-        return {
-            readHint(hintID, command.name, "Its script found nothing", command.defaultSymbol())};
+    const auto symbol = command.defaultSymbol();
+    if (!result || result->rows.empty())
+        return {readHint("empty:list:" + command.id,
+                         command.name,
+                         !result ? "Its script is running"
+                                 : result->problem.value_or("Its script found nothing"),
+                         symbol)};
     const bool hasScript = command.onSelect && !command.onSelect->empty();
+    RowIDs ids(command);
     std::vector<ResultRow> rows;
-    rows.reserve(printed->size());
-    for (const auto& each : *printed)
-        rows.push_back({.id = idOf(command, each),
+    rows.reserve(result->rows.size());
+    for (const auto& each : result->rows) {
+        const auto icon = each.icon.value_or("");
+        rows.push_back({.id = ids.next(each),
                         .kind = RowKind::command,
                         .title = each.title,
                         .subtitle = each.subtitle.value_or(""),
-                        .symbol = each.icon.value_or(command.defaultSymbol()),
+                        .symbol = icon.empty() ? symbol : icon,
                         .primary = [choose, each] { choose(each); },
                         .primaryLabel = hasScript ? "run" : "open",
                         .group = std::string(RowGroup::commands)});
+    }
     return rows;
 }
 

@@ -11,9 +11,9 @@
 namespace tessarine {
 
 /// What the script of a list command printed, in its order. Return on a row gives it to `choose`.
-/// A hint while there is nothing yet (`printed` is null), and one when nothing was found.
+/// A hint while the script runs (`result` is null), and one that says why there are no rows.
 std::vector<ResultRow> listCommandRows(const CommandSpec& command,
-                                       const std::vector<ListRow>* printed,
+                                       const ListResult* result,
                                        const std::function<void(const ListRow& row)>& choose);
 
 /// What the list of a command that searches files shows without files.

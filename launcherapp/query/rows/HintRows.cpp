@@ -33,7 +33,7 @@ ResultRow brokenCommandsRow(const std::string& error, const RowVerbs& verbs) {
         .subtitle = error,
         .symbol = "exclamationmark.triangle.fill",
         .primary =
-            [open = verbs.openSettings] {
+            [open = verbs.editCommands] {
                 if (open)
                     open();
             },

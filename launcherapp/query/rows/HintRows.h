@@ -13,7 +13,8 @@ namespace tessarine {
 ResultRow
 readHint(std::string id, std::string title, std::string subtitle, std::string_view symbol);
 
-/// Says above everything else that the commands file can't be read, and why.
+/// Says above everything else that the commands file can't be read, and why. Return opens the file,
+/// where the mistake is to be mended.
 ResultRow brokenCommandsRow(const std::string& error, const RowVerbs& verbs);
 
 // Why a list of its own is empty. The query is what was looked for in it; empty for nothing.

@@ -2,19 +2,21 @@
 
 #include "LauncherCore/commands/CommandJson.h"
 #include "LauncherCore/text/Folding.h"
-#include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/commands/CommandCatalog.h"
 #include "launcherapp/commands/CommandRuntime.h"
 #include "launcherapp/commands/CommandStore.h"
 #include "launcherapp/commands/SystemCommandsSelftest.h"
+#include "launcherapp/shell/modes/ModeWaits.h"
 #include "launcherapp/shell/modes/Modes.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <iterator>
 #include <optional>
+#include <span>
+#include <string_view>
 
 namespace tessarine {
 
@@ -26,17 +28,14 @@ constexpr int notRunnable = 4;
 /// For what was handed to others to be on its way before the process ends.
 constexpr Seconds settling{0.4};
 
-constexpr int firstAttempt = 0;
-constexpr int lastAttempt = 299; ///< about 15 seconds
-constexpr Seconds retryAfter{0.05};
+constexpr std::string_view probeFlag = "--jump-press-probe";
 
 bool isSame(const std::string& text, const std::string& name) {
     return Folding::lowercase(text) == Folding::lowercase(name);
 }
 
 /// The best that the name may mean; all commands are asked for one thing before the next.
-std::optional<CommandSpec> found(const std::vector<CommandSpec>& commands,
-                                 const std::string& name) {
+std::optional<CommandSpec> found(std::span<const CommandSpec> commands, const std::string& name) {
     using Meant = bool (*)(const CommandSpec& command, const std::string& name);
     static constexpr auto meanings = std::to_array<Meant>({
         [](const CommandSpec& command, const std::string& id) { return command.id == id; },
@@ -61,43 +60,41 @@ std::optional<CommandSpec> found(const std::vector<CommandSpec>& commands,
     return std::nullopt;
 }
 
-std::vector<CommandSpec> allCommands(const CommandModeServices& services) {
-    auto commands = services.store.file().commands;
-    if (services.builtIn) {
-        auto builtIn = services.builtIn(commands);
-        std::ranges::move(builtIn, std::back_inserter(commands));
-    }
-    return commands;
-}
-
-/// The catalog's first scan may still be reading a slow disk; what it has not found by the last
-/// attempt is not waited for.
-void whenScanned(ModeContext& context, int attempt, const std::function<void()>& then) {
-    if (context.catalog.lastScan() || attempt == lastAttempt)
-        then();
-    else
-        context.queue.postAfter(
-            retryAfter, [&context, attempt, then] { whenScanned(context, attempt + 1, then); });
-}
-
 /// The words that follow the flag's own value, up to the next flag.
-std::vector<std::string> wordsAfter(const CommandLine& commandLine, const std::string& value) {
+std::vector<std::string> wordsAfter(const CommandLine& commandLine, std::string_view flag) {
     const auto& arguments = commandLine.arguments();
-    const auto first = std::ranges::find(arguments, value);
-    std::vector<std::string> words;
-    for (auto word = std::next(first); word != arguments.end() && !word->starts_with("--"); ++word)
-        words.push_back(*word);
-    return words;
+    auto word = std::ranges::find(arguments, flag);
+    std::ranges::advance(word, 2, arguments.end());
+    const auto end = std::ranges::find_if(
+        word, arguments.end(), [](const std::string& each) { return each.starts_with("--"); });
+    return {word, end};
+}
+
+/// Ends once nothing that was started is still to be handed over, which is looked for twice: what
+/// goes on after the first look may start more.
+void endOnceSettled(ModeContext& context, const std::string& line, Seconds deadline) {
+    const bool isSettled = context.commands->isSettled();
+    context.queue.postAfter(settling, [&context, line, deadline, isSettled] {
+        const bool isDone = isSettled && context.commands->isSettled();
+        if (!isDone && context.queue.uptime() < deadline) {
+            endOnceSettled(context, line, deadline);
+            return;
+        }
+        context.print(line);
+        if (!isDone)
+            context.print(fmt::format("run: NOT MEASURED, what it started was still under way "
+                                      "after {:.0f} s",
+                                      ModeWaits::patience.count()));
+        context.finish(0);
+    });
 }
 
 void runNamed(ModeContext& context, const std::string& name) {
-    auto& store = context.commands->store;
-    if (!store.lastLoad() && !store.error())
-        store.load();
-    if (store.error())
-        context.print(*store.error());
+    auto& services = *context.commands;
+    if (services.store.error())
+        context.print(*services.store.error());
 
-    const auto command = found(allCommands(*context.commands), name);
+    const auto command = found(services.catalog.all(), name);
     if (!command) {
         context.print(fmt::format("NOT_FOUND: no command matched \"{}\"", name));
         context.finish(notFound);
@@ -112,12 +109,10 @@ void runNamed(ModeContext& context, const std::string& name) {
         context.finish(notRunnable);
         return;
     }
-    context.commands->runtime.run(*command, context.commandLine.value("--arg").value_or(""));
-    context.queue.postAfter(settling,
-                            [&context, line = fmt::format("RAN: \"{}\" ({})", name, kind)] {
-                                context.print(line);
-                                context.finish(0);
-                            });
+    services.runtime.run(*command, context.commandLine.value("--arg").value_or(""));
+    endOnceSettled(context,
+                   fmt::format("RAN: \"{}\" ({})", name, kind),
+                   context.queue.uptime() + ModeWaits::patience);
 }
 
 } // namespace
@@ -128,8 +123,7 @@ void CommandModes::run(ModeContext& context, const std::string& name) {
         context.finish(notFound);
         return;
     }
-    // Links and applications are opened by what the catalog found.
-    whenScanned(context, firstAttempt, [&context, name] { runNamed(context, name); });
+    ModeWaits::whenReady(context, [&context, name] { runNamed(context, name); });
 }
 
 void CommandModes::jumpPressProbe(ModeContext& context, const std::string& bundleID) {
@@ -138,9 +132,9 @@ void CommandModes::jumpPressProbe(ModeContext& context, const std::string& bundl
         context.finish(notFound);
         return;
     }
-    whenScanned(context, firstAttempt, [&context, bundleID] {
+    ModeWaits::whenReady(context, [&context, bundleID] {
         context.commands->probe(bundleID,
-                                wordsAfter(context.commandLine, bundleID),
+                                wordsAfter(context.commandLine, probeFlag),
                                 [&context](const std::string& line) {
                                     context.print(line);
                                     context.finish(line.starts_with("PRESSED") ? 0 : 1);

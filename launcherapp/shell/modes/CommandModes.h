@@ -1,36 +1,38 @@
 #pragma once
 
-#include "LauncherCore/commands/CommandSpec.h"
-
 #include <functional>
-#include <span>
 #include <string>
 #include <vector>
 
 namespace tessarine {
 
+class CommandCatalog;
 class CommandRuntime;
 class CommandStore;
+class ListCommands;
 struct ModeContext;
 
 /// What the modes of the commands use beside what every mode does.
 struct CommandModeServices {
     CommandStore& store;
+    const CommandCatalog& catalog;
     CommandRuntime& runtime;
+    const ListCommands& lists;
     /// `JumpRunner::probe`.
     std::function<void(const std::string& bundleID,
                        const std::vector<std::string>& names,
                        std::function<void(std::string line)> told)>
         probe;
-    /// The commands that every user has, beside these of the user's own.
-    std::function<std::vector<CommandSpec>(std::span<const CommandSpec> userCommands)> builtIn;
+    /// Whether all that a command started was handed over, a jump's presses included.
+    std::function<bool()> isSettled;
 };
 
 /// Running commands from the command line.
 namespace CommandModes {
 
 /// Runs the command of this id, name, keyword or alias with the value of "--arg". Ends with 0 when
-/// it was run, 2 when there is none, 4 when it is one that only the panel shows.
+/// it was run and what it started was handed over, after 0.4 s at the least and about 15 s at the
+/// most; 2 when there is none, 4 when it is one that only the panel shows.
 void run(ModeContext& context, const std::string& name);
 
 /// Presses the buttons that the words after `bundleID` name in the running application of that

@@ -1,22 +1,22 @@
 #include "launcherapp/shell/modes/SearchMode.h"
 
 #include "launcherapp/catalog/AppCatalog.h"
+#include "launcherapp/commands/ListCommands.h"
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/modes/CommandModes.h"
+#include "launcherapp/shell/modes/ModeWaits.h"
 #include "launcherapp/shell/modes/Modes.h"
 
 #include <nlohmann/json.hpp>
+
+#include <string_view>
 
 namespace tessarine {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// The catalog's first scan may still be reading a slow disk: it is waited for as long as contacts
-/// are, 299 times 50 ms.
-constexpr Seconds retryAfter{0.05};
-constexpr int lastAttempt = 299;
 
 void printLine(ModeContext& context, const Json& object) {
     // A name from a foreign file may hold anything; the line stays JSON whatever it is.
@@ -37,29 +37,39 @@ void printRow(ModeContext& context, const ResultRow& row) {
     printLine(context, object);
 }
 
-void search(ModeContext& context, const std::string& query, int attempt) {
-    const bool scanned = context.catalog.lastScan().has_value();
-    if (!scanned && attempt < lastAttempt) {
-        context.queue.postAfter(
-            retryAfter, [&context, query, attempt] { search(context, query, attempt + 1); });
-        return;
-    }
+void printNote(ModeContext& context, std::string_view what) {
+    printLine(context, {{"note", "NOT MEASURED: " + std::string(what)}});
+}
+
+/// Whether a command's script still prints what is to be listed.
+bool awaitsRows(const ModeContext& context) {
+    return context.commands && context.commands->lists.isWaiting();
+}
+
+void search(ModeContext& context, const std::string& query) {
     context.model.setQuery("");
     context.model.setQuery(query);
-    if (!scanned)
-        printLine(context,
-                  {{"note",
-                    "NOT MEASURED: the application catalog never loaded, so applications cannot "
-                    "appear below"}});
-    for (const auto& row : context.model.rows())
-        printRow(context, row);
-    context.finish(0);
+    ModeWaits::until(
+        context,
+        [&context] { return !awaitsRows(context); },
+        [&context] {
+            if (!context.catalog.lastScan())
+                printNote(context,
+                          "the application catalog never loaded, so applications cannot appear "
+                          "below");
+            if (awaitsRows(context))
+                printNote(context,
+                          "the command's script still runs, so its rows cannot appear below");
+            for (const auto& row : context.model.rows())
+                printRow(context, row);
+            context.finish(0);
+        });
 }
 
 } // namespace
 
 void SearchMode::run(ModeContext& context, const std::string& query) {
-    search(context, query, 0);
+    ModeWaits::whenReady(context, [&context, query] { search(context, query); });
 }
 
 } // namespace tessarine

@@ -1,11 +1,6 @@
 #include "launcherapp/commands/CommandCatalog.h"
 
-#include "launcherapp/commands/CommandHotkeys.h"
-#include "launcherapp/commands/CommandStore.h"
-#include "launcherapp/commands/SystemCommands.h"
-#include "tests/fakes/FakeAlerts.h"
-#include "tests/fakes/FakeServices.h"
-#include "tests/fakes/FakeSystemEffects.h"
+#include "tests/launcherapp/commands/CommandOffer.h"
 
 #include <gmock/gmock.h>
 
@@ -17,44 +12,12 @@ namespace {
 using testing::Contains;
 using testing::HasSubstr;
 
-struct Offer {
-    FakeServices services;
-    FakeSystemEffects effects{services.platform.queue};
-    FakeAlerts alerts;
-    SystemCommands system{{.queue = services.platform.queue,
-                           .work = services.platform.work,
-                           .files = services.platform.files,
-                           .catalog = services.catalog,
-                           .running = services.running,
-                           .prefs = services.prefs,
-                           .effects = effects,
-                           .alerts = alerts,
-                           .diagnostics = services.diagnostics,
-                           .openWindows = [] { return std::vector<OpenWindow>(); },
-                           .closeWindow = {},
-                           .showPanel = {}},
-                          services.environment};
-    CommandHotkeys hotkeys{{.hotkey = [] { return nullptr; },
-                            .usage = services.usage,
-                            .diagnostics = services.diagnostics},
-                           {}};
-    CommandStore store{{.queue = services.platform.queue,
-                        .work = services.platform.work,
-                        .files = {std::shared_ptr<void>(), &services.platform.files},
-                        .directories = services.platform.watcher,
-                        .prefs = services.prefs,
-                        .diagnostics = services.diagnostics,
-                        .hotkeys = hotkeys,
-                        .environment = services.environment},
-                       "/home/u",
-                       CommandStore::Content::file};
-    CommandCatalog catalog{store, system, hotkeys};
+struct OwnServices {
+    FakeServices own;
+};
 
-    void read(const std::string& commands) {
-        services.platform.files.file("/home/u/commands.json",
-                                     R"({"version": 1, "commands": [)" + commands + "]}");
-        store.load();
-    }
+struct Offer : OwnServices, CommandOffer {
+    Offer() : CommandOffer(own) {}
 
     const CommandSpec* find(const std::string& id) const {
         const auto all = catalog.all();

@@ -7,6 +7,7 @@
 #include "tests/fakes/FakeServices.h"
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -83,7 +84,8 @@ struct CommandFixture {
     }
 
     FakeServices services;
-    Types types;
+    std::shared_ptr<Types> shared = std::make_shared<Types>();
+    Types& types = *shared;
     Manager manager;
     SlowBus bus{services.platform};
     AppLauncher launcher{
@@ -94,14 +96,19 @@ struct CommandFixture {
                        .types = types,
                        .manager = manager,
                        .diagnostics = services.diagnostics}};
+    LinkOpener links{{.queue = services.platform.queue,
+                      .work = services.platform.work,
+                      .catalog = services.catalog,
+                      .launcher = launcher,
+                      .opener = opener,
+                      .types = shared,
+                      .diagnostics = services.diagnostics}};
     CommandRuntime runtime{{.queue = services.platform.queue,
-                            .work = services.platform.work,
                             .processes = services.platform.processes,
                             .programs = services.platform.programs,
                             .catalog = services.catalog,
-                            .launcher = launcher,
                             .opener = opener,
-                            .types = types,
+                            .links = links,
                             .diagnostics = services.diagnostics},
                            services.environment};
 };

@@ -8,13 +8,11 @@ namespace tessarine {
 namespace {
 
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
 using testing::SizeIs;
-using Activation = CommandRuntime::Activation;
 
 TEST(CommandRuntime, anArgumentIsAValueInItsLinkAndNothingElse) {
     const struct {
@@ -82,95 +80,6 @@ TEST(CommandRuntime, nothingIsGuessedOfATarget) {
         EXPECT_EQ(fixture.runtime.resolve(text), url) << text;
 }
 
-TEST(CommandRuntime, linksOfOneApplicationGoInOneGoAndOfTwoInTurn) {
-    CommandFixture fixture;
-    fixture.bus.silent = {"org.x.Web"}; // its Exec key is used after five seconds
-    fixture.services.platform.processes.programs = {"org.x.Web"};
-    fixture.runtime.run({.id = "o",
-                         .kind = CommandKind::open,
-                         .urls = {{"https://a.example",
-                                   "https://b.example",
-                                   "example.org",
-                                   "chat:c",
-                                   "https://d.example"}}},
-                        "");
-    fixture.settle();
-    const auto first = Pair("org.x.Web", ElementsAre("https://a.example", "https://b.example"));
-    EXPECT_THAT(fixture.handed(), ElementsAre(first));
-    fixture.services.platform.time.advance(Seconds{6});
-    EXPECT_THAT(fixture.handed(),
-                ElementsAre(first,
-                            Pair("org.x.Chat", ElementsAre("chat:c")),
-                            Pair("org.x.Web", ElementsAre("https://d.example"))));
-    fixture.services.platform.time.advance(Seconds{6});
-    EXPECT_THAT(fixture.services.log(), HasSubstr("open: \"example.org\" of o is no link\n"));
-    EXPECT_THAT(fixture.services.log(), HasSubstr("open: 4 link(s) accepted in 10000 ms\n"));
-}
-
-TEST(CommandRuntime, aFailureIsLoggedAndStopsNoOther) {
-    CommandFixture fixture;
-    fixture.bus.answers["org.x.Web"] = "it is broken";
-    fixture.runtime.open({"https://a.example",
-                          "https://b.example",
-                          "gopher://x",
-                          "gopher://y",
-                          "https://c.example",
-                          "chat:c"},
-                         Activation::foreground);
-    const auto log = fixture.services.log();
-    EXPECT_THAT(log, HasSubstr("open: Web could not start: "));
-    EXPECT_THAT(log, HasSubstr("open: a gopher link failed: no application opens it\n"));
-    EXPECT_THAT(log, HasSubstr("open: a https link failed: "));
-    EXPECT_THAT(log, HasSubstr("open: 1 link(s) accepted in 0 ms\n"));
-    EXPECT_THAT(log, Not(HasSubstr("held the caller")));
-}
-
-TEST(CommandRuntime, whoHoldsTheCallerIsTold) {
-    CommandFixture fixture;
-    fixture.bus.holds = Seconds{0.06};
-    fixture.runtime.open({"https://a.example"}, Activation::foreground);
-    EXPECT_THAT(fixture.services.log(),
-                HasSubstr("open: handing 1 link(s) to the desktop held the caller 60 ms\n"));
-}
-
-TEST(CommandRuntime, linksInTheBackgroundTakeNoFocus) {
-    CommandFixture fixture;
-    fixture.services.platform.time.advance(Seconds{1});
-    fixture.runtime.open({"https://a.example"}, Activation::background);
-    fixture.runtime.open({"https://a.example"}, Activation::foreground);
-    fixture.settle();
-    ASSERT_THAT(fixture.bus.requests, SizeIs(2));
-    EXPECT_THAT(fixture.bus.requests[0].activationToken, EndsWith("_TIME0"));
-    EXPECT_THAT(fixture.bus.requests[1].activationToken, EndsWith("_TIME1000"));
-}
-
-TEST(CommandRuntime, filesOpenByTheirTypeWithoutAWaitForTheDisk) {
-    CommandFixture fixture;
-    fixture.types.byPath = {{"/d/a.txt", {"text/x-log", "text/plain"}}, {"/d/x", {"a/b"}}};
-    fixture.services.platform.work.apartDuration = Seconds{1};
-    fixture.runtime.open({"file:///d/a.txt", "https://a.example", "file:///gone", "file:///d/x"},
-                         Activation::foreground);
-    fixture.settle();
-    EXPECT_THAT(fixture.handed(), IsEmpty());
-    fixture.services.platform.time.advance(Seconds{20});
-    EXPECT_THAT(fixture.handed(),
-                ElementsAre(Pair("org.x.Notes", ElementsAre("file:///d/a.txt")),
-                            Pair("org.x.Web", ElementsAre("https://a.example"))));
-    EXPECT_THAT(fixture.services.log(),
-                HasSubstr("open: a file link failed: /gone is no longer there\n"));
-    EXPECT_THAT(fixture.services.log(),
-                HasSubstr("open: a file link failed: no application opens it\n"));
-
-    fixture.bus.requests.clear();
-    fixture.services.platform.work.apartDuration = Seconds{3600};
-    fixture.runtime.open({"file:///d/a.txt", "https://a.example"}, Activation::foreground);
-    fixture.services.platform.time.advance(CommandRuntime::diskPatience);
-    EXPECT_THAT(fixture.handed(), ElementsAre(Pair("org.x.Web", ElementsAre("https://a.example"))));
-    fixture.services.platform.time.advance(Seconds{3600});
-    EXPECT_THAT(fixture.bus.requests, SizeIs(1)) << "it is too late for the file";
-    EXPECT_THAT(fixture.services.log(), HasSubstr("the disk of /d/a.txt doesn't answer\n"));
-}
-
 TEST(CommandRuntime, aScriptGetsItsArgumentBesideItsText) {
     CommandFixture fixture;
     const std::string argument = "\"; rm -rf ~ #$(x)";
@@ -178,14 +87,18 @@ TEST(CommandRuntime, aScriptGetsItsArgumentBesideItsText) {
                         argument);
     fixture.runtime.run(
         {.id = "z", .kind = CommandKind::script, .script = "x", .shell = "/bin/zsh"}, "");
-    ASSERT_THAT(fixture.started(), SizeIs(2));
+    fixture.runtime.run({.id = "e", .kind = CommandKind::script, .script = "x", .shell = ""}, "");
+    fixture.runtime.run({.id = "none", .kind = CommandKind::script, .script = ""}, "");
+    ASSERT_THAT(fixture.started(), SizeIs(3));
+    EXPECT_EQ(fixture.started()[2]->spec.arguments.front(), "/bin/bash");
+    EXPECT_THAT(fixture.services.log(), HasSubstr("script none could not start: it has no text"));
     EXPECT_THAT(fixture.started()[0]->spec.arguments,
                 ElementsAre("/bin/bash", "-c", "echo \"$1\"", "launcher", argument));
     EXPECT_THAT(
         fixture.started()[0]->spec.environment,
         ElementsAre(Pair("LAUNCHER_QUERY", argument),
                     Pair("PATH",
-                         "/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin:/home/u/bin:/opt/x/bin:"
+                         "/home/u/bin:/usr/bin:/opt/x/bin:/usr/local/bin:/bin:/usr/sbin:/sbin:"
                          "/home/u/.local/bin")));
     EXPECT_EQ(fixture.started()[0]->spec.workingDirectory, "/home/u");
     EXPECT_EQ(fixture.started()[0]->reading.errors, OutputReading::Errors::merged);
@@ -282,9 +195,26 @@ TEST(CommandRuntime, otherKindsGoToTheirOwnServices) {
     fixture.runtime.run({.kind = CommandKind::list, .script = "x"}, "x");
     fixture.runtime.reveal({"file:///d/a%20b", "https://a.example"});
     fixture.settle();
+    EXPECT_THAT(fixture.services.log(), HasSubstr("reveal: https://a.example is no file\n"));
     EXPECT_THAT(done, ElementsAre("eject", "j x"));
     EXPECT_THAT(fixture.started(), IsEmpty());
     EXPECT_THAT(fixture.manager.revealed, ElementsAre("/d/a b"));
+}
+
+TEST(CommandRuntime, itIsSettledOnceItsApplicationsHaveStarted) {
+    CommandFixture fixture;
+    EXPECT_TRUE(fixture.runtime.isSettled());
+    fixture.runtime.run({.id = "a", .kind = CommandKind::app, .path = "org.x.Chat"}, "");
+    EXPECT_FALSE(fixture.runtime.isSettled());
+    fixture.services.platform.time.advance(AppLauncher::busTimeout * 2);
+    EXPECT_TRUE(fixture.runtime.isSettled());
+
+    fixture.bus.silent = {"org.x.Web"};
+    fixture.runtime.open({"https://a.example"}, CommandRuntime::Activation::foreground);
+    fixture.services.platform.time.advance(AppLauncher::busTimeout / 2);
+    EXPECT_FALSE(fixture.runtime.isSettled());
+    fixture.services.platform.time.advance(AppLauncher::busTimeout);
+    EXPECT_TRUE(fixture.runtime.isSettled()) << "it failed, and is not waited for";
 }
 
 } // namespace

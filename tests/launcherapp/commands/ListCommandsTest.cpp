@@ -27,15 +27,15 @@ protected:
         lists->request(command, query, [this, query] { called.push_back(query); });
     }
 
-    void answer(std::size_t number, const std::string& output, bool isCut = false) {
-        program(number).end({.output = output, .isCut = isCut});
+    void answer(std::size_t number, ProcessEnd end) {
+        program(number).end(std::move(end));
         fixture.settle();
     }
 
     std::vector<std::string> titles(const std::string& query) {
         std::vector<std::string> result;
         if (const auto* rows = lists->rows(command, query)) {
-            for (const auto& row : *rows)
+            for (const auto& row : rows->rows)
                 result.push_back(row.title);
         }
         return result;
@@ -44,7 +44,8 @@ protected:
     CommandFixture fixture;
     std::optional<ListCommands> lists{
         std::in_place,
-        ListCommands::Services{.runtime = fixture.runtime,
+        ListCommands::Services{.queue = fixture.services.platform.queue,
+                               .runtime = fixture.runtime,
                                .programs = fixture.services.platform.programs,
                                .work = fixture.services.platform.work,
                                .diagnostics = fixture.services.diagnostics}};
@@ -65,7 +66,7 @@ TEST_F(ListCommandsTest, rowsComeOnceAndAreKept) {
     EXPECT_EQ(program(0).reading.errors, OutputReading::Errors::dropped);
     EXPECT_EQ(lists->rows(command, "q"), nullptr);
 
-    answer(0, one);
+    answer(0, {.output = one});
     request("q"); // kept
     EXPECT_THAT(called, ElementsAre("q"));
     EXPECT_THAT(titles("q"), ElementsAre("One"));
@@ -91,7 +92,7 @@ TEST_F(ListCommandsTest, onlyTheNewestQueryMatters) {
     request("a"); // back to it: the script runs again
     ASSERT_THAT(fixture.started(), SizeIs(3));
     EXPECT_TRUE(program(1).terminated);
-    answer(2, one);
+    answer(2, {.output = one});
     EXPECT_THAT(called, ElementsAre("a"));
 
     auto other = command;
@@ -115,57 +116,108 @@ TEST_F(ListCommandsTest, whatHasPrintedAllIsKeptThoughAnotherQueryFollows) {
     EXPECT_THAT(fixture.started(), SizeIs(2));
 }
 
-TEST_F(ListCommandsTest, whatIsNoRowsGivesNoneAndOneLine) {
+TEST_F(ListCommandsTest, whatIsNoRowsGivesTheReasonAndOneLine) {
     const std::string longText(200, 'x');
+    const std::string noRows = "Its script printed no rows; the log says what";
 
     const struct {
         const char* reason;
-        std::string output;
-        bool isCut;
+        ProcessEnd end;
         std::string shown;
+        std::string problem;
     } cases[] = {
-        {"text", "no\nsuch thing\n", false, "no\\nsuch thing\\n\n"},
-        {"much text", longText, false, longText.substr(0, 160) + "\n"},
-        {"no text", "\xff\xfe[]", false, "<not text>\n"},
+        {"text", {.output = "no\nsuch thing\n"}, "no\\nsuch thing\\n\n", noRows},
+        {"much text", {.output = longText}, longText.substr(0, 160) + "\n", noRows},
+        {"no text", {.output = "\xff\xfe[]"}, "<not text>\n", noRows},
         {"a character over the edge",
-         std::string(159, 'x') + "üx",
-         false,
-         std::string(159, 'x') + "\n"},
-        {"nothing", "", false, "\n"},
-        {"the beginning of too much", "[]   ", true, "[]   \n"},
+         {.output = std::string(159, 'x') + "üx"},
+         std::string(159, 'x') + "\n",
+         noRows},
+        {"nothing", {}, "\n", noRows},
+        {"a script that failed", {.status = 3}, "\n", "Its script ended with status 3"},
+        {"a row whose argument would end early",
+         {.output = R"([{"title": "a", "arg": "b\u0000c"}])"},
+         R"([{"title": "a", "arg": "b\u0000c"}])",
+         noRows},
+        {"the beginning of too much",
+         {.output = "[]   ", .isCut = true},
+         "[]   \n",
+         "Its script printed more than 2 MB"},
     };
 
     std::size_t number = 0;
-    for (const auto& [reason, output, isCut, shown] : cases) {
+    for (const auto& [reason, end, shown, problem] : cases) {
         SCOPED_TRACE(reason);
         request(reason);
-        answer(number++, output, isCut);
-        EXPECT_THAT(lists->rows(command, reason), Pointee(IsEmpty()));
+        answer(number++, end);
+        EXPECT_THAT(lists->rows(command, reason), Pointee(ListResult{.problem = problem}));
         EXPECT_THAT(fixture.services.log(),
                     HasSubstr("list l: output is not rows or {items:[…]}: " + shown));
         EXPECT_EQ(called.back(), reason);
     }
+
+    request("none");
+    answer(number++, {.output = "[]"});
+    EXPECT_THAT(lists->rows(command, "none"), Pointee(ListResult())) << "it found nothing";
+    request("rows");
+    answer(number++, {.status = 1, .output = one});
+    EXPECT_THAT(titles("rows"), ElementsAre("One")) << "rows are rows whatever came after";
 }
 
-TEST_F(ListCommandsTest, aStartThatFailsLeavesNothingBehind) {
+TEST_F(ListCommandsTest, whatCannotStartSaysSoAndIsNotTriedAgain) {
     fixture.services.platform.programs.missing = {"/bin/sh"};
     request("q");
     EXPECT_THAT(fixture.services.log(), HasSubstr("list l: could not start: /bin/sh "));
+    ASSERT_TRUE(lists->rows(command, "other"));
+    EXPECT_THAT(*lists->rows(command, "other")->problem,
+                HasSubstr("Its script could not start: /bin/sh "));
+    EXPECT_FALSE(lists->isWaiting());
+
     fixture.services.platform.programs.missing.clear();
+    request("other");
+    EXPECT_THAT(fixture.started(), IsEmpty());
+    lists->forget();
     request("q");
     EXPECT_THAT(fixture.started(), SizeIs(1));
+    EXPECT_TRUE(lists->isWaiting());
 
-    command.id = "empty";
-    command.script.reset();
+    for (const auto& none : {std::optional<std::string>(), std::optional<std::string>("")}) {
+        command.id += "-empty";
+        command.script = none;
+        request("q");
+        EXPECT_THAT(fixture.services.log(), EndsWith("list " + command.id + ": no script\n"));
+        EXPECT_THAT(lists->rows(command, "q"), Pointee(ListResult{.problem = "It has no script"}));
+    }
+}
+
+TEST_F(ListCommandsTest, anOldScriptsRowsAreNotKeptWhenTheCommandsAreOthers) {
+    fixture.services.platform.work.duration = Seconds{1};
     request("q");
-    EXPECT_THAT(fixture.services.log(), EndsWith("list empty: no script\n"));
-    EXPECT_THAT(fixture.services.log(), Not(HasSubstr("empty: starting")));
+    program(0).end({.output = one});
+    fixture.settle(); // its output is being read
+    lists->forget();
+    fixture.services.platform.time.advance(Seconds{2});
+    EXPECT_EQ(lists->rows(command, "q"), nullptr);
+    EXPECT_THAT(called, IsEmpty());
+}
+
+TEST_F(ListCommandsTest, ofManyRowsTheFirstAreKept) {
+    std::string output = "[";
+    for (std::size_t i = 0; i < 2 * ListCommands::mostRows; ++i)
+        output += R"({"title": ")" + std::to_string(i) + "\"},";
+    output.back() = ']';
+    request("q");
+    answer(0, {.output = output});
+    EXPECT_THAT(titles("q"), SizeIs(ListCommands::mostRows));
+    EXPECT_EQ(titles("q").front(), "0");
+    EXPECT_THAT(fixture.services.log(), HasSubstr("list l: the first 60 of 120 rows are kept\n"));
+    EXPECT_THAT(fixture.services.log(), HasSubstr("list l: cached 60 rows, calling back\n"));
 }
 
 TEST_F(ListCommandsTest, theRowsKeptLongestGoFirst) {
     for (std::size_t i = 0; i <= ListCommands::mostQueries; ++i) {
         request(std::to_string(i));
-        answer(i, one);
+        answer(i, {.output = one});
     }
     EXPECT_EQ(lists->rows(command, "0"), nullptr);
     EXPECT_NE(lists->rows(command, "1"), nullptr);
@@ -173,14 +225,13 @@ TEST_F(ListCommandsTest, theRowsKeptLongestGoFirst) {
     lists->forget();
     const auto large =
         R"([{"title": ")" + std::string(ListCommands::mostOutput - 100, 'x') + "\"}]";
-    const auto fit = ListCommands::mostKeptOutput / large.size();
+    const auto fit = ListCommands::mostKeptBytes / large.size();
     const auto begun = fixture.started().size();
     for (std::size_t i = 0; i <= fit; ++i) {
         request(std::to_string(i));
-        answer(begun + i, large);
+        answer(begun + i, {.output = large});
     }
     EXPECT_EQ(lists->rows(command, "0"), nullptr);
-    EXPECT_NE(lists->rows(command, "1"), nullptr);
     EXPECT_NE(lists->rows(command, std::to_string(fit)), nullptr);
 }
 

@@ -211,6 +211,18 @@ TEST_F(PanelKeysTest, tabCompletesACommandsWord) {
     press(tab);
     EXPECT_EQ(model.query(), "af ");
     EXPECT_EQ(model.engaged()->id, "find");
+
+    const std::vector<CommandSpec> others{{.id = "other",
+                                           .name = "App other",
+                                           .keyword = "two words",
+                                           .kind = CommandKind::search,
+                                           .url = "https://x.example/{query}",
+                                           .aliases = {{"ao"}}}};
+    model.families.commands = [&] { return std::span<const CommandSpec>(others); };
+    model.setQuery("app");
+    selectRow("cmd:other");
+    press(tab);
+    EXPECT_EQ(model.query(), "ao ") << "the first word that can be typed";
 }
 
 TEST_F(PanelKeysTest, favoritesLeadAndFallBack) {

@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/linux/desktop/SystemdScope.h"
+#include "launcherapp/platform/linux/processes/PipeReading.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "tests/linux/BusObject.h"
 #include "tests/linux/EventLoop.h"
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <fstream>
 #include <optional>
+#include <sys/resource.h>
 
 namespace tessarine {
 namespace {
@@ -119,6 +121,19 @@ TEST_F(PipeProgramReaderTest, whatAProgramPrintsAndHowItEndsIsTold) {
               "0000000\n0000000\n");
 }
 
+TEST_F(PipeProgramReaderTest, whatCannotBeHadIsTheProgramsProblem) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_THROW(begin("true"), ProcessError) << "its reading thread has nothing to wait by";
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(resultOf("echo a").output, "a\n") << "the next one is none the worse";
+
+    EXPECT_THROW(begin(std::string("echo a\0echo b", 13)), ProcessError)
+        << "the program would see the half of it";
+}
+
 TEST_F(PipeProgramReaderTest, aHundredMegabytesAreReadAndNotKept) {
     const auto before = residentBytes();
     const auto end = resultOf("head -c 100000000 /dev/zero; echo said >&2; exit 5");
@@ -135,7 +150,7 @@ TEST_F(PipeProgramReaderTest, whatIsLeftBehindHoldsNothingUpAndMayGoOnPrinting) 
                               "(sleep 1.2; echo late; echo alive > \"$2/daemon\") & exit 0");
     ASSERT_TRUE(spinUntil([&] { return result->end.has_value(); }));
     EXPECT_EQ(*result->end, (ProcessEnd{0, "at once\n"}));
-    EXPECT_GE(result->took, PipeProgramReader::grace);
+    EXPECT_GE(result->took, PipeReading::grace);
     EXPECT_LT(result->took, Seconds{1.2});
     // A broken pipe would have ended it.
     EXPECT_EQ(written("/daemon"), "alive");
@@ -172,11 +187,10 @@ TEST_F(PipeProgramReaderTest, whatRefusesToEndIsKilledAfterTwoSeconds) {
     stubborn->process->terminate();
     leader->process->terminate();
     ASSERT_TRUE(spinUntil([&] { return leader->end.has_value(); }));
-    EXPECT_LT(queue.uptime() - asked, PipeProgramReader::patience)
-        << "the one that was asked has ended";
+    EXPECT_LT(queue.uptime() - asked, PipeReading::patience) << "the one that was asked has ended";
     EXPECT_TRUE(isAlive(orphan));
     ASSERT_TRUE(spinUntil([&] { return stubborn->end.has_value(); }));
-    EXPECT_GE(queue.uptime() - asked, PipeProgramReader::patience);
+    EXPECT_GE(queue.uptime() - asked, PipeReading::patience);
     EXPECT_EQ(stubborn->end->status, 128 + SIGKILL);
     EXPECT_TRUE(spinUntil([&] { return !isAlive(child) && !isAlive(orphan); }));
 }

@@ -5,6 +5,8 @@
 #include "launcherapp/platform/linux/processes/PipeReading.h"
 #include "launcherapp/platform/linux/processes/Spawning.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -23,6 +25,9 @@ namespace tessarine {
 namespace {
 
 using Pending = std::shared_ptr<PipeReading>;
+
+/// Read at once: as much as a pipe holds.
+constexpr std::size_t chunkBytes = std::size_t{64} << 10;
 
 struct Pipe {
     FileDescriptor reading;
@@ -66,9 +71,13 @@ void drain(const FileDescriptor& output, const std::string& home) {
 /// What the thread and the main thread share.
 class PipeProgramReader::Thread {
 public:
+    /// Throws std::system_error when there is no descriptor or no thread to be had.
     explicit Thread(MainQueue& queue)
-        : queue_(queue), wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-          thread_([this] { run(); }) {}
+        : queue_(queue), wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+        if (!wake_)
+            throw std::system_error(errno, std::generic_category());
+        thread_ = std::thread([this] { run(); });
+    }
 
     ~Thread() { join(); }
 
@@ -115,19 +124,19 @@ private:
     void run() {
         while (takeArrivals()) {
             std::vector<pollfd> doors{{.fd = wake_.number(), .events = POLLIN}};
-            auto patience = PipeReading::forEver;
+            auto sleep = PipeReading::longestSleep;
             const auto now = queue_.uptime();
             for (const auto& program : programs_) {
                 doors.push_back({.fd = program->output().number(), .events = POLLIN});
                 doors.push_back({.fd = program->end().number(), .events = POLLIN});
-                patience = std::min(patience, program->patience(now));
+                sleep = std::min(sleep, program->untilNextStep(now));
             }
-            const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(patience);
+            const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(sleep);
             ::poll(doors.data(), doors.size(), static_cast<int>(milliseconds.count()));
             eventfd_t ignored = 0;
             (void)::eventfd_read(wake_.number(), &ignored);
             for (const auto& program : programs_)
-                program->step(queue_);
+                program->step(queue_, chunk_);
             std::erase_if(programs_, [](const auto& program) { return program->isOver(); });
         }
     }
@@ -137,8 +146,9 @@ private:
     std::mutex mutex_; ///< held for the length of a hand-over alone
     std::vector<Pending> arrived_;
     bool isEnding_ = false;
-    std::vector<Pending> programs_; ///< the thread's own while it runs
-    std::thread thread_;            ///< last: it uses all the others
+    std::vector<Pending> programs_;                           ///< the thread's own while it runs
+    std::vector<char> chunk_ = std::vector<char>(chunkBytes); ///< likewise
+    std::thread thread_;                                      ///< uses all the others
 };
 
 PipeProgramReader::PipeProgramReader(MainQueue& queue, const Environment& environment)
@@ -158,22 +168,32 @@ std::shared_ptr<RunningProcess> PipeProgramReader::start(const ProcessSpec& spec
                                                          const OutputReading& reading,
                                                          std::function<void(ProcessEnd)> ended) {
     requireMainThread(queue_);
-    if (!thread_)
-        thread_ = std::make_shared<Thread>(queue_);
-    auto pipe = openPipe(spec.arguments.empty() ? "a program" : spec.arguments.front());
-    const int errors = reading.errors == OutputReading::Errors::merged ? pipe.writing.number() : -1;
+    const std::string program = spec.arguments.empty() ? "a program" : spec.arguments.front();
+    try {
+        if (!thread_)
+            thread_ = std::make_shared<Thread>(queue_);
+    } catch (const std::system_error& error) {
+        throw ProcessError(fmt::format(
+            "{} could not be started: no thread to read it: {}", program, error.what()));
+    }
+    auto pipe = openPipe(program);
+    const auto errors = reading.errors == OutputReading::Errors::merged
+                            ? std::optional(pipe.writing.number())
+                            : std::nullopt;
     const auto process =
         Spawning::start(spec, home_, {.output = pipe.writing.number(), .errors = errors});
     if (!spec.name.empty())
         SystemdScope::request(process, spec.name);
-    auto program = std::make_shared<PipeReading>(
-        process, std::move(pipe.reading), reading.keepBytes, std::move(ended));
-    program->wakeUp = [thread = std::weak_ptr(thread_)] {
-        if (const auto reader = thread.lock())
-            reader->wakeUp();
-    };
-    thread_->add(program);
-    return program;
+    auto running = std::make_shared<PipeReading>(process,
+                                                 std::move(pipe.reading),
+                                                 reading.keepBytes,
+                                                 std::move(ended),
+                                                 [thread = std::weak_ptr(thread_)] {
+                                                     if (const auto reader = thread.lock())
+                                                         reader->wakeUp();
+                                                 });
+    thread_->add(running);
+    return running;
 }
 
 } // namespace tessarine

@@ -14,12 +14,10 @@ struct Environment;
 /// program leaves behind may go on printing: that is read too, and dropped. Main thread only.
 class PipeProgramReader : public ProgramReader {
 public:
-    static constexpr Seconds grace{0.3};    ///< for output after the end, held open by others
-    static constexpr Seconds patience{2.0}; ///< from the request to end until the kill
-
     PipeProgramReader(MainQueue& queue, const Environment& environment);
-    /// Calls no `ended` any more. Programs run on, and their output is drained by programs that
-    /// outlive us, so that none of them ends at a broken pipe; those asked to end are killed.
+    /// Calls no `ended` any more, but for those already on their way to the main queue. Programs
+    /// run on, and their output is drained by programs that outlive us, so that none of them ends
+    /// at a broken pipe; those asked to end are killed.
     ~PipeProgramReader() override;
     PipeProgramReader(const PipeProgramReader&) = delete;
     PipeProgramReader& operator=(const PipeProgramReader&) = delete;

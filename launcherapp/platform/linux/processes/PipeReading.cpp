@@ -1,10 +1,8 @@
 #include "launcherapp/platform/linux/processes/PipeReading.h"
 
-#include "launcherapp/platform/linux/processes/PipeProgramReader.h"
 #include "launcherapp/platform/linux/processes/Spawning.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <sys/wait.h>
@@ -32,44 +30,42 @@ int statusOf(const siginfo_t& end) {
 PipeReading::PipeReading(pid_t process,
                          FileDescriptor output,
                          std::size_t keepBytes,
-                         std::function<void(ProcessEnd)> ended)
+                         std::function<void(ProcessEnd)> ended,
+                         std::function<void()> wakeUp)
     : process_(process), output_(std::move(output)), end_(Spawning::endOf(process)),
-      keepBytes_(keepBytes), ended_(std::move(ended)) {}
+      keepBytes_(keepBytes), ended_(std::move(ended)), wakeUp_(std::move(wakeUp)) {}
 
 void PipeReading::terminate() {
     isAskedToEnd_ = true;
-    wakeUp();
+    wakeUp_();
 }
 
-Seconds PipeReading::patience(Seconds now) const {
-    auto patience = forEver;
-    const auto waitUntil = [&](Seconds due) {
-        patience = std::clamp(due - now, Seconds{0}, patience);
-    };
+Seconds PipeReading::untilNextStep(Seconds now) const {
+    auto sleep = longestSleep;
+    const auto waitUntil = [&](Seconds due) { sleep = std::clamp(due - now, Seconds{0}, sleep); };
     if (isAskedToEnd_ && !askedAt_ && !isReaped_)
         return Seconds{0}; // asked before the thread had it: the call to wake up is spent
     if (!endedAt_ && !end_)
         waitUntil(now + lookInterval);
     if (endedAt_ && ended_)
-        waitUntil(*endedAt_ + PipeProgramReader::grace);
+        waitUntil(*endedAt_ + grace);
     if (askedAt_ && !isKilled_)
-        waitUntil(*askedAt_ + PipeProgramReader::patience);
-    return patience;
+        waitUntil(*askedAt_ + patience);
+    return sleep;
 }
 
-void PipeReading::step(MainQueue& queue) {
+void PipeReading::step(MainQueue& queue, std::span<char> chunk) {
     const auto now = queue.uptime();
     if (!endedAt_)
         lookForEnd(now);
     // After the look for the end, so that all that a program printed before it is here.
-    readOutput();
+    readOutput(chunk);
     endGroup(now);
-    if (ended_ && endedAt_ && (!output_ || now >= *endedAt_ + PipeProgramReader::grace))
+    if (ended_ && endedAt_ && (!output_ || now >= *endedAt_ + grace))
         tell(queue);
 }
 
-void PipeReading::readOutput() {
-    static thread_local std::array<char, std::size_t{64} << 10> chunk;
+void PipeReading::readOutput(std::span<char> chunk) {
     for (int i = 0; output_ && i < readsPerTurn; ++i) {
         const auto count = ::read(output_.number(), chunk.data(), chunk.size());
         if (count < 0 && errno == EAGAIN)
@@ -109,7 +105,7 @@ void PipeReading::endGroup(Seconds now) {
         askedAt_ = now;
         ::kill(-process_, SIGTERM);
     }
-    if (askedAt_ && !isKilled_ && now >= *askedAt_ + PipeProgramReader::patience) {
+    if (askedAt_ && !isKilled_ && now >= *askedAt_ + patience) {
         isKilled_ = true;
         ::kill(-process_, SIGKILL);
     }

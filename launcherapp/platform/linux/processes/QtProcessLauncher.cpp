@@ -6,8 +6,8 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <memory>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace tessarine {
 
@@ -16,15 +16,15 @@ namespace {
 /// Takes note of a program's end, so that the kernel can forget it. Where the kernel can't tell
 /// of it, that waits until we end ourselves.
 void awaitEnd(pid_t process) {
-    const int descriptor = Spawning::endOf(process);
-    if (descriptor < 0)
+    // Shared, since Qt copies what it calls; it is closed with the notifier.
+    const auto descriptor = std::make_shared<const FileDescriptor>(Spawning::endOf(process));
+    if (!*descriptor)
         return;
-    auto* ended = new QSocketNotifier(descriptor, QSocketNotifier::Read, qApp);
+    auto* ended = new QSocketNotifier(descriptor->number(), QSocketNotifier::Read, qApp);
     QObject::connect(ended, &QSocketNotifier::activated, ended, [ended, descriptor, process] {
         ::waitpid(process, nullptr, WNOHANG);
         ended->setEnabled(false);
         ended->deleteLater();
-        ::close(descriptor);
     });
 }
 

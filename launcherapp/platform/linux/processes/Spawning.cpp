@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -21,6 +22,10 @@ namespace {
 bool isExecutableFile(const QString& path) {
     const QFileInfo file(path);
     return file.isFile() && file.isExecutable();
+}
+
+bool holdsNul(const std::string& text) {
+    return text.find('\0') != std::string::npos;
 }
 
 /// The folder asked for, or the nearest thing to it that is there.
@@ -102,12 +107,12 @@ public:
     }
 
 private:
-    void lead(int stream, int target) {
+    void lead(int stream, std::optional<int> target) {
         // A terminal or log that ends with us would take what it started along.
-        if (target < 0)
-            ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
+        if (target)
+            ::posix_spawn_file_actions_adddup2(&actions_, *target, stream);
         else
-            ::posix_spawn_file_actions_adddup2(&actions_, target, stream);
+            ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
     }
 
     posix_spawn_file_actions_t actions_{};
@@ -130,6 +135,8 @@ pid_t Spawning::start(const ProcessSpec& spec, const std::string& home, Streams 
     const auto program = executable(spec.arguments.front());
     if (!program)
         throw ProcessError(spec.arguments.front() + " could not be started: no such program");
+    if (std::ranges::any_of(spec.arguments, holdsNul))
+        throw ProcessError(*program + " could not be started: an argument holds a NUL");
 
     auto arguments = spec.arguments;
     arguments.front() = *program;
@@ -141,8 +148,8 @@ pid_t Spawning::start(const ProcessSpec& spec, const std::string& home, Streams 
     return *process;
 }
 
-int Spawning::endOf(pid_t process) {
-    return static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
+FileDescriptor Spawning::endOf(pid_t process) {
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
 }
 
 } // namespace tessarine

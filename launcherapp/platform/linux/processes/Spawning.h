@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/ProcessLauncher.h"
+#include "launcherapp/platform/linux/files/FileDescriptor.h"
 
 #include <optional>
 #include <string>
@@ -13,11 +14,12 @@ namespace tessarine {
 /// or blocked, none of our files open. Who starts one takes note of its end. Main thread only.
 namespace Spawning {
 
-/// Where a program's streams lead; a negative number is the null device.
+/// Where a program's streams lead, by descriptors that the caller keeps; nothing is the null
+/// device.
 struct Streams {
-    int input = -1;
-    int output = -1;
-    int errors = -1;
+    std::optional<int> input;
+    std::optional<int> output;
+    std::optional<int> errors;
 };
 
 /// The path of a program that the user may execute: `program` itself if it is such a path, else
@@ -25,11 +27,11 @@ struct Streams {
 std::optional<std::string> executable(std::string_view program);
 
 /// The process's id. A working directory that isn't there is `home` instead, and that "/". Throws
-/// ProcessError when the program can't be executed.
+/// ProcessError when the program can't be executed, or an argument holds a NUL, where it would end.
 pid_t start(const ProcessSpec& spec, const std::string& home, Streams streams);
 
-/// A descriptor that can be read once the process has ended; negative where the kernel has none.
-int endOf(pid_t process);
+/// A descriptor that can be read once the process has ended; none where the kernel has none.
+FileDescriptor endOf(pid_t process);
 
 } // namespace Spawning
 } // namespace tessarine

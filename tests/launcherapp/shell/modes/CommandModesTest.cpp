@@ -1,11 +1,11 @@
 #include "launcherapp/shell/modes/CommandModes.h"
 
-#include "launcherapp/commands/CommandHotkeys.h"
-#include "launcherapp/commands/CommandStore.h"
+#include "launcherapp/commands/ListCommands.h"
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/shell/modes/Modes.h"
 #include "tests/launcherapp/commands/CommandFixture.h"
+#include "tests/launcherapp/commands/CommandOffer.h"
 
 #include <gmock/gmock.h>
 
@@ -20,14 +20,13 @@ using testing::StartsWith;
 
 using Words = std::vector<std::string>;
 
-constexpr auto path = "/home/u/.local/share/tessarine/commands.json";
-
 /// A run of the program with these words and this commands file.
 class CommandRun {
 public:
     CommandRun(Words words, const std::string& file) : commandLine(std::move(words)) {
-        fixture.services.platform.files.file(path, file);
+        fixture.services.platform.files.file(CommandOffer::path, file);
         fixture.services.startCatalog();
+        fixture.runtime.system = [this](SystemAction action) { offer.system.run(action); };
         Modes::schedule(context);
     }
 
@@ -35,22 +34,16 @@ public:
 
     CommandFixture fixture;
     FakeServices& services = fixture.services;
-    CommandHotkeys hotkeys{{.hotkey = [] { return nullptr; },
-                            .usage = services.usage,
-                            .diagnostics = services.diagnostics},
-                           {}};
-    CommandStore store{{.queue = services.platform.queue,
+    CommandOffer offer{services};
+    ListCommands lists{{.queue = services.platform.queue,
+                        .runtime = fixture.runtime,
+                        .programs = services.platform.programs,
                         .work = services.platform.work,
-                        .files = {std::shared_ptr<void>(), &services.platform.files},
-                        .directories = services.platform.watcher,
-                        .prefs = services.prefs,
-                        .diagnostics = services.diagnostics,
-                        .hotkeys = hotkeys,
-                        .environment = services.environment},
-                       "/home/u/.local/share/tessarine",
-                       CommandStore::Content::file};
-    CommandModeServices commands{.store = store,
+                        .diagnostics = services.diagnostics}};
+    CommandModeServices commands{.store = offer.store,
+                                 .catalog = offer.catalog,
                                  .runtime = fixture.runtime,
+                                 .lists = lists,
                                  .probe =
                                      [this](const std::string& bundleID,
                                             const std::vector<std::string>& names,
@@ -59,20 +52,13 @@ public:
                                          std::ranges::copy(names, std::back_inserter(probed));
                                          told(probeLine);
                                      },
-                                 .builtIn =
-                                     [](const auto& users) {
-                                         std::vector<CommandSpec> all{
-                                             {.id = "builtin.lock",
-                                              .name = "Lock",
-                                              .kind = CommandKind::system,
-                                              .action = SystemAction::lockScreen}};
-                                         return users.empty() ? std::vector<CommandSpec>() : all;
-                                     }};
+                                 .isSettled = [this] { return isSettled; }};
     std::unique_ptr<SearchModel> model = services.makeModel();
     CreditResolver credits{services.catalog, services.platform.files, services.environment};
     CommandLine commandLine;
     std::vector<std::string> probed; ///< the application and the names
     std::string probeLine = "PRESSED: One";
+    bool isSettled = true;
     std::vector<std::string> lines;
     std::optional<int> status;
     ModeContext context{.commandLine = commandLine,
@@ -93,7 +79,8 @@ constexpr auto file = R"({"version": 1, "commands": [
     {"id": "two", "name": "Other", "aliases": ["FOUR", "one"], "kind": "script", "script": "2"},
     {"id": "x3", "name": "Größe", "keyword": "Two", "kind": "script", "script": "3"},
     {"id": "f", "name": "Docs", "kind": "files"},
-    {"id": "l", "name": "List", "kind": "list", "script": "5"}]})";
+    {"id": "l", "name": "List", "kind": "list", "script": "5"},
+    {"id": "away", "name": "Away", "kind": "system", "action": "lockScreen"}]})";
 
 TEST(CommandModes, aCommandIsFoundByIdThenNameThenKeywordThenAlias) {
     const struct {
@@ -145,7 +132,8 @@ TEST(CommandModes, whatCannotBeRunIsSaid) {
         {{"--run", ""}, 2, "NOT_FOUND: no command matched \"\""},
         {{"--run", "docs"}, 4, "NOT_RUNNABLE: \"docs\" (kind: files)" + list},
         {{"--run", "List"}, 4, "NOT_RUNNABLE: \"List\" (kind: list)" + list},
-        {{"--run", "lock"}, 0, "RAN: \"lock\" (system)"},
+        {{"--run", "sleep"}, 0, "RAN: \"sleep\" (system)"},
+        {{"--run", "lock screen"}, 0, "RAN: \"lock screen\" (system)"},
     };
 
     for (const auto& [words, status, line] : cases) {
@@ -163,11 +151,36 @@ TEST(CommandModes, aBrokenFileIsSaidBeforeAll) {
     EXPECT_EQ(run.status, 2);
     EXPECT_THAT(run.lines,
                 ElementsAre(StartsWith("commands.json parse error: "), HasSubstr("NOT_FOUND: ")));
+
+    CommandRun machine({"--run", "sleep"}, "{\"commands\": [");
+    machine.pass(1);
+    EXPECT_EQ(machine.status, 0) << "what needs no file runs without one";
+    EXPECT_THAT(machine.offer.effects.performed, ElementsAre(SystemAction::sleep));
+}
+
+TEST(CommandModes, aRunEndsWhenWhatItStartedIsHandedOver) {
+    CommandRun run({"--run", "one"}, file);
+    run.isSettled = false;
+    run.pass(5);
+    EXPECT_EQ(run.status, std::nullopt);
+    run.isSettled = true;
+    run.pass(0.3);
+    EXPECT_EQ(run.status, std::nullopt) << "what was started last is to be on its way";
+    run.pass(0.6);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.lines, ElementsAre("RAN: \"one\" (script)"));
+
+    CommandRun hanging({"--run", "one"}, file);
+    hanging.isSettled = false;
+    hanging.pass(16);
+    EXPECT_EQ(hanging.status, 0);
+    EXPECT_THAT(hanging.lines,
+                ElementsAre("RAN: \"one\" (script)", HasSubstr("still under way after 15 s")));
 }
 
 TEST(CommandModes, theFileIsReadOnceWhoeverBegins) {
     CommandRun run({"--run", "one"}, file);
-    run.store.start();
+    run.offer.store.start();
     run.pass(0.2);
     const auto reads = run.services.platform.files.reads;
     run.pass(0.2);
@@ -181,6 +194,10 @@ TEST(CommandModes, aProbePressesTheNamesThatFollowUpToTheNextFlag) {
     EXPECT_THAT(run.probed, ElementsAre("org.x.App", "File", "Save as"));
     EXPECT_THAT(run.lines, ElementsAre("PRESSED: One"));
     EXPECT_EQ(run.status, 0);
+
+    CommandRun twice({"--run", "none", "--arg", "A", "--jump-press-probe", "A", "B"}, file);
+    twice.pass(0.31);
+    EXPECT_THAT(twice.probed, ElementsAre("A", "B")) << "the names follow the flag, not the word";
 
     CommandRun failing({"--jump-press-probe", "org.x.App", "File"}, file);
     failing.probeLine = "NOT PRESSED: could not find File";

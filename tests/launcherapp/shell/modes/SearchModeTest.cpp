@@ -2,8 +2,9 @@
 
 #include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/modes/CommandModes.h"
 #include "launcherapp/shell/modes/Modes.h"
-#include "tests/fakes/FakeServices.h"
+#include "tests/launcherapp/shell/WiredCommands.h"
 
 #include <gmock/gmock.h>
 
@@ -12,6 +13,9 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+constexpr auto listFile = R"({"version": 1, "commands": [
+    {"id": "br", "name": "Branches", "keyword": "br", "kind": "list", "script": "x"}]})";
 
 class SearchModeTest : public testing::Test {
 protected:
@@ -88,6 +92,59 @@ TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
     EXPECT_EQ(status, 0);
     EXPECT_THAT(lines,
                 ElementsAre(HasSubstr(R"({"note":"NOT MEASURED: )"), HasSubstr(R"("id":"web")")));
+}
+
+TEST(SearchModeOfCommands, theCommandsAreReadAndAListsScriptIsWaitedFor) {
+    const struct {
+        const char* reason;
+        bool answers;
+        Seconds until;
+        std::vector<const char*> shown;
+    } cases[] = {
+        {"its rows came", true, Seconds{0.1}, {"\"title\":\"main\""}},
+        {"it prints nothing for ever",
+         false,
+         Seconds{16},
+         {"the command's script still runs", "Its script is running"}},
+    };
+
+    for (const auto& [reason, answers, until, shown] : cases) {
+        SCOPED_TRACE(reason);
+        WiredCommands wired;
+        auto& platform = wired.services.platform;
+        wired.offer.services.platform.files.file(CommandOffer::path, listFile);
+        CreditResolver credits{wired.services.catalog, platform.files, wired.services.environment};
+        const CommandLine commandLine{{"--search", "br x"}};
+        const CommandModeServices commands{.store = wired.offer.store,
+                                           .catalog = wired.offer.catalog,
+                                           .runtime = wired.fixture.runtime,
+                                           .lists = wired.lists,
+                                           .probe = {},
+                                           .isSettled = {}};
+        std::vector<std::string> lines;
+        std::optional<int> status;
+        ModeContext context{.commandLine = commandLine,
+                            .environment = wired.services.environment,
+                            .queue = platform.queue,
+                            .files = platform.files,
+                            .catalog = wired.services.catalog,
+                            .prefs = wired.services.prefs,
+                            .model = wired.model,
+                            .credits = credits,
+                            .commands = &commands,
+                            .print = [&](std::string_view line) { lines.emplace_back(line); },
+                            .finish = [&](int value) { status = value; }};
+        SearchMode::run(context, "br x");
+        ASSERT_EQ(platform.programs.started.size(), 1u);
+        EXPECT_EQ(status, std::nullopt);
+        if (answers)
+            platform.programs.started[0]->end({.output = R"([{"title": "main"}])"});
+        platform.time.advance(until);
+        EXPECT_EQ(status, 0);
+        ASSERT_EQ(lines.size(), shown.size());
+        for (std::size_t i = 0; i < shown.size(); ++i)
+            EXPECT_THAT(lines[i], HasSubstr(shown[i]));
+    }
 }
 
 } // namespace
