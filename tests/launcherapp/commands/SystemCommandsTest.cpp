@@ -341,6 +341,7 @@ TEST_F(SystemCommandsTest, appearanceByTheHourOpensThePageThatComesNearest) {
     services.platform.time.settle();
     EXPECT_THAT(commands.subtitle(SystemAction::autoAppearance),
                 HasSubstr("Opens Appearance in the settings"));
+    services.platform.processes.programs.insert("gnome-control-center");
     run(SystemAction::autoAppearance);
     EXPECT_THAT(effects.performed, IsEmpty());
     ASSERT_EQ(services.platform.processes.started.size(), 1u);
