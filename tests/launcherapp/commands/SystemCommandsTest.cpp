@@ -49,6 +49,22 @@ protected:
         return ids;
     }
 
+    /// What the commands work through.
+    SystemCommands::Services reached() {
+        return {.queue = services.platform.queue,
+                .work = services.platform.work,
+                .files = services.platform.files,
+                .catalog = services.catalog,
+                .running = services.running,
+                .prefs = services.prefs,
+                .effects = effects,
+                .alerts = alerts,
+                .diagnostics = services.diagnostics,
+                .openWindows = [this] { return open; },
+                .closeWindow = [this](std::uint64_t window) { closed.push_back(window); },
+                .showPanel = [this](const std::string& query) { shown.push_back(query); }};
+    }
+
     void run(SystemAction action) {
         commands.run(action, [this](std::optional<std::string> problem) {
             ends.push_back(std::move(problem).value_or("done"));
@@ -71,20 +87,7 @@ protected:
     std::vector<std::uint64_t> closed;
     std::vector<std::string> shown;
     std::vector<std::string> ends; ///< how what was run ended, each once
-    SystemCommands commands{
-        {.queue = services.platform.queue,
-         .work = services.platform.work,
-         .files = services.platform.files,
-         .catalog = services.catalog,
-         .running = services.running,
-         .prefs = services.prefs,
-         .effects = effects,
-         .alerts = alerts,
-         .diagnostics = services.diagnostics,
-         .openWindows = [this] { return open; },
-         .closeWindow = [this](std::uint64_t window) { closed.push_back(window); },
-         .showPanel = [this](const std::string& query) { shown.push_back(query); }},
-        services.environment};
+    SystemCommands commands{reached(), services.environment};
 };
 
 TEST_F(SystemCommandsTest, panesComeAfterTheActionsByNameAndAreNoApplications) {
@@ -269,20 +272,7 @@ TEST_F(SystemCommandsTest, ofTwoQuestionsTheLastThatIsConfirmedCounts) {
 
 TEST_F(SystemCommandsTest, nothingEndsTheSessionOnceTheyAreGone) {
     open = {editor};
-    auto other = std::make_unique<SystemCommands>(
-        SystemCommands::Services{.queue = services.platform.queue,
-                                 .work = services.platform.work,
-                                 .files = services.platform.files,
-                                 .catalog = services.catalog,
-                                 .running = services.running,
-                                 .prefs = services.prefs,
-                                 .effects = effects,
-                                 .alerts = alerts,
-                                 .diagnostics = services.diagnostics,
-                                 .openWindows = [this] { return open; },
-                                 .closeWindow = [](std::uint64_t) {},
-                                 .showPanel = {}},
-        services.environment);
+    auto other = std::make_unique<SystemCommands>(reached(), services.environment);
     other->run(SystemAction::restart);
     other->run(SystemAction::shutDown);
     alerts.answers.front()(true);
@@ -341,6 +331,7 @@ TEST_F(SystemCommandsTest, appearanceByTheHourOpensThePageThatComesNearest) {
     services.platform.time.settle();
     EXPECT_THAT(commands.subtitle(SystemAction::autoAppearance),
                 HasSubstr("Opens Appearance in the settings"));
+    services.platform.processes.programs.insert("gnome-control-center");
     run(SystemAction::autoAppearance);
     EXPECT_THAT(effects.performed, IsEmpty());
     ASSERT_EQ(services.platform.processes.started.size(), 1u);

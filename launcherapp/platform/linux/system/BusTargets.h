@@ -21,12 +21,12 @@ constexpr BusTarget logindSession(const char* path) {
 }
 
 /// A call to our own session, which may ask the user for a password; nothing if logind knows none.
-inline std::optional<BusCall> ownSession(const EffectContext& context, const char* method) {
+inline std::optional<BusRequest> ownSession(const EffectContext& context, const char* method) {
     if (!context.system || !context.facts.logind || !context.facts.logind->session)
         return std::nullopt;
     auto message = logindSession(context.facts.logind->session->c_str()).call(method);
     message.setInteractiveAuthorizationAllowed(true);
-    return BusCall{*context.system, std::move(message), context.doors->patience.user};
+    return BusRequest{*context.system, std::move(message), context.doors->patience.user};
 }
 
 /// The desktop portal's way to take pictures of the screen.

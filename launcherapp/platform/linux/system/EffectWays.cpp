@@ -45,7 +45,7 @@ bool isUnanswered(const QDBusMessage& reply) {
            error == QDBusError::TimedOut;
 }
 
-void callInTurn(std::shared_ptr<const std::vector<BusCall>> calls,
+void callInTurn(std::shared_ptr<const std::vector<BusRequest>> calls,
                 std::size_t index,
                 const EffectWay& otherwise,
                 EffectDone done) {
@@ -118,7 +118,7 @@ EffectWay chain(std::vector<EffectWay> ways, bool (*endsWith)(const std::optiona
 } // namespace
 
 Effect
-Effect::byFirst(std::vector<BusCall> calls, std::vector<EffectWay> ways, std::string whyNone) {
+Effect::byFirst(std::vector<BusRequest> calls, std::vector<EffectWay> ways, std::string whyNone) {
     if (calls.empty() && ways.empty())
         return missing(std::move(whyNone));
     return by(EffectWays::firstOf(std::move(calls), std::move(ways)));
@@ -176,11 +176,11 @@ EffectWay EffectWays::call(const QDBusConnection& bus, QDBusMessage message, Sec
     };
 }
 
-EffectWay EffectWays::firstOf(std::vector<BusCall> calls, std::vector<EffectWay> ways) {
+EffectWay EffectWays::firstOf(std::vector<BusRequest> calls, std::vector<EffectWay> ways) {
     auto otherwise = ways.empty() ? EffectWay() : firstOf(std::move(ways));
     if (calls.empty())
         return otherwise;
-    return [calls = std::make_shared<const std::vector<BusCall>>(std::move(calls)),
+    return [calls = std::make_shared<const std::vector<BusRequest>>(std::move(calls)),
             otherwise = std::move(otherwise)](EffectDone done) {
         callInTurn(calls, 0, otherwise, std::move(done));
     };

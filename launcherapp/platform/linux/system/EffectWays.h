@@ -19,7 +19,7 @@ namespace tessarine {
 using EffectWay = std::function<void(EffectDone done)>;
 
 /// A call on a bus whose answer holds nothing.
-struct BusCall {
+struct BusRequest {
     QDBusConnection bus;
     QDBusMessage message;
     Seconds timeout;
@@ -39,7 +39,7 @@ struct Effect {
 
     /// As `EffectWays::firstOf`, or why there is none.
     static Effect
-    byFirst(std::vector<BusCall> calls, std::vector<EffectWay> ways, std::string whyNone);
+    byFirst(std::vector<BusRequest> calls, std::vector<EffectWay> ways, std::string whyNone);
     static Effect byFirst(std::vector<EffectWay> ways, std::string whyNone);
 };
 
@@ -90,7 +90,7 @@ EffectWay call(const QDBusConnection& bus, QDBusMessage message, Seconds timeout
 /// The calls in turn until one isn't refused, then the ways until one works; with the last one's
 /// problem when none does. A call that nobody answers in time may be carried out yet, so that its
 /// problem ends it too.
-EffectWay firstOf(std::vector<BusCall> calls, std::vector<EffectWay> ways);
+EffectWay firstOf(std::vector<BusRequest> calls, std::vector<EffectWay> ways);
 EffectWay firstOf(std::vector<EffectWay> ways);
 
 /// Each in turn; the first problem ends it.

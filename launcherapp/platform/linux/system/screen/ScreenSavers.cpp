@@ -34,9 +34,9 @@ bool isHere(const DesktopFacts& facts, const Saver& saver) {
 
 } // namespace
 
-std::vector<BusCall>
+std::vector<BusRequest>
 ScreenSavers::calls(const EffectContext& context, Request Saver::*request, Seconds timeout) {
-    std::vector<BusCall> calls;
+    std::vector<BusRequest> calls;
     for (const auto& saver : savers()) {
         const auto& [method, values] = saver.*request;
         if (context.session && isHere(context.facts, saver))

@@ -20,6 +20,6 @@ struct Saver {
 };
 
 /// The request to each that is here, the desktop's own before the common name; empty without any.
-std::vector<BusCall> calls(const EffectContext& context, Request Saver::*request, Seconds timeout);
+std::vector<BusRequest> calls(const EffectContext& context, Request Saver::*request, Seconds timeout);
 
 } // namespace tessarine::ScreenSavers

@@ -94,7 +94,7 @@ bool isHere(const DesktopFacts& facts, const SessionManager& manager) {
 }
 
 struct Asked {
-    std::vector<BusCall> calls;
+    std::vector<BusRequest> calls;
     Farewell farewell = Farewell::none;
 };
 
