@@ -2,7 +2,8 @@
 
 namespace tessarine {
 
-/// A place on the desktop in logical pixels, y downward from the top of the primary screen.
+/// A place on the desktop in logical pixels, y downward from the top of the primary screen. Where
+/// windows of other programs are concerned, and it is said so, pixels are the display's own.
 struct Point {
     double x = 0;
     double y = 0;
@@ -10,7 +11,7 @@ struct Point {
     bool operator==(const Point&) const = default;
 };
 
-/// A rectangle on the desktop in logical pixels; `x` and `y` are its top left.
+/// A rectangle on the desktop, in pixels as of `Point`; `x` and `y` are its top left.
 struct Rectangle {
     double x = 0;
     double y = 0;

@@ -22,6 +22,8 @@ public:
 
     Ability ability(SystemAction) const override { return {}; }
 
+    EffectManner manner(SystemAction) const override { return {}; }
+
     Subscription onChange(std::function<void()>) override { return {}; }
 
     void perform(SystemAction,

@@ -37,7 +37,8 @@ struct WiredCommands {
                         .work = services.platform.work,
                         .diagnostics = services.diagnostics}};
     FakeWindowControl control;
-    WindowManager windows{{.control = control,
+    WindowManager windows{{.queue = services.platform.queue,
+                           .control = control,
                            .windows = services.platform.windows,
                            .running = services.running,
                            .catalog = services.catalog,
@@ -68,8 +69,7 @@ struct WiredCommands {
                           .usage = services.usage,
                           .index = index,
                           .opener = fixture.opener,
-                          .running = services.running,
-                          .control = control,
+                          .list = services.platform.windows,
                           .windows = windows,
                           .runtime = fixture.runtime,
                           .lists = lists,

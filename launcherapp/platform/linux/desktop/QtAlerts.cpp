@@ -91,7 +91,7 @@ void QtAlerts::tell(const std::string& title, const std::string& text) {
 
 Subscription
 QtAlerts::wait(const std::string& title, const std::string& text, std::function<void()> takenBack) {
-    if (!hasWindows())
+    if (!canShowWindows())
         return {};
     auto* box = makeBox(QMessageBox::Information, title, text);
     box->setAttribute(Qt::WA_ShowWithoutActivating);
