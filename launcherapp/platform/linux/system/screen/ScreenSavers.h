@@ -20,6 +20,7 @@ struct Saver {
 };
 
 /// The request to each that is here, the desktop's own before the common name; empty without any.
-std::vector<BusRequest> calls(const EffectContext& context, Request Saver::*request, Seconds timeout);
+std::vector<BusRequest>
+calls(const EffectContext& context, Request Saver::*request, Seconds timeout);
 
 } // namespace tessarine::ScreenSavers
