@@ -175,7 +175,7 @@ std::string PanelDesktop::fieldText() {
             xcb_get_selection_owner_reply(xcb, xcb_get_selection_owner(xcb, clipboard), nullptr));
         return reply->owner;
     };
-    if (!waitUntil(std::chrono::seconds(5), [&] { return owner() != clipboard_; }))
+    if (!waitUntil(patience, [&] { return owner() != clipboard_; }))
         return "(the field gives nothing)";
     xcb_convert_selection(xcb,
                           clipboard_,
@@ -185,7 +185,7 @@ std::string PanelDesktop::fieldText() {
                           XCB_CURRENT_TIME);
     neighbour.finish();
     std::string text = "(the field doesn't answer)";
-    waitUntil(std::chrono::seconds(5), [&] {
+    waitUntil(patience, [&] {
         const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(xcb)};
         if (!event || (event->response_type & 0x7f) != XCB_SELECTION_NOTIFY)
             return false;

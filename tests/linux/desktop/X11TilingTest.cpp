@@ -173,7 +173,7 @@ TEST_F(X11TilingTest, aMinimisedWindowIsBroughtBackToItsPlace) {
     ASSERT_TRUE(spinUntil([&] { return hasState(window, "_NET_WM_STATE_HIDDEN"); }));
     const auto half = WindowVerbs::frame(WindowVerb::left, leftMonitor, {});
     place(window, half);
-    EXPECT_FALSE(hasState(window, "_NET_WM_STATE_HIDDEN"));
+    EXPECT_TRUE(spinUntil([&] { return !hasState(window, "_NET_WM_STATE_HIDDEN"); }));
     EXPECT_TRUE(spinUntil([&] { return seen(window) == half; }))
         << testing::PrintToString(seen(window));
 }
