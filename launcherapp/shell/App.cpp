@@ -331,19 +331,18 @@ void App::Parts::scheduleModes() {
                                        .volumes = services->volumes,
                                        .index = services->index,
                                        .walker = services->walker});
-    running.emplace(CommandModeServices{
-        .store = commands->store,
-        .catalog = commands->catalog,
-        .runtime = commands->runtime,
-        .lists = commands->lists,
-        .probe =
-            [this](const std::string& bundleID,
-                   const std::vector<std::string>& names,
-                   std::function<void(std::string)> told) {
-                commands->jumps.probe(bundleID, names, std::move(told));
-            },
-        .isSettled =
-            [this] { return commands->runtime.isSettled() && commands->jumps.isSettled(); }});
+    running.emplace(CommandModeServices{.store = commands->store,
+                                        .catalog = commands->catalog,
+                                        .runtime = commands->runtime,
+                                        .lists = commands->lists,
+                                        .probe =
+                                            [this](const std::string& bundleID,
+                                                   const std::vector<std::string>& names,
+                                                   std::function<void(std::string)> told) {
+                                                commands->jumps.probe(
+                                                    bundleID, names, std::move(told));
+                                            },
+                                        .isSettled = [this] { return commands->isSettled(); }});
     modes.emplace(ModeContext{
         .commandLine = commandLine,
         .environment = environment,

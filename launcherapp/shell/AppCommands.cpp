@@ -166,7 +166,10 @@ AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Pr
             made.support.location(),
             made.run.isDemonstration ? CommandStore::Content::demonstration
                                      : CommandStore::Content::file) {
-    runtime.system = [this](SystemAction action) { system.run(action); };
+    runtime.system = [this](SystemAction action) {
+        ++actionsUnderWay_;
+        system.run(action, [this](const std::optional<std::string>&) { --actionsUnderWay_; });
+    };
     runtime.jump = [this](const CommandSpec& command, const std::string& argument) {
         jumps.run(command, argument);
     };

@@ -41,6 +41,11 @@ public:
 
     CommandWiring::Services wiringServices();
 
+    /// Whether all that commands have started is handed over, or done.
+    bool isSettled() const {
+        return actionsUnderWay_ == 0 && runtime.isSettled() && jumps.isSettled();
+    }
+
     AppServices& services;
     QtAlerts alerts;
     std::unique_ptr<SystemEffects> effects;
@@ -54,6 +59,7 @@ public:
     CommandStore store;
 
 private:
+    int actionsUnderWay_ = 0;       ///< of the machine's
     std::optional<double> listsOf_; ///< when the commands were loaded whose lists are kept
     /// Before the catalog's: who hears of a change from there finds no list of the old commands.
     Subscription listsAreOld_ = store.onChange([this] {
