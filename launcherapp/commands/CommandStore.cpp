@@ -74,8 +74,10 @@ void CommandStore::start() {
                 unwritten = error.what();
             }
             auto look = looked(*files, path);
-            if (!look.bytes && !unwritten.empty())
+            if (!look.bytes && !unwritten.empty()) {
                 look.problem = unwritten;
+                look.isUnwritable = true;
+            }
             return look;
         },
         [this, weak = std::weak_ptr(alive_), path = location()](const Look& look) {
@@ -100,6 +102,11 @@ void CommandStore::load() {
 
 void CommandStore::take(const Look& look) {
     lastModified_ = look.modified;
+    if (look.isUnwritable) {
+        // Nobody's commands are missing: what would be in the file does without it.
+        adopt(CommandFile::starter(), {look.problem});
+        return;
+    }
     if (!look.bytes) {
         refuse(look.problem);
         return;

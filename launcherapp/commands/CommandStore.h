@@ -91,7 +91,8 @@ private:
     struct Look {
         std::optional<double> modified; ///< nothing when there is no file
         std::optional<std::string> bytes;
-        std::string problem; ///< why there are no bytes
+        std::string problem;       ///< why there are no bytes
+        bool isUnwritable = false; ///< there is no file, and none can be made
     };
 
     static Look looked(const FileStore& files, const std::string& path);

@@ -321,7 +321,8 @@ TEST(CommandStore, aStarterThatCannotBeWrittenIsToldWithTheReason) {
     fixture.services.platform.time.settle();
     ASSERT_THAT(fixture.store.problems(), SizeIs(1));
     EXPECT_THAT(fixture.store.problems()[0], testing::Not(HasSubstr("there is no file")));
-    EXPECT_THAT(fixture.names(), IsEmpty());
+    EXPECT_EQ(fixture.store.error(), std::nullopt) << "nothing of the user's could not be read";
+    EXPECT_EQ(fixture.store.file(), CommandFile::starter());
 }
 
 TEST(CommandStore, aMoveThatCannotBeFinishedIsToldAndKeepsTheOldPlace) {
