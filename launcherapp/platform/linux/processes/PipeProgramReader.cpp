@@ -172,9 +172,9 @@ std::shared_ptr<RunningProcess> PipeProgramReader::start(const ProcessSpec& spec
     try {
         if (!thread_)
             thread_ = std::make_shared<Thread>(queue_);
-    } catch (const std::system_error& error) {
+    } catch (const std::system_error&) {
         throw ProcessError(fmt::format(
-            "{} could not be started: no thread to read it: {}", program, error.what()));
+            "{} could not be started: the system grants no thread to read it", program));
     }
     auto pipe = openPipe(program);
     const auto errors = reading.errors == OutputReading::Errors::merged
