@@ -1,5 +1,6 @@
 #include "LauncherCore/commands/Chord.h"
 #include "LauncherCore/commands/CommandSpec.h"
+#include "LauncherCore/commands/CommandTemplates.h"
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
@@ -58,7 +59,8 @@ std::vector<std::string> kindProblems(const CommandSpec& command) {
     case CommandKind::app:
         return when(isEmpty(command.path), "kind app needs a path");
     case CommandKind::search:
-        return when(isEmpty(command.url) || command.url->find("{query}") == std::string::npos,
+        return when(isEmpty(command.url) ||
+                        command.url->find(CommandTemplates::placeholder) == std::string::npos,
                     "kind search needs a url containing {query}");
     case CommandKind::system:
         return when(!command.action, "kind system needs an action: " + actionNames());

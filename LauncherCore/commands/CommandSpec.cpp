@@ -1,5 +1,7 @@
 #include "LauncherCore/commands/CommandSpec.h"
 
+#include "LauncherCore/commands/CommandTemplates.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -7,7 +9,6 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::string_view queryField = "{query}";
 constexpr std::string_view firstParameter = "$1";
 
 bool contains(const std::optional<std::string>& text, std::string_view part) {
@@ -29,10 +30,10 @@ bool CommandSpec::takesArgument() const {
         return contains(script, firstParameter);
     case CommandKind::open:
         return urls && std::ranges::any_of(*urls, [](const std::string& each) {
-                   return each.find(queryField) != std::string::npos;
+                   return each.find(CommandTemplates::placeholder) != std::string::npos;
                });
     case CommandKind::jump:
-        return contains(url, queryField);
+        return contains(url, CommandTemplates::placeholder);
     }
     return false;
 }

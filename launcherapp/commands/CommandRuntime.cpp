@@ -1,5 +1,7 @@
 #include "launcherapp/commands/CommandRuntime.h"
 
+#include "LauncherCore/catalog/AppRegistry.h"
+#include "LauncherCore/commands/CommandTemplates.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Paths.h"
 #include "LauncherCore/text/Printable.h"
@@ -18,22 +20,7 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::string_view placeholder = "{query}";
 constexpr std::string_view entrySuffix = ".desktop";
-
-/// The argument stands there as a value: nothing in it can end that and begin another.
-std::string filled(std::string_view text, const std::string& argument) {
-    const auto value = Urls::queryValue(argument);
-    std::string result;
-    for (;;) {
-        const auto at = text.find(placeholder);
-        result += text.substr(0, at);
-        if (at == std::string_view::npos)
-            return result;
-        result += value;
-        text.remove_prefix(at + placeholder.size());
-    }
-}
 
 /// A script is to find what a terminal finds, and a desktop session's PATH may be bare.
 std::string programPath(const Environment& environment) {
@@ -105,7 +92,7 @@ std::vector<std::string> CommandRuntime::filledIn(const CommandSpec& command,
                                                   const std::string& argument) const {
     std::vector<std::string> urls;
     for (const auto& text : templates) {
-        if (auto url = resolve(filled(text, argument)))
+        if (auto url = resolve(CommandTemplates::filled(text, argument)))
             urls.push_back(*std::move(url));
         else
             services_.diagnostics.log(fmt::format("open: \"{}\" of {} is no link",
@@ -132,7 +119,7 @@ void CommandRuntime::launchApp(const CommandSpec& command) {
             diagnostics.log(
                 fmt::format("app command {} failed: {}", Printable::line(id), *problem));
     };
-    if (const auto* application = installedApp(path)) {
+    if (const auto* application = services_.catalog.registry()->named(path)) {
         ++launching_;
         services_.catalog.launch(
             *application,
@@ -153,16 +140,6 @@ void CommandRuntime::launchApp(const CommandSpec& command) {
     } catch (const ProcessError& error) {
         told(error.what());
     }
-}
-
-/// By the path of its desktop entry, by the id in it, or by the id alone.
-const InstalledApp* CommandRuntime::installedApp(const std::string& path) const {
-    const auto& registry = *services_.catalog.registry();
-    if (const auto* application = registry.byPath(path))
-        return application;
-    const bool isEntry = path.ends_with(entrySuffix);
-    const bool isPath = path.find('/') != std::string::npos;
-    return isEntry || !isPath ? registry.byID(Paths::lastPart(path)) : nullptr;
 }
 
 void CommandRuntime::reveal(const std::vector<std::string>& urls) {

@@ -19,7 +19,6 @@ namespace tessarine {
 class AppCatalog;
 class Diagnostics;
 class FileOpener;
-struct InstalledApp;
 
 /// One run of a program text, as `shell -c` has it.
 struct Script {
@@ -90,7 +89,6 @@ private:
                                       const std::vector<std::string>& templates,
                                       const std::string& argument) const;
     void launchApp(const CommandSpec& command);
-    const InstalledApp* installedApp(const std::string& path) const;
 
     Services services_;
     const Environment& environment_;

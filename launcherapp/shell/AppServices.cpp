@@ -192,13 +192,6 @@ void AppServices::startRates() {
         rates.show(DemonstrationAnswers::rates(doors.queue.now()));
 }
 
-void AppServices::bringUp(const InstalledApp& app) {
-    catalog.launch(app, [this, name = app.name](const std::optional<std::string>& problem) {
-        if (problem)
-            diagnostics.log(fmt::format("launch failed for {}: {}", name, *problem));
-    });
-}
-
 void AppServices::openSettings() {
     const auto path = preferencesPath(environment);
     try {

@@ -57,9 +57,6 @@ public:
     void loadCalculations();
     void startRates();
 
-    /// Brings the application forward if it runs; else starts it. A failure is logged.
-    void bringUp(const InstalledApp& app);
-
     /// There is no window of settings: the file is made to be edited by hand.
     void openSettings();
 

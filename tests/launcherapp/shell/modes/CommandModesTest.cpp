@@ -1,11 +1,11 @@
 #include "launcherapp/shell/modes/CommandModes.h"
 
 #include "launcherapp/commands/ListCommands.h"
-#include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/shell/modes/Modes.h"
 #include "tests/launcherapp/commands/CommandFixture.h"
 #include "tests/launcherapp/commands/CommandOffer.h"
+#include "tests/launcherapp/shell/modes/ModeRun.h"
 
 #include <gmock/gmock.h>
 
@@ -23,11 +23,12 @@ using Words = std::vector<std::string>;
 /// A run of the program with these words and this commands file.
 class CommandRun {
 public:
-    CommandRun(Words words, const std::string& file) : commandLine(std::move(words)) {
+    CommandRun(Words words, const std::string& file)
+        : mode(services, *model, std::move(words), &commands) {
         fixture.services.platform.files.file(CommandOffer::path, file);
         fixture.services.startCatalog();
         fixture.runtime.system = [this](SystemAction action) { offer.system.run(action); };
-        Modes::schedule(context);
+        Modes::schedule(mode.context);
     }
 
     void pass(double seconds) { fixture.services.platform.time.advance(Seconds{seconds}); }
@@ -54,24 +55,12 @@ public:
                                      },
                                  .isSettled = [this] { return isSettled; }};
     std::unique_ptr<SearchModel> model = services.makeModel();
-    CreditResolver credits{services.catalog, services.platform.files, services.environment};
-    CommandLine commandLine;
     std::vector<std::string> probed; ///< the application and the names
     std::string probeLine = "PRESSED: One";
     bool isSettled = true;
-    std::vector<std::string> lines;
-    std::optional<int> status;
-    ModeContext context{.commandLine = commandLine,
-                        .environment = services.environment,
-                        .queue = services.platform.queue,
-                        .files = services.platform.files,
-                        .catalog = services.catalog,
-                        .prefs = services.prefs,
-                        .model = *model,
-                        .credits = credits,
-                        .commands = &commands,
-                        .print = [this](std::string_view line) { lines.emplace_back(line); },
-                        .finish = [this](int value) { status = value; }};
+    ModeRun mode;
+    std::vector<std::string>& lines = mode.lines;
+    std::optional<int>& status = mode.status;
 };
 
 constexpr auto file = R"({"version": 1, "commands": [

@@ -1,10 +1,10 @@
 #include "launcherapp/shell/modes/SearchMode.h"
 
-#include "launcherapp/query/CreditResolver.h"
 #include "launcherapp/query/SearchModel.h"
 #include "launcherapp/shell/modes/CommandModes.h"
 #include "launcherapp/shell/modes/Modes.h"
 #include "tests/launcherapp/shell/WiredCommands.h"
+#include "tests/launcherapp/shell/modes/ModeRun.h"
 
 #include <gmock/gmock.h>
 
@@ -21,25 +21,12 @@ class SearchModeTest : public testing::Test {
 protected:
     void schedule() {
         services.catalog.start();
-        Modes::schedule(context);
+        Modes::schedule(run.context);
     }
 
     FakeServices services;
     std::unique_ptr<SearchModel> model = services.makeModel();
-    CreditResolver credits{services.catalog, services.platform.files, services.environment};
-    CommandLine commandLine{{"--search", "pad"}};
-    std::vector<std::string> lines;
-    std::optional<int> status;
-    ModeContext context{.commandLine = commandLine,
-                        .environment = services.environment,
-                        .queue = services.platform.queue,
-                        .files = services.platform.files,
-                        .catalog = services.catalog,
-                        .prefs = services.prefs,
-                        .model = *model,
-                        .credits = credits,
-                        .print = [this](std::string_view line) { lines.emplace_back(line); },
-                        .finish = [this](int value) { status = value; }};
+    ModeRun run{services, *model, {"--search", "pad"}};
 };
 
 TEST_F(SearchModeTest, printsOneObjectARowOnceTheServicesHaveSettled) {
@@ -47,11 +34,11 @@ TEST_F(SearchModeTest, printsOneObjectARowOnceTheServicesHaveSettled) {
     services.install("b", "Pad");
     schedule();
     services.platform.time.advance(Seconds{2.4});
-    EXPECT_EQ(status, std::nullopt);
+    EXPECT_EQ(run.status, std::nullopt);
     services.platform.time.advance(Seconds{0.2});
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(run.status, 0);
     EXPECT_THAT(
-        lines,
+        run.lines,
         ElementsAre(
             R"({"id":"/usr/share/applications/b.desktop","kind":"app","group":"apps","title":"Pad","subtitle":""})",
             R"({"id":"/usr/share/applications/a.desktop","kind":"app","group":"apps","title":"Launch \"Pad\" \\ café","subtitle":""})"));
@@ -60,8 +47,8 @@ TEST_F(SearchModeTest, printsOneObjectARowOnceTheServicesHaveSettled) {
 TEST_F(SearchModeTest, nothingOnTheMachineIsNoFailure) {
     schedule();
     services.platform.time.advance(Seconds{3});
-    EXPECT_EQ(status, 0);
-    EXPECT_THAT(lines, ElementsAre(HasSubstr(R"("id":"web")")));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.lines, ElementsAre(HasSubstr(R"("id":"web")")));
 }
 
 TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
@@ -69,28 +56,17 @@ TEST_F(SearchModeTest, waitsForASlowDiskAndSaysSoWhenItNeverAnswers) {
     services.platform.work.duration = Seconds{10};
     schedule();
     services.platform.time.advance(Seconds{10.1});
-    EXPECT_EQ(lines.size(), 1u);
+    EXPECT_EQ(run.lines.size(), 1u);
 
-    lines.clear();
-    status.reset();
     FakeServices slow;
     slow.platform.work.duration = Seconds{100};
     const auto slowModel = slow.makeModel();
-    ModeContext slowContext{.commandLine = commandLine,
-                            .environment = slow.environment,
-                            .queue = slow.platform.queue,
-                            .files = slow.platform.files,
-                            .catalog = slow.catalog,
-                            .prefs = slow.prefs,
-                            .model = *slowModel,
-                            .credits = credits,
-                            .print = context.print,
-                            .finish = context.finish};
+    ModeRun slowRun{slow, *slowModel, {"--search", "pad"}};
     slow.catalog.start();
-    Modes::schedule(slowContext);
+    Modes::schedule(slowRun.context);
     slow.platform.time.advance(Seconds{18});
-    EXPECT_EQ(status, 0);
-    EXPECT_THAT(lines,
+    EXPECT_EQ(slowRun.status, 0);
+    EXPECT_THAT(slowRun.lines,
                 ElementsAre(HasSubstr(R"({"note":"NOT MEASURED: )"), HasSubstr(R"("id":"web")")));
 }
 
@@ -113,37 +89,23 @@ TEST(SearchModeOfCommands, theCommandsAreReadAndAListsScriptIsWaitedFor) {
         WiredCommands wired;
         auto& platform = wired.services.platform;
         wired.offer.services.platform.files.file(CommandOffer::path, listFile);
-        CreditResolver credits{wired.services.catalog, platform.files, wired.services.environment};
-        const CommandLine commandLine{{"--search", "br x"}};
         const CommandModeServices commands{.store = wired.offer.store,
                                            .catalog = wired.offer.catalog,
                                            .runtime = wired.fixture.runtime,
                                            .lists = wired.lists,
                                            .probe = {},
                                            .isSettled = {}};
-        std::vector<std::string> lines;
-        std::optional<int> status;
-        ModeContext context{.commandLine = commandLine,
-                            .environment = wired.services.environment,
-                            .queue = platform.queue,
-                            .files = platform.files,
-                            .catalog = wired.services.catalog,
-                            .prefs = wired.services.prefs,
-                            .model = wired.model,
-                            .credits = credits,
-                            .commands = &commands,
-                            .print = [&](std::string_view line) { lines.emplace_back(line); },
-                            .finish = [&](int value) { status = value; }};
-        SearchMode::run(context, "br x");
+        ModeRun run{wired.services, wired.model, {"--search", "br x"}, &commands};
+        SearchMode::run(run.context, "br x");
         ASSERT_EQ(platform.programs.started.size(), 1u);
-        EXPECT_EQ(status, std::nullopt);
+        EXPECT_EQ(run.status, std::nullopt);
         if (answers)
             platform.programs.started[0]->end({.output = R"([{"title": "main"}])"});
         platform.time.advance(until);
-        EXPECT_EQ(status, 0);
-        ASSERT_EQ(lines.size(), shown.size());
+        EXPECT_EQ(run.status, 0);
+        ASSERT_EQ(run.lines.size(), shown.size());
         for (std::size_t i = 0; i < shown.size(); ++i)
-            EXPECT_THAT(lines[i], HasSubstr(shown[i]));
+            EXPECT_THAT(run.lines[i], HasSubstr(shown[i]));
     }
 }
 

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "launcherapp/query/CreditResolver.h"
+#include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/modes/Modes.h"
+#include "tests/fakes/FakeServices.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+/// A run of the program with these words, over the fakes, and what it prints.
+struct ModeRun {
+    ModeRun(FakeServices& made,
+            SearchModel& searched,
+            std::vector<std::string> words,
+            const CommandModeServices* commands = nullptr)
+        : credits(made.catalog, made.platform.files, made.environment),
+          commandLine(std::move(words)), context{.commandLine = commandLine,
+                                                 .environment = made.environment,
+                                                 .queue = made.platform.queue,
+                                                 .files = made.platform.files,
+                                                 .catalog = made.catalog,
+                                                 .prefs = made.prefs,
+                                                 .model = searched,
+                                                 .credits = credits,
+                                                 .commands = commands,
+                                                 .print =
+                                                     [this](std::string_view line) {
+                                                         lines.emplace_back(line);
+                                                     },
+                                                 .finish = [this](int value) { status = value; }} {}
+
+    ModeRun(const ModeRun&) = delete;
+    ModeRun& operator=(const ModeRun&) = delete;
+
+    CreditResolver credits;
+    CommandLine commandLine;
+    std::vector<std::string> lines;
+    std::optional<int> status;
+    ModeContext context;
+};
+
+} // namespace tessarine
