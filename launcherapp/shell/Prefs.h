@@ -159,6 +159,10 @@ public:
     Preference<bool> contactPhotosInResults;
     Preference<bool> clipAutoPaste;
     Preference<Texts> clipIgnoredApps;
+    Preference<std::string> clipHistoryFilePath; ///< empty: the one in the support folder
+    Preference<std::string> clipGroupsFilePath;  ///< likewise
+    /// Seconds since 1970, UTC, from which on each paste of a clipping is marked; 0: not known.
+    Preference<double> clipPasteTrackingSince;
     Preference<bool> ignoreRemoteClipboard;
     Preference<bool> ignoreRemoteClipboardFiles;
     Preference<bool> ignoreRemoteClipboardImages;

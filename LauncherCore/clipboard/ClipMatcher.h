@@ -1,0 +1,74 @@
+#pragma once
+
+#include "LauncherCore/clipboard/ClipboardEntry.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tessarine {
+
+/// What is known of a file that a clipping names.
+struct ClipFileFact {
+    bool exists = false;
+    bool hasNeedle = false; ///< the text looked for stands at its start
+
+    bool operator==(const ClipFileFact&) const = default;
+};
+
+/// What a rule asks of the world beyond the clipping itself.
+struct ClipFacts {
+    std::function<ClipFileFact(const std::string& path, const std::optional<std::string>& needle)>
+        file;
+    /// Seconds since 1970 from which on each paste is known; 0: not known.
+    double pasteTrackingSince = 0;
+};
+
+/// The rule of a taught group: all fields that are set must hold. A value; any thread. Two rules
+/// are equal when their fields are.
+struct ClipMatcher {
+    enum class FileState {
+        named,   ///< the text names a file, whatever is there
+        missing, ///< which doesn't exist
+        contains,
+        lacks ///< it exists and has not the needle
+    };
+
+    std::optional<std::string> contains;          ///< folded
+    std::optional<std::string> firstLineEndsWith; ///< byte for byte
+    std::optional<std::string> firstLineContains; ///< folded
+    std::optional<std::string> startsWith;        ///< folded
+    std::optional<std::string> regex;             ///< anywhere; case ignored, anchors match lines
+    std::optional<std::int64_t> maxLength;        ///< characters
+    std::optional<std::int64_t> minLength;
+    std::optional<bool> pasted;             ///< has a paste mark, or certainly has none
+    std::optional<std::string> filePattern; ///< its first group is a path that the text names
+    std::optional<FileState> fileState;
+    std::optional<std::string> fileNeedle;
+    std::optional<ClipKind> kind;
+
+    /// Whether no condition is set; a needle alone is none.
+    bool isEmpty() const;
+
+    bool readsAFile() const { return filePattern && fileState; }
+
+    /// By the seven conditions on texts alone; a rule without one matches no text.
+    bool matches(const ClipText& text) const;
+    bool matches(const ClipboardEntry& entry, const ClipFacts& facts) const;
+
+    /// The path that the text names; nothing without one.
+    std::optional<std::string> namedPath(std::string_view text) const;
+
+    /// Whether an expression compiles as `regex` does.
+    static bool compiles(std::string_view regex);
+
+    static std::string_view rawValue(FileState state);
+    static std::optional<FileState> stateNamed(std::string_view rawValue); ///< nothing: unknown
+
+    bool operator==(const ClipMatcher&) const;
+};
+
+} // namespace tessarine

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tessarine {
+
+/// A copied text that is kept, with what a search asks of it for each keystroke worked out once.
+/// Shared and never changed, so that copying a history of texts costs reference counts. Any thread;
+/// making one of millions of characters takes tens of milliseconds.
+class ClipText {
+public:
+    ClipText();
+
+    /// Bytes that are not UTF-8 become U+FFFD.
+    explicit ClipText(std::string text);
+
+    const std::string& string() const { return content_->text; }
+
+    const std::string& folded() const { return content_->folded; } ///< by `Folding::fold`
+
+    std::size_t characters() const { return content_->characters; } ///< user-perceived
+
+    bool operator==(const ClipText& other) const { return string() == other.string(); }
+
+private:
+    struct Content {
+        std::string text;
+        std::string folded;
+        std::size_t characters = 0;
+    };
+
+    std::shared_ptr<const Content> content_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "launcherapp/platform/Image.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarine {
+
+class FileStore;
+class PictureCodec;
+
+/// The pictures of clippings as files of one folder. Any thread; every call waits for the disk, and
+/// for the reading and writing of pictures.
+class ClipPictures {
+public:
+    static constexpr int thumbnailPixels = 512;               ///< of the longer side
+    static constexpr std::size_t largestFullBytes = 12000000; ///< of a whole picture as PNG
+
+    ClipPictures(std::shared_ptr<FileStore> files,
+                 std::shared_ptr<const PictureCodec> codec,
+                 std::string folder);
+
+    /// A copied picture, read and kept.
+    struct Kept {
+        std::string id;
+        int width = 0; ///< pixels
+        int height = 0;
+        std::optional<std::string> imageFile;     ///< nothing when it could not be written
+        std::optional<std::string> fullFile;      ///< likewise, or when it is too large
+        std::optional<std::size_t> tooLargeBytes; ///< of the PNG that was not kept
+    };
+
+    /// Nothing for what is no picture. Files that are there already are kept.
+    std::optional<Kept> keep(const std::string& bytes) const;
+
+    /// The file's bytes; nothing when it is missing or can't be read.
+    std::shared_ptr<const std::string> png(const std::string& name) const;
+    std::optional<Image> image(const std::string& name, int longestPixels) const;
+
+    void remove(const std::string& name) const; ///< a failure is ignored
+
+    /// The names of all files in the folder.
+    std::vector<std::string> names() const;
+
+private:
+    std::shared_ptr<FileStore> files_;
+    std::shared_ptr<const PictureCodec> codec_;
+    std::string folder_;
+};
+
+} // namespace tessarine

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "LauncherCore/clipboard/ClipboardHistory.h"
+#include "launcherapp/query/RowAction.h"
+#include "launcherapp/query/RowFamilies.h"
+#include "launcherapp/query/RowPreview.h"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarine {
+
+class ClipGroupsRuntime;
+
+/// What rows of clippings are made of and do. Main thread only.
+struct ClipRowSources {
+    const ClipboardHistory& history;
+    ClipGroupsRuntime& groups;
+    double now = 0;   ///< seconds since 1970
+    std::string home; ///< shown as "~" in paths
+    /// A picture that is read already; nothing starts its reading for the next time.
+    std::function<std::optional<Image>(const ClipboardEntry& entry)> thumbnail;
+    std::function<std::optional<Image>(const ClipboardEntry& entry)> picture;
+    std::function<void(const std::string& id)> paste;
+    std::function<void(const std::string& id)> copyToTop;
+    std::function<void(const std::string& id)> togglePin;
+    std::function<void(const std::string& id)> remove;
+    std::function<void(std::optional<double> newerThanSeconds)> clear;
+    bool pastes = true; ///< Return pastes; else it copies
+};
+
+/// How the ids of these rows begin; the id of the clipping follows.
+inline constexpr std::string_view clippingRowPrefix = "clip:";
+
+/// The clippings that a query and a filter find, the newest first.
+Rows clippingRows(const ClipRowSources& sources,
+                  std::string_view query,
+                  const std::optional<ClipFilterKey>& filter);
+
+/// Everything, then the categories and groups that have clippings.
+std::vector<FilterMenuItem> clipFilterMenu(const ClipRowSources& sources);
+
+/// The key of a menu item, and back; nothing for `FilterMenuItem::everything` and unknown ones.
+std::string clipFilterToken(const ClipFilterKey& key);
+std::optional<ClipFilterKey> clipFilterOfToken(std::string_view token);
+
+/// What a selected row of a clipping shows beside the list; nothing for any other row.
+std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const ResultRow& row);
+
+/// What the actions menu offers for such a row; nothing for any other.
+std::vector<RowAction> clippingActions(const ClipRowSources& sources, const ResultRow& row);
+
+/// The rows that clear the history: all of it, or what came in the last minutes. An argument as
+/// "10", "10 min" or "2 h" says how many.
+Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument);
+
+} // namespace tessarine
