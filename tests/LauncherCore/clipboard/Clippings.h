@@ -1,0 +1,53 @@
+#pragma once
+
+#include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/clipboard/ClipboardHistory.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+inline ClipboardEntry
+clipping(std::string id, double at = 0, std::string text = {}, ClipKind kind = ClipKind::text) {
+    return ClipboardEntry::make(
+        {.id = std::move(id), .kind = kind, .text = ClipText(std::move(text)), .at = at});
+}
+
+inline ClipboardEntry pinned(ClipboardEntry entry) {
+    entry.pinned = true;
+    return entry;
+}
+
+inline std::vector<std::string> idsOf(const std::vector<ClipboardEntry>& entries) {
+    std::vector<std::string> ids;
+    for (const auto& entry : entries)
+        ids.push_back(entry.id);
+    return ids;
+}
+
+/// Taught groups over a clock and files that the test sets.
+struct TaughtGroups {
+    double now = 1000;
+    std::map<std::string, std::string> files;
+    std::vector<std::string> filesRead;
+    ClipGroupsRuntime runtime{[this] { return now; },
+                              [this](const std::string& path) -> std::optional<std::string> {
+                                  filesRead.push_back(path);
+                                  const auto found = files.find(path);
+                                  if (found == files.end())
+                                      return std::nullopt;
+                                  return found->second;
+                              }};
+
+    /// Empty when no group claims it.
+    std::string claims(const ClipboardEntry& entry) {
+        const auto group = runtime.group(entry);
+        return group ? group->name : std::string();
+    }
+};
+
+} // namespace tessarine
