@@ -74,12 +74,11 @@ std::vector<std::string> fuzzSeeds() {
         R"("firstLineContains":"a","startsWith":"R","regex":"(a+)+b|^\\w","maxLength":99,)"
         R"("minLength":1,"pasted":false,"filePattern":"\"(.+)\"","fileState":"contains",)"
         R"("fileNeedle":"h","kind":"text"}}]})",
-        R"({"groups":[{"name":"N","symbol":"tag","match":{"regex":"[a-z&&[^x]]{2,}$|(?=é)"}}]
+        R"({"groups":[{"name":"N","symbol":"tag","match":{"regex":"[a-z&&[^x]]{2,}$|(?=é)."}}]
 })",
         R"({"builtin":{"_0":"link"}})",
         R"({"group":{"_0":"Receipts"}})",
-}
-;
+    };
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
