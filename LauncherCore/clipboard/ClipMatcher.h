@@ -1,10 +1,10 @@
 #pragma once
 
+#include "LauncherCore/clipboard/ClipExpression.h"
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,8 +27,11 @@ struct ClipFacts {
     double pasteTrackingSince = 0;
 };
 
-/// The rule of a taught group: all fields that are set must hold. A value; any thread. Two rules
-/// are equal when their fields are.
+/// The rule of a taught group: all fields that are set must hold. A value; any thread.
+///
+/// Its expressions look at no more of a text than `ClipExpression::longestText`, and one that takes
+/// too many steps finds nothing, so that a rule costs milliseconds at the longest, whatever was
+/// copied and whatever the user wrote.
 struct ClipMatcher {
     enum class FileState {
         named,   ///< the text names a file, whatever is there
@@ -68,7 +71,11 @@ struct ClipMatcher {
     static std::string_view rawValue(FileState state);
     static std::optional<FileState> stateNamed(std::string_view rawValue); ///< nothing: unknown
 
-    bool operator==(const ClipMatcher&) const;
+    /// What the two expressions are when compiled; no part of the value.
+    ClipExpression compiledRegex;
+    ClipExpression compiledFilePattern;
+
+    bool operator==(const ClipMatcher&) const = default;
 };
 
 } // namespace tessarine

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 
 namespace tessarine {
 
@@ -19,16 +19,21 @@ public:
 
     const std::string& string() const { return content_->text; }
 
-    const std::string& folded() const { return content_->folded; } ///< by `Folding::fold`
+    /// By `Folding::fold`.
+    const std::string& folded() const {
+        return content_->folded ? *content_->folded : content_->text;
+    }
 
     std::size_t characters() const { return content_->characters; } ///< user-perceived
 
-    bool operator==(const ClipText& other) const { return string() == other.string(); }
+    bool operator==(const ClipText& other) const {
+        return content_ == other.content_ || string() == other.string();
+    }
 
 private:
     struct Content {
         std::string text;
-        std::string folded;
+        std::optional<std::string> folded; ///< nothing when it is the text itself
         std::size_t characters = 0;
     };
 

@@ -7,6 +7,7 @@
 #include <cassert>
 #include <cstdint>
 #include <mutex>
+#include <utility>
 
 namespace tessarine {
 
@@ -15,8 +16,10 @@ namespace {
 using UnicodeText::decoded;
 using UnicodeText::encoded;
 
-/// ICU counts in units of its matching engine's state saves, "typically milliseconds" each.
+// ICU counts in units of ten thousand state saves of its matching engine.
 constexpr std::int32_t longestMatch = 5;
+/// What users write looks for things in whole documents.
+constexpr std::int32_t longestGivenMatch = 40;
 
 } // namespace
 
@@ -24,6 +27,22 @@ constexpr std::int32_t longestMatch = 5;
 struct Pattern::State {
     std::unique_ptr<icu::RegexMatcher> matcher;
     std::mutex oneAtATime;
+
+    /// Without a matcher when the expression doesn't compile.
+    static std::unique_ptr<State>
+    make(std::string_view expression, Case letters, Anchors anchors, std::int32_t longest) {
+        auto state = std::make_unique<State>();
+        UErrorCode error = U_ZERO_ERROR;
+        const std::uint32_t flags =
+            (letters == Case::ignored ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0) |
+            (anchors == Anchors::lines ? std::uint32_t{UREGEX_MULTILINE} : 0);
+        auto matcher = std::make_unique<icu::RegexMatcher>(decoded(expression), flags, error);
+        if (U_SUCCESS(error))
+            matcher->setTimeLimit(longest, error);
+        if (U_SUCCESS(error))
+            state->matcher = std::move(matcher);
+        return state;
+    }
 };
 
 const std::string& Pattern::Match::operator[](std::size_t group) const {
@@ -31,15 +50,19 @@ const std::string& Pattern::Match::operator[](std::size_t group) const {
     return groups[group] ? *groups[group] : none;
 }
 
-Pattern::Pattern(std::string_view expression, Case letters) : state_(std::make_unique<State>()) {
-    UErrorCode error = U_ZERO_ERROR;
-    const std::uint32_t flags = letters == Case::ignored ? UREGEX_CASE_INSENSITIVE : 0;
-    auto matcher = std::make_unique<icu::RegexMatcher>(decoded(expression), flags, error);
-    assert(U_SUCCESS(error) && "a pattern of the program's own compiles");
-    if (U_FAILURE(error))
-        return;
-    matcher->setTimeLimit(longestMatch, error);
-    state_->matcher = std::move(matcher);
+Pattern::Pattern(std::string_view expression, Case letters)
+    : state_(State::make(expression, letters, Anchors::text, longestMatch)) {
+    assert(state_->matcher && "a pattern of the program's own compiles");
+}
+
+Pattern::Pattern(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+std::optional<Pattern>
+Pattern::compiled(std::string_view expression, Case letters, Anchors anchors) {
+    auto state = State::make(expression, letters, anchors, longestGivenMatch);
+    if (!state->matcher)
+        return std::nullopt;
+    return Pattern(std::move(state));
 }
 
 Pattern::~Pattern() = default;

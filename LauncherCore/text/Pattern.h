@@ -10,11 +10,14 @@
 namespace tessarine {
 
 /// A regular expression in ICU's syntax, compiled once: what the readers of typed text are written
-/// in. Made at namespace or function scope and kept. Any thread; one match at a time, so a second
-/// thread waits for the microseconds of the first.
+/// in, and what users write themselves. Made at namespace or function scope and kept. Any thread;
+/// one match at a time, so a second thread waits for the first.
 class Pattern {
 public:
     enum class Case { sensitive, ignored };
+
+    /// What "^" and "$" stand for: the ends of the whole text, or of each of its lines.
+    enum class Anchors { text, lines };
 
     /// What a match found. Texts are of the matched text's own bytes.
     struct Match {
@@ -29,6 +32,12 @@ public:
 
     /// An expression that doesn't compile is a bug; in release it matches nothing.
     explicit Pattern(std::string_view expression, Case letters = Case::sensitive);
+
+    /// An expression that somebody else wrote; nothing when it doesn't compile. It may take several
+    /// times the steps of our own, which is a few milliseconds at the longest.
+    static std::optional<Pattern>
+    compiled(std::string_view expression, Case letters, Anchors anchors);
+
     ~Pattern();
     Pattern(Pattern&&) noexcept;
     Pattern& operator=(Pattern&&) noexcept;
@@ -39,6 +48,9 @@ public:
 
 private:
     struct State;
+
+    explicit Pattern(std::unique_ptr<State> state);
+
     std::unique_ptr<State> state_;
 };
 
