@@ -130,8 +130,8 @@ void ClipboardStore::clear(std::optional<Seconds> newerThan) {
         noteDeletion(entry.id);
     dropPictures(cleared);
     changed();
-    auto line =
-        fmt::format("clipboard: cleared {} {}", cleared.size(), cleared.size() == 1 ? "entry" : "entries");
+    auto line = fmt::format(
+        "clipboard: cleared {} {}", cleared.size(), cleared.size() == 1 ? "entry" : "entries");
     if (newerThan)
         line += fmt::format(", newer than {:.0f} minutes", std::floor(newerThan->count() / 60));
     services_.diagnostics.log(line);

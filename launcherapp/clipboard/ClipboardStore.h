@@ -131,8 +131,8 @@ private:
     bool saveScheduled_ = false;
     std::uint64_t clearings_ = 0;
     std::vector<std::optional<Seconds>> earlyClearings_; ///< asked for before it was loaded
-    int keeping_ = 0;         ///< pictures that are being kept: nothing is deleted meanwhile
-    FileNames toDrop_;        ///< after them, unless a clipping names it then
+    int keeping_ = 0;          ///< pictures that are being kept: nothing is deleted meanwhile
+    FileNames toDrop_;         ///< after them, unless a clipping names it then
     bool sweepsLater_ = false; ///< after them
     Observers<> changes_;
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it

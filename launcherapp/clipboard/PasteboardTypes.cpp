@@ -115,8 +115,7 @@ void addText(PasteboardContent& content, std::string text) {
         content.items.push_back({.type = std::string(type), .bytes = shared});
     if (!isAscii && !latin1)
         return;
-    const auto narrow =
-        isAscii ? shared : std::make_shared<const std::string>(*std::move(latin1));
+    const auto narrow = isAscii ? shared : std::make_shared<const std::string>(*std::move(latin1));
     for (const auto type : {anyText, latin1String})
         content.items.push_back({.type = std::string(type), .bytes = narrow});
 }

@@ -72,7 +72,8 @@ private:
         std::memcpy(sides, bytes.data(), sizeof sides);
         bytes.remove_prefix(sizeof sides);
         std::vector<std::uint32_t> pixels(bytes.size() / sizeof(std::uint32_t));
-        if (pixels.size() != static_cast<std::size_t>(sides[0]) * static_cast<std::size_t>(sides[1]))
+        if (pixels.size() !=
+            static_cast<std::size_t>(sides[0]) * static_cast<std::size_t>(sides[1]))
             return std::nullopt; // cut off
         std::memcpy(pixels.data(), bytes.data(), pixels.size() * sizeof(std::uint32_t));
         return Image{.widthPixels = sides[0],

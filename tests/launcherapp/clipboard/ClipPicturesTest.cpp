@@ -39,9 +39,8 @@ TEST(ClipPictures, theSamePixelsAreTheSameClippingInEveryFormat) {
     EXPECT_THAT(ids, testing::Each(ids.front()));
     // The same pixels in rows of another length are another picture.
     const auto other = FakePictureCodec::picture(256, 1024, 0xff102030);
-    EXPECT_NE(
-        fixture.pictures.keep(FakePictureCodec::file(FakePictureCodec::pngMark, other))->id,
-        ids.front());
+    EXPECT_NE(fixture.pictures.keep(FakePictureCodec::file(FakePictureCodec::pngMark, other))->id,
+              ids.front());
 }
 
 TEST(ClipPictures, aPictureIsKeptWholeAndSmall) {
@@ -92,6 +91,7 @@ TEST(ClipPictures, whatIsNoPictureOrCannotBeWrittenIsSaidSo) {
 TEST(ClipPictures, onlyFilesOfItsOwnAreTouched) {
     Folder fixture;
     const std::string id = "0123456789abcdef01234567";
+
     const struct {
         const char* reason;
         std::string name;
@@ -105,6 +105,7 @@ TEST(ClipPictures, onlyFilesOfItsOwnAreTouched) {
         {"another ending", id + "-half.png", false},
         {"another folder", "../" + id + ".png", false},
     };
+
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason);
         EXPECT_EQ(ClipPictures::isName(each.name), each.isOurs);

@@ -39,6 +39,7 @@ TEST(PasteboardTypes, aSecretIsKnownByItsTypesAlone) {
         {"so is one within another", {"x-org.nspasteboard.ConcealedType"}, std::nullopt},
         {"nothing", {}, std::nullopt},
     };
+
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason);
         EXPECT_EQ(PasteboardTypes::secretMarker(each.types), each.marker);
@@ -60,6 +61,7 @@ TEST(PasteboardTypes, theBestTypeIsReadUnderTheNameItIsOfferedBy) {
         {"another charset is not ours to read", {"text/plain;charset=utf-16"}, std::nullopt},
         {"markup is no text", {"text/html"}, std::nullopt},
     };
+
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason);
         EXPECT_EQ(PasteboardTypes::textType(each.types), each.text);
@@ -82,7 +84,9 @@ TEST(PasteboardTypes, onlyFilesOfThisMachineAreTakenFromAList) {
          {"/a b", "/c"}},
         {"as file managers copy", "copy\nfile:///a\nfile:///b", {"/a", "/b"}},
         {"a zero that ends the string", std::string("file:///a\0", 10), {"/a"}},
-        {"a percent sign that is one, and what is no number", "file:///100%25\nfile:///5%", {"/100%", "/5%"}},
+        {"a percent sign that is one, and what is no number",
+         "file:///100%25\nfile:///5%",
+         {"/100%", "/5%"}},
         {"any case of the scheme", "FILE:///a", {"/a"}},
         {"UTF-8 and not", "file:///%C3%BC\nfile:///%FF", {"/ü", "/\xff"}},
         {"of another machine", "file://elsewhere/a", {}},
@@ -91,6 +95,7 @@ TEST(PasteboardTypes, onlyFilesOfThisMachineAreTakenFromAList) {
         {"a name that would end early", "file:///a%00b", {}},
         {"no URLs at all", "cut\n\n/a\n\r\n", {}},
     };
+
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason);
         EXPECT_EQ(PasteboardTypes::paths(each.bytes), each.paths);
