@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tessarine {
@@ -34,7 +35,8 @@ public:
         std::optional<std::size_t> tooLargeBytes; ///< of the PNG that was not kept
     };
 
-    /// Nothing for what is no picture. Files that are there already are kept.
+    /// Nothing for what is no picture. Files that are there already are kept; bytes that are PNG
+    /// are the whole picture's file as they are.
     std::optional<Kept> keep(const std::string& bytes) const;
 
     /// The file's bytes; nothing when it is missing or can't be read.
@@ -43,10 +45,18 @@ public:
 
     void remove(const std::string& name) const; ///< a failure is ignored
 
-    /// The names of all files in the folder.
+    /// The names of all picture files in the folder.
     std::vector<std::string> names() const;
 
+    /// Whether a file of this name can be ours: an id with ".png" or "-full.png" after it. No other
+    /// is ever read or removed, whatever a document on disk names.
+    static bool isName(std::string_view name);
+
 private:
+    std::string path(const std::string& name) const;
+    std::optional<std::string> written(const std::string& name, const std::string& bytes) const;
+    std::optional<std::string> thumbnail(const std::string& name, const Image& image) const;
+
     std::shared_ptr<FileStore> files_;
     std::shared_ptr<const PictureCodec> codec_;
     std::string folder_;

@@ -5,6 +5,7 @@
 #include "launcherapp/platform/Subscription.h"
 #include "launcherapp/platform/WindowList.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -65,7 +66,19 @@ public:
 private:
     struct Fronting;
 
+    void put(const ClipboardEntry& entry, std::function<void()> then);
+    void pictureUnavailable(bool isTooLarge, bool needsFetch);
+    bool isOpen(const std::optional<AppWindow>& window) const;
+    std::optional<AppWindow> listed(const AppWindow& window) const;
+    bool isInFront(const AppWindow& window) const;
+    std::optional<std::string> obstacle(const std::optional<AppWindow>& previousApp) const;
+    void pasteInto(const std::optional<AppWindow>& previousApp, const std::string& id);
+    void type(const std::string& text, const std::string& name);
+    void front(const AppWindow& window, std::function<void(bool came)> then);
+    void endFronting(const std::shared_ptr<Fronting>& fronting, bool came, Seconds pause);
+
     Services services_;
+    std::uint64_t latestPut_ = 0;
     std::shared_ptr<Fronting> fronting_; ///< the one under way; null without one
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };

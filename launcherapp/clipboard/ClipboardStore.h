@@ -7,10 +7,12 @@
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +22,7 @@ namespace tessarine {
 class ClipGroupsRuntime;
 class Diagnostics;
 class Prefs;
+class SerialQueue;
 class WorkQueues;
 
 /// A deletion that other devices are to hear of.
@@ -39,6 +42,8 @@ class ClipboardStore {
 public:
     static constexpr Seconds savePause{1};
     static constexpr double tombstoneWindow = 2592000; ///< seconds
+    /// Of the document that is read at start: 500 texts of the longest kind come close.
+    static constexpr std::size_t largestDocument = std::size_t{4} << 30;
 
     struct Services {
         MainQueue& queue;
@@ -66,7 +71,20 @@ public:
 
     const std::vector<ClipTombstone>& tombstones() const { return tombstones_; }
 
+    /// Files a copy that was kept; what it drops loses its pictures.
     void record(ClipboardEntry entry);
+
+    /// Reads a copied picture and writes its files, off the main thread; `done` gets nothing for
+    /// what is no picture, and records it or lets it go. No file that it names is deleted before.
+    void keepPicture(std::string bytes,
+                     std::function<void(std::optional<ClipPictures::Kept> kept)> done);
+
+    /// Deletes the files of a picture that was kept and is not recorded after all.
+    void discard(const ClipPictures::Kept& kept);
+
+    /// How often the history was cleared: what was copied before does not come back.
+    std::uint64_t clearings() const { return clearings_; }
+
     void bump(std::string_view id);  ///< copied again, now
     void touch(std::string_view id); ///< used now
     void togglePin(std::string_view id);
@@ -91,19 +109,31 @@ public:
     }
 
 private:
+    using FileNames = std::set<std::string, std::less<>>;
+
     void changed();
-    void scheduleSave();
+    void takeLoaded(ClipboardHistory history);
+    FileNames namedPictures() const;
     std::size_t dropPictures(const std::vector<ClipboardEntry>& dropped);
+    void dropPictures(FileNames names);
+    void picturesAreKept();
     void stampLocal(std::string_view id);
     void noteDeletion(std::string_view id);
     void trimTombstones();
+    std::int64_t nextLamport();
 
     Services services_;
     StateFile file_;
+    SerialQueue& pictureQueue_; ///< of all that writes or deletes pictures
     ClipboardHistory history_;
     std::vector<ClipTombstone> tombstones_;
     bool isLoaded_ = false;
     bool saveScheduled_ = false;
+    std::uint64_t clearings_ = 0;
+    std::vector<std::optional<Seconds>> earlyClearings_; ///< asked for before it was loaded
+    int keeping_ = 0;          ///< pictures that are being kept: nothing is deleted meanwhile
+    FileNames toDrop_;         ///< after them, unless a clipping names it then
+    bool sweepsLater_ = false; ///< after them
     Observers<> changes_;
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };

@@ -1,15 +1,19 @@
 #pragma once
 
+#include "launcherapp/clipboard/ClipExamination.h"
+#include "launcherapp/clipboard/ClipSkips.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Pasteboard.h"
 #include "launcherapp/platform/Subscription.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tessarine {
 
@@ -20,12 +24,6 @@ class Diagnostics;
 class Prefs;
 class WorkQueues;
 
-/// The application that was in front at a copy.
-struct ClipSource {
-    std::optional<std::string> bundleID; ///< its desktop-file id; nothing when it isn't installed
-    std::optional<std::string> name;     ///< as the user's language has it
-};
-
 /// Turns changes of the pasteboard into clippings: looks twice a second whether anything changed,
 /// asks what it is before any of it, and reads only what may be kept. Main thread only; what takes
 /// time happens off it.
@@ -35,6 +33,11 @@ public:
     static constexpr Seconds pollTolerance{0.2};
     static constexpr Seconds pruneInterval{3600};
     static constexpr Seconds pruneTolerance{600};
+    /// Before what an application took along at its end is put back: a program that saves the
+    /// pasteboard for others may do it first.
+    static constexpr Seconds restorePause{0.1};
+    /// Of pictures that are being written; while there are more, no other copy is looked at.
+    static constexpr std::size_t mostKeptAtOnce = std::size_t{64} << 20;
 
     struct Services {
         MainQueue& queue;
@@ -86,16 +89,40 @@ public:
     }
 
 private:
+    /// The copy that was recorded last.
+    struct Recorded {
+        std::uint64_t count = 0; ///< of the change that brought it
+        std::string id;
+    };
+
+    void begin();
+    void noteWitness();
+    void watch();
+    void settingChanged(std::string_view key);
+    void poll();
+    void take(ClipExamination::Result&& result);
+    void takePicture(ClipExamination::Picture picture);
+    void skip(const ClipSkip& skip);
+    void record(ClipboardEntry entry, std::uint64_t count);
+    void abandoned(std::uint64_t count);
+    void restoreIfAbandoned();
+    void restore(std::uint64_t count);
+
     Services services_;
     Skipped skipped_;
     std::uint64_t lastCount_ = 0;
     bool ignoreNextChange_ = false;
+    std::unique_ptr<ClipExamination> examination_; ///< null when nothing is looked at
+    std::uint64_t clearings_ = 0;                  ///< of the history, when that was noticed
+    std::size_t keptBytes_ = 0;                    ///< of pictures that are being written
+    std::optional<Recorded> lastRecorded_;
+    std::optional<std::uint64_t> abandoned_; ///< the last count whose owner ended
     Subscription timer_;
     Subscription pruneTimer_;
     Subscription settings_;
     Subscription abandonments_;
     Observers<> changes_;
-    std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
+    std::shared_ptr<char> run_; ///< what is under way ends with it; null while stopped
 };
 
 } // namespace tessarine

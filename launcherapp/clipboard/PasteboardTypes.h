@@ -34,8 +34,9 @@ std::optional<std::string> filesType(Names types);
 std::optional<std::string> textType(Names types);
 std::optional<std::string> pictureType(Names types);
 
-/// The absolute paths of the local files in the content of a `filesType`; others are left out.
-std::vector<std::string> paths(std::string_view type, std::string_view bytes);
+/// The absolute paths of the local files in the content of a `filesType`; others are left out, and
+/// names with a line feed in them.
+std::vector<std::string> paths(std::string_view bytes);
 
 /// The content of a `textType` as UTF-8, bad bytes replaced.
 std::string text(std::string_view type, std::string bytes);

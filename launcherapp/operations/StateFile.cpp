@@ -12,27 +12,17 @@ namespace tessarine {
 
 namespace {
 
-/// Far above any real document; a larger file is something else.
-constexpr std::size_t maximumBytes = std::size_t{64} << 20;
-
-/// A name for the copy that nothing has yet: an earlier copy may hold what is still wanted.
-std::string freeCopyName(const FileStore& files, const std::string& path) {
-    auto name = path + ".damaged";
-    for (int number = 2; files.info(name); ++number)
-        name = path + ".damaged-" + std::to_string(number);
-    return name;
-}
-
 std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
 }
 
 /// The text of the file; nothing when there is none, or when it can't be read and lies aside now.
-std::optional<std::string> readOrPutAside(FileStore& files, const std::string& path) {
+std::optional<std::string>
+readOrPutAside(FileStore& files, const std::string& path, std::size_t maximumBytes) {
     try {
         return files.read(path, maximumBytes);
     } catch (const FileError&) {
-        files.rename(path, freeCopyName(files, path));
+        files.rename(path, StateFile::freeCopyName(files, path));
         return std::nullopt;
     }
 }
@@ -43,9 +33,17 @@ StateFile::StateFile(FileStore& files,
                      SerialQueue& saves,
                      Diagnostics& diagnostics,
                      std::string path,
-                     Failures failures)
+                     Failures failures,
+                     std::size_t maximumBytes)
     : files_(files), saves_(saves), diagnostics_(diagnostics), path_(std::move(path)),
-      failures_(failures) {}
+      failures_(failures), maximumBytes_(maximumBytes) {}
+
+std::string StateFile::freeCopyName(const FileStore& files, const std::string& path) {
+    auto name = path + ".damaged";
+    for (int number = 2; files.info(name); ++number)
+        name = path + ".damaged-" + std::to_string(number);
+    return name;
+}
 
 std::vector<std::string> StateFile::folders() const {
     std::vector<std::string> folders{folderOf(path_)};
@@ -56,7 +54,7 @@ std::vector<std::string> StateFile::folders() const {
 
 std::optional<std::string> StateFile::load() {
     try {
-        return files_.read(path_, maximumBytes);
+        return files_.read(path_, maximumBytes_);
     } catch (const FileError& error) {
         if (failures_ == Failures::logged)
             diagnostics_.log(error.what());
@@ -74,6 +72,7 @@ void StateFile::submitLoad(MainQueue& queue,
                    &queue,
                    log,
                    path = path_,
+                   maximumBytes = maximumBytes_,
                    damage = damage_,
                    understands = std::move(understands),
                    done = std::move(done)] {
@@ -95,8 +94,13 @@ void StateFile::markDamaged(std::string text) {
 }
 
 void StateFile::save(std::string text) {
+    saveMade([text = std::make_shared<std::string>(std::move(text))] { return std::move(*text); });
+}
+
+void StateFile::saveMade(std::function<std::string()> make) {
     auto* const log = failures_ == Failures::logged ? &diagnostics_ : nullptr;
-    saves_.submit([&files = files_, log, path = path_, damage = damage_, text = std::move(text)] {
+    saves_.submit([&files = files_, log, path = path_, damage = damage_, make = std::move(make)] {
+        const auto text = make();
         try {
             // Until the copy lies there, no save may go over what could not be read.
             if (damage->found && !damage->kept) {
@@ -116,7 +120,12 @@ void StateFile::save(std::string text) {
 
 void StateFile::readLater(MainQueue& queue, std::function<void(std::optional<std::string>)> done) {
     auto* const log = failures_ == Failures::logged ? &diagnostics_ : nullptr;
-    saves_.submit([&files = files_, &queue, log, path = path_, done = std::move(done)] {
+    saves_.submit([&files = files_,
+                   &queue,
+                   log,
+                   path = path_,
+                   maximumBytes = maximumBytes_,
+                   done = std::move(done)] {
         try {
             queue.post([done, text = files.read(path, maximumBytes)] { done(text); });
         } catch (const FileError& error) {
@@ -134,11 +143,12 @@ void StateFile::rewrite(MainQueue& queue,
                    &queue,
                    log,
                    path = path_,
+                   maximumBytes = maximumBytes_,
                    make = std::move(make),
                    done = std::move(done)] {
         std::optional<std::string> saved;
         try {
-            const auto old = readOrPutAside(files, path);
+            const auto old = readOrPutAside(files, path, maximumBytes);
             auto made = make(old);
             if (old && made.losesOld)
                 files.save(freeCopyName(files, path), *old);

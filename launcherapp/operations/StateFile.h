@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,11 +26,15 @@ public:
         silent, ///< best effort: the value in memory stays valid, and nobody is told
     };
 
+    /// Far above most documents; a larger file is something else.
+    static constexpr std::size_t usualMaximumBytes = std::size_t{64} << 20;
+
     StateFile(FileStore& files,
               SerialQueue& saves,
               Diagnostics& diagnostics,
               std::string path,
-              Failures failures);
+              Failures failures,
+              std::size_t maximumBytes = usualMaximumBytes);
 
     /// What a rewriting makes of the text on disk.
     struct Rewritten {
@@ -67,6 +72,14 @@ public:
 
     void save(std::string text);
 
+    /// Saves what `make` gives. It runs on the saving queue, for a document that takes long to
+    /// encode.
+    void saveMade(std::function<std::string()> make);
+
+    /// A name for a copy of what can't be read, beside it, that nothing has yet: an earlier copy
+    /// may hold what is still wanted.
+    static std::string freeCopyName(const FileStore& files, const std::string& path);
+
     /// The text as it lies on disk once all saves given so far are done, or nothing when there is
     /// none; read on the saving queue. `done` runs on the main thread, but not when the text
     /// can't be read.
@@ -100,6 +113,7 @@ private:
     Diagnostics& diagnostics_;
     std::string path_;
     Failures failures_;
+    std::size_t maximumBytes_;
     std::shared_ptr<Damage> damage_ = std::make_shared<Damage>();
 };
 

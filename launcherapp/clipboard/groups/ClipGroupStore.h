@@ -1,7 +1,6 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipGroups.h"
-#include "launcherapp/operations/StateFile.h"
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 
@@ -19,12 +18,14 @@ class DirectoryWatcher;
 class FileStore;
 class MainQueue;
 class Prefs;
+class WorkQueues;
 
 /// The file of the taught groups, and what of it is in force. Main thread only.
 class ClipGroupStore {
 public:
     struct Services {
         MainQueue& queue;
+        WorkQueues& work;
         FileStore& files;
         Prefs& prefs;
         Diagnostics& diagnostics;
@@ -33,6 +34,7 @@ public:
 
     /// `path` is of "clip-groups.json".
     ClipGroupStore(Services services, std::string path);
+    ~ClipGroupStore();
     ClipGroupStore(const ClipGroupStore&) = delete;
     ClipGroupStore& operator=(const ClipGroupStore&) = delete;
 
@@ -48,7 +50,8 @@ public:
     /// Why the file could not be read; nothing when it could.
     const std::optional<std::string>& loadError() const { return loadError_; }
 
-    /// False when the file could not be written, and then nothing has changed.
+    /// False when the file could not be written, and then nothing has changed. A copy is kept of a
+    /// file that doesn't parse, or holds what this would lose.
     bool write(const ClipGroups& groups);
 
     /// Whether there was one of this name, whatever its case, and it is gone from the file too.
@@ -60,11 +63,20 @@ public:
     }
 
 private:
+    void take(const std::string& text);
+    void refuse();
+    bool save(const ClipGroups& groups);
+    void lookSoon();
+    void look();
+
     Services services_;
     std::string path_;
     std::optional<std::string> loadError_;
+    std::optional<std::string> lastText_; ///< as last read or written; nothing: neither yet
+    bool isLookDue_ = false;
     Subscription watch_;
     Observers<> changes_;
+    std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };
 
 } // namespace tessarine

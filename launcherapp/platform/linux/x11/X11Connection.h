@@ -13,8 +13,8 @@ struct xcb_connection_t;
 namespace tessarine {
 
 /// A connection to the X11 display beside Qt's, so that what is asked for on it changes nothing of
-/// what Qt asked for. One that can't be made, or is lost, gives nothing from then on. Main thread
-/// only.
+/// what Qt asked for. One that can't be made, or is lost, gives nothing from then on. One
+/// thread at a time.
 class X11Connection {
 public:
     using Window = std::uint32_t;

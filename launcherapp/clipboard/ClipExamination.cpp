@@ -1,0 +1,169 @@
+#include "launcherapp/clipboard/ClipExamination.h"
+
+#include "LauncherCore/text/Folding.h"
+#include "launcherapp/clipboard/PasteboardTypes.h"
+#include "launcherapp/platform/WorkQueues.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <fmt/ranges.h>
+
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+using Outcome = PasteboardReading::Outcome;
+
+constexpr std::size_t largestFileList = std::size_t{16} << 20; ///< bytes
+constexpr std::size_t largestPicture = std::size_t{256} << 20; ///< bytes, as offered
+
+} // namespace
+
+ClipExamination::ClipExamination(Services services,
+                                 Change change,
+                                 std::function<void(Result&&)> ended)
+    : services_(std::move(services)), change_(std::move(change)), ended_(std::move(ended)) {
+    services_.board.offer(
+        [this, alive = std::weak_ptr(alive_)](const std::optional<PasteboardOffer>& offer) {
+            if (!alive.expired())
+                judge(offer);
+        });
+}
+
+/// Whoever is told may destroy this.
+void ClipExamination::end(Result&& result) {
+    const auto ended = std::exchange(ended_, nullptr);
+    alive_.reset();
+    ended(std::move(result));
+}
+
+void ClipExamination::skipRemote() {
+    end(ClipSkip{.reason = ClipSkip::Reason::remote, .line = {}});
+}
+
+void ClipExamination::judge(const std::optional<PasteboardOffer>& offer) {
+    if (!offer)
+        return end(Nothing{.problem = "its owner did not tell what it is"});
+    if (offer->count != change_.count)
+        return end(Nothing{}); // a newer copy, which the next poll notices
+    types_ = offer->types;
+    isRemote_ = PasteboardTypes::isRemote(types_);
+    const auto& prefs = services_.prefs;
+    const auto& app = change_.front.bundleID;
+    const ClipSkips::Circumstances circumstances{
+        .ignoresRemoteText = prefs.ignoreRemoteClipboard(),
+        .ignoresRemoteFiles = prefs.ignoreRemoteClipboardFiles(),
+        .ignoresRemoteImages = prefs.ignoreRemoteClipboardImages(),
+        .ignoredApps = prefs.clipIgnoredApps(),
+        .frontApp = app,
+        .isQuillet = app && services_.shouldSkipQuillet && services_.shouldSkipQuillet(*app)};
+    if (auto skip = ClipSkips::beforeReading(types_, circumstances))
+        return end(*std::move(skip));
+    readFiles();
+}
+
+void ClipExamination::read(const std::string& type,
+                           std::size_t limitBytes,
+                           std::function<void(PasteboardReading)> done) {
+    services_.board.read(
+        change_.count,
+        type,
+        limitBytes,
+        [this, alive = std::weak_ptr(alive_), done = std::move(done)](PasteboardReading reading) {
+            if (alive.expired())
+                return;
+            if (reading.outcome == Outcome::failed)
+                problem_ = reading.problem;
+            done(std::move(reading));
+        });
+}
+
+ClipboardEntry::Copy ClipExamination::copy(bool isRemote) const {
+    ClipboardEntry::Copy copy;
+    copy.at = change_.at;
+    if (isRemote)
+        copy.fromOtherDevice = true;
+    else
+        copy.sourceApp = change_.front.name;
+    return copy;
+}
+
+void ClipExamination::readFiles() {
+    const auto type = PasteboardTypes::filesType(types_);
+    if (!type)
+        return readText();
+    read(*type, largestFileList, [this](const PasteboardReading& reading) {
+        const auto paths = PasteboardTypes::paths(reading.bytes);
+        if (paths.empty())
+            return readText();
+        if (isRemote_ && services_.prefs.ignoreRemoteClipboardFiles())
+            return skipRemote();
+        auto entry = copy(isRemote_);
+        entry.kind = ClipKind::file;
+        entry.text = ClipText(fmt::format("{}", fmt::join(paths, "\n")));
+        entry.id = ClipIdentity::ofFiles(entry.text.string());
+        end(ClipboardEntry::make(std::move(entry)));
+    });
+}
+
+void ClipExamination::readText() {
+    const auto type = PasteboardTypes::textType(types_);
+    if (!type)
+        return readPicture();
+    const auto limit = ClipSkips::textLimitBytes(services_.prefs.clipMaxCharacters());
+    read(*type, limit, [this, type = *type](PasteboardReading reading) {
+        if (reading.outcome == Outcome::tooLarge)
+            return end(ClipSkips::tooManyBytes(services_.prefs.clipMaxCharacters()));
+        if (reading.bytes.empty())
+            return readPicture();
+        takeText(std::move(reading.bytes), type);
+    });
+}
+
+/// A text of millions of characters takes a while to be counted, folded and digested.
+void ClipExamination::takeText(std::string bytes, const std::string& type) {
+    services_.work.run(
+        WorkPriority::userInitiated,
+        [bytes = std::make_shared<std::string>(std::move(bytes)),
+         type,
+         entry = copy(isRemote_)]() mutable -> std::optional<ClipboardEntry> {
+            auto text = PasteboardTypes::text(type, std::move(*bytes));
+            if (Folding::trimmed(text).empty())
+                return std::nullopt;
+            entry.text = ClipText(std::move(text));
+            entry.id = ClipIdentity::ofText(entry.text.string());
+            return ClipboardEntry::make(std::move(entry));
+        },
+        [this, alive = std::weak_ptr(alive_)](std::optional<ClipboardEntry> entry) {
+            if (alive.expired())
+                return;
+            if (!entry)
+                return readPicture();
+            const auto& prefs = services_.prefs;
+            if (isRemote_ && prefs.ignoreRemoteClipboard())
+                return skipRemote();
+            if (auto skip = ClipSkips::tooManyCharacters(entry->characterCount(),
+                                                         prefs.clipMaxCharacters()))
+                return end(*std::move(skip));
+            end(*std::move(entry));
+        });
+}
+
+void ClipExamination::readPicture() {
+    const auto type = PasteboardTypes::pictureType(types_);
+    if (!type)
+        return end(Nothing{.problem = problem_});
+    const auto& prefs = services_.prefs;
+    if (isRemote_ && (prefs.ignoreRemoteClipboardImages() || prefs.ignoreRemoteClipboard()))
+        return skipRemote();
+    read(*type, largestPicture, [this](PasteboardReading reading) {
+        if (reading.outcome == Outcome::tooLarge)
+            return end(Nothing{.problem = "a picture is larger than may be read"});
+        if (reading.bytes.empty())
+            return end(Nothing{.problem = problem_});
+        end(Picture{.bytes = std::move(reading.bytes), .isRemote = isRemote_});
+    });
+}
+
+} // namespace tessarine

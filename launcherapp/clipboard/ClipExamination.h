@@ -1,0 +1,82 @@
+#pragma once
+
+#include "LauncherCore/clipboard/ClipboardEntry.h"
+#include "launcherapp/clipboard/ClipSkips.h"
+#include "launcherapp/platform/Pasteboard.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace tessarine {
+
+class Prefs;
+class WorkQueues;
+
+/// One look at what was copied: what it is by its types, whether it may be kept, and only then its
+/// content, one read after the other. Main thread only; ends with its result, or silently when it
+/// is destroyed before.
+class ClipExamination {
+public:
+    struct Services {
+        WorkQueues& work;
+        Prefs& prefs;
+        Pasteboard& board;
+        /// Whether copies of this application are the companion's own and are to be left out; empty
+        /// where no companion is installed.
+        std::function<bool(const std::string& bundleID)> shouldSkipQuillet;
+    };
+
+    /// A change of the pasteboard as it was noticed.
+    struct Change {
+        std::uint64_t count = 0;
+        double at = 0; ///< seconds since 1970, UTC
+        ClipSource front;
+    };
+
+    struct Picture {
+        std::string bytes; ///< as offered
+        bool isRemote = false;
+    };
+
+    /// Nothing of a kind that is kept, with the reason in words where something went wrong.
+    struct Nothing {
+        std::string problem;
+    };
+
+    using Result = std::variant<Nothing, ClipSkip, ClipboardEntry, Picture>;
+
+    ClipExamination(Services services, Change change, std::function<void(Result&& result)> ended);
+    ClipExamination(const ClipExamination&) = delete;
+    ClipExamination& operator=(const ClipExamination&) = delete;
+
+    const Change& change() const { return change_; }
+
+    /// The entry of a copy of this change.
+    ClipboardEntry::Copy copy(bool isRemote) const;
+
+private:
+    void judge(const std::optional<PasteboardOffer>& offer);
+    void readFiles();
+    void readText();
+    void takeText(std::string bytes, const std::string& type);
+    void readPicture();
+    void read(const std::string& type,
+              std::size_t limitBytes,
+              std::function<void(PasteboardReading reading)> done);
+    void end(Result&& result);
+    void skipRemote();
+
+    Services services_;
+    Change change_;
+    std::function<void(Result&&)> ended_;
+    std::vector<std::string> types_;
+    bool isRemote_ = false;
+    std::string problem_;                                    ///< of the last read that failed
+    std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
+};
+
+} // namespace tessarine

@@ -1,0 +1,256 @@
+#include "launcherapp/clipboard/ClipboardWatcher.h"
+
+#include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/text/Printable.h"
+#include "launcherapp/clipboard/ClipContents.h"
+#include "launcherapp/clipboard/ClipboardStore.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <type_traits>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::size_t bytesPerMegabyte = 1000000;
+
+/// The oldest paste that is marked, by its clipping's last use; nothing without one.
+std::optional<double> oldestMarkedPaste(const ClipboardHistory& history) {
+    std::optional<double> oldest;
+    for (const auto& entry : history.entries) {
+        if (entry.pasteCount() > 0 && (!oldest || entry.lastSeen < *oldest))
+            oldest = entry.lastSeen;
+    }
+    return oldest;
+}
+
+} // namespace
+
+ClipboardWatcher::ClipboardWatcher(Services services) : services_(std::move(services)) {}
+
+ClipboardWatcher::~ClipboardWatcher() = default;
+
+void ClipboardWatcher::start() {
+    requireMainThread(services_.queue);
+    if (run_)
+        return;
+    run_ = std::make_shared<char>();
+    lastCount_ = services_.board.changeCount();
+    settings_ = services_.prefs.onChange([this](std::string_view key) { settingChanged(key); });
+    abandonments_ = services_.board.onAbandoned([this](std::uint64_t count) { abandoned(count); });
+    if (services_.store.isLoaded())
+        return begin();
+    services_.store.load([this, run = std::weak_ptr(run_)] {
+        if (!run.expired())
+            begin();
+    });
+}
+
+void ClipboardWatcher::stop() {
+    requireMainThread(services_.queue);
+    timer_.end();
+    pruneTimer_.end();
+    settings_.end();
+    abandonments_.end();
+    examination_.reset();
+    run_.reset();
+    keptBytes_ = 0;
+}
+
+void ClipboardWatcher::begin() {
+    noteWitness();
+    services_.store.pruneNow();
+    services_.store.sweepPictures();
+    pruneTimer_ = services_.queue.every(
+        pruneInterval, pruneTolerance, [this] { services_.store.pruneNow(); });
+    watch();
+}
+
+/// A recorded paste is a witness that pastes were tracked at that time.
+void ClipboardWatcher::noteWitness() {
+    const auto oldest = oldestMarkedPaste(services_.store.history());
+    auto& since = services_.prefs.clipPasteTrackingSince;
+    if (!oldest || *oldest <= 0 || (since() != 0 && since() <= *oldest))
+        return;
+    since.set(*oldest);
+    services_.groups.setPasteTrackingSince(*oldest);
+    services_.groups.forgetAll();
+}
+
+void ClipboardWatcher::watch() {
+    if (!services_.prefs.clipboardEnabled()) {
+        services_.diagnostics.log("clipboard: not watching, Keep clipboard history is off");
+        return;
+    }
+    if (const auto ability = services_.board.ability(); !ability.available) {
+        services_.diagnostics.log("clipboard: not watching, " + ability.reason);
+        return;
+    }
+    timer_ = services_.queue.every(pollInterval, pollTolerance, [this] { poll(); });
+    services_.diagnostics.log("clipboard: watching the pasteboard every 0.5s; recording is on");
+}
+
+void ClipboardWatcher::settingChanged(std::string_view key) {
+    if (key == services_.prefs.clipRetention.key() && services_.store.isLoaded())
+        services_.store.pruneNow();
+    if (key != services_.prefs.clipboardEnabled.key() ||
+        services_.prefs.clipboardEnabled() == isWatching())
+        return;
+    // What was copied while nobody watched is not recorded, nor what is looked at right now.
+    lastCount_ = services_.board.changeCount();
+    timer_.end();
+    examination_.reset();
+    if (pruneTimer_.active()) // else it begins once the history is loaded
+        watch();
+}
+
+// The resident cost of the feature: one integer a tick until something was copied.
+void ClipboardWatcher::poll() {
+    const auto count = services_.board.changeCount();
+    if (count == lastCount_ || examination_ || keptBytes_ > mostKeptAtOnce)
+        return;
+    lastCount_ = count;
+    if (std::exchange(ignoreNextChange_, false))
+        return;
+    clearings_ = services_.store.clearings();
+    examination_ = std::make_unique<ClipExamination>(
+        ClipExamination::Services{.work = services_.work,
+                                  .prefs = services_.prefs,
+                                  .board = services_.board,
+                                  .shouldSkipQuillet = services_.shouldSkipQuillet},
+        ClipExamination::Change{
+            .count = count, .at = services_.queue.now(), .front = services_.front()},
+        [this](ClipExamination::Result&& result) { take(std::move(result)); });
+}
+
+void ClipboardWatcher::take(ClipExamination::Result&& result) {
+    const auto count = examination_->change().count;
+    if (auto* const picture = std::get_if<ClipExamination::Picture>(&result)) {
+        takePicture(std::move(*picture));
+        examination_.reset();
+        return;
+    }
+    examination_.reset();
+    if (auto* const entry = std::get_if<ClipboardEntry>(&result)) {
+        if (clearings_ == services_.store.clearings())
+            record(std::move(*entry), count);
+    } else if (const auto* const skipped = std::get_if<ClipSkip>(&result)) {
+        skip(*skipped);
+    } else if (const auto& problem = std::get<ClipExamination::Nothing>(result).problem;
+               !problem.empty()) {
+        services_.diagnostics.log("clipboard: could not read a copy: " + Printable::line(problem));
+    }
+}
+
+void ClipboardWatcher::takePicture(ClipExamination::Picture picture) {
+    const auto bytes = picture.bytes.size();
+    keptBytes_ += bytes;
+    services_.store.keepPicture(
+        std::move(picture.bytes),
+        [this,
+         run = std::weak_ptr(run_),
+         &store = services_.store,
+         bytes,
+         count = examination_->change().count,
+         clearings = clearings_,
+         copy =
+             examination_->copy(picture.isRemote)](std::optional<ClipPictures::Kept> kept) mutable {
+            if (!run.expired())
+                keptBytes_ -= bytes;
+            if (!kept)
+                return;
+            if (run.expired() || clearings != store.clearings())
+                return store.discard(*kept);
+            if (kept->tooLargeBytes)
+                services_.diagnostics.log(
+                    fmt::format("clipboard: image is {} MB, keeping the thumbnail only",
+                                *kept->tooLargeBytes / bytesPerMegabyte));
+            copy.id = kept->id;
+            copy.kind = ClipKind::image;
+            copy.text = ClipText(fmt::format("Image {}×{}", kept->width, kept->height));
+            copy.imageFile = kept->imageFile;
+            copy.fullFile = kept->fullFile;
+            record(ClipboardEntry::make(std::move(copy)), count);
+        });
+}
+
+void ClipboardWatcher::skip(const ClipSkip& skip) {
+    switch (skip.reason) {
+    case ClipSkip::Reason::concealed:
+        ++skipped_.concealed;
+        break;
+    case ClipSkip::Reason::remote:
+        ++skipped_.remote;
+        break;
+    case ClipSkip::Reason::ignoredApp:
+        ++skipped_.ignoredApp;
+        break;
+    case ClipSkip::Reason::tooLarge:
+        ++skipped_.tooLarge;
+        break;
+    case ClipSkip::Reason::quillet:
+        ++skipped_.quillet;
+        break;
+    }
+    if (!skip.line.empty())
+        services_.diagnostics.log(skip.line);
+    changes_.tell();
+}
+
+void ClipboardWatcher::record(ClipboardEntry entry, std::uint64_t count) {
+    if (!lastRecorded_ || lastRecorded_->count < count) // a picture may be slower than a text
+        lastRecorded_ = {.count = count, .id = entry.id};
+    services_.store.record(std::move(entry));
+    restoreIfAbandoned();
+}
+
+void ClipboardWatcher::writeOwn(PasteboardContent content) {
+    requireMainThread(services_.queue);
+    ignoreNextChange_ = true;
+    lastCount_ = services_.board.write(std::move(content));
+}
+
+// What a program copied goes with it on this desktop. It is put back from the history, and only
+// what is in there.
+
+void ClipboardWatcher::abandoned(std::uint64_t count) {
+    abandoned_ = count;
+    restoreIfAbandoned();
+}
+
+/// Either comes first: the end of the program, or its copy in the history.
+void ClipboardWatcher::restoreIfAbandoned() {
+    if (!isWatching() || !lastRecorded_ || abandoned_ != lastRecorded_->count)
+        return;
+    services_.queue.postAfter(restorePause, [this, run = std::weak_ptr(run_), count = *abandoned_] {
+        if (!run.expired())
+            restore(count);
+    });
+}
+
+void ClipboardWatcher::restore(std::uint64_t count) {
+    const auto* const entry = lastRecorded_->count == count
+                                  ? services_.store.history().entry(lastRecorded_->id)
+                                  : nullptr;
+    if (!entry || services_.board.changeCount() != count)
+        return;
+    ClipContents::make(
+        *entry,
+        services_.work,
+        services_.pictures,
+        [this, run = std::weak_ptr(run_), count](std::optional<PasteboardContent> content) {
+            if (run.expired() || !content || services_.board.changeCount() != count)
+                return;
+            // The one change that this makes is known, so the next that differs is a real one.
+            lastCount_ = services_.board.write(*std::move(content));
+            services_.diagnostics.log("clipboard: the program that was copied from has ended; its "
+                                      "copy is on the pasteboard again");
+        });
+}
+
+} // namespace tessarine

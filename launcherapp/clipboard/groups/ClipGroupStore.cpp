@@ -1,0 +1,152 @@
+#include "launcherapp/clipboard/groups/ClipGroupStore.h"
+
+#include "LauncherCore/clipboard/ClipGroupsJson.h"
+#include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/text/Paths.h"
+#include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/operations/StateFile.h"
+#include "launcherapp/platform/DirectoryWatcher.h"
+#include "launcherapp/platform/FileStore.h"
+#include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/WorkQueues.h"
+#include "launcherapp/shell/Prefs.h"
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::size_t largestFile = std::size_t{4} << 20;
+constexpr Seconds settling{0.1}; ///< an editor saves in several steps
+
+/// The folders whose entries change when the file does: its own, and where a link leads.
+std::vector<std::string> foldersOf(const FileStore& files, const std::string& path) {
+    std::vector folders{std::string(Paths::parent(path))};
+    if (const auto real = files.realPath(path); real && Paths::parent(*real) != folders.front())
+        folders.emplace_back(Paths::parent(*real));
+    return folders;
+}
+
+} // namespace
+
+ClipGroupStore::ClipGroupStore(Services services, std::string path)
+    : services_(services), path_(std::move(path)) {}
+
+ClipGroupStore::~ClipGroupStore() = default;
+
+void ClipGroupStore::load() {
+    requireMainThread(services_.queue);
+    auto& since = services_.prefs.clipPasteTrackingSince;
+    if (since() == 0)
+        since.set(services_.queue.now());
+    services_.runtime.setPasteTrackingSince(since());
+    try {
+        if (const auto text = services_.files.read(path_, largestFile))
+            take(*text);
+        else
+            write(ClipGroups::suggested());
+    } catch (const FileError&) {
+        refuse();
+    }
+}
+
+void ClipGroupStore::take(const std::string& text) {
+    lastText_ = text;
+    auto document = ClipGroupsJson::decoded(text);
+    if (!document)
+        return refuse();
+    loadError_.reset();
+    auto [groups, isUpgraded] = ClipGroups::migratingLedger(std::move(document->groups));
+    if (isUpgraded && save(groups))
+        services_.diagnostics.log("clip groups: upgraded the handoff ledger to read the handoff "
+                                  "file instead of the paste ledger");
+    services_.runtime.setCurrent(std::move(groups));
+    changes_.tell();
+}
+
+void ClipGroupStore::refuse() {
+    loadError_ = services_.runtime.current()->groups.empty()
+                     ? "clip-groups.json did not parse. No taught group is in force until it does."
+                     : "clip-groups.json did not parse. The groups read before stay in force until "
+                       "it does.";
+    services_.diagnostics.log("clip groups: " + *loadError_);
+}
+
+bool ClipGroupStore::write(const ClipGroups& groups) {
+    requireMainThread(services_.queue);
+    if (!save(groups))
+        return false;
+    loadError_.reset();
+    services_.runtime.setCurrent(groups);
+    changes_.tell();
+    return true;
+}
+
+bool ClipGroupStore::save(const ClipGroups& groups) {
+    auto& files = services_.files;
+    try {
+        std::optional<std::string> old;
+        try {
+            old = files.read(path_, largestFile);
+        } catch (const FileError&) {
+            files.rename(path_, StateFile::freeCopyName(files, path_));
+        }
+        const auto document = old ? ClipGroupsJson::decoded(*old) : std::nullopt;
+        if (old && (!document || document->losesOld))
+            files.save(StateFile::freeCopyName(files, path_), *old);
+        auto text = ClipGroupsJson::encoded(groups);
+        files.save(path_, text);
+        lastText_ = std::move(text);
+        return true;
+    } catch (const FileError&) {
+        return false; // which the caller tells
+    }
+}
+
+bool ClipGroupStore::remove(std::string_view name) {
+    auto groups = *services_.runtime.current();
+    return groups.remove(name) && write(groups);
+}
+
+void ClipGroupStore::follow(DirectoryWatcher& directories) {
+    requireMainThread(services_.queue);
+    watch_ = directories.watch(foldersOf(services_.files, path_),
+                               Seconds{0},
+                               [this](const DirectoryChanges&) { lookSoon(); });
+}
+
+/// The folder holds files that change all the time: one look stands for all of a moment.
+void ClipGroupStore::lookSoon() {
+    if (std::exchange(isLookDue_, true))
+        return;
+    services_.queue.postAfter(settling, [this, alive = std::weak_ptr(alive_)] {
+        if (alive.expired())
+            return;
+        isLookDue_ = false;
+        look();
+    });
+}
+
+void ClipGroupStore::look() {
+    services_.work.run(
+        WorkPriority::utility,
+        [&files = services_.files, path = path_]() -> std::optional<std::string> {
+            try {
+                return files.read(path, largestFile);
+            } catch (const FileError&) {
+                return std::nullopt;
+            }
+        },
+        [this, alive = std::weak_ptr(alive_), known = lastText_](
+            const std::optional<std::string>& text) {
+            // What was read or written here meanwhile is newer, and what is in force outlives a
+            // file that is gone or can't be read.
+            if (!alive.expired() && text && known == lastText_ && text != lastText_)
+                take(*text);
+        });
+}
+
+} // namespace tessarine
