@@ -1,7 +1,6 @@
 #include "LauncherCore/clipboard/ClipboardHistory.h"
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
-#include "LauncherCore/index/NameScan.h"
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
@@ -140,12 +139,9 @@ std::vector<ClipboardEntry> ClipboardHistory::search(std::string_view query,
                                                      const std::optional<ClipFilterKey>& filter,
                                                      ClipGroupsRuntime& groups) const {
     const auto folded = Folding::fold(query);
-    const NameScan::Finder finder(folded);
     std::vector<const ClipboardEntry*> found;
     for (const auto& each : entries) {
-        if (!folded.empty() && !finder.next(each.text.folded(), 0))
-            continue;
-        if (!filter || groups.filterKey(each) == *filter)
+        if (each.text.holds(folded) && (!filter || groups.filterKey(each) == *filter))
             found.push_back(&each);
     }
     std::ranges::stable_sort(found, std::greater(), &ClipboardEntry::lastSeen);
