@@ -46,9 +46,9 @@ auto placeOf(Entries& entries, std::string_view id) {
 /// Takes out what `goes`; both lists keep their order.
 template <typename Goes> Entries takeOut(Entries& entries, Goes goes) {
     Entries taken;
-    const auto gone = std::ranges::stable_partition(entries, std::not_fn(goes));
-    taken.assign(std::make_move_iterator(gone.begin()), std::make_move_iterator(gone.end()));
-    entries.erase(gone.begin(), gone.end());
+    const auto gone = std::stable_partition(entries.begin(), entries.end(), std::not_fn(goes));
+    taken.assign(std::make_move_iterator(gone), std::make_move_iterator(entries.end()));
+    entries.erase(gone, entries.end());
     return taken;
 }
 
