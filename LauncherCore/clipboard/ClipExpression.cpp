@@ -9,6 +9,8 @@ namespace tessarine {
 ClipExpression::ClipExpression(const ClipExpression& other) : compiled_(other.compiled()) {}
 
 ClipExpression& ClipExpression::operator=(const ClipExpression& other) {
+    if (this == &other)
+        return *this;
     auto compiled = other.compiled();
     const std::lock_guard lock(lock_);
     compiled_ = std::move(compiled);

@@ -18,7 +18,7 @@ class ClipExpression {
 public:
     /// How much of a text is looked at, as if it ended there; what is copied may have millions of
     /// characters, and an expression may begin anew at each.
-    static constexpr std::size_t longestText = 256 * 1024; // bytes
+    static constexpr std::size_t longestText = 262144; // bytes
 
     ClipExpression() = default;
     ClipExpression(const ClipExpression& other);

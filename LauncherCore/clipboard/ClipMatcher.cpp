@@ -64,18 +64,16 @@ bool ClipMatcher::isEmpty() const {
 }
 
 bool ClipMatcher::matches(const ClipText& text) const {
-    const auto& folded = text.folded();
-    const auto holds = [](std::string_view whole, const std::optional<std::string>& part) {
-        return !part || whole.find(Folding::fold(*part)) != std::string_view::npos;
-    };
-    if (!holds(folded, contains))
+    if (contains && !text.holds(Folding::fold(*contains)))
         return false;
     if (firstLineEndsWith && !LineBreaks::firstLine(text.string()).ends_with(*firstLineEndsWith))
         return false;
     // Folding neither makes nor removes a line break.
-    if (firstLineContains && !holds(LineBreaks::firstLine(folded), firstLineContains))
+    if (firstLineContains &&
+        LineBreaks::firstLine(text.folded()).find(Folding::fold(*firstLineContains)) ==
+            std::string_view::npos)
         return false;
-    if (startsWith && !folded.starts_with(Folding::fold(*startsWith)))
+    if (startsWith && !text.folded().starts_with(Folding::fold(*startsWith)))
         return false;
     if (maxLength && std::cmp_greater(text.characters(), *maxLength))
         return false;

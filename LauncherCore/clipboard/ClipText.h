@@ -4,12 +4,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tessarine {
 
 /// A copied text that is kept, with what a search asks of it for each keystroke worked out once.
 /// Shared and never changed, so that copying a history of texts costs reference counts. Any thread;
-/// making one of millions of characters takes tens of milliseconds.
+/// making one of five million characters takes 30 ms for ASCII and half a second for other scripts.
 class ClipText {
 public:
     ClipText();
@@ -23,6 +24,9 @@ public:
     const std::string& folded() const {
         return content_->folded ? *content_->folded : content_->text;
     }
+
+    /// Whether the folded text holds `folded`, which is folded itself; every text holds nothing.
+    bool holds(std::string_view folded) const;
 
     std::size_t characters() const { return content_->characters; } ///< user-perceived
 

@@ -1,7 +1,6 @@
 #include "LauncherCore/clipboard/ClipboardHistory.h"
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
-#include "LauncherCore/index/NameScan.h"
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
@@ -47,9 +46,9 @@ auto placeOf(Entries& entries, std::string_view id) {
 /// Takes out what `goes`; both lists keep their order.
 template <typename Goes> Entries takeOut(Entries& entries, Goes goes) {
     Entries taken;
-    const auto gone = std::ranges::stable_partition(entries, std::not_fn(goes));
-    taken.assign(std::make_move_iterator(gone.begin()), std::make_move_iterator(gone.end()));
-    entries.erase(gone.begin(), gone.end());
+    const auto gone = std::stable_partition(entries.begin(), entries.end(), std::not_fn(goes));
+    taken.assign(std::make_move_iterator(gone), std::make_move_iterator(entries.end()));
+    entries.erase(gone, entries.end());
     return taken;
 }
 
@@ -140,12 +139,9 @@ std::vector<ClipboardEntry> ClipboardHistory::search(std::string_view query,
                                                      const std::optional<ClipFilterKey>& filter,
                                                      ClipGroupsRuntime& groups) const {
     const auto folded = Folding::fold(query);
-    const NameScan::Finder finder(folded);
     std::vector<const ClipboardEntry*> found;
     for (const auto& each : entries) {
-        if (!folded.empty() && !finder.next(each.text.folded(), 0))
-            continue;
-        if (!filter || groups.filterKey(each) == *filter)
+        if (each.text.holds(folded) && (!filter || groups.filterKey(each) == *filter))
             found.push_back(&each);
     }
     std::ranges::stable_sort(found, std::greater(), &ClipboardEntry::lastSeen);

@@ -19,7 +19,7 @@ using UnicodeText::encoded;
 // ICU counts in units of ten thousand state saves of its matching engine.
 constexpr std::int32_t longestMatch = 5;
 /// What users write looks for things in whole documents.
-constexpr std::int32_t longestGivenMatch = 40;
+constexpr std::int32_t longestGivenMatch = 20;
 
 } // namespace
 

@@ -3,7 +3,6 @@
 #include "LauncherCore/text/Folding.h"
 #include "launcherapp/clipboard/PasteboardTypes.h"
 #include "launcherapp/platform/WorkQueues.h"
-#include "launcherapp/shell/Prefs.h"
 
 #include <fmt/ranges.h>
 
@@ -38,6 +37,10 @@ void ClipExamination::end(Result&& result) {
     ended(std::move(result));
 }
 
+bool ClipExamination::isDroppedRemote(ClipKind kind) const {
+    return isRemote_ && ClipSkips::dropsRemote(kind, change_.circumstances);
+}
+
 void ClipExamination::skipRemote() {
     end(ClipSkip{.reason = ClipSkip::Reason::remote, .line = {}});
 }
@@ -49,16 +52,7 @@ void ClipExamination::judge(const std::optional<PasteboardOffer>& offer) {
         return end(Nothing{}); // a newer copy, which the next poll notices
     types_ = offer->types;
     isRemote_ = PasteboardTypes::isRemote(types_);
-    const auto& prefs = services_.prefs;
-    const auto& app = change_.front.bundleID;
-    const ClipSkips::Circumstances circumstances{
-        .ignoresRemoteText = prefs.ignoreRemoteClipboard(),
-        .ignoresRemoteFiles = prefs.ignoreRemoteClipboardFiles(),
-        .ignoresRemoteImages = prefs.ignoreRemoteClipboardImages(),
-        .ignoredApps = prefs.clipIgnoredApps(),
-        .frontApp = app,
-        .isQuillet = app && services_.shouldSkipQuillet && services_.shouldSkipQuillet(*app)};
-    if (auto skip = ClipSkips::beforeReading(types_, circumstances))
+    if (auto skip = ClipSkips::beforeReading(types_, change_.circumstances))
         return end(*std::move(skip));
     readFiles();
 }
@@ -97,7 +91,7 @@ void ClipExamination::readFiles() {
         const auto paths = PasteboardTypes::paths(reading.bytes);
         if (paths.empty())
             return readText();
-        if (isRemote_ && services_.prefs.ignoreRemoteClipboardFiles())
+        if (isDroppedRemote(ClipKind::file))
             return skipRemote();
         auto entry = copy(isRemote_);
         entry.kind = ClipKind::file;
@@ -111,10 +105,10 @@ void ClipExamination::readText() {
     const auto type = PasteboardTypes::textType(types_);
     if (!type)
         return readPicture();
-    const auto limit = ClipSkips::textLimitBytes(services_.prefs.clipMaxCharacters());
+    const auto limit = ClipSkips::textLimitBytes(change_.circumstances.maxCharacters);
     read(*type, limit, [this, type = *type](PasteboardReading reading) {
         if (reading.outcome == Outcome::tooLarge)
-            return end(ClipSkips::tooManyBytes(services_.prefs.clipMaxCharacters()));
+            return end(ClipSkips::tooManyBytes(change_.circumstances.maxCharacters));
         if (reading.bytes.empty())
             return readPicture();
         takeText(std::move(reading.bytes), type);
@@ -140,11 +134,10 @@ void ClipExamination::takeText(std::string bytes, const std::string& type) {
                 return;
             if (!entry)
                 return readPicture();
-            const auto& prefs = services_.prefs;
-            if (isRemote_ && prefs.ignoreRemoteClipboard())
+            if (isDroppedRemote(ClipKind::text))
                 return skipRemote();
             if (auto skip = ClipSkips::tooManyCharacters(entry->characterCount(),
-                                                         prefs.clipMaxCharacters()))
+                                                         change_.circumstances.maxCharacters))
                 return end(*std::move(skip));
             end(*std::move(entry));
         });
@@ -154,8 +147,7 @@ void ClipExamination::readPicture() {
     const auto type = PasteboardTypes::pictureType(types_);
     if (!type)
         return end(Nothing{.problem = problem_});
-    const auto& prefs = services_.prefs;
-    if (isRemote_ && (prefs.ignoreRemoteClipboardImages() || prefs.ignoreRemoteClipboard()))
+    if (isDroppedRemote(ClipKind::image))
         return skipRemote();
     read(*type, largestPicture, [this](PasteboardReading reading) {
         if (reading.outcome == Outcome::tooLarge)

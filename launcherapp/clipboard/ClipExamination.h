@@ -13,7 +13,6 @@
 
 namespace tessarine {
 
-class Prefs;
 class WorkQueues;
 
 /// One look at what was copied: what it is by its types, whether it may be kept, and only then its
@@ -23,11 +22,7 @@ class ClipExamination {
 public:
     struct Services {
         WorkQueues& work;
-        Prefs& prefs;
         Pasteboard& board;
-        /// Whether copies of this application are the companion's own and are to be left out; empty
-        /// where no companion is installed.
-        std::function<bool(const std::string& bundleID)> shouldSkipQuillet;
     };
 
     /// A change of the pasteboard as it was noticed.
@@ -35,6 +30,7 @@ public:
         std::uint64_t count = 0;
         double at = 0; ///< seconds since 1970, UTC
         ClipSource front;
+        ClipSkips::Circumstances circumstances;
     };
 
     struct Picture {
@@ -68,6 +64,7 @@ private:
               std::size_t limitBytes,
               std::function<void(PasteboardReading reading)> done);
     void end(Result&& result);
+    bool isDroppedRemote(ClipKind kind) const;
     void skipRemote();
 
     Services services_;

@@ -23,15 +23,16 @@ constexpr std::size_t bytesPerCharacter = 16;
 /// device never travels.
 std::optional<std::string_view> droppedRemoteKind(std::span<const std::string> types,
                                                   const ClipSkips::Circumstances& its) {
-    const auto kindIf = [](bool isDropped, std::string_view kind) {
-        return isDropped ? std::optional(kind) : std::nullopt;
+    const auto droppedAs = [&](ClipKind kind) {
+        return ClipSkips::dropsRemote(kind, its) ? std::optional(ClipKinds::rawValue(kind))
+                                                 : std::nullopt;
     };
     if (PasteboardTypes::filesType(types))
-        return kindIf(its.ignoresRemoteFiles, "file");
+        return droppedAs(ClipKind::file);
     if (PasteboardTypes::textType(types))
-        return kindIf(its.ignoresRemoteText, "text");
+        return droppedAs(ClipKind::text);
     if (PasteboardTypes::pictureType(types))
-        return kindIf(its.ignoresRemoteText || its.ignoresRemoteImages, "image");
+        return droppedAs(ClipKind::image);
     return std::nullopt;
 }
 
@@ -59,6 +60,18 @@ std::optional<ClipSkip> ClipSkips::beforeReading(std::span<const std::string> ty
         return ClipSkip{.reason = Reason::quillet,
                         .line = "clipboard: skipped a copy from Quillet (companion link is on)"};
     return std::nullopt;
+}
+
+bool ClipSkips::dropsRemote(ClipKind kind, const Circumstances& circumstances) {
+    switch (kind) {
+    case ClipKind::file:
+        return circumstances.ignoresRemoteFiles;
+    case ClipKind::text:
+        return circumstances.ignoresRemoteText;
+    case ClipKind::image:
+        return circumstances.ignoresRemoteText || circumstances.ignoresRemoteImages;
+    }
+    return false;
 }
 
 std::size_t ClipSkips::textLimitBytes(std::int64_t maxCharacters) {

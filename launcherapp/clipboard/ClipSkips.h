@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LauncherCore/clipboard/ClipKinds.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,6 +42,7 @@ struct Circumstances {
     bool ignoresRemoteFiles = true;
     bool ignoresRemoteImages = true;
     std::vector<std::string> ignoredApps; ///< desktop-file ids
+    std::int64_t maxCharacters = 0;       ///< of a text; below 1: any number
     std::optional<std::string> frontApp;  ///< desktop-file id of the one in front at the copy
     bool isQuillet = false; ///< it is the companion's, whose copies are to be left out
 };
@@ -48,6 +51,9 @@ struct Circumstances {
 /// for a copy that may be read.
 std::optional<ClipSkip> beforeReading(std::span<const std::string> types,
                                       const Circumstances& circumstances);
+
+/// Whether a copy from another device that turned out to be of this kind is dropped.
+bool dropsRemote(ClipKind kind, const Circumstances& circumstances);
 
 /// The most bytes that are asked for of a text, with `clipMaxCharacters` as given.
 std::size_t textLimitBytes(std::int64_t maxCharacters);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace tessarine {
@@ -16,11 +17,18 @@ namespace tessarine {
 namespace {
 
 /// Adds the picture files of an entry.
-template <typename Names> void addPictures(Names& names, const ClipboardEntry& entry) {
+void addPictures(ClipboardStore::FileNames& names, const ClipboardEntry& entry) {
     for (const auto& name : {entry.imageFile, entry.fullFile}) {
         if (name)
             names.insert(*name);
     }
+}
+
+ClipboardStore::FileNames namedPictures(const ClipboardHistory& history) {
+    ClipboardStore::FileNames names;
+    for (const auto& entry : history.entries)
+        addPictures(names, entry);
+    return names;
 }
 
 /// What the document on disk gave.
@@ -75,7 +83,8 @@ void ClipboardStore::record(ClipboardEntry entry) {
     addPictures(brought, entry);
     dropPictures(history_.record(std::move(entry)));
     // An entry of this content that was there already keeps the files that it had.
-    dropPictures(std::move(brought));
+    if (!brought.empty())
+        dropPictures(std::move(brought));
     stampLocal(id);
     changed();
 }
@@ -114,18 +123,24 @@ void ClipboardStore::notePaste(std::string_view id, std::string_view into) {
     changed();
 }
 
+std::vector<ClipboardEntry>
+ClipboardStore::clearing(ClipboardHistory& history, double now, std::optional<Seconds> newerThan) {
+    const auto isKept = [&](const ClipboardEntry& entry) {
+        return entry.pinned || (newerThan && now - entry.lastSeen > newerThan->count());
+    };
+    auto& entries = history.entries;
+    const auto first = std::ranges::stable_partition(entries, isKept).begin();
+    std::vector cleared(std::make_move_iterator(first), std::make_move_iterator(entries.end()));
+    entries.erase(first, entries.end());
+    return cleared;
+}
+
 void ClipboardStore::clear(std::optional<Seconds> newerThan) {
     requireMainThread(services_.queue);
     ++clearings_;
     if (!isLoaded_)
         return earlyClearings_.push_back(newerThan);
-    const double now = services_.queue.now();
-    const auto isKept = [&](const ClipboardEntry& entry) {
-        return entry.pinned || (newerThan && now - entry.lastSeen > newerThan->count());
-    };
-    const auto firstCleared = std::ranges::stable_partition(history_.entries, isKept).begin();
-    const std::vector cleared(firstCleared, history_.entries.end());
-    history_.entries.erase(firstCleared, history_.entries.end());
+    const auto cleared = clearing(history_, services_.queue.now(), newerThan);
     for (const auto& entry : cleared)
         noteDeletion(entry.id);
     dropPictures(cleared);
@@ -191,22 +206,22 @@ void ClipboardStore::discard(const ClipPictures::Kept& kept) {
     dropPictures(std::vector{std::move(entry)});
 }
 
-ClipboardStore::FileNames ClipboardStore::namedPictures() const {
+ClipboardStore::FileNames
+ClipboardStore::unnamedPictures(const ClipboardHistory& history,
+                                const std::vector<ClipboardEntry>& dropped) {
     FileNames names;
-    for (const auto& entry : history_.entries)
+    for (const auto& entry : dropped)
         addPictures(names, entry);
+    if (names.empty())
+        return names;
+    const auto named = namedPictures(history);
+    std::erase_if(names, [&](const std::string& name) { return named.contains(name); });
     return names;
 }
 
 /// How many files no clipping names any more.
 std::size_t ClipboardStore::dropPictures(const std::vector<ClipboardEntry>& dropped) {
-    FileNames names;
-    for (const auto& entry : dropped)
-        addPictures(names, entry);
-    if (names.empty())
-        return 0;
-    const auto named = namedPictures();
-    std::erase_if(names, [&](const std::string& name) { return named.contains(name); });
+    auto names = unnamedPictures(history_, dropped);
     const auto count = names.size();
     dropPictures(std::move(names));
     return count;
@@ -219,7 +234,7 @@ void ClipboardStore::dropPictures(FileNames names) {
     }
     if (names.empty())
         return;
-    const auto named = namedPictures();
+    const auto named = namedPictures(history_);
     std::erase_if(names, [&](const std::string& name) { return named.contains(name); });
     pictureQueue_.submit([pictures = services_.pictures, names = std::move(names)] {
         for (const auto& name : names)
@@ -235,7 +250,7 @@ void ClipboardStore::sweepPictures() {
         sweepsLater_ = true;
         return;
     }
-    pictureQueue_.submit([pictures = services_.pictures, named = namedPictures()] {
+    pictureQueue_.submit([pictures = services_.pictures, named = namedPictures(history_)] {
         for (const auto& name : pictures->names()) {
             if (!named.contains(name))
                 pictures->remove(name);

@@ -54,6 +54,17 @@ public:
         std::shared_ptr<const ClipPictures> pictures;
     };
 
+    using FileNames = std::set<std::string, std::less<>>;
+
+    /// Takes all out of the history that isn't pinned, or with an age, only what was copied or used
+    /// since then, and gives it. Pure; any thread.
+    static std::vector<ClipboardEntry>
+    clearing(ClipboardHistory& history, double now, std::optional<Seconds> newerThan);
+
+    /// The picture files of dropped entries that no entry of the history names. Pure; any thread.
+    static FileNames unnamedPictures(const ClipboardHistory& history,
+                                     const std::vector<ClipboardEntry>& dropped);
+
     /// `file` is "clipboard.json".
     ClipboardStore(Services services, StateFile file);
     ~ClipboardStore();
@@ -109,11 +120,8 @@ public:
     }
 
 private:
-    using FileNames = std::set<std::string, std::less<>>;
-
     void changed();
     void takeLoaded(ClipboardHistory history);
-    FileNames namedPictures() const;
     std::size_t dropPictures(const std::vector<ClipboardEntry>& dropped);
     void dropPictures(FileNames names);
     void picturesAreKept();

@@ -118,14 +118,27 @@ void ClipboardWatcher::poll() {
     if (std::exchange(ignoreNextChange_, false))
         return;
     clearings_ = services_.store.clearings();
+    auto front = services_.front();
+    auto circumstances = circumstancesOf(front);
     examination_ = std::make_unique<ClipExamination>(
-        ClipExamination::Services{.work = services_.work,
-                                  .prefs = services_.prefs,
-                                  .board = services_.board,
-                                  .shouldSkipQuillet = services_.shouldSkipQuillet},
-        ClipExamination::Change{
-            .count = count, .at = services_.queue.now(), .front = services_.front()},
+        ClipExamination::Services{.work = services_.work, .board = services_.board},
+        ClipExamination::Change{.count = count,
+                                .at = services_.queue.now(),
+                                .front = std::move(front),
+                                .circumstances = std::move(circumstances)},
         [this](ClipExamination::Result&& result) { take(std::move(result)); });
+}
+
+ClipSkips::Circumstances ClipboardWatcher::circumstancesOf(const ClipSource& front) const {
+    const auto& prefs = services_.prefs;
+    const auto& app = front.bundleID;
+    return {.ignoresRemoteText = prefs.ignoreRemoteClipboard(),
+            .ignoresRemoteFiles = prefs.ignoreRemoteClipboardFiles(),
+            .ignoresRemoteImages = prefs.ignoreRemoteClipboardImages(),
+            .ignoredApps = prefs.clipIgnoredApps(),
+            .maxCharacters = prefs.clipMaxCharacters(),
+            .frontApp = app,
+            .isQuillet = app && services_.shouldSkipQuillet && services_.shouldSkipQuillet(*app)};
 }
 
 void ClipboardWatcher::take(ClipExamination::Result&& result) {

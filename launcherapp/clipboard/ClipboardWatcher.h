@@ -100,6 +100,7 @@ private:
     void watch();
     void settingChanged(std::string_view key);
     void poll();
+    ClipSkips::Circumstances circumstancesOf(const ClipSource& front) const;
     void take(ClipExamination::Result&& result);
     void takePicture(ClipExamination::Picture picture);
     void skip(const ClipSkip& skip);

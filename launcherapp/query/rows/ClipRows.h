@@ -16,7 +16,8 @@ namespace tessarine {
 
 class ClipGroupsRuntime;
 
-/// What rows of clippings are made of and do. Main thread only.
+/// What rows of clippings are made of and do. A function that is empty is not offered; what is
+/// seen goes by the values alone. Main thread only.
 struct ClipRowSources {
     const ClipboardHistory& history;
     ClipGroupsRuntime& groups;
@@ -25,37 +26,44 @@ struct ClipRowSources {
     /// A picture that is read already; nothing starts its reading for the next time.
     std::function<std::optional<Image>(const ClipboardEntry& entry)> thumbnail;
     std::function<std::optional<Image>(const ClipboardEntry& entry)> picture;
-    std::function<void(const std::string& id)> paste;
+    std::function<void(const std::string& id)> paste; ///< or copy, as `pastes` says
     std::function<void(const std::string& id)> copyToTop;
     std::function<void(const std::string& id)> togglePin;
     std::function<void(const std::string& id)> remove;
-    std::function<void(std::optional<double> newerThanSeconds)> clear;
-    bool pastes = true; ///< Return pastes; else it copies
+    std::function<void(std::optional<double> newerThanSeconds)> clear; ///< nothing: all of it
+    bool pastes = true; ///< Return will paste; else it copies
 };
 
 /// How the ids of these rows begin; the id of the clipping follows.
 inline constexpr std::string_view clippingRowPrefix = "clip:";
 
-/// The clippings that a query and a filter find, the newest first.
+/// The clippings that a query and a filter find, the newest first, at most 60. Fast enough to be
+/// built for each key: beyond the search, nothing in it grows with the length of a text.
 Rows clippingRows(const ClipRowSources& sources,
                   std::string_view query,
                   const std::optional<ClipFilterKey>& filter);
 
-/// Everything, then the categories and groups that have clippings.
+/// Everything, then the categories and groups that have clippings, with how many.
 std::vector<FilterMenuItem> clipFilterMenu(const ClipRowSources& sources);
 
 /// The key of a menu item, and back; nothing for `FilterMenuItem::everything` and unknown ones.
 std::string clipFilterToken(const ClipFilterKey& key);
 std::optional<ClipFilterKey> clipFilterOfToken(std::string_view token);
 
-/// What a selected row of a clipping shows beside the list; nothing for any other row.
+/// The positions in that menu of the taught groups whose names hold the word; those that have no
+/// clippings have none.
+std::vector<std::size_t> partialClipFilters(const ClipRowSources& sources, std::string_view word);
+
+/// What a selected row of a clipping shows beside the list; nothing for any other row. Of a long
+/// text only the beginning, which the facts say.
 std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const ResultRow& row);
 
 /// What the actions menu offers for such a row; nothing for any other.
 std::vector<RowAction> clippingActions(const ClipRowSources& sources, const ResultRow& row);
 
 /// The rows that clear the history: all of it, or what came in the last minutes. An argument as
-/// "10", "10 min" or "2 h" says how many.
+/// "10", "10 min" or "2 h" says how many. Pinned clippings always stay. A hint where nothing would
+/// go.
 Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument);
 
 } // namespace tessarine

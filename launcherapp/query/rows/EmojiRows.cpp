@@ -36,6 +36,10 @@ std::vector<ResultRow> emojiRows(std::string_view query, const RowVerbs& verbs) 
             .glyph = emoji,
             .score = bestScore - static_cast<std::int64_t>(rows.size()),
         });
+        if (verbs.typeText) {
+            rows.back().secondary = [type = verbs.typeText, emoji] { type(emoji); };
+            rows.back().secondaryLabel = "type";
+        }
     }
     return rows;
 }

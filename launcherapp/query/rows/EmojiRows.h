@@ -12,7 +12,7 @@ namespace tessarine {
 inline constexpr std::string_view emojiRowPrefix = "emoji:";
 
 /// At most 12 rows of the emoji that a query with a leading colon names, the best first; each
-/// copies its emoji.
+/// copies its emoji, and by the second chord types it.
 std::vector<ResultRow> emojiRows(std::string_view query, const RowVerbs& verbs);
 
 } // namespace tessarine

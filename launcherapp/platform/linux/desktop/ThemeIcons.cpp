@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/desktop/ThemeIcons.h"
 
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/linux/desktop/QtImages.h"
 #include "launcherapp/platform/linux/desktop/SymbolDrawing.h"
 
 #include <QFileInfo>
@@ -12,37 +13,20 @@
 #include <QPixmap>
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <utility>
 
 namespace tessarine {
 
 namespace {
 
-/// A picture that would take more memory than this is no icon.
-constexpr int allocationLimitMegabytes = 64;
+/// A picture that would take more memory than this is no icon: 64 MB of pixels.
+constexpr std::int64_t mostPixels = std::int64_t{16} << 20;
 /// The theme every other one falls back to (freedesktop.org's icon theme standard).
 constexpr auto lastTheme = "hicolor";
 
 bool canDraw() {
     return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
-Image fromQt(const QImage& picture, double scale) {
-    const auto converted = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (converted.isNull())
-        return {};
-    const auto width = static_cast<std::size_t>(converted.width());
-    const auto height = static_cast<std::size_t>(converted.height());
-    std::vector<std::uint32_t> pixels(width * height);
-    for (std::size_t row = 0; row < height; ++row)
-        std::memcpy(pixels.data() + row * width,
-                    converted.constScanLine(static_cast<int>(row)),
-                    width * sizeof(std::uint32_t));
-    return {.widthPixels = converted.width(),
-            .heightPixels = converted.height(),
-            .scale = scale,
-            .pixels = std::make_shared<const std::vector<std::uint32_t>>(std::move(pixels))};
 }
 
 /// In the middle of a transparent square, as large as fits.
@@ -65,6 +49,9 @@ QImage fromFile(const QString& path, int side) {
     reader.setAutoTransform(true);
     // A drawing is rendered at the size wanted; a photograph is scaled while it is read.
     const auto natural = reader.size();
+    const bool isDrawing = reader.format().startsWith("svg");
+    if (!isDrawing && std::int64_t{natural.width()} * natural.height() > mostPixels)
+        return {};
     if (natural.isValid())
         reader.setScaledSize(natural.scaled(side, side, Qt::KeepAspectRatio));
     return reader.read();
@@ -88,7 +75,6 @@ int pixels(int sizePoints, double scale) {
 ThemeIcons::ThemeIcons(const Environment& environment) {
     if (!canDraw())
         return;
-    QImageReader::setAllocationLimit(allocationLimitMegabytes);
     auto themes = QIcon::themeSearchPaths();
     auto loose = QIcon::fallbackSearchPaths();
     auto folders = environment.dataDirs;
@@ -118,13 +104,13 @@ std::optional<Image> ThemeIcons::icon(std::string_view nameOrPath, int sizePoint
         name.startsWith(QLatin1Char('/')) ? fromFile(name, side) : fromTheme(name, side);
     if (picture.isNull())
         return std::nullopt;
-    return fromQt(squared(picture, side), scale);
+    return imageOf(squared(picture, side), scale);
 }
 
 Image ThemeIcons::symbol(std::string_view name, int sizePoints, double scale) {
     if (!canDraw())
         return {};
-    auto image = fromQt(SymbolDrawing::mask(name, pixels(sizePoints, scale)), scale);
+    auto image = imageOf(SymbolDrawing::mask(name, pixels(sizePoints, scale)), scale);
     image.isMask = true;
     return image;
 }

@@ -68,7 +68,7 @@ void PasteboardCalls::goOn(const Board& board, Time now) {
         // Our own write is on its way; what lies there until it arrives is not what is asked about.
         if (!isStale && board.count != services_.mailbox.count())
             return;
-        const auto call = std::exchange(waiting_.front(), {});
+        const auto call = std::move(waiting_.front());
         waiting_.pop_front();
         if (isStale)
             refuse(call, services_.news, somethingElse);

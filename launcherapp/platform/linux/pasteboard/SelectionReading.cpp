@@ -152,30 +152,33 @@ bool SelectionReading::hasRightForm(std::uint32_t type, std::uint8_t format) con
 }
 
 SelectionReading::Taken SelectionReading::takeProperty() {
+    const auto taken = copyProperty();
+    // Its removal asks an owner who gives increments for more.
+    const bool isEnough = taken == Taken::tooMuch || taken == Taken::anotherForm;
+    if (taken != Taken::nothing && (state_ == State::waiting || !isEnough))
+        xcb_delete_property(display_.xcb(), window_, atoms_.transfer);
+    return taken;
+}
+
+SelectionReading::Taken SelectionReading::copyProperty() {
     for (std::uint32_t offset = 0;; offset += portion) {
-        // It is removed with its last portion, which asks an owner who gives increments for more.
         const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
             display_.xcb(),
             xcb_get_property(
-                display_.xcb(), 1, window_, atoms_.transfer, XCB_ATOM_ANY, offset, portion),
+                display_.xcb(), 0, window_, atoms_.transfer, XCB_ATOM_ANY, offset, portion),
             nullptr));
         if (!reply || reply->type == XCB_ATOM_NONE)
             return offset == 0 ? Taken::nothing : Taken::anotherForm;
-        const auto count = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
-        auto taken = Taken::part;
         if (!hasRightForm(reply->type, reply->format))
-            taken = Taken::anotherForm;
-        else if (count + reply->bytes_after > question_.limitBytes - bytes_.size())
-            taken = Taken::tooMuch;
-        else if (count == 0)
+            return Taken::anotherForm;
+        const auto count = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
+        if (count + reply->bytes_after > question_.limitBytes - bytes_.size())
+            return Taken::tooMuch;
+        if (count == 0)
             return Taken::end;
-        else
-            keep(xcb_get_property_value(reply.get()), count);
-        if (taken == Taken::part && reply->bytes_after > 0)
-            continue;
-        if (reply->bytes_after > 0 && state_ == State::waiting)
-            xcb_delete_property(display_.xcb(), window_, atoms_.transfer);
-        return taken;
+        keep(xcb_get_property_value(reply.get()), count);
+        if (reply->bytes_after == 0)
+            return Taken::part;
     }
 }
 

@@ -68,6 +68,7 @@ private:
     std::optional<PasteboardReading> failed(std::string problem);
     bool hasRightForm(std::uint32_t type, std::uint8_t format) const;
     Taken takeProperty();
+    Taken copyProperty();
     void keep(const void* bytes, std::size_t count);
     void retireWindow();
 

@@ -1,0 +1,317 @@
+#include "launcherapp/clipboard/ClipboardWatcher.h"
+
+#include "tests/launcherapp/clipboard/ClipboardFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarine {
+namespace {
+
+using Manner = FakePasteboard::Owner::Manner;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+constexpr auto secretType = "x-kde-passwordManagerHint";
+
+/// Its services over a pasteboard that is watched already.
+struct Watched : ClipboardFixture {
+    Watched() { start(); }
+};
+
+TEST(ClipboardWatcher, whatIsCopiedIsThereToFind) {
+    Watched fixture;
+    fixture.board.copy({{"text/plain", " hello\n"}, {"text/html", "<b>hello</b>"}});
+    fixture.poll();
+    fixture.board.copy(
+        {{"UTF8_STRING", "/a b\n/ü"}, {"text/uri-list", "file:///a%20b\r\nfile:///%C3%BC\r\n"}});
+    fixture.poll();
+    fixture.copyPicture(7, 700);
+    ASSERT_THAT(fixture.texts(), ElementsAre("Image 700×700", "/a b\n/ü", " hello\n"));
+    EXPECT_EQ(fixture.entries()[1].kind, ClipKind::file);
+    EXPECT_EQ(fixture.entries()[1].id, ClipIdentity::ofFiles("/a b\n/ü"));
+    EXPECT_EQ(fixture.entries()[2].id, ClipIdentity::ofText(" hello\n"));
+    EXPECT_EQ(fixture.entries()[2].sourceApp, "Editor");
+    EXPECT_EQ(fixture.entries()[2].fromOtherDevice, std::nullopt);
+    const auto& picture = fixture.entries()[0];
+    EXPECT_THAT(fixture.pictureFiles(), ElementsAre(*picture.fullFile, *picture.imageFile));
+    EXPECT_THAT(fixture.services.log(),
+                HasSubstr("clipboard: watching the pasteboard every 0.5s; recording is on"));
+}
+
+TEST(ClipboardWatcher, nothingOfASecretIsEverRead) {
+    Watched fixture;
+    fixture.board.copy({{"UTF8_STRING", "hunter2"},
+                        {"text/uri-list", "file:///secret"},
+                        {"image/png", ClipboardFixture::png(1)},
+                        {secretType, "secret"}});
+    fixture.poll();
+    EXPECT_EQ(fixture.board.totalReads(), 0);
+    EXPECT_THAT(fixture.entries(), IsEmpty());
+    EXPECT_EQ(fixture.watcher.skipped(), (ClipboardWatcher::Skipped{.concealed = 1}));
+    EXPECT_THAT(fixture.services.log(),
+                HasSubstr("clipboard: skipped a concealed item without reading it"));
+}
+
+TEST(ClipboardWatcher, copiesThatTheUserExcludedAreCountedAndNotRead) {
+    Watched fixture;
+    fixture.services.prefs.clipIgnoredApps.set({"org.example.Editor"});
+    fixture.copyText("excluded");
+    fixture.board.copy(
+        {{"image/png", ClipboardFixture::png(1)}, {"com.apple.is-remote-clipboard", ""}});
+    fixture.poll();
+    fixture.front.bundleID = "quillet";
+    fixture.copyText("companion");
+    EXPECT_EQ(fixture.board.totalReads(), 0);
+    EXPECT_EQ(fixture.watcher.skipped(),
+              (ClipboardWatcher::Skipped{.remote = 1, .ignoredApp = 1, .quillet = 1}));
+    // A copy from elsewhere was not made in the application in front.
+    fixture.front = {.bundleID = "org.example.Editor", .name = "Editor"};
+    fixture.board.copy({{"UTF8_STRING", "from afar"}, {"com.apple.is-remote-clipboard", ""}});
+    fixture.poll();
+    ASSERT_THAT(fixture.texts(), ElementsAre("from afar"));
+    EXPECT_EQ(fixture.entries()[0].sourceApp, std::nullopt);
+    EXPECT_EQ(fixture.entries()[0].fromOtherDevice, true);
+}
+
+TEST(ClipboardWatcher, aTextOverTheLimitIsCountedAndNotKept) {
+    Watched fixture;
+    fixture.services.prefs.clipMaxCharacters.set(5);
+    fixture.copyText("grüße");
+    fixture.copyText("grüßen");
+    fixture.copyText(std::string(81, 'x')); // more bytes than are asked for
+    EXPECT_THAT(fixture.texts(), ElementsAre("grüße"));
+    EXPECT_EQ(fixture.watcher.skipped(), ClipboardWatcher::Skipped{.tooLarge = 2});
+    const auto log = fixture.services.log();
+    EXPECT_THAT(log, HasSubstr("clipboard: skipped a 6-character copy, over the 5 limit"));
+    EXPECT_THAT(log,
+                HasSubstr("clipboard: skipped a copy of more than 80 bytes, over the 5 limit"));
+}
+
+TEST(ClipboardWatcher, whatIsOfferedFirstIsNotAlwaysWhatWasCopied) {
+    const struct {
+        const char* reason;
+        FakePasteboard::Items items;
+        std::vector<std::string> texts;
+    } cases[] = {
+        {"only blanks: the picture is meant",
+         {{"UTF8_STRING", " \t\r\n "}, {"image/png", ClipboardFixture::png(3)}},
+         {"Image 8×8"}},
+        {"a list of addresses is no file list",
+         {{"text/uri-list", "https://example.com/"}, {"UTF8_STRING", "https://example.com/"}},
+         {"https://example.com/"}},
+        {"a lie about files is no reason to lose the text",
+         {{"UTF8_STRING", "text"}, {"text/uri-list", ""}},
+         {"text"}},
+        {"no picture though it says so", {{"image/png", "garbage"}}, {}},
+        {"nothing that is kept", {{"application/x-thing", "thing"}}, {}},
+        {"nothing at all", {}, {}},
+        {"bad bytes are replaced", {{"UTF8_STRING", "a\xff"}}, {"a\xEF\xBF\xBD"}},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        fixture.board.copy(each.items);
+        fixture.poll();
+        EXPECT_EQ(fixture.texts(), each.texts);
+    }
+}
+
+TEST(ClipboardWatcher, anOwnerThatMisbehavesCostsItsOwnCopyAlone) {
+    for (const auto manner : {Manner::silent, Manner::refusing, Manner::vanishing}) {
+        SCOPED_TRACE(static_cast<int>(manner));
+        Watched fixture;
+        fixture.board.copy({{"UTF8_STRING", "lost"}}, {.manner = manner});
+        fixture.time.advance(Seconds{20});
+        EXPECT_THAT(fixture.entries(), IsEmpty());
+        EXPECT_THAT(fixture.services.log(), HasSubstr("clipboard: could not read a copy: "));
+        fixture.copyText("kept");
+        EXPECT_THAT(fixture.texts(), ElementsAre("kept"));
+    }
+}
+
+TEST(ClipboardWatcher, aSlowOwnerIsWaitedForAndANewerCopyWins) {
+    Watched fixture;
+    fixture.board.copy({{"UTF8_STRING", "slow"}}, {.answersAfter = Seconds{2}});
+    fixture.front.name = "Browser";
+    fixture.poll(); // noticed
+    fixture.front.name = "Mail";
+    fixture.time.advance(Seconds{4});
+    ASSERT_THAT(fixture.texts(), ElementsAre("slow"));
+    EXPECT_EQ(fixture.entries()[0].sourceApp, "Browser"); // as it was when it was noticed
+    fixture.board.copy({{"UTF8_STRING", "slower"}}, {.answersAfter = Seconds{2}});
+    fixture.poll();
+    fixture.board.copyText("newer");
+    fixture.time.advance(Seconds{5});
+    EXPECT_THAT(fixture.texts(), ElementsAre("newer", "slow"));
+}
+
+TEST(ClipboardWatcher, onlyWhatIsCopiedWhileItWatchesIsRecorded) {
+    ClipboardFixture fixture;
+    fixture.board.copyText("before the program");
+    fixture.watcher.start();
+    fixture.board.copyText("while the history loads");
+    fixture.poll();
+    fixture.services.prefs.clipboardEnabled.set(false);
+    fixture.copyText("while it is off");
+    fixture.services.prefs.clipboardEnabled.set(true);
+    fixture.poll();
+    EXPECT_THAT(fixture.texts(), ElementsAre("while the history loads"));
+    EXPECT_EQ(fixture.board.offers, 1);
+    EXPECT_THAT(fixture.services.log(),
+                HasSubstr("clipboard: not watching, Keep clipboard history is off"));
+    fixture.copyText("on again");
+    EXPECT_THAT(fixture.texts(), SizeIs(2));
+    fixture.watcher.stop();
+    fixture.copyText("after the end");
+    EXPECT_THAT(fixture.texts(), SizeIs(2));
+}
+
+TEST(ClipboardWatcher, itsOwnWriteIsNotRecordedNorTheNextChange) {
+    Watched fixture;
+    fixture.watcher.writeOwn({.items = {{"UTF8_STRING", std::make_shared<std::string>("own")}}});
+    fixture.poll();
+    fixture.copyText("swallowed");
+    EXPECT_EQ(fixture.board.offers, 0);
+    fixture.copyText("real");
+    EXPECT_THAT(fixture.texts(), ElementsAre("real"));
+}
+
+TEST(ClipboardWatcher, whatWasClearedDoesNotComeBack) {
+    for (const bool isPicture : {false, true}) {
+        SCOPED_TRACE(isPicture);
+        Watched fixture;
+        if (isPicture)
+            fixture.board.copy({{"image/png", ClipboardFixture::png(5)}},
+                               {.answersAfter = Seconds{0.5}});
+        else
+            fixture.board.copy({{"UTF8_STRING", "copied"}}, {.answersAfter = Seconds{0.5}});
+        fixture.poll();
+        fixture.store.clear(std::nullopt);
+        fixture.time.advance(Seconds{5});
+        EXPECT_THAT(fixture.entries(), IsEmpty());
+        EXPECT_THAT(fixture.pictureFiles(), IsEmpty());
+    }
+}
+
+TEST(ClipboardWatcher, theRetentionHoldsAtTheStartEachHourAndWhenItChanges) {
+    ClipboardFixture fixture;
+    const double day = 86400;
+    fixture.putOnDisk({ClipboardFixture::textEntry("a", fixture.now() - 3 * day),
+                       ClipboardFixture::textEntry("b", fixture.now() - 2 * day + 600),
+                       ClipboardFixture::textEntry("c", fixture.now())});
+    fixture.services.prefs.clipRetention.set({.textDays = 2});
+    fixture.start();
+    EXPECT_THAT(fixture.texts(), ElementsAre("b", "c"));
+    fixture.time.advance(ClipboardWatcher::pruneInterval + ClipboardWatcher::pruneTolerance);
+    EXPECT_THAT(fixture.texts(), ElementsAre("c"));
+    fixture.services.prefs.clipRetention.set({.keep = 0});
+    EXPECT_THAT(fixture.texts(), IsEmpty());
+    EXPECT_THAT(fixture.services.log(),
+                HasSubstr("clipboard: pruned 1 entries past their retention window, deleted 0 "
+                          "thumbnails"));
+}
+
+TEST(ClipboardWatcher, aPasteThatIsMarkedProvesSinceWhenPastesAre) {
+    const struct {
+        const char* reason;
+        double known;
+        double expected;
+    } cases[] = {
+        {"not known", 0, 1000},
+        {"known from later on", 2000, 1000},
+        {"known from earlier on", 500, 500},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        ClipboardFixture fixture;
+        auto pasted = ClipboardFixture::textEntry("a", 1000);
+        pasted.pastedInto = {{"Mail"}};
+        auto never = ClipboardFixture::textEntry("b", 100);
+        never.pastedInto.emplace();
+        fixture.putOnDisk({never, pasted});
+        fixture.services.prefs.clipPasteTrackingSince.set(each.known);
+        fixture.runtime.setPasteTrackingSince(each.known);
+        fixture.start();
+        EXPECT_EQ(fixture.services.prefs.clipPasteTrackingSince(), each.expected);
+        EXPECT_EQ(fixture.runtime.pasteTrackingSince(), each.expected);
+    }
+}
+
+// On this desktop what was copied goes with the program that it was copied from.
+
+TEST(ClipboardWatcher, aCopyOutlivesTheProgramItCameFrom) {
+    Watched fixture;
+    fixture.copyText("precious");
+    fixture.board.quitOwner();
+    fixture.time.advance(Seconds{0.2});
+    EXPECT_EQ(fixture.board.content("UTF8_STRING"), "precious");
+    fixture.copyText("next"); // which is not swallowed
+    EXPECT_THAT(fixture.texts(), ElementsAre("next", "precious"));
+    EXPECT_EQ(fixture.entries()[1].count, 1);
+    fixture.copyPicture(9);
+    fixture.board.quitOwner();
+    fixture.time.advance(Seconds{0.2});
+    EXPECT_EQ(fixture.board.content("image/png"), ClipboardFixture::png(9));
+}
+
+TEST(ClipboardWatcher, onlyWhatIsInTheHistoryIsPutBack) {
+    const struct {
+        const char* reason;
+        std::function<void(Watched&)> between;
+    } cases[] = {
+        {"a secret was copied since",
+         [](Watched& fixture) {
+             fixture.board.copy({{"UTF8_STRING", "hunter2"}, {secretType, ""}});
+             fixture.poll();
+             fixture.board.quitOwner();
+         }},
+        {"the user deleted it",
+         [](Watched& fixture) {
+             fixture.store.remove(fixture.entries()[0].id);
+             fixture.board.quitOwner();
+         }},
+        {"somebody copied in the meantime",
+         [](Watched& fixture) {
+             fixture.board.quitOwner();
+             fixture.board.copyText("other");
+         }},
+        {"nobody watches any more",
+         [](Watched& fixture) {
+             fixture.services.prefs.clipboardEnabled.set(false);
+             fixture.board.quitOwner();
+         }},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        fixture.copyText("first");
+        each.between(fixture);
+        fixture.time.advance(Seconds{0.3});
+        EXPECT_THAT(fixture.board.written, IsEmpty());
+    }
+}
+
+TEST(ClipboardWatcher, puttingBackDoesNotMeetTheSwallowedChange) {
+    Watched fixture;
+    fixture.copyText("recorded");
+    fixture.watcher.writeOwn({.items = {{"UTF8_STRING", std::make_shared<std::string>("own")}}});
+    fixture.copyText("swallowed");
+    fixture.board.quitOwner(); // which was never recorded
+    fixture.time.advance(Seconds{0.3});
+    EXPECT_THAT(fixture.board.written, SizeIs(1));
+    fixture.copyText("real");
+    fixture.board.quitOwner();
+    fixture.time.advance(Seconds{0.3});
+    EXPECT_EQ(fixture.board.content("UTF8_STRING"), "real");
+    fixture.copyText("after");
+    EXPECT_THAT(fixture.texts(), ElementsAre("after", "real", "recorded"));
+}
+
+} // namespace
+} // namespace tessarine

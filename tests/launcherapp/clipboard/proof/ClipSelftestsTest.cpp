@@ -1,0 +1,14 @@
+#include "launcherapp/clipboard/proof/ClipSelftests.h"
+
+#include <gtest/gtest.h>
+
+namespace tessarine {
+namespace {
+
+TEST(ClipSelftests, theyProveWhatTheyClaim) {
+    for (const auto& result : {clipSacredSelftest(), clipFileSelftest()})
+        EXPECT_EQ(result.verdict, SelftestResult::Verdict::proved) << result.report;
+}
+
+} // namespace
+} // namespace tessarine
