@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <QClipboard>
+#include <QMouseEvent>
 
 namespace tessarine {
 namespace {
@@ -272,6 +273,92 @@ TEST_F(QueryFieldTest, pastesOfAnyKindBecomeOneLine) {
     drawn();
     press(Qt::Key_Backspace);
     EXPECT_EQ(model.query().size(), 4999u);
+}
+
+/// A clipboard whose owner takes its time.
+class SlowPasteTest : public QueryFieldTest {
+protected:
+    SlowPasteTest() {
+        QApplication::clipboard()->setText(QStringLiteral("read at once"));
+        field().pasteText = [this](std::function<void(std::string)> arrived) {
+            asked.push_back(std::move(arrived));
+        };
+    }
+
+    void paste() { press(Qt::Key_V, Qt::ControlModifier); }
+
+    std::vector<std::function<void(std::string)>> asked;
+};
+
+TEST_F(SlowPasteTest, theTextComesLater) {
+    paste();
+    press(Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(model.query(), "a");
+    ASSERT_EQ(asked.size(), 2u);
+    asked[0]("one\ntwo\t");
+    EXPECT_EQ(model.query(), "aone two ");
+    asked[1]("\u00e9"); // a paste is no reason against the next
+    EXPECT_EQ(model.query(), "aone two \u00e9");
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NE(model.query(), "aone two \u00e9"); // it can be undone as any edit
+
+    field().selectAll();
+    paste();
+    asked.back()(std::string(5000000, 'x'));
+    EXPECT_EQ(field().text().size(), 10000);
+    field().clear();
+    paste();
+    asked.back()("");
+    EXPECT_EQ(field().text(), QString());
+}
+
+TEST_F(SlowPasteTest, aTextThatComesTooLateIsDropped) {
+    const struct {
+        const char* reason;
+        std::function<void()> meanwhile;
+    } cases[] = {
+        {"typed on", [&] { type(QStringLiteral("b")); }},
+        {"deleted", [&] { press(Qt::Key_Backspace); }},
+        {"composing", [&] { compose(QStringLiteral("\u306b")); }},
+        {"the model set another text", [&] { model.setQuery("completed"); }},
+        {"hidden", [&] { panel.hide(); }},
+        {"hidden and shown again",
+         [&] {
+             panel.hide();
+             panel.show();
+         }},
+    };
+
+    for (const auto& [reason, meanwhile] : cases) {
+        compose({});
+        panel.show();
+        model.setQuery("start");
+        paste();
+        meanwhile();
+        const auto before = field().text();
+        asked.back()("late");
+        EXPECT_EQ(field().text(), before) << reason;
+    }
+}
+
+TEST_F(SlowPasteTest, theCaretMayMoveMeanwhile) {
+    type(QStringLiteral("b"));
+    paste();
+    press(Qt::Key_Home);
+    asked.back()("x");
+    EXPECT_EQ(model.query(), "xab");
+}
+
+TEST_F(SlowPasteTest, theMiddleButtonAsksNobody) {
+    QMouseEvent click(QEvent::MouseButtonRelease,
+                      QPointF(5, 5),
+                      field().mapToGlobal(QPointF(5, 5)),
+                      Qt::MiddleButton,
+                      Qt::NoButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&field(), &click);
+    EXPECT_EQ(model.query(), "a");
+    EXPECT_THAT(asked, IsEmpty());
 }
 
 TEST_F(QueryFieldTest, theModelsTextIsShownWithTheCaretAtItsEnd) {

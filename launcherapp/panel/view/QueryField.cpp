@@ -1,12 +1,16 @@
 #include "launcherapp/panel/view/QueryField.h"
 
+#include "LauncherCore/text/Printable.h"
 #include "launcherapp/panel/view/KeyTranslation.h"
 #include "launcherapp/panel/view/drawing/Drawing.h"
 #include "launcherapp/panel/view/drawing/PanelStyle.h"
 
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPalette>
+#include <QPointer>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <algorithm>
 
@@ -57,6 +61,7 @@ void QueryField::setQuery(const std::string& query) {
     const auto wanted = Drawing::toQt(query);
     if (wanted == text())
         return;
+    ++revision_;
     const QSignalBlocker quiet(this);
     setText(wanted);
 }
@@ -73,6 +78,8 @@ void QueryField::restyle(const PanelStyle& style) {
 }
 
 void QueryField::edited(const QString& text) {
+    if (!isPasting_)
+        ++revision_;
     if (const auto clean = oneLine(text); clean != text) {
         const auto caret = cursorPosition();
         const QSignalBlocker quiet(this);
@@ -106,10 +113,38 @@ void QueryField::keyPressEvent(QKeyEvent* event) {
     if (!isModifier(event->key()))
         awaitsNextKey_ = false;
     lastPressed_ = event->key();
-    if (wasComposing || !offer(*event))
-        QLineEdit::keyPressEvent(event);
+    if (wasComposing || !offer(*event)) {
+        if (pasteText && event->matches(QKeySequence::Paste))
+            askForPaste();
+        else
+            QLineEdit::keyPressEvent(event);
+    }
     // Nobody around the field has a use for a key that it doesn't know.
     event->accept();
+}
+
+void QueryField::askForPaste() {
+    pasteText([field = QPointer(this), asked = revision_](const std::string& text) {
+        // By then the panel may be gone, or show something else; a text that comes in the middle of
+        // a word is worse than none.
+        if (field && field->isVisible() && field->revision_ == asked && !field->isComposing())
+            field->insertPasted(text);
+    });
+}
+
+void QueryField::insertPasted(const std::string& pasted) {
+    // A clipboard may hold millions of characters, and the field takes only so many.
+    constexpr std::size_t mostBytes = std::size_t{4} * longestText;
+    const QScopedValueRollback pasting(isPasting_, true);
+    insert(oneLine(Drawing::toQt(Printable::beginning(pasted, mostBytes))));
+}
+
+/// The middle button pastes what is selected somewhere, and there is no way to that text but the
+/// toolkit's, which stands still while the other program does.
+void QueryField::mouseReleaseEvent(QMouseEvent* event) {
+    if (pasteText && event->button() == Qt::MiddleButton)
+        return event->accept();
+    QLineEdit::mouseReleaseEvent(event);
 }
 
 void QueryField::keyArrives(std::uint32_t scanCode) {
@@ -173,6 +208,7 @@ void QueryField::focusOutEvent(QFocusEvent* event) {
 }
 
 void QueryField::hideEvent(QHideEvent* event) {
+    ++revision_;
     forgetKeys();
     preedit_.clear();
     {

@@ -29,6 +29,9 @@ public:
     std::function<bool(const PanelChord& chord)> chordPressed;
     /// After each change by the user; the text is one line, without control characters.
     std::function<void(const std::string& text)> typed;
+    /// Asks for the clipboard's text and gives it to `arrived` later, on the main thread, or never.
+    /// While it is empty the toolkit is asked, which waits for the clipboard's owner.
+    std::function<void(std::function<void(std::string text)> arrived)> pasteText;
     /// Ctrl went down or up.
     std::function<void(CommandKey key)> commandKeyMoved;
 
@@ -48,6 +51,7 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -57,6 +61,8 @@ protected:
 
 private:
     bool offer(const QKeyEvent& event);
+    void askForPaste();
+    void insertPasted(const std::string& pasted);
     bool hasKeptKeyBefore(const QKeyEvent& event);
     void tell(CommandKey key);
     void forgetKeys();
@@ -67,6 +73,10 @@ private:
     bool awaitsNextKey_ = false;   ///< a dead or Compose key is pending in the toolkit
     bool hasJustComposed_ = false; ///< and the keys that made it are still on their way up
     int lastPressed_ = 0;
+    /// Goes up when the text becomes another than what a paste was asked for; pasting doesn't
+    /// count.
+    std::uint64_t revision_ = 0;
+    bool isPasting_ = false;
     std::vector<std::uint32_t> arrived_; ///< presses that are sent and have not come as events
 };
 

@@ -1,6 +1,10 @@
 #include "tests/linux/pasteboard/ForeignOwner.h"
 #include "tests/linux/pasteboard/PasteboardFixture.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+
 namespace tessarine {
 namespace {
 
@@ -38,7 +42,11 @@ TEST_F(X11PasteboardRead, readsWhatAnotherProgramCopies) {
 
 TEST_F(X11PasteboardRead, stopsAtTheLimit) {
     const auto bytes = manyBytes(3'000'000);
-    copyElsewhere(QStringLiteral("a/b"), bytes);
+    auto content = std::make_unique<QMimeData>();
+    content->setData(QStringLiteral("a/b"), QByteArray::fromStdString(bytes));
+    const auto before = board.changeCount();
+    QGuiApplication::clipboard()->setMimeData(content.release());
+    ASSERT_TRUE(reaches(before + 1));
     EXPECT_EQ(read("a/b", bytes.size()).outcome, Outcome::complete);
     EXPECT_EQ(read("a/b", bytes.size() - 1).outcome, Outcome::tooLarge);
     EXPECT_EQ(read("a/b", 0).outcome, Outcome::tooLarge);
