@@ -19,11 +19,12 @@ struct InstalledApp {
     std::string path;     ///< the entry's path below the root it was met in
     std::string name;
     std::vector<std::string> aliases;
-    bool listed = false;          ///< offered as an application's row
-    std::string icon;             ///< a theme name or a path; may be empty
-    std::string exec;             ///< string escapes read; empty when only the bus starts it
-    std::string workingDirectory; ///< may be empty
-    bool terminal = false;
+    bool listed = false;           ///< offered as an application's row
+    std::string icon;              ///< a theme name or a path; may be empty
+    std::string exec;              ///< string escapes read; empty when only the bus starts it
+    std::string workingDirectory;  ///< may be empty
+    bool terminal = false;         ///< runs in one
+    bool terminalEmulator = false; ///< is one
     bool busActivatable = false;
     std::string windowClass; ///< StartupWMClass; may be empty
     std::vector<std::string> mimeTypes;

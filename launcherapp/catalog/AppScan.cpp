@@ -126,6 +126,8 @@ private:
             .exec = entry.text("Exec").value_or(""),
             .workingDirectory = entry.text("Path").value_or(""),
             .terminal = entry.flag("Terminal"),
+            .terminalEmulator =
+                std::ranges::count(entry.list("Categories"), "TerminalEmulator") > 0,
             .busActivatable = entry.flag("DBusActivatable"),
             .windowClass = entry.text("StartupWMClass").value_or(""),
             .mimeTypes = std::move(mimeTypes),

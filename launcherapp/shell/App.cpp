@@ -8,6 +8,7 @@
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/files/RunFolder.h"
 #include "launcherapp/platform/linux/processes/EndSignals.h"
+#include "launcherapp/shell/AppClipboard.h"
 #include "launcherapp/shell/AppCommands.h"
 #include "launcherapp/shell/AppServices.h"
 #include "launcherapp/shell/Demonstration.h"
@@ -18,6 +19,7 @@
 #include "launcherapp/shell/RowWiring.h"
 #include "launcherapp/shell/SingleInstance.h"
 #include "launcherapp/shell/StartUp.h"
+#include "launcherapp/shell/modes/ClipboardModes.h"
 #include "launcherapp/shell/modes/CommandModes.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/Modes.h"
@@ -26,7 +28,6 @@
 #include <fmt/format.h>
 
 #include <QApplication>
-#include <QClipboard>
 #include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
@@ -111,6 +112,7 @@ private:
     void registerHotkeys();
     void takeBusName();
     void keepRowsFresh();
+    void startClipboard();
     void logLaunch();
     void scheduleModes();
 
@@ -129,6 +131,7 @@ private:
                             isResident ? Diagnostics::Run::resident : Diagnostics::Run::oneShot};
 
     std::optional<AppServices> services;
+    std::optional<AppClipboard> clipboard;
     std::optional<RowWiring> rows;
     std::optional<Look> look;
     std::optional<DesktopPresence> presence; ///< nothing where Qt has no windows to show
@@ -138,6 +141,7 @@ private:
     std::optional<DesktopApplication> application;
     std::optional<IndexModeServices> indexing;
     std::optional<CommandModeServices> running;
+    std::optional<ClipboardModeServices> copying;
     std::optional<ModeContext> modes;
 };
 
@@ -177,6 +181,12 @@ StartUp::Hooks App::Parts::hooks() {
             },
         .fileIndex = [this] { services->index.start(); },
         .panel = [this] { makePanel(); },
+        .clipGroups =
+            [this] {
+                if (!kind.isDemonstration)
+                    clipboard->groups.load();
+            },
+        .clipboardWatcher = [this] { startClipboard(); },
         .recentApps =
             [this] { rows->add(services->recent.emplace(services->running, services->catalog)); },
         .rates = [this] { services->startRates(); },
@@ -221,19 +231,28 @@ void App::Parts::becomeResident() {
 
 void App::Parts::makeServices() {
     auto& made = services.emplace(doors, diagnostics, support, environment, kind);
+    const bool hasWindows =
+        qobject_cast<QApplication*>(QCoreApplication::instance()) && !Modes::draws(commandLine);
+    clipboard.emplace(made,
+                      hasWindows || commandLine.has("--pasteboard-types")
+                          ? AppClipboard::Board::ofTheDisplay
+                          : AppClipboard::Board::none);
     const auto openSettings = [&made] { made.openSettings(); };
     const auto quit = [] { QCoreApplication::exit(0); };
     RowWiring::Verbs verbs{.copyText = {}, .openSettings = openSettings, .quitProgram = quit};
-    if (qobject_cast<QApplication*>(QCoreApplication::instance()) && !Modes::draws(commandLine)) {
-        verbs.copyText = [](const std::string& text) {
-            QGuiApplication::clipboard()->setText(QString::fromStdString(text));
-        };
-        presence.emplace(DesktopPresence::Services{.queue = doors.queue,
-                                                   .work = doors.work,
-                                                   .diagnostics = diagnostics,
-                                                   .windows = *doors.windows,
-                                                   .openSettings = openSettings,
-                                                   .quit = quit});
+    if (hasWindows) {
+        verbs.copyText = [this](const std::string& text) { clipboard->copyText(text); };
+        presence.emplace(
+            DesktopPresence::Services{.queue = doors.queue,
+                                      .work = doors.work,
+                                      .diagnostics = diagnostics,
+                                      .windows = *doors.windows,
+                                      .pasteText =
+                                          [this](std::function<void(std::string)> got) {
+                                              clipboard->readText(std::move(got));
+                                          },
+                                      .openSettings = openSettings,
+                                      .quit = quit});
     }
     rows.emplace(RowWiring::Services{.model = made.model,
                                      .catalog = made.catalog,
@@ -248,6 +267,8 @@ void App::Parts::makeServices() {
                  environment.home);
     if (kind.isDemonstration)
         addDemonstrationSources(made.model);
+    else
+        clipboard->wire();
     if (isResident)
         made.defaults.follow(doors.watcher);
     made.loadUsage();
@@ -283,10 +304,28 @@ void App::Parts::keepRowsFresh() {
         doors.queue, services->model, [panel = presence->panel()] { return panel->isVisible(); });
     const auto published = [this] { fresh->published(); };
     publications.push_back(services->catalog.onPublished(published));
+    // Clippings are in no other list.
+    const auto clipped = [this] {
+        if (services->model.clipboardMode())
+            fresh->published();
+    };
+    publications.push_back(clipboard->store.onChange(clipped));
+    publications.push_back(clipboard->groups.onChange(clipped));
+    publications.push_back(clipboard->images.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(commands->catalog.onChange(published));
     publications.push_back(services->index.onPublished(published));
     publications.push_back(services->rates.onChange(published));
     publications.push_back(services->usage.onLoaded(published));
+}
+
+/// A run that answers and ends reads what was copied before; only a resident one changes it.
+void App::Parts::startClipboard() {
+    if (kind.isDemonstration)
+        return;
+    if (!isResident)
+        return clipboard->load();
+    clipboard->groups.follow(doors.watcher);
+    clipboard->watcher.start();
 }
 
 void App::Parts::registerHotkeys() {
@@ -343,6 +382,10 @@ void App::Parts::scheduleModes() {
                                                     bundleID, names, std::move(told));
                                             },
                                         .isSettled = [this] { return commands->isSettled(); }});
+    copying.emplace(ClipboardModeServices{.board = *clipboard->board,
+                                          .store = clipboard->store,
+                                          .groups = clipboard->groups,
+                                          .runtime = clipboard->runtime});
     modes.emplace(ModeContext{
         .commandLine = commandLine,
         .environment = environment,
@@ -356,6 +399,7 @@ void App::Parts::scheduleModes() {
         .answers = &*services->answers,
         .indexing = &*indexing,
         .commands = &*running,
+        .clipboard = &*copying,
         .panel = &look->modes,
         .freshModel = [this] { return std::make_unique<SearchModel>(services->modelServices()); },
         .print = printLine,
@@ -369,6 +413,8 @@ int App::Parts::end(int status) {
     const auto walks = services->index.roots();
     for (const auto& root : walks)
         services->walker->abort(root);
+    if (isResident)
+        clipboard->end();
     if (!doors.work.finish(lastPatience)) {
         // What still runs uses what would be destroyed now.
         std::fflush(nullptr);

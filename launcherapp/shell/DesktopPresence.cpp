@@ -36,6 +36,7 @@ public:
         view.onMenu = [this](Point at, std::optional<std::size_t> row) {
             panel.showActions(at, row);
         };
+        view.field().pasteText = services.pasteText;
         window.keyArrives = [this](std::uint32_t scanCode) { view.field().keyArrives(scanCode); };
         window.drawsHidden = [this] { view.warm(); };
         window.mixesChanged = [this] { blend(); };

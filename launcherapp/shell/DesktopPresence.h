@@ -26,6 +26,8 @@ public:
         WorkQueues& work;
         Diagnostics& diagnostics;
         WindowList& windows;
+        /// The clipboard's text, for the panel's field; `got` is called once, later, or never.
+        std::function<void(std::function<void(std::string text)> got)> pasteText;
         std::function<void()> openSettings;
         std::function<void()> quit;
     };

@@ -16,10 +16,20 @@ void FreshRows::published() {
         model_.reset();
         return;
     }
+    refreshAfter(shortestPause);
+}
+
+void FreshRows::pictureArrived() {
+    if (isVisible_())
+        refreshAfter(picturePause);
+}
+
+/// So long after the refresh before.
+void FreshRows::refreshAfter(Seconds pause) {
     if (isDue_)
         return;
     const auto now = queue_.uptime();
-    const auto next = lastRefresh_ ? *lastRefresh_ + shortestPause : now;
+    const auto next = lastRefresh_ ? *lastRefresh_ + pause : now;
     if (next <= now) {
         refreshVisible();
         return;

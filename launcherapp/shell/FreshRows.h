@@ -17,6 +17,8 @@ public:
     /// A walk of many folders publishes again and again; whoever reads the list meanwhile is not
     /// to see it change under the eyes more often, nor the keys to wait behind it.
     static constexpr Seconds shortestPause{1};
+    /// Pictures of one list come one by one, and are waited for by whoever looks at it.
+    static constexpr Seconds picturePause{0.05};
 
     FreshRows(MainQueue& queue, SearchModel& model, std::function<bool()> isVisible);
     FreshRows(const FreshRows&) = delete;
@@ -27,7 +29,11 @@ public:
     /// once in `shortestPause`, and the row that the user went to stays selected.
     void published();
 
+    /// To be called when a picture has been read that a row or a preview lacked.
+    void pictureArrived();
+
 private:
+    void refreshAfter(Seconds pause);
     void refreshVisible();
 
     MainQueue& queue_;

@@ -39,10 +39,10 @@ constexpr auto stallWatch = std::to_array<Task>({
     {"stall watch"}, // not built yet
 });
 constexpr auto sources = std::to_array<Task>({
-    {"clip groups"},       // not built yet
-    {"clipboard watcher"}, // not built yet
-    {"clipboard sync"},    // not built yet
-    {"settings sync"},     // not built yet
+    {"clip groups", &Hooks::clipGroups},
+    {"clipboard watcher", &Hooks::clipboardWatcher},
+    {"clipboard sync"}, // not built yet
+    {"settings sync"},  // not built yet
     {"recent apps", &Hooks::recentApps},
     {"rates", &Hooks::rates},
     {"zones", &Hooks::zones},

@@ -27,6 +27,8 @@ struct Hooks {
     std::function<void()> mountedVolumes;
     std::function<void()> fileIndex;
     std::function<void()> panel;
+    std::function<void()> clipGroups;
+    std::function<void()> clipboardWatcher;
     std::function<void()> recentApps;
     std::function<void()> rates;
     std::function<void()> zones;

@@ -3,6 +3,7 @@
 #include "launcherapp/catalog/AppCatalogSelftest.h"
 #include "launcherapp/panel/appearance/AppearanceSelftest.h"
 #include "launcherapp/shell/ProductInfo.h"
+#include "launcherapp/shell/modes/ClipboardModes.h"
 #include "launcherapp/shell/modes/CommandModes.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/PanelModes.h"
@@ -27,7 +28,6 @@ constexpr std::string_view dictation = "the dictation doctor";
 constexpr std::string_view importer = "the workflow importer";
 constexpr std::string_view stallWatch = "the stall watch";
 constexpr std::string_view helpMenu = "a menu bar with a Help menu";
-constexpr std::string_view clipboard = "the clipboard history";
 constexpr std::string_view clipboardSync = "clipboard sync";
 constexpr std::string_view settingsSync = "settings sync";
 constexpr std::string_view people = "the contacts source";
@@ -85,7 +85,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--render-sheet", next, Seconds{1}, {}, drawing<&PanelModes::renderSheet>},
     {"--render-shortcuts", next, Seconds{1.5}, {}, drawing<&PanelModes::renderShortcuts>},
     {"--render-settings", next, Seconds{1.5}, settings},
-    {"--pasteboard-types", none, {}, clipboard},
+    {"--pasteboard-types", none, {}, {}, ClipboardModes::pasteboardTypes},
     {"--settings-sync-probe", none, {}, settingsSync},
     {"--sync-probe", none, {}, clipboardSync},
     {"--selftest-keychain", none, {}, clipboardSync},
@@ -99,7 +99,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--people-check", next, Seconds{6}, people},
     {"--mic-check", none, {}, voice},
     {"--mic-request", none, {}, voice},
-    {"--clip-groups", none, {}, clipboard},
+    {"--clip-groups", none, {}, {}, ClipboardModes::clipGroups},
     {"--selftest-appearance", none, {}, {}, runAppearanceSelftest},
     {"--selftest-render-purity", none, {}, {}, drawing<&PanelModes::selftestRenderPurity>},
     {"--selftest-shortcut", none, {}, {}, drawing<&PanelModes::selftestShortcut>},
@@ -108,8 +108,8 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--menubar-variants", next, Seconds{0.3}, statusPictures},
     {"--menubar-menu-shot", next, Seconds{0.4}, statusPictures},
     {"--contact-card", next, {}, people},
-    {"--selftest-clip-sacred", none, {}, clipboard},
-    {"--selftest-clip-file", none, {}, clipboard},
+    {"--selftest-clip-sacred", none, {}, {}, ClipboardModes::selftestClipSacred},
+    {"--selftest-clip-file", none, {}, {}, ClipboardModes::selftestClipFile},
     {"--selftest-contact-card", none, {}, people},
     {"--selftest-app-catalog", none, {}, {}, runAppCatalogSelftest},
     {"--selftest-system-commands", none, {}, {}, CommandModes::selftestSystemCommands},

@@ -20,6 +20,7 @@ class CreditResolver;
 class FileStore;
 class Prefs;
 class SearchModel;
+struct ClipboardModeServices;
 struct CommandModeServices;
 struct IndexModeServices;
 struct PanelModes;
@@ -39,6 +40,7 @@ struct ModeContext {
     AnswerService* answers = nullptr;                         ///< null where none run
     const IndexModeServices* indexing = nullptr;              ///< null where no index runs
     const CommandModeServices* commands = nullptr;            ///< null where none run
+    const ClipboardModeServices* clipboard = nullptr;         ///< null where there is none
     const PanelModes* panel = nullptr;                        ///< null where nothing can be drawn
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "launcherapp/clipboard/ClipboardPaster.h"
+#include "launcherapp/clipboard/ClipboardWatcher.h"
+
+namespace tessarine {
+
+class AppCatalog;
+class RunningApps;
+class WindowList;
+
+/// What the clipboard asks about the application in front: by its desktop entry where it has one,
+/// else by what its window says. Main thread only; a call asks the display.
+namespace FrontApp {
+
+ClipSource source(const WindowList& windows, const RunningApps& running, const AppCatalog& catalog);
+
+ClipboardPaster::Target
+target(const AppWindow& window, const RunningApps& running, const AppCatalog& catalog);
+
+} // namespace FrontApp
+} // namespace tessarine

@@ -1,0 +1,153 @@
+#include "launcherapp/shell/AppClipboard.h"
+
+#include "launcherapp/clipboard/FrontApp.h"
+#include "launcherapp/clipboard/PasteboardTypes.h"
+#include "launcherapp/platform/linux/desktop/QtPictureCodec.h"
+#include "launcherapp/platform/linux/input/NoKeyInjector.h"
+#include "launcherapp/platform/linux/input/X11KeyInjector.h"
+#include "launcherapp/platform/linux/pasteboard/NoPasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/X11Pasteboard.h"
+#include "launcherapp/shell/AppServices.h"
+
+#include <cstddef>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr std::string_view noDisplay = "there is no X11 display, and the clipboard of Wayland is "
+                                       "not read yet";
+constexpr std::string_view leftAlone = "this run leaves the clipboard alone";
+/// More than anybody means to search for; the field takes one line of it.
+constexpr std::size_t longestPaste = std::size_t{1} << 20;
+
+std::unique_ptr<Pasteboard> pasteboard(AppServices& services, AppClipboard::Board wanted) {
+    if (wanted == AppClipboard::Board::none)
+        return std::make_unique<NoPasteboard>(services.doors.queue, std::string(leftAlone));
+    if (!services.environment.hasX11)
+        return std::make_unique<NoPasteboard>(services.doors.queue, std::string(noDisplay));
+    return std::make_unique<X11Pasteboard>(services.doors.queue);
+}
+
+std::unique_ptr<KeyInjector> injector(AppServices& services, AppClipboard::Board wanted) {
+    if (wanted == AppClipboard::Board::none)
+        return std::make_unique<NoKeyInjector>(services.doors.queue, std::string(leftAlone));
+    return keyInjector(services.doors.queue, services.environment);
+}
+
+/// What of a file a rule may ask about. Links are followed; a pipe or device has no text.
+ClipGroupsRuntime::FileReader fileReader(const FileStore& files) {
+    return [&files](const std::string& path) -> std::optional<std::string> {
+        if (!files.info(path))
+            return std::nullopt;
+        std::string start;
+        try {
+            files.readPieces(path, [&start](std::string_view piece) {
+                start = piece.substr(0, ClipGroupsRuntime::needleBytes);
+                return false;
+            });
+        } catch (const FileError&) {
+            return std::string(); // what can't be read has nothing to be found in
+        }
+        return start;
+    };
+}
+
+/// Where the user has the file; in the support folder unless the preference names a path.
+std::string place(const AppServices& services,
+                  const Preference<std::string>& preference,
+                  std::string_view name) {
+    return preference().empty() ? services.support.location() + "/" + std::string(name)
+                                : expandingTilde(services.environment, preference());
+}
+
+} // namespace
+
+AppClipboard::AppClipboard(AppServices& made, Board wanted)
+    : services(made), board(pasteboard(made, wanted)), keys(injector(made, wanted)),
+      runtime([&queue = made.doors.queue] { return queue.now(); }, fileReader(made.doors.files)),
+      pictures(std::make_shared<ClipPictures>(std::make_shared<PosixFileStore>(),
+                                              std::make_shared<QtPictureCodec>(),
+                                              made.support.location() + "/clips")),
+      store({.queue = made.doors.queue,
+             .work = made.doors.work,
+             .prefs = made.prefs,
+             .diagnostics = made.diagnostics,
+             .groups = runtime,
+             .pictures = pictures},
+            StateFile(made.doors.files,
+                      made.doors.work.serial("com.corvane.tessarine.clipboard"),
+                      made.diagnostics,
+                      place(made, made.prefs.clipHistoryFilePath, "clipboard.json"),
+                      StateFile::Failures::silent,
+                      ClipboardStore::largestDocument)),
+      groups({.queue = made.doors.queue,
+              .work = made.doors.work,
+              .files = made.doors.files,
+              .prefs = made.prefs,
+              .diagnostics = made.diagnostics,
+              .runtime = runtime},
+             place(made, made.prefs.clipGroupsFilePath, "clip-groups.json")),
+      watcher({.queue = made.doors.queue,
+               .work = made.doors.work,
+               .prefs = made.prefs,
+               .diagnostics = made.diagnostics,
+               .board = *board,
+               .store = store,
+               .groups = runtime,
+               .pictures = pictures,
+               .front =
+                   [&made] {
+                       return FrontApp::source(*made.doors.windows, made.running, made.catalog);
+                   },
+               .shouldSkipQuillet = {}}),
+      paster({.queue = made.doors.queue,
+              .work = made.doors.work,
+              .prefs = made.prefs,
+              .diagnostics = made.diagnostics,
+              .windows = *made.doors.windows,
+              .keys = *keys,
+              .store = store,
+              .watcher = watcher,
+              .pictures = pictures,
+              .target =
+                  [&made](const AppWindow& window) {
+                      return FrontApp::target(window, made.running, made.catalog);
+                  }}),
+      images(made.doors.work, pictures) {}
+
+void AppClipboard::end() {
+    watcher.stop();
+    store.flush();
+}
+
+void AppClipboard::wire() {
+    wiring.emplace(ClipboardWiring::Services{.model = services.model,
+                                             .queue = services.doors.queue,
+                                             .prefs = services.prefs,
+                                             .store = store,
+                                             .groups = runtime,
+                                             .paster = paster,
+                                             .images = images,
+                                             .typing = [this] { return keys->ability(); },
+                                             .home = services.environment.home});
+}
+
+void AppClipboard::copyText(const std::string& text) {
+    board->write(PasteboardTypes::ofText(text));
+}
+
+void AppClipboard::readText(std::function<void(std::string text)> got) {
+    board->offer([this, got = std::move(got)](const std::optional<PasteboardOffer>& offer) {
+        const auto type = offer ? PasteboardTypes::textType(offer->types) : std::nullopt;
+        if (!type)
+            return;
+        board->read(offer->count, *type, longestPaste, [got, type](PasteboardReading reading) {
+            if (reading.outcome == PasteboardReading::Outcome::complete)
+                got(PasteboardTypes::text(*type, std::move(reading.bytes)));
+        });
+    });
+}
+
+} // namespace tessarine

@@ -1,0 +1,290 @@
+#include "tests/desktop/panel/PanelDesktop.h"
+#include "tests/linux/pasteboard/ForeignOwner.h"
+
+#include <nlohmann/json.hpp>
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <set>
+#include <sstream>
+#include <thread>
+
+namespace tessarine {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsSubsetOf;
+using testing::Not;
+
+/// An editor of another toolkit that writes down, after each change, what stands in it.
+constexpr auto editorScript = R"(
+import gi, sys
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gtk, GLib
+GLib.set_prgname("editor")
+window = Gtk.Window(title="Editor")
+view = Gtk.TextView()
+window.add(view)
+window.set_default_size(420, 260)
+def changed(buffer):
+    with open(sys.argv[1] + ".new", "w") as out:
+        out.write(buffer.get_text(buffer.get_start_iter(), buffer.get_end_iter(), True))
+    import os
+    os.rename(sys.argv[1] + ".new", sys.argv[1])
+view.get_buffer().connect("changed", changed)
+window.connect("map-event", lambda *_: open(sys.argv[1], "w").close())
+window.show_all()
+Gtk.main()
+)";
+
+std::string textOf(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+/// The program, beside an editor and whoever copies.
+class PanelClipboardTest : public PanelDesktop {
+protected:
+    ~PanelClipboardTest() override {
+        run("pkill -f '[e]ditor.py " + folder.path("/written") + "' || true");
+        run("pkill -x xclip || true");
+    }
+
+    /// Copies in a program that goes on running until something else is copied.
+    void copy(const std::string& bytes, const std::string& type = "UTF8_STRING") const {
+        folder.write("/copied", bytes);
+        copyFile(folder.path("/copied"), type);
+    }
+
+    void copyFile(const std::string& path, const std::string& type) const {
+        run("DISPLAY=" + environment.at("DISPLAY") + " xclip -selection clipboard -t '" + type +
+            "' -i '" + path + "' >/dev/null 2>&1");
+    }
+
+    std::string support(const std::string& name) const {
+        return folder.path("/home/.local/share/tessarine/" + name);
+    }
+
+    /// What the history's file holds, as it lies on disk; a null for no document.
+    nlohmann::json document() const {
+        return nlohmann::json::parse(textOf(support("clipboard.json")), nullptr, false);
+    }
+
+    std::vector<std::string> keptTexts() const {
+        const auto read = document();
+        std::vector<std::string> texts;
+        if (read.is_object())
+            for (const auto& entry : read.at("entries"))
+                texts.push_back(entry.at("text"));
+        return texts;
+    }
+
+    bool keeps(const std::vector<std::string>& texts) const {
+        return waitUntil(patience, [&] { return keptTexts() == texts; });
+    }
+
+    /// Opens the editor and waits until it has the keyboard.
+    void openEditor() {
+        folder.write("/editor.py", editorScript);
+        folder.write("/data/applications/editor.desktop",
+                     "[Desktop Entry]\nType=Application\nName=Field Notes\nExec=editor\n"
+                     "StartupWMClass=Editor\n");
+        run("DISPLAY=" + environment.at("DISPLAY") + " timeout 120 python3 " +
+            folder.path("/editor.py") + " " + folder.path("/written") + " >/dev/null 2>&1 &");
+        ASSERT_TRUE(
+            waitUntil(patience, [&] { return std::filesystem::exists(folder.path("/written")); }));
+        keys("search --sync --class editor windowactivate --sync");
+    }
+
+    std::string written() const { return textOf(folder.path("/written")); }
+
+    bool writes(const std::string& text) const {
+        return waitUntil(patience, [&] { return written() == text; });
+    }
+
+    /// Until the program watches what is copied.
+    void startWatching() {
+        start();
+        ASSERT_TRUE(becomes(1, "recording is on"));
+    }
+
+    /// As another program gets it that pastes.
+    std::string onTheClipboard(const std::string& type = "UTF8_STRING") const {
+        run("DISPLAY=" + environment.at("DISPLAY") + " timeout 10 xclip -selection clipboard -t '" +
+            type + "' -o > " + folder.path("/pasted") + " 2>/dev/null || true");
+        return textOf(folder.path("/pasted"));
+    }
+
+    nlohmann::json clipGroups(const std::vector<std::string>& words) const {
+        std::vector<std::string> all{"--clip-groups"};
+        all.insert(all.end(), words.begin(), words.end());
+        return nlohmann::json::parse(tessarine::run(all, environment).out, nullptr, false);
+    }
+
+    static constexpr auto clipboardChord = "super+shift+v";
+};
+
+TEST_F(PanelClipboardTest, holdsExactlyWhatItShould) {
+    startWatching();
+    copy("plain text");
+    ASSERT_TRUE(keeps({"plain text"}));
+    copy("file:///etc/hostname\r\nhttps://a.example\r\nfile:///tmp/a%20b\r\n", "text/uri-list");
+    ASSERT_TRUE(keeps({"/etc/hostname\n/tmp/a b", "plain text"}));
+
+    {
+        std::atomic<int> contentsAsked = 0;
+        ForeignOwner secret([&](ForeignOwner& owner, const ForeignOwner::Request& request) {
+            if (owner.asks(request, "TARGETS"))
+                return owner.putTargets(request,
+                                        {owner.client.display.atom("TARGETS"),
+                                         owner.client.display.atom("UTF8_STRING"),
+                                         owner.client.display.atom("x-kde-passwordManagerHint")});
+            ++contentsAsked;
+            owner.put(request, "UTF8_STRING", 8, "hunter2");
+            owner.tell(request);
+        });
+        EXPECT_TRUE(becomes(1, "clipboard: skipped a concealed item without reading it"));
+        EXPECT_EQ(contentsAsked, 0);
+    }
+    {
+        ForeignOwner garbage([](ForeignOwner& owner, const ForeignOwner::Request& request) {
+            owner.put(request, "STRING", 8, "\xff\xfe\x01 no list of types");
+            owner.tell(request);
+        });
+        std::this_thread::sleep_for(1s); // time enough to be looked at
+    }
+    copy(" \n\t ");
+    std::this_thread::sleep_for(1s);
+    copy("a \xff b");
+    EXPECT_TRUE(keeps({"a \xef\xbf\xbd b", "/etc/hostname\n/tmp/a b", "plain text"}))
+        << testing::PrintToString(keptTexts());
+    EXPECT_THAT(textOf(support("clipboard.json")), Not(HasSubstr("hunter2")));
+
+    program.reset();
+    start();
+    EXPECT_EQ(clipGroups({"list"}).at("history_size"), 3) << "after a restart too";
+}
+
+TEST_F(PanelClipboardTest, picturesOfRealProgramsAreKeptAndComeBackWhole) {
+    folder.write("/pictures.py", R"(
+import gi, sys
+gi.require_version("GdkPixbuf", "2.0")
+from gi.repository import GdkPixbuf, GLib
+pixels = bytes((x * 3 + y * 5 + c * 90) % 256 for y in range(600) for x in range(800) for c in range(3))
+picture = GdkPixbuf.Pixbuf.new_from_bytes(GLib.Bytes.new(pixels), 0, False, 8, 800, 600, 2400)
+for kind in ("png", "jpeg", "bmp", "tiff"):
+    picture.savev(sys.argv[1] + "." + kind, kind, [], [])
+)");
+    run("python3 " + folder.path("/pictures.py") + " " + folder.path("/picture"));
+    startWatching();
+    const auto countOf = [&](std::size_t index) {
+        const auto read = document();
+        return read.is_object() && read.at("entries").size() > index
+                   ? read.at("entries")[index].at("count").get<int>()
+                   : 0;
+    };
+    int copies = 0;
+    for (const auto* kind : {"png", "bmp", "tiff"}) {
+        copyFile(folder.path(std::string("/picture.") + kind), std::string("image/") + kind);
+        ++copies;
+        EXPECT_TRUE(waitUntil(patience, [&] { return countOf(0) == copies; }))
+            << kind << " is the same picture";
+    }
+    EXPECT_THAT(keptTexts(), ElementsAre("Image 800×600"));
+    copyFile(folder.path("/picture.jpeg"), "image/jpeg");
+    EXPECT_TRUE(keeps({"Image 800×600", "Image 800×600"})) << "another: it lost something";
+
+    copy("something else");
+    ASSERT_TRUE(waitUntil(patience, [&] { return keptTexts().size() == 3; }));
+    summon(clipboardChord);
+    keys("key Down Down Return");
+    ASSERT_TRUE(goesAway());
+    EXPECT_TRUE(waitUntil(patience, [&] {
+        return onTheClipboard("image/png") == textOf(folder.path("/picture.png"));
+    }));
+}
+
+TEST_F(PanelClipboardTest, returnPastesIntoTheEditorWhichHasTheKeyboardAfter) {
+    startWatching();
+    copy("first ");
+    ASSERT_TRUE(keeps({"first "}));
+    copy("second ");
+    ASSERT_TRUE(keeps({"second ", "first "}));
+    openEditor();
+    for (const auto* expected : {"first x", "first xsecond x", "first xsecond xfirst x"}) {
+        summon(clipboardChord);
+        keys("key Down Return"); // the one below goes to the top by being used
+        ASSERT_TRUE(goesAway());
+        const std::string all = expected;
+        ASSERT_TRUE(writes(all.substr(0, all.size() - 1))) << written();
+        keys("type x");
+        ASSERT_TRUE(writes(all)) << written();
+    }
+    EXPECT_EQ(logged("paste: posted ⌘V to Field Notes"), 3);
+}
+
+TEST_F(PanelClipboardTest, aGroupTaughtFromTheCommandLineIsAFilterOfTheRunningPanel) {
+    startWatching();
+    copy("order no. 12");
+    ASSERT_TRUE(keeps({"order no. 12"}));
+    copy("newer");
+    ASSERT_TRUE(keeps({"newer", "order no. 12"}));
+    const auto added =
+        clipGroups({"add", "--json", R"({"name": "Receipts", "match": {"contains": "ORDER"}})"});
+    ASSERT_EQ(added.at("ok"), true) << added;
+    EXPECT_EQ(added.at("matches"), 1);
+    openEditor();
+    summon();
+    keys("type --delay 8 'clip receipts'");
+    keys("key Return");
+    EXPECT_TRUE(writes("order no. 12")) << written();
+    EXPECT_EQ(clipGroups({"remove", "--name", "RECEIPTS"}).at("ok"), true);
+}
+
+TEST_F(PanelClipboardTest, aCopyOutlivesTheProgramThatMadeIt) {
+    startWatching();
+    copy("kept alive");
+    ASSERT_TRUE(keeps({"kept alive"}));
+    run("pkill -x xclip");
+    EXPECT_TRUE(waitUntil(patience, [&] { return onTheClipboard() == "kept alive"; }));
+    copy("newer");
+    EXPECT_TRUE(keeps({"newer", "kept alive"})) << "putting it back hides no copy that follows";
+}
+
+TEST_F(PanelClipboardTest, killedInTheMiddleOfAStormItLosesNothingThatWasSaved) {
+    std::mt19937 random(20261121);
+    std::uniform_int_distribution<int> waits(0, 2500);
+    std::set<std::string> saved;
+    int copied = 0;
+    for (int round = 0; round < 8; ++round) {
+        startWatching();
+        const auto end =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(waits(random));
+        do {
+            copy("copy " + std::to_string(copied++) + std::string(20000, 'x'));
+            for (const auto& text : keptTexts())
+                saved.insert(text);
+        } while (std::chrono::steady_clock::now() < end);
+        ::kill(program->pid(), SIGKILL);
+        program.reset();
+
+        const auto there = keptTexts();
+        ASSERT_TRUE(document().is_object() || !std::filesystem::exists(support("clipboard.json")))
+            << "round " << round;
+        EXPECT_THAT(saved, IsSubsetOf(there)) << "round " << round;
+        saved.insert(there.begin(), there.end());
+    }
+    EXPECT_GT(saved.size(), 3u) << "there was a storm";
+    start();
+    EXPECT_EQ(clipGroups({"list"}).at("history_size"), saved.size());
+    EXPECT_FALSE(std::filesystem::exists(support("clipboard.json.damaged")));
+}
+
+} // namespace
+} // namespace tessarine
