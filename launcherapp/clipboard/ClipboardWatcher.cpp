@@ -19,6 +19,11 @@ namespace {
 
 constexpr std::size_t bytesPerMegabyte = 1000000;
 
+/// The change that the end of a program makes of the one that it had made.
+std::uint64_t emptied(std::uint64_t count) {
+    return count + 1;
+}
+
 /// The oldest paste that is marked, by its clipping's last use; nothing without one.
 std::optional<double> oldestMarkedPaste(const ClipboardHistory& history) {
     std::optional<double> oldest;
@@ -250,14 +255,14 @@ void ClipboardWatcher::restore(std::uint64_t count) {
     const auto* const entry = lastRecorded_->count == count
                                   ? services_.store.history().entry(lastRecorded_->id)
                                   : nullptr;
-    if (!entry || services_.board.changeCount() != count)
+    if (!entry || services_.board.changeCount() != emptied(count))
         return;
     ClipContents::make(
         *entry,
         services_.work,
         services_.pictures,
         [this, run = std::weak_ptr(run_), count](std::optional<PasteboardContent> content) {
-            if (run.expired() || !content || services_.board.changeCount() != count)
+            if (run.expired() || !content || services_.board.changeCount() != emptied(count))
                 return;
             // The one change that this makes is known, so the next that differs is a real one.
             lastCount_ = services_.board.write(*std::move(content));

@@ -51,7 +51,7 @@ public:
 
     virtual Ability ability() const = 0;
 
-    /// Goes up with every change, our own included. Reads one integer.
+    /// Goes up with every change, our own and an emptying included. Reads one integer.
     virtual std::uint64_t changeCount() const = 0;
 
     /// What lies there now, asked of its owner without asking for any content. `done` is called
@@ -71,8 +71,9 @@ public:
     /// count stays, where the ability is missing.
     virtual std::uint64_t write(PasteboardContent content) = 0;
 
-    /// Calls `gone` when the program that owned the content of that count has ended, or let go of
-    /// it, and nobody has put anything else there.
+    /// Calls `gone` when the program that owned the content of that count has ended, which emptied
+    /// the pasteboard, and nobody has put anything else there: the count of now is the next one. A
+    /// program that empties it on purpose abandons nothing.
     virtual Subscription onAbandoned(std::function<void(std::uint64_t count)> gone) = 0;
 };
 

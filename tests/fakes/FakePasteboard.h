@@ -97,7 +97,8 @@ public:
         if (std::exchange(isOwn_, true))
             return;
         items_.clear();
-        abandonments_.tell(count_);
+        const auto abandoned = count_++;
+        abandonments_.tell(abandoned);
     }
 
     /// The content of a type as a program would paste it; nothing when it isn't offered.

@@ -25,8 +25,7 @@ using testing::Not;
 constexpr auto editorScript = R"(
 import gi, sys
 gi.require_version("Gtk", "3.0")
-from gi.repository import Gtk, GLib
-GLib.set_prgname("editor")
+from gi.repository import Gtk
 window = Gtk.Window(title="Editor")
 view = Gtk.TextView()
 window.add(view)
@@ -93,9 +92,9 @@ protected:
     void openEditor() {
         folder.write("/editor.py", editorScript);
         folder.write("/data/applications/editor.desktop",
-                     "[Desktop Entry]\nType=Application\nName=Field Notes\nExec=editor\n"
-                     "StartupWMClass=Editor\n");
-        run("DISPLAY=" + environment.at("DISPLAY") + " timeout 120 python3 " +
+                     "[Desktop Entry]\nType=Application\nName=Field Notes\nExec=/usr/bin/touch x\n"
+                     "StartupWMClass=Editor.py\n");
+        run("DISPLAY=" + environment.at("DISPLAY") + " timeout 120 /usr/bin/python3 " +
             folder.path("/editor.py") + " " + folder.path("/written") + " >/dev/null 2>&1 &");
         ASSERT_TRUE(
             waitUntil(patience, [&] { return std::filesystem::exists(folder.path("/written")); }));
@@ -181,7 +180,7 @@ picture = GdkPixbuf.Pixbuf.new_from_bytes(GLib.Bytes.new(pixels), 0, False, 8, 8
 for kind in ("png", "jpeg", "bmp", "tiff"):
     picture.savev(sys.argv[1] + "." + kind, kind, [], [])
 )");
-    run("python3 " + folder.path("/pictures.py") + " " + folder.path("/picture"));
+    run("/usr/bin/python3 " + folder.path("/pictures.py") + " " + folder.path("/picture"));
     startWatching();
     const auto countOf = [&](std::size_t index) {
         const auto read = document();
@@ -240,8 +239,8 @@ TEST_F(PanelClipboardTest, aGroupTaughtFromTheCommandLineIsAFilterOfTheRunningPa
     ASSERT_EQ(added.at("ok"), true) << added;
     EXPECT_EQ(added.at("matches"), 1);
     openEditor();
-    summon();
-    keys("type --delay 8 'clip receipts'");
+    summon(clipboardChord);
+    keys("key Tab Tab Tab Return"); // everything, text, receipts
     keys("key Return");
     EXPECT_TRUE(writes("order no. 12")) << written();
     EXPECT_EQ(clipGroups({"remove", "--name", "RECEIPTS"}).at("ok"), true);

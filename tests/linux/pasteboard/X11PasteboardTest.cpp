@@ -49,8 +49,11 @@ TEST_F(X11PasteboardTest, tellsWhenTheOwnerIsGoneAndNobodyElseCame) {
     owner.reset();
     ASSERT_TRUE(spinUntil([&] { return !gone.empty(); }));
     EXPECT_THAT(gone, ElementsAre(before + 1));
-    // One that was replaced leaves nothing behind, and what is ours is not abandoned.
+    // One that was replaced leaves nothing behind, what is ours is not abandoned, nor what a
+    // program empties that goes on.
     ForeignClient next;
+    next.own();
+    next.letGo();
     {
         ForeignClient replaced;
         replaced.own();

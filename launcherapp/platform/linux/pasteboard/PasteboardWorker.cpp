@@ -176,7 +176,8 @@ void Worker::ownerChanged(const xcb_xfixes_selection_notify_event_t& event) {
     if (!count)
         return;
     board_.count = *count;
-    if (event.owner == XCB_WINDOW_NONE && before != XCB_WINDOW_NONE &&
+    if (event.subtype != XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER &&
+        event.owner == XCB_WINDOW_NONE && before != XCB_WINDOW_NONE &&
         before != ownership_.window())
         news_.abandoned(*count - 1);
 }
