@@ -19,6 +19,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -126,9 +127,13 @@ void RowWiring::add(AnswerService& answers, CalcStore& calculations) {
         return mode == ListMode::keyword ? answers.historyRows(argument, model.verbs, history)
                                          : Rows{};
     };
-    model.families.menuActions = [&model, &answers, history](const ResultRow& row) {
-        return answers.historyActions(row, model.verbs, history);
-    };
+    model.families.menuActions =
+        [&model, &answers, history, others = std::move(model.families.menuActions)](
+            const ResultRow& row) {
+            auto actions = answers.historyActions(row, model.verbs, history);
+            std::ranges::move(rowsOf(others, row), std::back_inserter(actions));
+            return actions;
+        };
     model.families.copyText = [&answers](const ResultRow& row) {
         return row.id.starts_with(emojiRowPrefix) ? row.glyph : answers.historyCopyText(row);
     };
