@@ -5,12 +5,15 @@
 #include "launcherapp/platform/linux/input/typing/X11TestKeys.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
+#include "launcherapp/platform/linux/x11/X11Extension.h"
 #include "tests/linux/BareDisplay.h"
 #include "tests/linux/EventLoop.h"
 #include "tests/linux/x11/X11Neighbour.h"
 
 #include <gmock/gmock.h>
 #include <xcb/xcb.h>
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -120,6 +123,68 @@ protected:
     Editor editor;
     X11KeyInjector injector{queue};
 };
+
+/// The user's own keyboard, which is another device than the one that programs press.
+class RealKeyboard {
+public:
+    explicit RealKeyboard(xcb_connection_t* connection) : connection_(connection) {
+        const XcbOwned<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+            connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
+        const XcbOwned<xcb_input_xi_query_device_reply_t> devices(xcb_input_xi_query_device_reply(
+            connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
+        for (auto each = xcb_input_xi_query_device_infos_iterator(devices.get()); each.rem > 0;
+             xcb_input_xi_device_info_next(&each)) {
+            const std::string name(xcb_input_xi_device_info_name(each.data), each.data->name_len);
+            if (each.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD &&
+                name.find("XTEST") == std::string::npos)
+                device_ = static_cast<std::uint8_t>(each.data->deviceid);
+        }
+        const auto* extension = x11Extension(connection, xcb_input_id);
+        firstEvent_ = extension ? extension->first_event : 0;
+        const XcbOwned<xcb_input_open_device_reply_t> opened(xcb_input_open_device_reply(
+            connection, xcb_input_open_device(connection, device_), nullptr));
+    }
+
+    bool isThere() const { return device_ != 0; }
+
+    void press(std::uint8_t key) const { send(XCB_INPUT_DEVICE_KEY_PRESS, key); }
+
+    void release(std::uint8_t key) const { send(XCB_INPUT_DEVICE_KEY_RELEASE, key); }
+
+private:
+    void send(std::uint8_t event, std::uint8_t key) const {
+        xcb_test_fake_input(connection_,
+                            static_cast<std::uint8_t>(firstEvent_ + event),
+                            key,
+                            XCB_CURRENT_TIME,
+                            XCB_WINDOW_NONE,
+                            0,
+                            0,
+                            device_);
+        xcb_flush(connection_);
+    }
+
+    xcb_connection_t* connection_;
+    std::uint8_t device_ = 0;
+    std::uint8_t firstEvent_ = 0;
+};
+
+TEST_F(X11KeyInjectorTest, pastesAgainAfterTheUserHasLetGoOfWhatWasHeld) {
+    QGuiApplication::clipboard()->setText(QStringLiteral("pasted "));
+    const RealKeyboard keyboard(display.xcb());
+    ASSERT_TRUE(keyboard.isThere());
+    keyboard.press(controlKey);
+    hands.finish();
+    ASSERT_THAT(hands.down(), ElementsAre(controlKey));
+    EXPECT_TRUE(injector.paste(Chord::ordinary));
+    EXPECT_TRUE(spinUntil([&] { return editor.toPlainText() == QStringLiteral("pasted "); }));
+    keyboard.release(controlKey);
+    hands.finish();
+    spinFor(20);
+    EXPECT_TRUE(injector.paste(Chord::ordinary));
+    EXPECT_TRUE(spinUntil([&] { return editor.toPlainText() == QStringLiteral("pasted pasted "); }))
+        << editor.toPlainText().toStdString();
+}
 
 TEST_F(X11KeyInjectorTest, typesWhateverTheLayout) {
     const struct {

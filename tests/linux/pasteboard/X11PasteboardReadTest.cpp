@@ -245,9 +245,9 @@ TEST_F(X11PasteboardRead, believesNoListOfTargetsBlindly) {
              owner.putTargets(request, std::vector<std::uint32_t>(100'000, 31));
          },
          std::nullopt},
-        {"thousands, of which the first count",
+        {"thousands, of which the last may be a secret's mark",
          [&](auto& owner, auto& request) { owner.putTargets(request, thousands); },
-         256},
+         300},
         {"atoms that the display never gave, and none",
          [](auto& owner, auto& request) {
              owner.putTargets(request,

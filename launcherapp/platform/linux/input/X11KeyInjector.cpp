@@ -74,9 +74,9 @@ public:
         const auto v = map->chordKey(U'v', locks.layout, usualV);
         const auto shift = chord == PasteChord::terminal ? map->shiftKey() : std::nullopt;
         keys_.setLocks({.modifiers = 0, .layout = locks.layout});
-        keys_.press(*control);
+        hold(*control);
         if (shift)
-            keys_.press(*shift);
+            hold(*shift);
         keys_.tap(v);
         if (shift)
             keys_.release(*shift);
@@ -123,6 +123,13 @@ private:
                 modifiers.push_back(key);
         }
         return modifiers;
+    }
+
+    /// A key that was held again for the user is down on the extension's own device still when the
+    /// user has let go of it, and a press of what is down is no press.
+    void hold(KeyCode key) {
+        keys_.release(key);
+        keys_.press(key);
     }
 
     void begin() {
@@ -212,7 +219,7 @@ private:
         if (stroke->layout != layout)
             keys_.setLocks({.modifiers = 0, .layout = stroke->layout});
         for (const auto key : stroke->held)
-            keys_.press(key);
+            hold(key);
         keys_.tap(stroke->key);
         for (const auto key : stroke->held)
             keys_.release(key);

@@ -45,21 +45,28 @@ PasteboardCalls::PasteboardCalls(const Services& services, TransferLimits limits
     : services_(services), reading_(services.display, services.atoms, limits) {}
 
 void PasteboardCalls::answered(const xcb_selection_notify_event_t& event, Time now) {
+    endWhatIsOver();
     if (auto reading = reading_.answered(event, now))
         tell(*std::move(reading));
 }
 
 void PasteboardCalls::propertyChanged(const xcb_property_notify_event_t& event, Time now) {
+    endWhatIsOver();
     if (auto reading = reading_.propertyChanged(event, now))
         tell(*std::move(reading));
 }
 
+// A new owner's answer may come in one go with the news of it: what was asked about another's copy
+// must not get a content whose types nobody has looked at, which may be a secret.
+void PasteboardCalls::endWhatIsOver() {
+    if (!current_ || current_->count == services_.mailbox.count())
+        return;
+    reading_.abandon();
+    tell({.problem = somethingElse});
+}
+
 void PasteboardCalls::goOn(const Board& board, Time now) {
-    const auto count = services_.mailbox.count();
-    if (current_ && current_->count != count) {
-        reading_.abandon();
-        tell({.problem = somethingElse});
-    }
+    endWhatIsOver();
     if (auto late = reading_.expired(now))
         tell(*std::move(late));
     while (!current_ && !waiting_.empty()) {

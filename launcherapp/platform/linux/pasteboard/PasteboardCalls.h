@@ -64,6 +64,7 @@ private:
         std::uint64_t count = 0; ///< of the change it is about
     };
 
+    void endWhatIsOver();
     void begin(const Call& call, const Board& board, Time now);
     bool toldAtOnce(const Call& call, const Board& board) const;
     void tell(PasteboardReading reading);

@@ -14,7 +14,6 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::size_t mostTypes = 256;
 constexpr std::size_t longestName = 255;
 
 bool isTypeName(std::string_view name) {
@@ -32,6 +31,7 @@ SelectionAtoms::SelectionAtoms(const X11Connection& display)
       passwordManagerHint(display.atom("x-kde-passwordManagerHint")),
       transfer(display.atom("TESSARINE_TRANSFER")), moment(display.atom("TESSARINE_MOMENT")) {}
 
+// However many: one of the last may be the one that marks a secret.
 std::vector<SelectionAtoms::Atom> offeredTypes(std::span<const char> property,
                                                const SelectionAtoms& atoms) {
     std::set<SelectionAtoms::Atom> seen{XCB_ATOM_NONE,
@@ -42,8 +42,7 @@ std::vector<SelectionAtoms::Atom> offeredTypes(std::span<const char> property,
                                         atoms.remove};
     std::vector<SelectionAtoms::Atom> types;
     SelectionAtoms::Atom atom = XCB_ATOM_NONE;
-    for (; property.size() >= sizeof atom && types.size() < mostTypes;
-         property = property.subspan(sizeof atom)) {
+    for (; property.size() >= sizeof atom; property = property.subspan(sizeof atom)) {
         std::memcpy(&atom, property.data(), sizeof atom);
         if (seen.insert(atom).second)
             types.push_back(atom);

@@ -30,8 +30,7 @@ struct SelectionAtoms {
 };
 
 /// The types that an owner's list of targets tells, as the bytes of a property of 32-bit items.
-/// Those that are no types but services of the owner are left out, as are repetitions and what
-/// comes after the first 256.
+/// Those that are no types but services of the owner are left out, as are repetitions.
 std::vector<SelectionAtoms::Atom> offeredTypes(std::span<const char> property,
                                                const SelectionAtoms& atoms);
 
