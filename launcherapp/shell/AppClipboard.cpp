@@ -19,8 +19,8 @@ namespace {
 constexpr std::string_view noDisplay = "there is no X11 display, and the clipboard of Wayland is "
                                        "not read yet";
 constexpr std::string_view leftAlone = "this run leaves the clipboard alone";
-/// More than anybody means to search for; the field takes one line of it.
-constexpr std::size_t longestPaste = std::size_t{1} << 20;
+/// Of what the field takes the beginning of, as one line. More than that nobody means to search for.
+constexpr std::size_t longestPaste = std::size_t{16} << 20;
 
 std::unique_ptr<Pasteboard> pasteboard(AppServices& services, AppClipboard::Board wanted) {
     if (wanted == AppClipboard::Board::none)
