@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view noDisplay = "there is no X11 display, and the clipboard of Wayland is "
                                        "not read yet";
 constexpr std::string_view leftAlone = "this run leaves the clipboard alone";
-/// Of what the field takes the beginning of, as one line. More than that nobody means to search for.
+/// The field takes the beginning of it, as one line. Nobody means to search for more.
 constexpr std::size_t longestPaste = std::size_t{16} << 20;
 
 std::unique_ptr<Pasteboard> pasteboard(AppServices& services, AppClipboard::Board wanted) {
