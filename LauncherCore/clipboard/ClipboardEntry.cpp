@@ -5,6 +5,7 @@
 #include "LauncherCore/text/Graphemes.h"
 #include "LauncherCore/text/Printable.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessarine {
@@ -56,6 +57,18 @@ std::string ClipboardEntry::makePreview(std::string_view text) {
     const auto line = Folding::trimmed(firstFilledLine(text));
     const auto shown = cut(line);
     return shown ? std::string(*shown) + "…" : std::string(line);
+}
+
+std::vector<std::string_view> ClipboardEntry::paths() const {
+    std::vector<std::string_view> paths;
+    std::string_view rest = text.string();
+    while (!rest.empty()) {
+        const auto end = std::min(rest.find('\n'), rest.size());
+        if (const auto path = rest.substr(0, end); !path.empty())
+            paths.push_back(path);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return paths;
 }
 
 } // namespace tessarine

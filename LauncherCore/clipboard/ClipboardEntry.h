@@ -64,6 +64,10 @@ struct ClipboardEntry {
     /// characters. Of a text that is only line breaks: empty.
     static std::string makePreview(std::string_view text);
 
+    /// The files of a file clipping, in their order; a blank line names none. Views into `text`,
+    /// which copies of the entry share.
+    std::vector<std::string_view> paths() const;
+
     std::size_t pasteCount() const { return pastedInto ? pastedInto->size() : 0; }
 
     std::size_t characterCount() const { return text.characters(); }

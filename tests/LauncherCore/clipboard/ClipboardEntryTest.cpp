@@ -7,6 +7,9 @@
 namespace tessarine {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
+
 std::string repeated(std::string_view piece, std::size_t times) {
     std::string text;
     for (std::size_t i = 0; i < times; ++i)
@@ -111,6 +114,13 @@ TEST(ClipClassifier, takesAnAddressAloneForALink) {
         EXPECT_EQ(ClipClassifier::category(ClipKind::file, text), ClipCategory::file);
         EXPECT_EQ(ClipClassifier::category(ClipKind::image, text), ClipCategory::image);
     }
+}
+
+TEST(ClipboardEntry, namesNoFileByABlankLine) {
+    const auto entry =
+        ClipboardEntry::make({.kind = ClipKind::file, .text = ClipText("\n/a\n\n/b c\n\n")});
+    EXPECT_THAT(entry.paths(), ElementsAre("/a", "/b c"));
+    EXPECT_THAT(ClipboardEntry().paths(), IsEmpty());
 }
 
 TEST(ClipboardEntry, fetchesOnlyAPictureThatLiesElsewhere) {
