@@ -1,5 +1,6 @@
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/text/Graphemes.h"
 
 #include <gmock/gmock.h>
@@ -108,11 +109,12 @@ TEST(ClipClassifier, takesAnAddressAloneForALink) {
     };
 
     for (const auto& [text, isLink, reason] : cases) {
-        EXPECT_EQ(ClipClassifier::isLink(text), isLink) << reason;
-        EXPECT_EQ(ClipClassifier::category(ClipKind::text, text),
-                  isLink ? ClipCategory::link : ClipCategory::text);
-        EXPECT_EQ(ClipClassifier::category(ClipKind::file, text), ClipCategory::file);
-        EXPECT_EQ(ClipClassifier::category(ClipKind::image, text), ClipCategory::image);
+        const ClipText copied(text);
+        EXPECT_EQ(ClipClassifier::category(ClipKind::text, copied),
+                  isLink ? ClipCategory::link : ClipCategory::text)
+            << reason;
+        EXPECT_EQ(ClipClassifier::category(ClipKind::file, copied), ClipCategory::file);
+        EXPECT_EQ(ClipClassifier::category(ClipKind::image, copied), ClipCategory::image);
     }
 }
 
