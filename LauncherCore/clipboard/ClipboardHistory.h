@@ -51,7 +51,8 @@ struct ClipboardHistory {
     std::vector<ClipboardEntry> clear(double now, std::optional<Seconds> newerThan);
 
     /// The entries whose text holds the query, folded, and that the filter keeps; the newest first,
-    /// at most `limit`.
+    /// at most `limit`. Both this and `counts` wait for no file where the reader of `groups`
+    /// doesn't.
     std::vector<ClipboardEntry> search(std::string_view query,
                                        std::size_t limit,
                                        const std::optional<ClipFilterKey>& filter,

@@ -19,8 +19,10 @@ namespace {
 ClipGroupsRuntime& runtime() {
     static ClipGroupsRuntime made([] { return 0.0; },
                                   [](const std::string& path) {
-                                      return path.size() % 2 == 0 ? std::optional(path)
-                                                                  : std::nullopt;
+                                      return ClipFileBeginning{.bytes = path.size() % 2 == 0
+                                                                            ? std::optional(path)
+                                                                            : std::nullopt,
+                                                               .isOld = path.size() % 3 == 0};
                                   });
     return made;
 }
