@@ -3,6 +3,7 @@
 #include "LauncherCore/text/Folding.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tessarine {
 
@@ -108,7 +109,7 @@ bool ClipGroups::remove(std::string_view name) {
     return std::erase_if(groups, isNamed(wanted)) > 0;
 }
 
-std::pair<ClipGroups, bool> ClipGroups::migratingLedger(ClipGroups groups) {
+ClipGroups::Migrated ClipGroups::migratingLedger(ClipGroups groups) {
     bool changed = false;
     for (auto& group : groups.groups) {
         if (group.match != retiredLedger())
@@ -116,7 +117,7 @@ std::pair<ClipGroups, bool> ClipGroups::migratingLedger(ClipGroups groups) {
         group.match = handoffNotLaunched();
         changed = true;
     }
-    return {std::move(groups), changed};
+    return {.groups = std::move(groups), .isChanged = changed};
 }
 
 } // namespace tessarine

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace tessarine {
@@ -21,11 +20,19 @@ struct ClipGroup {
 
 /// The taught groups; the first that matches a clipping claims it. A value; any thread. Pointers
 /// are null for nothing, and valid until the next change.
+///
+/// The templates are about handoffs: texts that start a session of an assistant by naming a file
+/// that says what is to be done. A session that has begun stamps that file at its top, so a handoff
+/// whose file has no stamp was not launched yet.
 struct ClipGroups {
+    struct Migrated;
+
     std::vector<ClipGroup> groups;
 
     static const ClipGroups& suggested(); ///< of a fresh install: none
+    /// The expression whose first group is the file that a handoff names.
     static constexpr std::string_view handoffPath = R"re(Read and execute "([^"]+\.md)")re";
+    /// What every stamp holds.
     static constexpr std::string_view claimMarker = "EXECUT";
 
     /// Offered and never installed by the program; in an order in which the more particular win.
@@ -45,10 +52,15 @@ struct ClipGroups {
     bool remove(std::string_view name); ///< whether there was one
 
     /// Rules that tell what was not pasted yet by the paste marks alone read the named file
-    /// instead. A rule that was edited by hand stays. Whether any changed.
-    static std::pair<ClipGroups, bool> migratingLedger(ClipGroups groups);
+    /// instead. A rule that was edited by hand stays.
+    static Migrated migratingLedger(ClipGroups groups);
 
     bool operator==(const ClipGroups&) const = default;
+};
+
+struct ClipGroups::Migrated {
+    ClipGroups groups;
+    bool isChanged = false;
 };
 
 } // namespace tessarine

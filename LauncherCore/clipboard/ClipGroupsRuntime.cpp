@@ -1,12 +1,13 @@
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
 
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/TextTable.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <mutex>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace tessarine {
 
@@ -16,18 +17,7 @@ namespace {
 /// and asked again.
 constexpr std::size_t mostRemembered = 8192;
 
-struct Hash {
-    using is_transparent = void;
-
-    std::size_t operator()(std::string_view text) const {
-        return std::hash<std::string_view>{}(text);
-    }
-};
-
-template <typename Value>
-using Table = std::unordered_map<std::string, Value, Hash, std::equal_to<>>;
-
-template <typename Value> void remember(Table<Value>& table, std::string key, Value value) {
+template <typename Value> void remember(TextTable<Value>& table, std::string key, Value value) {
     if (table.size() >= mostRemembered)
         table.clear();
     table.insert_or_assign(std::move(key), std::move(value));
@@ -48,6 +38,9 @@ struct ClipGroupsRuntime::State {
         double at = 0;
     };
 
+    /// Of the first groups, as far as they were asked.
+    using Verdicts = std::vector<ClipMatcher::Verdict>;
+
     struct FileAnswer {
         ClipFileFact fact;
         double at = 0;
@@ -57,8 +50,11 @@ struct ClipGroupsRuntime::State {
         std::shared_ptr<const ClipGroups> current = std::make_shared<const ClipGroups>();
         bool readsAFile = false; ///< any of them does
         double pasteTrackingSince = 0;
-        Table<Claim> claims;     ///< by the clipping's id
-        Table<FileAnswer> files; ///< by path, NUL and needle
+        TextTable<Claim> claims; ///< by the clipping's id
+        /// By the clipping's id. A rule that reads a file makes all claims age, and is no reason to
+        /// search the texts again.
+        TextTable<std::shared_ptr<const Verdicts>> verdicts;
+        TextTable<FileAnswer> files; ///< by path, NUL and needle
         /// Grows with each change of the groups and with all that is forgotten: an answer that was
         /// begun before is not remembered.
         std::uint64_t generation = 0;
@@ -72,6 +68,11 @@ struct ClipGroupsRuntime::State {
 private:
     std::mutex mutex_; ///< held for the length of a look-up or a store alone
     Contents contents_;
+};
+
+struct ClipGroupsRuntime::FoundFact {
+    ClipFileFact fact;
+    bool isSettled = true; ///< and may be remembered
 };
 
 ClipGroupsRuntime::ClipGroupsRuntime(std::function<double()> now, FileReader fileReader)
@@ -88,11 +89,12 @@ void ClipGroupsRuntime::setCurrent(ClipGroups groups) {
         groups.groups, [](const ClipGroup& group) { return group.match.readsAFile(); });
     auto next = std::make_shared<const ClipGroups>(std::move(groups));
     // What was in force goes when the lock is free again.
-    Table<State::Claim> old;
+    State::Contents old;
     state_->with([&](State::Contents& its) {
         its.current.swap(next);
         its.readsAFile = readsAFile;
-        its.claims.swap(old);
+        its.claims.swap(old.claims);
+        its.verdicts.swap(old.verdicts);
         ++its.generation;
     });
 }
@@ -102,7 +104,11 @@ double ClipGroupsRuntime::pasteTrackingSince() const {
 }
 
 void ClipGroupsRuntime::setPasteTrackingSince(double since) {
-    state_->with([&](State::Contents& its) { its.pasteTrackingSince = since; });
+    state_->with([&](State::Contents& its) {
+        its.pasteTrackingSince = since;
+        its.claims.clear();
+        ++its.generation;
+    });
 }
 
 std::shared_ptr<const ClipGroup> ClipGroupsRuntime::group(const ClipboardEntry& entry) {
@@ -111,6 +117,7 @@ std::shared_ptr<const ClipGroup> ClipGroupsRuntime::group(const ClipboardEntry& 
     struct Asked {
         std::optional<State::Claim> known;
         std::shared_ptr<const ClipGroups> groups;
+        std::shared_ptr<const State::Verdicts> verdicts;
         double pasteTrackingSince = 0;
         std::uint64_t generation = 0;
     };
@@ -119,24 +126,46 @@ std::shared_ptr<const ClipGroup> ClipGroupsRuntime::group(const ClipboardEntry& 
         const auto found = its.claims.find(std::string_view(entry.id));
         if (found != its.claims.end() && (!its.readsAFile || isFresh(found->second.at, now)))
             return {.known = found->second};
+        const auto verdicts = its.verdicts.find(std::string_view(entry.id));
         return {.groups = its.current,
+                .verdicts = verdicts == its.verdicts.end() ? nullptr : verdicts->second,
                 .pasteTrackingSince = its.pasteTrackingSince,
                 .generation = its.generation};
     });
     if (asked.known)
         return asked.known->group;
 
+    bool isSettled = true;
     const ClipFacts facts{
-        .file = [this](const std::string& path,
-                       const std::optional<std::string>& needle) { return fileFact(path, needle); },
+        .file = [&](const std::string& path,
+                    const std::optional<std::string>& needle) -> std::optional<ClipFileFact> {
+            const auto found = findFact(path, needle);
+            isSettled = isSettled && found && found->isSettled;
+            return found ? std::optional(found->fact) : std::nullopt;
+        },
         .pasteTrackingSince = asked.pasteTrackingSince};
-    const auto* match = asked.groups->match(entry, facts);
+    auto verdicts = asked.verdicts ? *asked.verdicts : State::Verdicts();
+    const auto known = verdicts.size();
+    const auto& groups = asked.groups->groups;
+    const auto claiming =
+        std::ranges::find_if(groups, [&, next = std::size_t{0}](auto& group) mutable {
+            if (next == verdicts.size())
+                verdicts.push_back(group.match.verdict(entry));
+            return group.match.matches(verdicts[next++], entry, facts);
+        });
     State::Claim claim{.at = now};
-    if (match) // lives as long as all the groups do
-        claim.group = std::shared_ptr<const ClipGroup>(asked.groups, match);
+    if (claiming != groups.end()) // lives as long as all the groups do
+        claim.group = std::shared_ptr<const ClipGroup>(asked.groups, &*claiming);
+    auto longer = verdicts.size() > known
+                      ? std::make_shared<const State::Verdicts>(std::move(verdicts))
+                      : nullptr;
     state_->with([&](State::Contents& its) {
-        if (its.generation == asked.generation)
+        if (its.generation != asked.generation)
+            return;
+        if (isSettled)
             remember(its.claims, entry.id, claim);
+        if (longer)
+            remember(its.verdicts, entry.id, std::move(longer));
     });
     return claim.group;
 }
@@ -152,8 +181,14 @@ std::string ClipGroupsRuntime::symbol(const ClipboardEntry& entry) {
     return claiming ? claiming->symbol : std::string(ClipKinds::symbol(entry.category()));
 }
 
-ClipFileFact ClipGroupsRuntime::fileFact(const std::string& path,
-                                         const std::optional<std::string>& needle) {
+std::optional<ClipFileFact> ClipGroupsRuntime::fileFact(const std::string& path,
+                                                        const std::optional<std::string>& needle) {
+    const auto found = findFact(path, needle);
+    return found ? std::optional(found->fact) : std::nullopt;
+}
+
+std::optional<ClipGroupsRuntime::FoundFact>
+ClipGroupsRuntime::findFact(const std::string& path, const std::optional<std::string>& needle) {
     auto key = path + '\0' + needle.value_or(std::string());
     const double now = now_();
 
@@ -169,20 +204,24 @@ ClipFileFact ClipGroupsRuntime::fileFact(const std::string& path,
         return {.generation = its.generation};
     });
     if (asked.known)
-        return *asked.known;
+        return FoundFact{.fact = *asked.known};
 
     const auto beginning = fileReader_(path);
-    ClipFileFact fact{.exists = beginning.has_value()};
-    if (beginning && needle) {
+    if (!beginning)
+        return std::nullopt;
+    ClipFileFact fact{.exists = beginning->bytes.has_value()};
+    if (beginning->bytes && needle) {
         const auto text =
-            Folding::repairedUtf8(std::string_view(*beginning).substr(0, needleBytes));
+            Folding::repairedUtf8(std::string_view(*beginning->bytes).substr(0, needleBytes));
         fact.hasNeedle = text.find(*needle) != std::string::npos;
     }
+    if (beginning->isOld)
+        return FoundFact{.fact = fact, .isSettled = false};
     state_->with([&](State::Contents& its) {
         if (its.generation == asked.generation)
             remember(its.files, std::move(key), State::FileAnswer{.fact = fact, .at = now});
     });
-    return fact;
+    return FoundFact{.fact = fact};
 }
 
 void ClipGroupsRuntime::forget(std::string_view id) {
@@ -196,6 +235,7 @@ void ClipGroupsRuntime::forget(std::string_view id) {
 void ClipGroupsRuntime::forgetAll() {
     state_->with([](State::Contents& its) {
         its.claims.clear();
+        its.verdicts.clear();
         its.files.clear();
         ++its.generation;
     });

@@ -1,7 +1,7 @@
 #include "LauncherCore/clipboard/ClipMatcher.h"
 
-#include "LauncherCore/clipboard/LineBreaks.h"
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/LineBreaks.h"
 
 #include <algorithm>
 #include <array>
@@ -44,19 +44,6 @@ bool isInState(FileState state, const ClipFileFact& fact) {
     return false;
 }
 
-bool namesFileInState(const ClipMatcher& rule,
-                      FileState state,
-                      std::string_view text,
-                      const ClipFacts& facts) {
-    const auto path = rule.namedPath(text);
-    if (!path)
-        return false;
-    // Whether the text names one is known without a look at the disk.
-    if (state == FileState::named)
-        return true;
-    return isInState(state, facts.file ? facts.file(*path, rule.fileNeedle) : ClipFileFact());
-}
-
 } // namespace
 
 bool ClipMatcher::isEmpty() const {
@@ -84,15 +71,35 @@ bool ClipMatcher::matches(const ClipText& text) const {
     return asksOfText(*this);
 }
 
-bool ClipMatcher::matches(const ClipboardEntry& entry, const ClipFacts& facts) const {
+ClipMatcher::Verdict ClipMatcher::verdict(const ClipboardEntry& entry) const {
     if (kind && *kind != entry.kind)
-        return false;
-    if (pasted && !isPasted(entry, *pasted, facts.pasteTrackingSince))
-        return false;
+        return {};
     if (asksOfText(*this) ? !matches(entry.text) : !kind && !pasted)
+        return {};
+    if (!fileState)
+        return {.holds = true};
+    auto path = namedPath(entry.text.string());
+    if (!path)
+        return {};
+    // Whether the text names one is known without a look at the disk.
+    if (*fileState == FileState::named)
+        path.reset();
+    return {.holds = true, .path = std::move(path)};
+}
+
+bool ClipMatcher::matches(const Verdict& verdict,
+                          const ClipboardEntry& entry,
+                          const ClipFacts& facts) const {
+    if (!verdict.holds || (pasted && !isPasted(entry, *pasted, facts.pasteTrackingSince)))
         return false;
-    // A file is looked at last: all else is cheaper.
-    return !fileState || namesFileInState(*this, *fileState, entry.text.string(), facts);
+    if (!verdict.path)
+        return true;
+    const auto fact = facts.file ? facts.file(*verdict.path, fileNeedle) : ClipFileFact();
+    return fact && isInState(*fileState, *fact);
+}
+
+bool ClipMatcher::matches(const ClipboardEntry& entry, const ClipFacts& facts) const {
+    return matches(verdict(entry), entry, facts);
 }
 
 std::optional<std::string> ClipMatcher::namedPath(std::string_view text) const {
@@ -102,7 +109,8 @@ std::optional<std::string> ClipMatcher::namedPath(std::string_view text) const {
     if (!match || match->groups.size() < 2 || !match->has(1))
         return std::nullopt;
     const auto path = Folding::trimmed((*match)[1]);
-    if (path.empty())
+    // To the system a NUL ends a path, so this would be the name of another file.
+    if (path.empty() || path.find('\0') != std::string_view::npos)
         return std::nullopt;
     return std::string(path);
 }

@@ -14,14 +14,16 @@ namespace tessarine {
 /// What is known of a file that a clipping names.
 struct ClipFileFact {
     bool exists = false;
-    bool hasNeedle = false; ///< the text looked for stands at its start
+    bool hasNeedle = false; ///< the text looked for is within its first bytes
 
     bool operator==(const ClipFileFact&) const = default;
 };
 
 /// What a rule asks of the world beyond the clipping itself.
 struct ClipFacts {
-    std::function<ClipFileFact(const std::string& path, const std::optional<std::string>& needle)>
+    /// Nothing when it isn't known yet: then no rule that asks about the file matches.
+    std::function<std::optional<ClipFileFact>(const std::string& path,
+                                              const std::optional<std::string>& needle)>
         file;
     /// Seconds since 1970 from which on each paste is known; 0: not known.
     double pasteTrackingSince = 0;
@@ -62,7 +64,18 @@ struct ClipMatcher {
     bool matches(const ClipText& text) const;
     bool matches(const ClipboardEntry& entry, const ClipFacts& facts) const;
 
-    /// The path that the text names; nothing without one.
+    /// What the rule says of a clipping's content, which never changes and may be remembered.
+    struct Verdict {
+        bool holds = false;
+        std::optional<std::string> path; ///< the file that decides; nothing when none is asked
+    };
+
+    Verdict verdict(const ClipboardEntry& entry) const;
+
+    /// The same as `matches(entry, facts)`, its verdict on that entry known.
+    bool matches(const Verdict& verdict, const ClipboardEntry& entry, const ClipFacts& facts) const;
+
+    /// The path that the text names; nothing without one, and for what can't be one.
     std::optional<std::string> namedPath(std::string_view text) const;
 
     /// Whether an expression compiles as `regex` does.

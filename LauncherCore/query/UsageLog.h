@@ -1,12 +1,12 @@
 #pragma once
 
+#include "LauncherCore/text/TextTable.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace tessarine {
@@ -30,21 +30,10 @@ public:
     static constexpr std::size_t shortestQuery = 2; ///< characters; shorter ones teach nothing
     static constexpr std::size_t longestQuery = 32; ///< characters; longer ones are not kept
 
-    /// Lets a look-up by `std::string_view` make no string.
-    struct Hash {
-        using is_transparent = void;
+    using Picks = TextTable<std::int64_t>; ///< row id to pick count
 
-        std::size_t operator()(std::string_view text) const {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
-
-    template <typename Value>
-    using Table = std::unordered_map<std::string, Value, Hash, std::equal_to<>>;
-    using Picks = Table<std::int64_t>; ///< row id to pick count
-
-    Table<UsageRecord> items; ///< by row id
-    Table<Picks> choices;     ///< by normalized query
+    TextTable<UsageRecord> items; ///< by row id
+    TextTable<Picks> choices;     ///< by normalized query
 
     bool operator==(const UsageLog&) const = default;
 

@@ -312,6 +312,7 @@ void App::Parts::keepRowsFresh() {
     publications.push_back(clipboard->store.onChange(clipped));
     publications.push_back(clipboard->groups.onChange(clipped));
     publications.push_back(clipboard->images.onArrival([this] { fresh->pictureArrived(); }));
+    publications.push_back(clipboard->fileFacts.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(commands->catalog.onChange(published));
     publications.push_back(services->index.onPublished(published));
     publications.push_back(services->rates.onChange(published));

@@ -36,22 +36,13 @@ std::unique_ptr<KeyInjector> injector(AppServices& services, AppClipboard::Board
     return keyInjector(services.doors.queue, services.environment);
 }
 
-/// What of a file a rule may ask about. Links are followed; a pipe or device has no text.
-ClipGroupsRuntime::FileReader fileReader(const FileStore& files) {
-    return [&files](const std::string& path) -> std::optional<std::string> {
-        if (!files.info(path))
-            return std::nullopt;
-        std::string start;
-        try {
-            files.readPieces(path, [&start](std::string_view piece) {
-                start = piece.substr(0, ClipGroupsRuntime::needleBytes);
-                return false;
-            });
-        } catch (const FileError&) {
-            return std::string(); // what can't be read has nothing to be found in
-        }
-        return start;
-    };
+/// Where somebody types nobody waits for a file; a run that answers and ends does.
+ClipGroupsRuntime::FileReader fileReader(const AppServices& services, ClipFileFacts& facts) {
+    if (services.run.endsByItself)
+        return [&files = services.doors.files](const std::string& path) {
+            return ClipFileFacts::read(files, path);
+        };
+    return [&facts](const std::string& path) { return facts.beginning(path); };
 }
 
 /// Where the user has the file; in the support folder unless the preference names a path.
@@ -66,7 +57,8 @@ std::string place(const AppServices& services,
 
 AppClipboard::AppClipboard(AppServices& made, Board wanted)
     : services(made), board(pasteboard(made, wanted)), keys(injector(made, wanted)),
-      runtime([&queue = made.doors.queue] { return queue.now(); }, fileReader(made.doors.files)),
+      fileFacts(made.doors.queue, made.doors.work, std::make_shared<PosixFileStore>()),
+      runtime([&queue = made.doors.queue] { return queue.now(); }, fileReader(made, fileFacts)),
       pictures(std::make_shared<ClipPictures>(std::make_shared<PosixFileStore>(),
                                               std::make_shared<QtPictureCodec>(),
                                               made.support.location() + "/clips")),

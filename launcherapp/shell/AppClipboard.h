@@ -6,6 +6,7 @@
 #include "launcherapp/clipboard/ClipboardPaster.h"
 #include "launcherapp/clipboard/ClipboardStore.h"
 #include "launcherapp/clipboard/ClipboardWatcher.h"
+#include "launcherapp/clipboard/groups/ClipFileFacts.h"
 #include "launcherapp/clipboard/groups/ClipGroupStore.h"
 #include "launcherapp/platform/KeyInjector.h"
 #include "launcherapp/platform/Pasteboard.h"
@@ -53,6 +54,7 @@ public:
     AppServices& services;
     std::unique_ptr<Pasteboard> board;
     std::unique_ptr<KeyInjector> keys;
+    ClipFileFacts fileFacts;
     ClipGroupsRuntime runtime;
     std::shared_ptr<const ClipPictures> pictures;
     ClipboardStore store;

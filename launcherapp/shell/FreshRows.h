@@ -29,7 +29,7 @@ public:
     /// once in `shortestPause`, and the row that the user went to stays selected.
     void published();
 
-    /// To be called when a picture has been read that a row or a preview lacked.
+    /// To be called when a picture or a file has been read that a row or a preview lacked.
     void pictureArrived();
 
 private:

@@ -1,6 +1,7 @@
 // The files of the clipboard history and of the taught groups, and one filter: whatever the bytes,
 // what can be read goes through a save unchanged, and a rule that can be read can be asked.
 
+#include "LauncherCore/clipboard/ClipFilterKeyJson.h"
 #include "LauncherCore/clipboard/ClipGroupsJson.h"
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"
@@ -18,8 +19,10 @@ namespace {
 ClipGroupsRuntime& runtime() {
     static ClipGroupsRuntime made([] { return 0.0; },
                                   [](const std::string& path) {
-                                      return path.size() % 2 == 0 ? std::optional(path)
-                                                                  : std::nullopt;
+                                      return ClipFileBeginning{.bytes = path.size() % 2 == 0
+                                                                            ? std::optional(path)
+                                                                            : std::nullopt,
+                                                               .isOld = path.size() % 3 == 0};
                                   });
     return made;
 }

@@ -105,7 +105,7 @@ TEST(ClipMatcher, asksOfAnEntryWhatItsTextCannotTell) {
 TEST(ClipMatcher, takesTheFirstGroupOfThePatternForAPath) {
     const struct {
         const char* pattern;
-        const char* text;
+        std::string_view text;
         std::optional<std::string> path;
         const char* reason;
     } cases[] = {
@@ -116,6 +116,10 @@ TEST(ClipMatcher, takesTheFirstGroupOfThePatternForAPath) {
         {R"(open( /b)?)", "open /a", std::nullopt, "the group took no part"},
         {R"(open(\s*))", "open  ", std::nullopt, "blanks alone"},
         {R"((open)", "open", std::nullopt, "doesn't compile"},
+        {R"re(open "([^"]+)")re",
+         std::string_view("open \"/a\0b\"", 11),
+         std::nullopt,
+         "a NUL in it"},
     };
 
     for (const auto& [pattern, text, path, reason] : cases)
@@ -138,13 +142,40 @@ TEST(ClipMatcher, followsItsFieldsWhenTheyChange) {
 }
 
 TEST(ClipMatcher, givesUpOnAnExpressionThatTakesTooLong) {
-    const ClipMatcher endless{.regex = "(a+)+b"};
-    EXPECT_FALSE(endless.matches(ClipText(std::string(5000, 'a') + "c")));
-    EXPECT_TRUE(endless.matches(ClipText("aab")));
-    // And doesn't begin to look for the end of a whole book.
+    const std::string line(200000, 'a'); // each of these would take seconds or for ever
+
+    const struct {
+        const char* regex;
+        const char* reason;
+    } cases[] = {
+        {"(a+)+b", "many ways"},
+        {"(?=.*).b", "a look to the end of the line from each place"},
+        {"(?:(?=[^b]*)a)*b", "or at each step"},
+        {R"((.*)\1b)", "compared with itself"},
+        {R"((?s)(?=.*\z).b)", "a jump to the end of the text"},
+    };
+
+    for (const auto& [regex, reason] : cases) {
+        EXPECT_FALSE(ClipMatcher({.regex = regex}).matches(ClipText(line + "c"))) << reason;
+        EXPECT_TRUE(ClipMatcher({.regex = regex}).matches(ClipText("aab"))) << reason;
+    }
+    // Nor does it begin to look for the end of a whole book.
     const ClipMatcher last{.regex = "last|end"};
     EXPECT_FALSE(last.matches(ClipText(std::string(1 << 20, 'x') + "last")));
-    EXPECT_TRUE(last.matches(ClipText(std::string(50000, 'e') + "last")));
+    EXPECT_TRUE(last.matches(ClipText(std::string(100000, 'e') + "last")));
+}
+
+TEST(ClipMatcher, readsATextWhereverItsPiecesAreParted) {
+    // ICU reads the text in pieces; pairs of surrogates, looks back and far jumps cross them.
+    for (std::size_t before = 0; before < 140; ++before) {
+        const ClipText text(std::string(before, 'x') + "é🎨🎨 end\nlast");
+        const ClipMatcher forward{.regex = "é\\p{So}{2} (?=E)"};
+        const ClipMatcher back{.regex = "(?<=🎨) end$"};
+        const ClipMatcher whole{.regex = R"(\A[^\n]*🎨🎨 end\nlast\z)"};
+        EXPECT_TRUE(forward.matches(text) && back.matches(text) && whole.matches(text)) << before;
+        EXPECT_THAT(ClipMatcher({.filePattern = "^x*(é🎨+)"}).namedPath(text.string()),
+                    Optional(std::string("é🎨🎨")));
+    }
 }
 
 TEST(ClipMatcher, canBeAskedByManyThreads) {
@@ -216,7 +247,7 @@ TEST(ClipGroups, upgradesOnlyTheLedgerThatNobodyEdited) {
     EXPECT_TRUE(changed);
     EXPECT_EQ(upgraded.groups.front(),
               (ClipGroup{"Mine", "star", ClipGroups::templates().front().match}));
-    EXPECT_FALSE(ClipGroups::migratingLedger(upgraded).second);
+    EXPECT_FALSE(ClipGroups::migratingLedger(upgraded).isChanged);
 
     const auto edited = [&](auto edit) {
         auto group = ledger;

@@ -1,5 +1,6 @@
 #include "LauncherCore/clipboard/ClipboardJson.h"
 
+#include "LauncherCore/clipboard/ClipFilterKeyJson.h"
 #include "LauncherCore/clipboard/ClipGroupsJson.h"
 #include "tests/LauncherCore/clipboard/Clippings.h"
 
@@ -83,6 +84,7 @@ TEST(ClipboardJson, refusesAWholeDocumentForOneBadEntry) {
         with(R"("firstSeen":2.0)", R"("firstSeen":1e999)"),
         with(R"("count":7)", R"("count":7.5)"),
         with(R"("count":7)", R"("count":9223372036854775808)"),
+        with(R"("count":7)", R"("count":9223372036854775808.0)"),
         with(R"("pinned":true)", R"("pinned":1)"),
         with(R"("sourceApp":"Bild")", R"("sourceApp":[])"),
         with(R"("width":3)", R"("width":"3")"),
@@ -107,6 +109,7 @@ TEST(ClipboardJson, tellsWhatItWouldLoseOfANewerDocument) {
         {with(R"("width":3)", R"("depth":1,"width":3)"), true},
         {with(R"("sourceApp":"Bild")", R"("sourceApp":null)"), false},
         {with(R"("firstSeen":2.0)", R"("firstSeen":2)"), false},
+        {with(R"("count":7)", R"("count":7.0)"), false},
     };
 
     for (const auto& [text, losesOld] : cases) {
@@ -114,6 +117,7 @@ TEST(ClipboardJson, tellsWhatItWouldLoseOfANewerDocument) {
         ASSERT_TRUE(read) << text;
         EXPECT_EQ(read->losesOld, losesOld) << text;
         EXPECT_EQ(read->history.entries.size(), 3u);
+        EXPECT_EQ(read->history.entries[1].count, 7);
     }
 }
 

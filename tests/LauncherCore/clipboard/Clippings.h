@@ -34,13 +34,18 @@ struct TaughtGroups {
     double now = 1000;
     std::map<std::string, std::string> files;
     std::vector<std::string> filesRead;
+    bool isHanging = false; ///< no file is known yet
+    bool isOld = false;     ///< what is known of files is being read anew
     ClipGroupsRuntime runtime{[this] { return now; },
-                              [this](const std::string& path) -> std::optional<std::string> {
+                              [this](const std::string& path) -> std::optional<ClipFileBeginning> {
                                   filesRead.push_back(path);
-                                  const auto found = files.find(path);
-                                  if (found == files.end())
+                                  if (isHanging)
                                       return std::nullopt;
-                                  return found->second;
+                                  const auto found = files.find(path);
+                                  return ClipFileBeginning{
+                                      .bytes = found == files.end() ? std::nullopt
+                                                                    : std::optional(found->second),
+                                      .isOld = isOld};
                               }};
 
     /// Empty when no group claims it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"
 #include "launcherapp/clipboard/ClipPictures.h"
 #include "launcherapp/clipboard/ClipboardStore.h"
@@ -27,7 +28,7 @@ struct ClipboardFixture {
     VirtualTime& time = services.platform.time;
     FakePasteboard board{time};
     ClipGroupsRuntime runtime{[this] { return services.platform.queue.now(); },
-                              [](const std::string&) { return std::nullopt; }};
+                              [](const std::string&) { return ClipFileBeginning(); }};
     std::shared_ptr<const ClipPictures> pictures =
         std::make_shared<ClipPictures>(std::shared_ptr<FileStore>(std::shared_ptr<void>(), &files),
                                        std::make_shared<FakePictureCodec>(),

@@ -78,7 +78,7 @@ protected:
 
     ClipboardHistory history;
     ClipGroupsRuntime groups{[] { return now; },
-                             [](const std::string&) { return std::optional<std::string>(); }};
+                             [](const std::string&) { return ClipFileBeginning(); }};
     std::optional<Image> thumbnail;
     bool pastes = true;
     std::vector<std::string> done;

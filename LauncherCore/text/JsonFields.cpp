@@ -1,8 +1,10 @@
-#include "LauncherCore/clipboard/JsonFields.h"
+#include "LauncherCore/text/JsonFields.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cassert>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <type_traits>
@@ -14,9 +16,22 @@ namespace {
 
 using Json = nlohmann::json;
 
-bool fitsInteger(const Json& member) {
-    return member.is_number_unsigned() ? std::in_range<std::int64_t>(member.get<std::uint64_t>())
-                                       : member.is_number_integer();
+/// Other writers have one kind of number, and write a whole one as 1500.0.
+std::optional<std::int64_t> wholeNumber(const Json& member) {
+    if (member.is_number_unsigned()) {
+        const auto value = member.get<std::uint64_t>();
+        return std::in_range<std::int64_t>(value) ? std::optional(static_cast<std::int64_t>(value))
+                                                  : std::nullopt;
+    }
+    if (member.is_number_integer())
+        return member.get<std::int64_t>();
+    if (!member.is_number_float())
+        return std::nullopt;
+    constexpr double tooLarge = 9223372036854775808.0; // 2 to the power of 63
+    const auto value = member.get<double>();
+    return std::trunc(value) == value && value >= -tooLarge && value < tooLarge
+               ? std::optional(static_cast<std::int64_t>(value))
+               : std::nullopt;
 }
 
 template <typename Value> bool isA(const Json& member) {
@@ -27,7 +42,7 @@ template <typename Value> bool isA(const Json& member) {
     else if constexpr (std::is_same_v<Value, double>)
         return member.is_number();
     else if constexpr (std::is_same_v<Value, std::int64_t>)
-        return fitsInteger(member);
+        return wholeNumber(member).has_value();
     else
         return member.is_array() && std::ranges::all_of(member, &Json::is_string);
 }
@@ -42,7 +57,8 @@ Json* JsonFields::member(const char* key) {
     const auto found = value_.find(key);
     if (found == value_.end())
         return nullptr;
-    ++asked_;
+    assert(std::ranges::find(asked_, key) == asked_.end() && "each member is read once");
+    asked_.emplace_back(key);
     return found->is_null() ? nullptr : &*found;
 }
 
@@ -56,6 +72,8 @@ template <typename Value> std::optional<Value> JsonFields::optional(const char* 
     }
     if constexpr (std::is_same_v<Value, std::string>)
         return std::move(found->get_ref<std::string&>());
+    else if constexpr (std::is_same_v<Value, std::int64_t>)
+        return wholeNumber(*found);
     else
         return found->get<Value>();
 }
@@ -67,7 +85,7 @@ template std::optional<double> JsonFields::optional(const char*);
 template std::optional<std::int64_t> JsonFields::optional(const char*);
 
 bool JsonFields::hasOthers() const {
-    return value_.is_object() && value_.size() > asked_;
+    return value_.is_object() && value_.size() > asked_.size();
 }
 
 } // namespace tessarine

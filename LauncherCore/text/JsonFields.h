@@ -2,9 +2,10 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include <cstddef>
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace tessarine {
 
@@ -18,7 +19,7 @@ public:
     explicit JsonFields(nlohmann::json& value);
 
     /// Nothing when the member is absent. For std::string, std::vector<std::string>, bool, double
-    /// and std::int64_t; a whole number only where it is written as one.
+    /// and std::int64_t; a number with a fraction is no std::int64_t.
     template <typename Value> std::optional<Value> optional(const char* key);
 
     /// The member whatever it is; null when it is absent.
@@ -40,7 +41,7 @@ public:
 
 private:
     nlohmann::json& value_;
-    std::size_t asked_ = 0; ///< members that are there
+    std::vector<std::string> asked_; ///< members that are there
     bool isWhole_ = true;
 };
 
