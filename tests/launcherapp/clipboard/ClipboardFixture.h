@@ -13,6 +13,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarine {
@@ -22,6 +23,10 @@ struct ClipboardFixture {
     static constexpr auto historyPath = "/support/clipboard.json";
     static constexpr auto pictureFolder = "/support/clips";
 
+    explicit ClipboardFixture(std::string historyIsAt = historyPath)
+        : history(std::move(historyIsAt)) {}
+
+    std::string history;
     FakeServices services;
     MemoryFileStore& files = services.platform.files;
     VirtualTime& time = services.platform.time;
@@ -41,7 +46,7 @@ struct ClipboardFixture {
                          StateFile(files,
                                    services.platform.work.serial("state"),
                                    services.diagnostics,
-                                   historyPath,
+                                   history,
                                    StateFile::Failures::silent)};
     ClipSource front{.bundleID = "org.example.Editor", .name = "Editor"};
     ClipboardWatcher watcher{
