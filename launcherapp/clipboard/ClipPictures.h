@@ -3,8 +3,10 @@
 #include "launcherapp/platform/Image.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +35,7 @@ public:
         std::optional<std::string> imageFile;     ///< nothing when it could not be written
         std::optional<std::string> fullFile;      ///< likewise, or when it is too large
         std::optional<std::size_t> tooLargeBytes; ///< of the PNG that was not kept
+        std::optional<std::string> problem;       ///< why a file could not be written
     };
 
     /// Nothing for what is no picture. Files that are there already are kept; bytes that are PNG
@@ -45,16 +48,27 @@ public:
 
     void remove(const std::string& name) const; ///< a failure is ignored
 
+    using Names = std::set<std::string, std::less<>>;
+
     /// The names of all picture files in the folder.
-    std::vector<std::string> names() const;
+    Names names() const;
+
+    /// Removes what killed saves of pictures left. None may be under way.
+    void removeLeftovers() const;
+
+    /// Removes all pictures but those in `spared`. What another document names stays too: the
+    /// copies beside `document`, the history's, of what could not be read, and the history beside
+    /// the folder, if it is another one. When one of them can't be read, all pictures stay.
+    void sweep(const Names& spared, const std::string& document) const;
 
     /// Whether a file of this name can be ours: an id with ".png" or "-full.png" after it. No other
     /// is ever read or removed, whatever a document on disk names.
     static bool isName(std::string_view name);
 
 private:
+    std::vector<std::string> otherDocuments(const std::string& document) const;
     std::string path(const std::string& name) const;
-    std::optional<std::string> written(const std::string& name, const std::string& bytes) const;
+    void writeFiles(Kept& kept, const Image& image, const std::string& bytes) const;
     std::optional<std::string> thumbnail(const std::string& name, const Image& image) const;
 
     std::shared_ptr<FileStore> files_;

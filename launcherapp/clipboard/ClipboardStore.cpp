@@ -1,5 +1,6 @@
 #include "launcherapp/clipboard/ClipboardStore.h"
 
+#include "LauncherCore/clipboard/ClipGroupsRuntime.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/WorkQueues.h"
@@ -7,29 +8,15 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <cassert>
 #include <cmath>
-#include <iterator>
 #include <utility>
 
 namespace tessarine {
 
 namespace {
 
-/// Adds the picture files of an entry.
-void addPictures(ClipboardStore::FileNames& names, const ClipboardEntry& entry) {
-    for (const auto& name : {entry.imageFile, entry.fullFile}) {
-        if (name)
-            names.insert(*name);
-    }
-}
-
-ClipboardStore::FileNames namedPictures(const ClipboardHistory& history) {
-    ClipboardStore::FileNames names;
-    for (const auto& entry : history.entries)
-        addPictures(names, entry);
-    return names;
-}
+constexpr std::size_t mostFreedHere = std::size_t{1} << 20; // bytes: well below a millisecond
 
 /// What the document on disk gave.
 struct Loaded {
@@ -45,11 +32,39 @@ std::optional<Loaded> decoded(const std::string& text) {
                   .old = document->losesOld ? std::optional(text) : std::nullopt};
 }
 
+std::size_t textBytes(const std::vector<ClipboardEntry>& entries) {
+    std::size_t bytes = 0;
+    for (const auto& entry : entries)
+        bytes += entry.text.string().size();
+    return bytes;
+}
+
+/// Walks from the tail to the head, as the cap on their number does, and takes out unpinned entries
+/// until the texts left are small enough together.
+std::vector<ClipboardEntry> takeLargeFromTail(std::vector<ClipboardEntry>& entries) {
+    std::vector<ClipboardEntry> taken;
+    auto bytes = textBytes(entries);
+    for (auto at = entries.end(); bytes > ClipboardStore::mostTextBytes && at != entries.begin();) {
+        --at;
+        if (at->pinned)
+            continue;
+        bytes -= at->text.string().size();
+        taken.push_back(std::move(*at));
+        at = entries.erase(at);
+    }
+    return taken;
+}
+
 } // namespace
 
 ClipboardStore::ClipboardStore(Services services, StateFile file)
     : services_(std::move(services)), file_(std::move(file)),
-      pictureQueue_(services_.work.serial("clip-pictures")) {}
+      pictures_({.queue = services_.queue,
+                 .work = services_.work,
+                 .diagnostics = services_.diagnostics,
+                 .pictures = services_.pictures},
+                history_),
+      stamps_(services_.queue, services_.prefs) {}
 
 ClipboardStore::~ClipboardStore() = default;
 
@@ -61,6 +76,7 @@ void ClipboardStore::load(std::function<void()> loaded) {
                         std::optional<Loaded> document) {
                         if (alive.expired())
                             return;
+                        wasReadWhole_ = document && !document->old;
                         if (document && document->old)
                             file_.markDamaged(*std::move(document->old));
                         takeLoaded(document ? std::move(document->history) : ClipboardHistory{});
@@ -78,61 +94,92 @@ void ClipboardStore::takeLoaded(ClipboardHistory history) {
 
 void ClipboardStore::record(ClipboardEntry entry) {
     requireMainThread(services_.queue);
-    const auto id = entry.id;
-    FileNames brought;
-    addPictures(brought, entry);
-    dropPictures(history_.record(std::move(entry)));
-    // An entry of this content that was there already keeps the files that it had.
-    if (!brought.empty())
-        dropPictures(std::move(brought));
-    stampLocal(id);
+    assert(isLoaded_);
+    std::vector given{entry}; // what it brought may be dropped for what was there already
+    auto dropped = history_.record(std::move(entry));
+    auto& front = history_.entries.front();
+    if (front.id == given.front().id) {
+        // A first copy on a full disk has no files; a later one brings them.
+        if (!front.imageFile)
+            front.imageFile = given.front().imageFile;
+        if (!front.fullFile)
+            front.fullFile = given.front().fullFile;
+    }
+    letGo(std::move(given));
+    letGo(std::move(dropped));
+    keepWithinBounds();
+    if (!history_.entries.empty())
+        stamps_.stamp(history_.entries.front());
     changed();
+}
+
+void ClipboardStore::keepWithinBounds() {
+    auto dropped = takeLargeFromTail(history_.entries);
+    if (dropped.empty())
+        return;
+    services_.diagnostics.log(fmt::format("clipboard: dropped {} {}, as the texts together are "
+                                          "over {} MB",
+                                          dropped.size(),
+                                          dropped.size() == 1 ? "entry" : "entries",
+                                          mostTextBytes >> 20));
+    letGo(std::move(dropped));
+}
+
+/// How many picture files no clipping names any more; they go with the next save.
+std::size_t ClipboardStore::letGo(std::vector<ClipboardEntry> dropped) {
+    for (const auto& entry : dropped) {
+        if (!has(entry.id))
+            services_.groups.forget(entry.id); // it may come back, with other marks
+    }
+    const auto files = pictures_.drop(dropped);
+    // Giving back the memory of many large texts takes long.
+    if (textBytes(dropped) > mostFreedHere)
+        services_.work.run(WorkPriority::utility,
+                           [dropped = std::make_shared<std::vector<ClipboardEntry>>(
+                                std::move(dropped))] { dropped->clear(); });
+    return files;
 }
 
 void ClipboardStore::bump(std::string_view id) {
     requireMainThread(services_.queue);
+    if (!has(id))
+        return;
     history_.bump(id, services_.queue.now());
     changed();
 }
 
 void ClipboardStore::touch(std::string_view id) {
     requireMainThread(services_.queue);
+    if (!has(id))
+        return;
     history_.touch(id, services_.queue.now());
     changed();
 }
 
 void ClipboardStore::togglePin(std::string_view id) {
     requireMainThread(services_.queue);
+    if (!has(id))
+        return;
     history_.togglePin(id);
     changed();
 }
 
 void ClipboardStore::remove(std::string_view id) {
     requireMainThread(services_.queue);
-    const auto removed = history_.remove(id);
+    auto removed = history_.remove(id);
     if (removed.empty())
         return;
-    noteDeletion(removed.front().id);
-    dropPictures(removed);
+    stamps_.noteDeletion(removed.front().id);
+    letGo(std::move(removed));
     changed();
 }
 
 void ClipboardStore::notePaste(std::string_view id, std::string_view into) {
     requireMainThread(services_.queue);
+    if (!has(id))
+        return;
     history_.notePaste(id, into, services_.groups);
     changed();
-}
-
-std::vector<ClipboardEntry>
-ClipboardStore::clearing(ClipboardHistory& history, double now, std::optional<Seconds> newerThan) {
-    const auto isKept = [&](const ClipboardEntry& entry) {
-        return entry.pinned || (newerThan && now - entry.lastSeen > newerThan->count());
-    };
-    auto& entries = history.entries;
-    const auto first = std::ranges::stable_partition(entries, isKept).begin();
-    std::vector cleared(std::make_move_iterator(first), std::make_move_iterator(entries.end()));
-    entries.erase(first, entries.end());
-    return cleared;
 }
 
 void ClipboardStore::clear(std::optional<Seconds> newerThan) {
@@ -140,131 +187,63 @@ void ClipboardStore::clear(std::optional<Seconds> newerThan) {
     ++clearings_;
     if (!isLoaded_)
         return earlyClearings_.push_back(newerThan);
-    const auto cleared = clearing(history_, services_.queue.now(), newerThan);
+    auto cleared = history_.clear(services_.queue.now(), newerThan);
     for (const auto& entry : cleared)
-        noteDeletion(entry.id);
-    dropPictures(cleared);
-    changed();
+        stamps_.noteDeletion(entry.id);
     auto line = fmt::format(
         "clipboard: cleared {} {}", cleared.size(), cleared.size() == 1 ? "entry" : "entries");
     if (newerThan)
         line += fmt::format(", newer than {:.0f} minutes", std::floor(newerThan->count() / 60));
+    letGo(std::move(cleared));
+    changed();
     services_.diagnostics.log(line);
 }
 
 void ClipboardStore::pruneNow() {
     requireMainThread(services_.queue);
-    const auto dropped = history_.prune(services_.queue.now(), services_.prefs.clipRetention());
-    if (dropped.empty())
-        return;
-    const auto files = dropPictures(dropped);
-    services_.diagnostics.log(
-        fmt::format("clipboard: pruned {} entries past their retention window, deleted {} {}",
-                    dropped.size(),
-                    files,
-                    files == 1 ? "thumbnail" : "thumbnails"));
-    changed();
+    keepWithinBounds();
+    auto dropped = history_.prune(services_.queue.now(), services_.prefs.clipRetention());
+    if (!dropped.empty()) {
+        const auto count = dropped.size();
+        const auto files = letGo(std::move(dropped));
+        services_.diagnostics.log(
+            fmt::format("clipboard: pruned {} entries past their retention window, deleted {} {}",
+                        count,
+                        files,
+                        files == 1 ? "thumbnail" : "thumbnails"));
+        changed();
+    } else if (!saveScheduled_ && saving_ == 0 && revision_ != savedRevision_) {
+        save();
+    }
 }
-
-// Pictures. All that writes or deletes them stands in one line, and the names that are to go are
-// compared with the clippings again once no picture is on its way into the history: a copy of the
-// same picture may have been made meanwhile.
 
 void ClipboardStore::keepPicture(std::string bytes,
                                  std::function<void(std::optional<ClipPictures::Kept>)> done) {
     requireMainThread(services_.queue);
-    ++keeping_;
-    auto finished = [this, alive = std::weak_ptr(alive_), done = std::move(done)](
-                        std::optional<ClipPictures::Kept> kept) {
-        if (alive.expired())
-            return;
-        done(std::move(kept));
-        if (!alive.expired())
-            picturesAreKept();
-    };
-    pictureQueue_.submit([&queue = services_.queue,
-                          pictures = services_.pictures,
-                          bytes = std::make_shared<std::string>(std::move(bytes)),
-                          finished = std::move(finished)] {
-        const auto own = std::move(*bytes); // freed here, as that takes time too
-        queue.post([finished, kept = pictures->keep(own)] { finished(kept); });
-    });
-}
-
-void ClipboardStore::picturesAreKept() {
-    if (--keeping_ > 0)
-        return;
-    dropPictures(std::exchange(toDrop_, {}));
-    if (std::exchange(sweepsLater_, false))
-        sweepPictures();
+    pictures_.keep(std::move(bytes), std::move(done));
 }
 
 void ClipboardStore::discard(const ClipPictures::Kept& kept) {
-    ClipboardEntry entry;
-    entry.imageFile = kept.imageFile;
-    entry.fullFile = kept.fullFile;
-    dropPictures(std::vector{std::move(entry)});
-}
-
-ClipboardStore::FileNames
-ClipboardStore::unnamedPictures(const ClipboardHistory& history,
-                                const std::vector<ClipboardEntry>& dropped) {
-    FileNames names;
-    for (const auto& entry : dropped)
-        addPictures(names, entry);
-    if (names.empty())
-        return names;
-    const auto named = namedPictures(history);
-    std::erase_if(names, [&](const std::string& name) { return named.contains(name); });
-    return names;
-}
-
-/// How many files no clipping names any more.
-std::size_t ClipboardStore::dropPictures(const std::vector<ClipboardEntry>& dropped) {
-    auto names = unnamedPictures(history_, dropped);
-    const auto count = names.size();
-    dropPictures(std::move(names));
-    return count;
-}
-
-void ClipboardStore::dropPictures(FileNames names) {
-    if (keeping_ > 0) {
-        toDrop_.merge(names);
-        return;
-    }
-    if (names.empty())
-        return;
-    const auto named = namedPictures(history_);
-    std::erase_if(names, [&](const std::string& name) { return named.contains(name); });
-    pictureQueue_.submit([pictures = services_.pictures, names = std::move(names)] {
-        for (const auto& name : names)
-            pictures->remove(name);
-    });
+    requireMainThread(services_.queue);
+    pictures_.discard(kept);
 }
 
 void ClipboardStore::sweepPictures() {
     requireMainThread(services_.queue);
-    if (!isLoaded_)
-        return; // nothing says yet what is wanted
-    if (keeping_ > 0) {
-        sweepsLater_ = true;
-        return;
-    }
-    pictureQueue_.submit([pictures = services_.pictures, named = namedPictures(history_)] {
-        for (const auto& name : pictures->names()) {
-            if (!named.contains(name))
-                pictures->remove(name);
-        }
-    });
+    file_.removeLeftovers();
+    pictures_.removeLeftovers();
+    if (wasReadWhole_) // else nothing says what is wanted
+        pictures_.sweep(file_.path());
 }
 
-// Saving.
-
 void ClipboardStore::changed() {
-    if (isLoaded_ && !std::exchange(saveScheduled_, true)) {
+    ++revision_;
+    if (!std::exchange(saveScheduled_, true)) {
         services_.queue.postAfter(savePause, [this, alive = std::weak_ptr(alive_)] {
-            if (!alive.expired())
-                flush();
+            if (alive.expired() || !std::exchange(saveScheduled_, false))
+                return;
+            if (saving_ == 0) // else it is saved when that is done
+                save();
         });
     }
     changes_.tell();
@@ -272,44 +251,47 @@ void ClipboardStore::changed() {
 
 void ClipboardStore::flush() {
     requireMainThread(services_.queue);
-    if (!std::exchange(saveScheduled_, false))
-        return;
-    file_.saveMade([history = history_] { return ClipboardJson::encoded(history); });
+    saveScheduled_ = false;
+    if (revision_ != savedRevision_ && (saving_ == 0 || revision_ != savingRevision_))
+        save();
 }
 
-// What other devices are to hear of.
-
-std::int64_t ClipboardStore::nextLamport() {
-    const auto next = services_.prefs.clipSyncLamport() + 1;
-    services_.prefs.clipSyncLamport.set(next);
-    return next;
+void ClipboardStore::end() {
+    pictures_.end();
+    flush();
 }
 
-void ClipboardStore::stampLocal(std::string_view id) {
-    if (!services_.prefs.clipSyncEnabled())
-        return;
-    const auto entry = std::ranges::find(history_.entries, id, &ClipboardEntry::id);
-    if (entry == history_.entries.end())
-        return;
-    entry->syncOrigin = services_.prefs.clipSyncDeviceID();
-    entry->syncLamport = nextLamport();
+void ClipboardStore::save() {
+    ++saving_;
+    savingRevision_ = revision_;
+    *newest_ = revision_;
+    file_.saveMade(
+        services_.queue,
+        [history = history_,
+         newest = newest_,
+         revision = revision_]() -> std::optional<std::string> {
+            // Somebody may be about to end the program: only the newest is worth the time.
+            if (*newest != revision)
+                return std::nullopt;
+            auto text = ClipboardJson::encoded(history);
+            return *newest == revision ? std::optional(std::move(text)) : std::nullopt;
+        },
+        [this, alive = std::weak_ptr(alive_), revision = revision_, gone = pictures_.dropped()](
+            StateFile::Saved outcome) {
+            if (alive.expired())
+                return;
+            if (outcome == StateFile::Saved::yes)
+                pictures_.documentSaved(gone);
+            saved(revision, outcome);
+        });
 }
 
-void ClipboardStore::noteDeletion(std::string_view id) {
-    if (!services_.prefs.clipSyncEnabled())
-        return;
-    std::erase_if(tombstones_, [&](const ClipTombstone& each) { return each.id == id; });
-    tombstones_.push_back({.id = std::string(id),
-                           .origin = services_.prefs.clipSyncDeviceID(),
-                           .lamport = nextLamport(),
-                           .at = services_.queue.now()});
-    trimTombstones();
-}
-
-void ClipboardStore::trimTombstones() {
-    std::erase_if(tombstones_, [now = services_.queue.now()](const ClipTombstone& each) {
-        return now - each.at > tombstoneWindow;
-    });
+void ClipboardStore::saved(std::uint64_t revision, StateFile::Saved outcome) {
+    --saving_;
+    if (outcome == StateFile::Saved::yes)
+        savedRevision_ = revision;
+    if (saving_ == 0 && revision_ != revision && !saveScheduled_)
+        save();
 }
 
 } // namespace tessarine

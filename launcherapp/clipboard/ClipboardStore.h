@@ -1,18 +1,20 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipboardHistory.h"
+#include "launcherapp/clipboard/ClipPictureKeeper.h"
 #include "launcherapp/clipboard/ClipPictures.h"
+#include "launcherapp/clipboard/ClipStamps.h"
 #include "launcherapp/operations/StateFile.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/Subscription.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,28 +24,20 @@ namespace tessarine {
 class ClipGroupsRuntime;
 class Diagnostics;
 class Prefs;
-class SerialQueue;
 class WorkQueues;
 
-/// A deletion that other devices are to hear of.
-struct ClipTombstone {
-    std::string id;
-    std::string origin; ///< the deleting device
-    std::int64_t lamport = 0;
-    double at = 0; ///< seconds since 1970, UTC
-
-    bool operator==(const ClipTombstone&) const = default;
-};
-
 /// The clipboard history of the running program with its pictures, kept on disk: every change is
-/// saved a second later in the background, so that a burst of changes costs one write. Main thread
-/// only.
+/// saved a second later in the background, so that a burst of changes costs one write; while a save
+/// is under way the newest state alone waits. Until it is loaded an id means nothing; an id that
+/// isn't there changes nothing. Main thread only.
 class ClipboardStore {
 public:
     static constexpr Seconds savePause{1};
-    static constexpr double tombstoneWindow = 2592000; ///< seconds
-    /// Of the document that is read at start: 500 texts of the longest kind come close.
+    /// Of the document that is read at start: far above what `mostTextBytes` makes of it, as one of
+    /// an other program's may escape each byte and pinned clippings have no bound.
     static constexpr std::size_t largestDocument = std::size_t{4} << 30;
+    /// Of all texts together. Each is held again as searched, and once more while it is saved.
+    static constexpr std::size_t mostTextBytes = std::size_t{256} << 20;
 
     struct Services {
         MainQueue& queue;
@@ -53,17 +47,6 @@ public:
         ClipGroupsRuntime& groups;
         std::shared_ptr<const ClipPictures> pictures;
     };
-
-    using FileNames = std::set<std::string, std::less<>>;
-
-    /// Takes all out of the history that isn't pinned, or with an age, only what was copied or used
-    /// since then, and gives it. Pure; any thread.
-    static std::vector<ClipboardEntry>
-    clearing(ClipboardHistory& history, double now, std::optional<Seconds> newerThan);
-
-    /// The picture files of dropped entries that no entry of the history names. Pure; any thread.
-    static FileNames unnamedPictures(const ClipboardHistory& history,
-                                     const std::vector<ClipboardEntry>& dropped);
 
     /// `file` is "clipboard.json".
     ClipboardStore(Services services, StateFile file);
@@ -80,9 +63,9 @@ public:
     /// Empty until it is loaded.
     const ClipboardHistory& history() const { return history_; }
 
-    const std::vector<ClipTombstone>& tombstones() const { return tombstones_; }
+    const std::vector<ClipTombstone>& tombstones() const { return stamps_.tombstones(); }
 
-    /// Files a copy that was kept; what it drops loses its pictures.
+    /// Files a copy that was kept; what it drops loses its pictures. Requires that it is loaded.
     void record(ClipboardEntry entry);
 
     /// Reads a copied picture and writes its files, off the main thread; `done` gets nothing for
@@ -102,17 +85,22 @@ public:
     void remove(std::string_view id); ///< with its pictures, unless another clipping has them too
     void notePaste(std::string_view id, std::string_view into);
 
-    /// Drops all that isn't pinned; with an age, only what was copied or used since then.
+    /// Drops all that isn't pinned; with an age, only what was copied or used since then. Before it
+    /// is loaded that is kept in mind.
     void clear(std::optional<Seconds> newerThan);
 
-    /// Drops what the user's retention no longer keeps.
+    /// Drops what the user's retention no longer keeps, and tries a save again that failed.
     void pruneNow();
 
-    /// Deletes the picture files that no clipping names. In the background.
+    /// Deletes what killed saves left, and the picture files that no clipping names; those stay
+    /// when the history on disk was not there or not understood whole. In the background.
     void sweepPictures();
 
-    /// Saves at once what is still to be saved; for the end of the program.
+    /// Saves at once what is not on disk yet.
     void flush();
+
+    /// The program ends: saves as `flush` does, and lets go of pictures that wait to be kept.
+    void end();
 
     /// Calls `changed` after each change of the history, its loading among them.
     Subscription onChange(std::function<void()> changed) {
@@ -120,28 +108,32 @@ public:
     }
 
 private:
+    bool has(std::string_view id) const { return history_.entry(id) != nullptr; }
+
     void changed();
     void takeLoaded(ClipboardHistory history);
-    std::size_t dropPictures(const std::vector<ClipboardEntry>& dropped);
-    void dropPictures(FileNames names);
-    void picturesAreKept();
-    void stampLocal(std::string_view id);
-    void noteDeletion(std::string_view id);
-    void trimTombstones();
-    std::int64_t nextLamport();
+    void keepWithinBounds();
+    std::size_t letGo(std::vector<ClipboardEntry> dropped);
+    void save();
+    void saved(std::uint64_t revision, StateFile::Saved outcome);
 
     Services services_;
     StateFile file_;
-    SerialQueue& pictureQueue_; ///< of all that writes or deletes pictures
     ClipboardHistory history_;
-    std::vector<ClipTombstone> tombstones_;
+    ClipPictureKeeper pictures_;
+    ClipStamps stamps_;
     bool isLoaded_ = false;
+    bool wasReadWhole_ = false; ///< the document on disk, at start
     bool saveScheduled_ = false;
+    std::uint64_t revision_ = 0;       ///< counts the changes
+    std::uint64_t savedRevision_ = 0;  ///< the newest on disk
+    std::uint64_t savingRevision_ = 0; ///< the newest that was given to be saved
+    int saving_ = 0;                   ///< saves under way
+    /// `savingRevision_` for the saving queue: an older one that has not been written is let go.
+    std::shared_ptr<std::atomic<std::uint64_t>> newest_ =
+        std::make_shared<std::atomic<std::uint64_t>>(0);
     std::uint64_t clearings_ = 0;
     std::vector<std::optional<Seconds>> earlyClearings_; ///< asked for before it was loaded
-    int keeping_ = 0;          ///< pictures that are being kept: nothing is deleted meanwhile
-    FileNames toDrop_;         ///< after them, unless a clipping names it then
-    bool sweepsLater_ = false; ///< after them
     Observers<> changes_;
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };

@@ -42,7 +42,7 @@ public:
         bool losesOld = false; ///< the old text holds what this one doesn't: a copy is kept
     };
 
-    const std::string& path() const { return path_; }
+    const std::string& path() const { return place_.path; }
 
     /// The folders whose entries change when the document does: its own, and where a link leads.
     std::vector<std::string> folders() const;
@@ -72,9 +72,21 @@ public:
 
     void save(std::string text);
 
-    /// Saves what `make` gives. It runs on the saving queue, for a document that takes long to
-    /// encode.
-    void saveMade(std::function<std::string()> make);
+    enum class Saved { yes, no };
+
+    /// Saves what `make` gives, unless that is nothing. It runs on the saving queue, for a document
+    /// that takes long to encode. `done` learns on the main thread whether it lies on disk now; a
+    /// document that the next `load` would refuse as too large is not saved.
+    void saveMade(MainQueue& queue,
+                  std::function<std::optional<std::string>()> make,
+                  std::function<void(Saved)> done);
+
+    /// Removes what saves of this document left behind that were killed. On the saving queue, so
+    /// that none of this program's own is under way then. A failure is ignored.
+    void removeLeftovers();
+
+    /// The copies beside it of what could not be read or would have been lost, by full path.
+    static std::vector<std::string> copies(const FileStore& files, const std::string& path);
 
     /// A name for a copy of what can't be read, beside it, that nothing has yet: an earlier copy
     /// may hold what is still wanted.
@@ -104,16 +116,24 @@ private:
         bool kept = false;                    ///< a copy lies beside it
     };
 
+    /// Where the document lies, for jobs to copy.
+    struct Place {
+        FileStore& files;
+        Diagnostics* log; ///< null when nobody is told of failures
+        std::string path;
+        std::size_t maximumBytes;
+
+        void tell(const std::string& failure) const;
+        void keepCopy(Damage& damage) const;
+        Saved save(const std::string& text, Damage& damage) const;
+    };
+
     void submitLoad(MainQueue& queue,
                     std::function<bool(const std::string& text)> understands,
                     std::function<void()> done);
 
-    FileStore& files_;
+    Place place_;
     SerialQueue& saves_;
-    Diagnostics& diagnostics_;
-    std::string path_;
-    Failures failures_;
-    std::size_t maximumBytes_;
     std::shared_ptr<Damage> damage_ = std::make_shared<Damage>();
 };
 

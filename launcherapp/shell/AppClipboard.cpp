@@ -111,7 +111,7 @@ AppClipboard::AppClipboard(AppServices& made, Board wanted)
 
 void AppClipboard::end() {
     watcher.stop();
-    store.flush();
+    store.end();
 }
 
 void AppClipboard::wire() {

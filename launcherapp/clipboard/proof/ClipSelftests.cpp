@@ -3,7 +3,7 @@
 #include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipboardHistory.h"
 #include "launcherapp/clipboard/ClipContents.h"
-#include "launcherapp/clipboard/ClipboardStore.h"
+#include "launcherapp/clipboard/ClipPictureKeeper.h"
 #include "launcherapp/clipboard/PasteboardTypes.h"
 #include "launcherapp/clipboard/proof/StagedCopy.h"
 
@@ -20,6 +20,7 @@ namespace tessarine {
 namespace {
 
 using Items = StagedCopy::Items;
+using Seconds = ClipboardHistory::Seconds;
 
 constexpr std::string_view sacredPrefix = "selftest-clip-sacred: ";
 constexpr std::string_view filePrefix = "selftest-clip-file: ";
@@ -111,10 +112,8 @@ void checkPins(SelftestLines& lines) {
         for (std::size_t i = 0; i < ClipboardHistory::keep; ++i)
             history.record(clipping(std::to_string(i), longAgo));
     });
-    check("clearing",
-          [](auto& history) { ClipboardStore::clearing(history, longAgo, std::nullopt); });
-    check("clearing the newest",
-          [](auto& history) { ClipboardStore::clearing(history, longAgo, Seconds{60}); });
+    check("clearing", [](auto& history) { history.clear(longAgo, std::nullopt); });
+    check("clearing the newest", [](auto& history) { history.clear(longAgo, Seconds{60}); });
 }
 
 // Files.
@@ -166,9 +165,9 @@ void checkSharedPictures(SelftestLines& lines) {
     auto second = clipping("second", longAgo);
     second.imageFile = first.imageFile;
     const std::vector dropped{first};
-    lines.require(ClipboardStore::unnamedPictures({.entries = {second}}, dropped).empty(),
+    lines.require(ClipPictureKeeper::unnamed({.entries = {second}}, dropped).empty(),
                   "FAIL a picture goes while another clipping has it");
-    lines.require(ClipboardStore::unnamedPictures({}, dropped).size() == 1,
+    lines.require(ClipPictureKeeper::unnamed({}, dropped).size() == 1,
                   "FAIL control: a picture that nobody has stays");
 }
 

@@ -85,6 +85,7 @@ TEST(ClipPictures, whatIsNoPictureOrCannotBeWrittenIsSaidSo) {
     ASSERT_TRUE(kept);
     EXPECT_FALSE(kept->imageFile);
     EXPECT_FALSE(kept->fullFile);
+    EXPECT_TRUE(kept->problem);
     EXPECT_FALSE(fixture.pictures.png(kept->id + ".png"));
 }
 

@@ -14,6 +14,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarine {
@@ -23,6 +24,10 @@ struct ClipboardFixture {
     static constexpr auto historyPath = "/support/clipboard.json";
     static constexpr auto pictureFolder = "/support/clips";
 
+    explicit ClipboardFixture(std::string historyIsAt = historyPath)
+        : history(std::move(historyIsAt)) {}
+
+    std::string history;
     FakeServices services;
     MemoryFileStore& files = services.platform.files;
     VirtualTime& time = services.platform.time;
@@ -42,7 +47,7 @@ struct ClipboardFixture {
                          StateFile(files,
                                    services.platform.work.serial("state"),
                                    services.diagnostics,
-                                   historyPath,
+                                   history,
                                    StateFile::Failures::silent)};
     ClipSource front{.bundleID = "org.example.Editor", .name = "Editor"};
     ClipboardWatcher watcher{

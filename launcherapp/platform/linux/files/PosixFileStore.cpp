@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/files/PosixFileStore.h"
 
 #include "LauncherCore/text/Paths.h"
+#include "launcherapp/platform/SaveLeftover.h"
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
 
 #include <cerrno>
@@ -65,7 +66,8 @@ int writeAll(int descriptor, std::string_view bytes) {
 class ReplacementFile {
 public:
     explicit ReplacementFile(const std::string& target)
-        : path_(target + ".XXXXXX"), file_(::mkostemp(path_.data(), O_CLOEXEC)) {
+        : path_(target + std::string(SaveLeftover::mark) + std::string(SaveLeftover::pattern)),
+          file_(::mkostemp(path_.data(), O_CLOEXEC)) {
         if (!file_)
             fail(target, "saved", errno);
     }
