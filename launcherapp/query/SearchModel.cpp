@@ -86,6 +86,10 @@ bool SearchModel::isAtRest() const {
 }
 
 void SearchModel::setQuery(std::string text) {
+    // The word alone enters the mode and empties the field, so the blank that is typed after it
+    // comes as the first character there, where it would only be in the way of Escape.
+    if (clipboardMode_ && Folding::trimmed(text).empty())
+        text.clear();
     if (text != query_) {
         selection_ = 0;
         expandedGroups_.clear();
@@ -239,8 +243,7 @@ Rows SearchModel::clipboardKeywordRows(std::string argument) {
         argument.clear();
     } else if (const auto partial = rowsOf(families.partialFilters, argument);
                partial.size() >= 2) {
-        filterMenuOpen_ = true;
-        filterMenuSelection_ = partial.front();
+        openFilterMenu(partial);
         argument.clear();
     }
     queryWithoutRecompute(argument);
@@ -249,12 +252,15 @@ Rows SearchModel::clipboardKeywordRows(std::string argument) {
 
 /// An empty list says why it is empty.
 Rows SearchModel::clippingRows(std::string_view q) {
+    refreshFilterMenu();
     if (!families.clipboard)
         return {missingClipboardRow()};
     auto rows = families.clipboard(q, clipFilter_);
+    // Where nothing is left at all, the filter is not to blame, and Tab leads nowhere.
+    const bool isNarrowed = clipFilter_ && canFilter();
     if (rows.empty())
         rows.push_back(
-            emptyClipboardRow(q, clipFilter_ ? std::optional(filterTitle()) : std::nullopt));
+            emptyClipboardRow(q, isNarrowed ? std::optional(filterTitle()) : std::nullopt));
     return rows;
 }
 

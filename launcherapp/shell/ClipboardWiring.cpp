@@ -43,6 +43,9 @@ void ClipboardWiring::wireFilters() {
     families.partialFilters = [this](std::string_view argument) {
         return partialClipFilters(sources(), argument);
     };
+    families.filterTitle = [this](const std::string& token) {
+        return clipFilterTitle(sources(), token);
+    };
 }
 
 void ClipboardWiring::wireRows() {

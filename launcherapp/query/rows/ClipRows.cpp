@@ -213,17 +213,17 @@ std::optional<ClipFilterKey> clipFilterOfToken(std::string_view token) {
     return category ? std::optional(ClipFilterKey::builtin(*category)) : std::nullopt;
 }
 
-std::vector<std::size_t> partialClipFilters(const ClipRowSources& sources, std::string_view word) {
-    const auto items = clipFilterMenu(sources);
+std::string clipFilterTitle(const ClipRowSources& sources, std::string_view token) {
+    const auto key = clipFilterOfToken(token);
+    return key ? key->label(*sources.groups.current()) : std::string(token);
+}
+
+std::vector<std::string> partialClipFilters(const ClipRowSources& sources, std::string_view word) {
     const auto groups = sources.groups.current();
-    std::vector<std::size_t> places;
-    for (const auto* group : groups->partialMatches(Folding::fold(word))) {
-        const auto item = std::ranges::find(
-            items, clipFilterToken(ClipFilterKey::group(group->name)), &FilterMenuItem::key);
-        if (item != items.end())
-            places.push_back(static_cast<std::size_t>(item - items.begin()));
-    }
-    return places;
+    std::vector<std::string> tokens;
+    for (const auto* group : groups->partialMatches(Folding::fold(word)))
+        tokens.push_back(clipFilterToken(ClipFilterKey::group(group->name)));
+    return tokens;
 }
 
 std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const ResultRow& row) {

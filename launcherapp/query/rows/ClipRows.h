@@ -50,9 +50,11 @@ std::vector<FilterMenuItem> clipFilterMenu(const ClipRowSources& sources);
 std::string clipFilterToken(const ClipFilterKey& key);
 std::optional<ClipFilterKey> clipFilterOfToken(std::string_view token);
 
-/// The positions in that menu of the taught groups whose names hold the word; those that have no
-/// clippings have none.
-std::vector<std::size_t> partialClipFilters(const ClipRowSources& sources, std::string_view word);
+/// What the filter of a token is called, also when its clippings or its group are gone.
+std::string clipFilterTitle(const ClipRowSources& sources, std::string_view token);
+
+/// The tokens of the taught groups whose names hold the word, whether or not they have clippings.
+std::vector<std::string> partialClipFilters(const ClipRowSources& sources, std::string_view word);
 
 /// What a selected row of a clipping shows beside the list; nothing for any other row. Of a long
 /// text only the beginning, which the facts say.

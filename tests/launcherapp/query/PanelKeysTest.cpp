@@ -362,8 +362,32 @@ TEST_F(PanelKeysTest, theFilterMenuGoesRoundByTabAndStopsByArrows) {
     model.families.filterMenu = [] {
         return std::vector<FilterMenuItem>{{"__all", "Everything", 0}};
     };
+    model.recompute();
     press(tab); // nothing to choose between
     EXPECT_FALSE(model.filterMenuOpen());
+}
+
+TEST_F(PanelKeysTest, theOpenFilterMenuKeepsItsItemWhileClippingsComeAndGo) {
+    const auto offer = [&](std::vector<FilterMenuItem> items) {
+        model.families.filterMenu = [items] { return items; };
+    };
+    const FilterMenuItem all{"__all", "Everything", 9};
+    const FilterMenuItem link{"link", "Links", 1};
+    const FilterMenuItem image{"image", "Images", 1};
+    offer({all, image});
+    model.enterClipboardMode();
+    press(tab);
+    press(down);
+    offer({all, link, image});
+    press(enter); // what is shown still is the menu of before
+    EXPECT_EQ(model.clipFilter(), "image");
+
+    press(tab);
+    model.recompute();
+    EXPECT_EQ(model.filterMenuSelection(), 2u);
+    offer({all, link});
+    model.recompute();
+    EXPECT_EQ(model.filterMenuSelection(), 0u) << "no other kind was chosen";
 }
 
 TEST_F(PanelKeysTest, onlyClippingsAreDeleted) {
