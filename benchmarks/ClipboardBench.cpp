@@ -2,6 +2,7 @@
 // one keystroke, the groups of the clippings known.
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipboardHistory.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"
 
@@ -58,6 +59,17 @@ ClipboardHistory historyWithBooks() {
     return history;
 }
 
+/// A usual history with texts whose shape makes a look at their beginning or end long.
+ClipboardHistory historyWithOddTexts() {
+    auto history = historyOf(200);
+    for (std::size_t i = 0; i < 10; ++i) {
+        auto& text = history.entries[i * 50 + 1].text;
+        text = i % 2 == 0 ? ClipText(std::string(bookCharacters, ' ') + std::to_string(i))
+                          : ClipText("https://" + std::string(bookCharacters, 'a'));
+    }
+    return history;
+}
+
 ClipGroups severalGroups() {
     ClipGroups groups{ClipGroups::templates()};
     groups.upsert({.name = "Receipts", .symbol = "cart", .match = {.contains = "receipt"}});
@@ -105,6 +117,10 @@ void keystrokeBooks(benchmark::State& state, const std::string& query) {
     runKeystrokes(state, historyWithBooks(), query);
 }
 
+void keystrokeOddTexts(benchmark::State& state, const std::string& query) {
+    runKeystrokes(state, historyWithOddTexts(), query);
+}
+
 BENCHMARK_CAPTURE(keystrokeShort, everything, "")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(keystrokeShort, common, "fox")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(keystroke2kB, everything, "")->Unit(benchmark::kMicrosecond);
@@ -114,6 +130,8 @@ BENCHMARK(keystrokeFiltered)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(keystrokeBooks, everything, "")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(keystrokeBooks, common, "fox")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(keystrokeBooks, nowhere, "receipt")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(keystrokeOddTexts, everything, "")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(keystrokeOddTexts, nowhere, "receipt")->Unit(benchmark::kMicrosecond);
 
 /// The first keystroke after a rule was taught.
 void countsWithUnknownGroups(benchmark::State& state, bool books) {
@@ -147,6 +165,14 @@ void expression(benchmark::State& state, const std::string& regex, const std::st
 }
 
 BENCHMARK_CAPTURE(expression, endless, "(a+)+b", std::string(bookCharacters, 'a'))
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expression, lookAhead, "(?=.*)z", std::string(bookCharacters, 'a'))
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expression, lookAheadWord, "(?=[a-z]*)z", std::string(bookCharacters, 'a'))
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expression, lineFromEachPlace, ".*z", std::string(bookCharacters, 'a'))
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(expression, possessive, "a++z", std::string(bookCharacters, 'a'))
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(expression, fromEachPlace, "\\w\\dQ", prose(bookCharacters))
     ->Unit(benchmark::kMillisecond);

@@ -1,8 +1,9 @@
-#include "LauncherCore/clipboard/ClipKinds.h"
-#include "LauncherCore/clipboard/LineBreaks.h"
+#include "LauncherCore/clipboard/ClipClassifier.h"
+
+#include "LauncherCore/clipboard/ClipText.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Graphemes.h"
-#include "LauncherCore/text/Printable.h"
+#include "LauncherCore/text/LineBreaks.h"
 
 namespace tessarine {
 
@@ -10,27 +11,17 @@ namespace {
 
 constexpr std::size_t tooLongForALink = 2048; // characters
 
-bool isTooLong(std::string_view text) {
-    if (text.size() < tooLongForALink) // a character takes at least a byte
-        return false;
-    // Millions of characters need not be counted to know that there are that many. Cutting off an
-    // end makes no more characters than there were.
-    constexpr std::size_t mostlyEnough = 16 * tooLongForALink; // bytes
-    return Graphemes::count(Printable::beginning(text, mostlyEnough)) >= tooLongForALink ||
-           Graphemes::count(text) >= tooLongForALink;
-}
-
 } // namespace
 
 bool ClipClassifier::isLink(std::string_view text) {
     const auto link = Folding::trimmed(text);
     if (!link.starts_with("http://") && !link.starts_with("https://"))
         return false;
-    return link.find(' ') == std::string_view::npos && !LineBreaks::hasAny(link) &&
-           !isTooLong(link);
+    return !Graphemes::hasAtLeast(link, tooLongForALink) &&
+           link.find(' ') == std::string_view::npos && !LineBreaks::hasAny(link);
 }
 
-ClipCategory ClipClassifier::category(ClipKind kind, std::string_view text) {
+ClipCategory ClipClassifier::category(ClipKind kind, const ClipText& text) {
     switch (kind) {
     case ClipKind::file:
         return ClipCategory::file;
@@ -39,7 +30,7 @@ ClipCategory ClipClassifier::category(ClipKind kind, std::string_view text) {
     case ClipKind::text:
         break;
     }
-    return isLink(text) ? ClipCategory::link : ClipCategory::text;
+    return text.isLink() ? ClipCategory::link : ClipCategory::text;
 }
 
 } // namespace tessarine

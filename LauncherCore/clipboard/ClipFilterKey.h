@@ -38,17 +38,4 @@ struct ClipFilterKey {
     auto operator<=>(const ClipFilterKey&) const = default;
 };
 
-/// The JSON form, {"builtin":{"_0":"link"}} or {"group":{"_0":"Receipts"}}. Pure; any thread.
-namespace ClipFilterKeyJson {
-
-std::string encoded(const ClipFilterKey& key);
-
-struct Decoded {
-    std::optional<ClipFilterKey> key;
-    std::string problem; ///< why there is none
-};
-
-Decoded decoded(std::string_view text);
-
-} // namespace ClipFilterKeyJson
 } // namespace tessarine

@@ -1,4 +1,4 @@
-#include "LauncherCore/clipboard/ClipFilterKey.h"
+#include "LauncherCore/clipboard/ClipFilterKeyJson.h"
 
 #include <nlohmann/json.hpp>
 

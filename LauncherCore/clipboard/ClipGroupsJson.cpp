@@ -1,6 +1,6 @@
 #include "LauncherCore/clipboard/ClipGroupsJson.h"
 
-#include "LauncherCore/clipboard/JsonFields.h"
+#include "LauncherCore/text/JsonFields.h"
 
 #include <nlohmann/json.hpp>
 

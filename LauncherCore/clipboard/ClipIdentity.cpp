@@ -1,4 +1,4 @@
-#include "LauncherCore/clipboard/ClipboardEntry.h"
+#include "LauncherCore/clipboard/ClipIdentity.h"
 
 #include <openssl/evp.h>
 

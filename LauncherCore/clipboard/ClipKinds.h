@@ -27,15 +27,4 @@ std::string_view label(ClipCategory category);                   ///< "Links"
 std::string_view symbol(ClipCategory category);                  ///< a symbol's name
 
 } // namespace ClipKinds
-
-/// Tells what a clipping is by its kind and text. Pure; any thread.
-namespace ClipClassifier {
-
-/// Whether the text is one web address and nothing else but blanks around it: one line that begins
-/// "http://" or "https://", holds no blank and has fewer than 2048 characters.
-bool isLink(std::string_view text);
-
-ClipCategory category(ClipKind kind, std::string_view text);
-
-} // namespace ClipClassifier
 } // namespace tessarine

@@ -1,7 +1,7 @@
 #include "LauncherCore/clipboard/ClipMatcher.h"
 
-#include "LauncherCore/clipboard/LineBreaks.h"
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/LineBreaks.h"
 
 #include <algorithm>
 #include <array>

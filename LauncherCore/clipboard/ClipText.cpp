@@ -1,5 +1,6 @@
 #include "LauncherCore/clipboard/ClipText.h"
 
+#include "LauncherCore/clipboard/ClipClassifier.h"
 #include "LauncherCore/index/NameScan.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Graphemes.h"
@@ -19,6 +20,7 @@ ClipText::ClipText(std::string text) {
     const bool isSound = Folding::isAscii(text) || Folding::isUtf8(text);
     content.text = isSound ? std::move(text) : Folding::repairedUtf8(text);
     content.characters = Graphemes::count(content.text);
+    content.isLink = ClipClassifier::isLink(content.text);
     auto folded = Folding::fold(content.text);
     // A text may have millions of characters, and those of many programs have no capital letter.
     if (folded != content.text)

@@ -30,6 +30,8 @@ public:
 
     std::size_t characters() const { return content_->characters; } ///< user-perceived
 
+    bool isLink() const { return content_->isLink; } ///< by `ClipClassifier`
+
     bool operator==(const ClipText& other) const {
         return content_ == other.content_ || string() == other.string();
     }
@@ -39,6 +41,7 @@ private:
         std::string text;
         std::optional<std::string> folded; ///< nothing when it is the text itself
         std::size_t characters = 0;
+        bool isLink = false;
     };
 
     std::shared_ptr<const Content> content_;

@@ -1,10 +1,10 @@
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 
-#include "LauncherCore/clipboard/LineBreaks.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Graphemes.h"
-#include "LauncherCore/text/Printable.h"
+#include "LauncherCore/text/LineBreaks.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessarine {
@@ -18,21 +18,6 @@ std::string_view firstFilledLine(std::string_view text) {
     while (const auto lineBreak = LineBreaks::lengthAt(text, 0))
         text.remove_prefix(lineBreak);
     return LineBreaks::firstLine(text);
-}
-
-/// Nothing when the line is short enough.
-std::optional<std::string_view> cut(std::string_view line) {
-    if (line.size() <= longestPreview) // a character takes at least a byte
-        return std::nullopt;
-    // A line of millions of characters is not counted to its end. Where the beginning has more
-    // characters than the preview, those of the preview are whole.
-    constexpr std::size_t mostlyEnough = 16 * longestPreview; // bytes
-    for (const auto looked : {Printable::beginning(line, mostlyEnough), line}) {
-        const auto shown = Graphemes::prefix(looked, longestPreview);
-        if (shown.size() < looked.size())
-            return shown;
-    }
-    return std::nullopt;
 }
 
 } // namespace
@@ -54,8 +39,20 @@ ClipboardEntry ClipboardEntry::make(Copy copy) {
 
 std::string ClipboardEntry::makePreview(std::string_view text) {
     const auto line = Folding::trimmed(firstFilledLine(text));
-    const auto shown = cut(line);
-    return shown ? std::string(*shown) + "…" : std::string(line);
+    const auto shown = Graphemes::prefix(line, longestPreview);
+    return shown.size() < line.size() ? std::string(shown) + "…" : std::string(line);
+}
+
+std::vector<std::string_view> ClipboardEntry::paths() const {
+    std::vector<std::string_view> paths;
+    std::string_view rest = text.string();
+    while (!rest.empty()) {
+        const auto end = std::min(rest.find('\n'), rest.size());
+        if (const auto path = rest.substr(0, end); !path.empty())
+            paths.push_back(path);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return paths;
 }
 
 } // namespace tessarine

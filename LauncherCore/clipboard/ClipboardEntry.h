@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LauncherCore/clipboard/ClipClassifier.h"
 #include "LauncherCore/clipboard/ClipKinds.h"
 #include "LauncherCore/clipboard/ClipText.h"
 
@@ -64,6 +65,10 @@ struct ClipboardEntry {
     /// characters. Of a text that is only line breaks: empty.
     static std::string makePreview(std::string_view text);
 
+    /// The files of a file clipping, in their order; a blank line names none. Views into `text`,
+    /// which copies of the entry share.
+    std::vector<std::string_view> paths() const;
+
     std::size_t pasteCount() const { return pastedInto ? pastedInto->size() : 0; }
 
     std::size_t characterCount() const { return text.characters(); }
@@ -73,19 +78,9 @@ struct ClipboardEntry {
     /// Whether the picture lies in the sync store and not here.
     bool needsFetch() const { return kind == ClipKind::image && !fullFile && syncBlob; }
 
-    ClipCategory category() const { return ClipClassifier::category(kind, text.string()); }
+    ClipCategory category() const { return ClipClassifier::category(kind, text); }
 
     bool operator==(const ClipboardEntry&) const = default;
 };
 
-/// The ids of clippings: the first 12 bytes of a SHA-256 digest as 24 lowercase hexadecimal digits.
-/// Pure; any thread.
-namespace ClipIdentity {
-
-std::string ofText(std::string_view text);
-std::string ofFiles(std::string_view paths); ///< one a line, joined with line feeds
-/// `bytes` are the picture's canonical form, which is the same for each copy of it.
-std::string ofPicture(std::string_view bytes);
-
-} // namespace ClipIdentity
 } // namespace tessarine

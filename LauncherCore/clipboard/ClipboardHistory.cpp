@@ -134,6 +134,17 @@ std::vector<ClipboardEntry> ClipboardHistory::prune(double now, const ClipRetent
     return dropped;
 }
 
+bool ClipboardHistory::isCleared(const ClipboardEntry& entry,
+                                 double now,
+                                 std::optional<Seconds> newerThan) {
+    return !entry.pinned && (!newerThan || now - entry.lastSeen <= newerThan->count());
+}
+
+std::vector<ClipboardEntry> ClipboardHistory::clear(double now, std::optional<Seconds> newerThan) {
+    return takeOut(entries,
+                   [&](const ClipboardEntry& entry) { return isCleared(entry, now, newerThan); });
+}
+
 std::vector<ClipboardEntry> ClipboardHistory::search(std::string_view query,
                                                      std::size_t limit,
                                                      const std::optional<ClipFilterKey>& filter,

@@ -4,6 +4,7 @@
 #include "LauncherCore/clipboard/ClipRetention.h"
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -20,6 +21,8 @@ class ClipGroupsRuntime;
 /// files, so what is dropped is handed back. A value; any thread.
 struct ClipboardHistory {
     static constexpr std::size_t keep = 500; ///< unpinned entries beyond it go
+
+    using Seconds = std::chrono::duration<double>;
 
     std::vector<ClipboardEntry> entries;
 
@@ -40,6 +43,12 @@ struct ClipboardHistory {
     /// Drops what has outlived its kind's days and what exceeds the retention's count, never a
     /// pinned one: the aged first.
     std::vector<ClipboardEntry> prune(double now, const ClipRetention& retention);
+
+    /// Whether a clearing takes the entry: an unpinned one that was copied or used in the last
+    /// `newerThan` seconds, or at any time without one. A clock that was set back makes it new.
+    static bool
+    isCleared(const ClipboardEntry& entry, double now, std::optional<Seconds> newerThan);
+    std::vector<ClipboardEntry> clear(double now, std::optional<Seconds> newerThan);
 
     /// The entries whose text holds the query, folded, and that the filter keeps; the newest first,
     /// at most `limit`.

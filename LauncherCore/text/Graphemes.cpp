@@ -29,8 +29,8 @@ bool standsAlone(UChar32 c) {
     }
 }
 
-/// Calls `visit` with each boundary behind the first; false when a character may join another and
-/// the rules are needed.
+/// Calls `visit` with each boundary behind the first while it gives true; false when a character
+/// may join another and the rules are needed.
 template <typename Visit> bool visitSimple(std::string_view text, Visit visit) {
     for (std::size_t i = 0; i < text.size();) {
         if (static_cast<unsigned char>(text[i]) < 0x80) {
@@ -41,7 +41,8 @@ template <typename Visit> bool visitSimple(std::string_view text, Visit visit) {
                 return false;
             i += scalar.bytes;
         }
-        visit(static_cast<std::uint32_t>(i));
+        if (!visit(static_cast<std::uint32_t>(i)))
+            return true;
     }
     return true;
 }
@@ -57,12 +58,14 @@ template <typename Visit> void visitByRules(std::string_view text, Visit visit) 
         utext_openUTF8(nullptr, text.data(), static_cast<std::int64_t>(text.size()), &error));
     iterator->setText(source.get(), error);
     iterator->first();
-    for (auto at = iterator->next(); at != icu::BreakIterator::DONE; at = iterator->next())
-        visit(static_cast<std::uint32_t>(at));
+    for (auto at = iterator->next(); at != icu::BreakIterator::DONE; at = iterator->next()) {
+        if (!visit(static_cast<std::uint32_t>(at)))
+            return;
+    }
 }
 
-/// Calls `visit` with the byte offset behind each character; begins anew, after `reset`, when it
-/// finds that the rules are needed.
+/// Calls `visit` with the byte offset behind each character while it gives true; begins anew, after
+/// `reset`, when it finds that the rules are needed.
 template <typename Visit, typename Reset>
 void visitBoundaries(std::string_view text, Visit visit, Reset reset) {
     if (visitSimple(text, visit))
@@ -78,15 +81,29 @@ std::vector<std::uint32_t> Graphemes::boundaries(std::string_view text) {
     result.reserve(text.size() + 1);
     result.push_back(0);
     visitBoundaries(
-        text, [&](std::uint32_t behind) { result.push_back(behind); }, [&] { result.resize(1); });
+        text,
+        [&](std::uint32_t behind) {
+            result.push_back(behind);
+            return true;
+        },
+        [&] { result.resize(1); });
     return result;
 }
 
 std::size_t Graphemes::count(std::string_view text) {
     std::size_t characters = 0;
     visitBoundaries(
-        text, [&](std::uint32_t) { ++characters; }, [&] { characters = 0; });
+        text,
+        [&](std::uint32_t) {
+            ++characters;
+            return true;
+        },
+        [&] { characters = 0; });
     return characters;
+}
+
+bool Graphemes::hasAtLeast(std::string_view text, std::size_t characters) {
+    return characters == 0 || prefix(text, characters - 1).size() < text.size();
 }
 
 std::string_view Graphemes::prefix(std::string_view text, std::size_t maximum) {
@@ -95,8 +112,11 @@ std::string_view Graphemes::prefix(std::string_view text, std::size_t maximum) {
     visitBoundaries(
         text,
         [&](std::uint32_t behind) {
-            if (characters++ < maximum)
-                bytes = behind;
+            // Only the next character tells that nothing joins the last one.
+            if (characters++ == maximum)
+                return false;
+            bytes = behind;
+            return true;
         },
         [&] { characters = bytes = 0; });
     return text.substr(0, bytes);

@@ -16,7 +16,11 @@ std::vector<std::uint32_t> boundaries(std::string_view text);
 /// How many characters the text has.
 std::size_t count(std::string_view text);
 
-/// The first `maximum` characters; the whole text when it has no more. A view into `text`.
+/// Whether it has that many. Looks no further than it must, so that millions need not be counted.
+bool hasAtLeast(std::string_view text, std::size_t characters);
+
+/// The first `maximum` characters; the whole text when it has no more. A view into `text`. Looks no
+/// further than it must.
 std::string_view prefix(std::string_view text, std::size_t maximum);
 
 } // namespace tessarine::Graphemes

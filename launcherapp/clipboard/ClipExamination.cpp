@@ -1,5 +1,6 @@
 #include "launcherapp/clipboard/ClipExamination.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/text/Folding.h"
 #include "launcherapp/clipboard/PasteboardTypes.h"
 #include "launcherapp/platform/WorkQueues.h"

@@ -1,5 +1,6 @@
 #include "launcherapp/clipboard/ClipPictures.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 #include "launcherapp/platform/FileStore.h"
 #include "launcherapp/platform/PictureCodec.h"

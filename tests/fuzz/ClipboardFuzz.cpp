@@ -1,6 +1,7 @@
 // The files of the clipboard history and of the taught groups, and one filter: whatever the bytes,
 // what can be read goes through a save unchanged, and a rule that can be read can be asked.
 
+#include "LauncherCore/clipboard/ClipFilterKeyJson.h"
 #include "LauncherCore/clipboard/ClipGroupsJson.h"
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"

@@ -1,5 +1,6 @@
 #include "launcherapp/clipboard/proof/ClipSelftests.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipboardHistory.h"
 #include "launcherapp/clipboard/ClipContents.h"
 #include "launcherapp/clipboard/ClipboardStore.h"

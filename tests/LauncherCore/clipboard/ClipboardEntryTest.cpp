@@ -1,11 +1,15 @@
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/text/Graphemes.h"
 
 #include <gmock/gmock.h>
 
 namespace tessarine {
 namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 std::string repeated(std::string_view piece, std::size_t times) {
     std::string text;
@@ -105,12 +109,20 @@ TEST(ClipClassifier, takesAnAddressAloneForALink) {
     };
 
     for (const auto& [text, isLink, reason] : cases) {
-        EXPECT_EQ(ClipClassifier::isLink(text), isLink) << reason;
-        EXPECT_EQ(ClipClassifier::category(ClipKind::text, text),
-                  isLink ? ClipCategory::link : ClipCategory::text);
-        EXPECT_EQ(ClipClassifier::category(ClipKind::file, text), ClipCategory::file);
-        EXPECT_EQ(ClipClassifier::category(ClipKind::image, text), ClipCategory::image);
+        const ClipText copied(text);
+        EXPECT_EQ(ClipClassifier::category(ClipKind::text, copied),
+                  isLink ? ClipCategory::link : ClipCategory::text)
+            << reason;
+        EXPECT_EQ(ClipClassifier::category(ClipKind::file, copied), ClipCategory::file);
+        EXPECT_EQ(ClipClassifier::category(ClipKind::image, copied), ClipCategory::image);
     }
+}
+
+TEST(ClipboardEntry, namesNoFileByABlankLine) {
+    const auto entry =
+        ClipboardEntry::make({.kind = ClipKind::file, .text = ClipText("\n/a\n\n/b c\n\n")});
+    EXPECT_THAT(entry.paths(), ElementsAre("/a", "/b c"));
+    EXPECT_THAT(ClipboardEntry().paths(), IsEmpty());
 }
 
 TEST(ClipboardEntry, fetchesOnlyAPictureThatLiesElsewhere) {

@@ -199,6 +199,28 @@ TEST(ClipboardHistory, reportsTheAgedBeforeTheCapped) {
     EXPECT_THAT(idsOf(history.entries), ElementsAre("pin"));
 }
 
+TEST(ClipboardHistory, clearsWhatIsNewAndUnpinned) {
+    const ClipboardHistory history{{clipping("old", 39),
+                                    clipping("edge", 40),
+                                    pinned(clipping("pin", 99)),
+                                    clipping("ahead", 200)}};
+
+    const struct {
+        std::optional<ClipboardHistory::Seconds> newerThan;
+        std::vector<std::string> cleared;
+        std::vector<std::string> kept;
+    } cases[] = {
+        {std::nullopt, {"old", "edge", "ahead"}, {"pin"}},
+        {ClipboardHistory::Seconds(60), {"edge", "ahead"}, {"old", "pin"}},
+    };
+
+    for (const auto& [newerThan, cleared, kept] : cases) {
+        auto left = history;
+        EXPECT_EQ(idsOf(left.clear(100, newerThan)), cleared);
+        EXPECT_EQ(idsOf(left.entries), kept);
+    }
+}
+
 TEST(ClipboardHistory, findsTextHoweverItIsWritten) {
     TaughtGroups groups;
 

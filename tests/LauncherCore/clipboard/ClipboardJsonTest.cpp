@@ -1,5 +1,6 @@
 #include "LauncherCore/clipboard/ClipboardJson.h"
 
+#include "LauncherCore/clipboard/ClipFilterKeyJson.h"
 #include "LauncherCore/clipboard/ClipGroupsJson.h"
 #include "tests/LauncherCore/clipboard/Clippings.h"
 

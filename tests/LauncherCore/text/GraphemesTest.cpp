@@ -34,6 +34,8 @@ TEST(Graphemes, countsWhatAPersonSees) {
         const auto boundaries = Graphemes::boundaries(text);
         EXPECT_EQ(boundaries.size(), count + 1);
         EXPECT_EQ(boundaries.back(), text.size());
+        EXPECT_TRUE(Graphemes::hasAtLeast(text, count));
+        EXPECT_FALSE(Graphemes::hasAtLeast(text, count + 1));
     }
     EXPECT_THAT(Graphemes::boundaries("aé日"), ElementsAre(0, 1, 3, 6));
 }
@@ -41,6 +43,7 @@ TEST(Graphemes, countsWhatAPersonSees) {
 TEST(Graphemes, prefixCutsBetweenCharacters) {
     EXPECT_EQ(Graphemes::prefix("a🇩🇪b", 2), "a🇩🇪");
     EXPECT_EQ(Graphemes::prefix("e\u0301e", 1), "e\u0301");
+    EXPECT_EQ(Graphemes::prefix("aa🇩🇪", 1), "a"); // what joins lies behind what is asked for
     EXPECT_EQ(Graphemes::prefix("ab", 5), "ab");
     EXPECT_EQ(Graphemes::prefix("ab", 0), "");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"
 #include "launcherapp/clipboard/ClipPictures.h"
 #include "launcherapp/clipboard/ClipboardStore.h"

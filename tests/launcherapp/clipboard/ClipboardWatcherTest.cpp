@@ -1,5 +1,6 @@
 #include "launcherapp/clipboard/ClipboardWatcher.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "tests/launcherapp/clipboard/ClipboardFixture.h"
 
 #include <gmock/gmock.h>

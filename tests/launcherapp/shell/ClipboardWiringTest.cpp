@@ -1,5 +1,6 @@
 #include "launcherapp/shell/ClipboardWiring.h"
 
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipGroups.h"
 #include "launcherapp/clipboard/ClipImages.h"
 #include "launcherapp/clipboard/ClipboardPaster.h"

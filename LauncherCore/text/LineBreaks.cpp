@@ -1,4 +1,4 @@
-#include "LauncherCore/clipboard/LineBreaks.h"
+#include "LauncherCore/text/LineBreaks.h"
 
 namespace tessarine {
 

@@ -1,4 +1,4 @@
-#include "LauncherCore/clipboard/JsonFields.h"
+#include "LauncherCore/text/JsonFields.h"
 
 #include <nlohmann/json.hpp>
 
