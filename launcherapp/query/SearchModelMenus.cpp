@@ -162,7 +162,7 @@ void SearchModel::moveAction(int delta) {
     auto index = static_cast<int>(actionSelection_);
     for (int tried = 0; tried < count; ++tried) {
         index = ((index + delta) % count + count) % count;
-        if (!actions_[static_cast<std::size_t>(index)].isSeparator())
+        if (actions_[static_cast<std::size_t>(index)].canBeChosen())
             break;
     }
     actionSelection_ = static_cast<std::size_t>(index);
@@ -170,7 +170,7 @@ void SearchModel::moveAction(int delta) {
 }
 
 void SearchModel::runAction(std::size_t index, ActionDriver driver) {
-    if (index >= actions_.size())
+    if (index >= actions_.size() || !actions_[index].canBeChosen())
         return;
     const auto action = actions_[index];
     services_.diagnostics.log(fmt::format("action: {} (index {} of {}, selection {}, by {})",
@@ -181,8 +181,7 @@ void SearchModel::runAction(std::size_t index, ActionDriver driver) {
                                           driver == ActionDriver::keyboard ? "keyboard" : "click"));
     // First, so that an action which opens a window leaves no menu behind it.
     closeActions();
-    if (action.run)
-        action.run();
+    action.run();
 }
 
 bool SearchModel::closeMenu() {

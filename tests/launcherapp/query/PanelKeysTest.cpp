@@ -400,6 +400,28 @@ TEST_F(PanelKeysTest, onlyClippingsAreDeleted) {
     EXPECT_EQ(removed, "1");
 }
 
+TEST_F(PanelKeysTest, aLineToReadInTheActionsMenuIsNeverChosen) {
+    int runs = 0;
+    model.families.menuActions = [&](const ResultRow&) {
+        return std::vector{RowAction::make("Pin", [&] { ++runs; }),
+                           RowAction::separator(),
+                           RowAction::note("not pasted yet")};
+    };
+    model.setQuery("app");
+    model.openActions();
+    const auto note = model.actions().size() - 1;
+    press(down);
+    while (model.actions()[model.actionSelection()].title != "Pin")
+        press(down);
+    press(down);
+    EXPECT_EQ(model.actionSelection(), 0u) << "past the divider and the line, back to the top";
+    model.runAction(note, SearchModel::ActionDriver::click);
+    EXPECT_FALSE(model.actions().empty()) << "a click on it is no answer";
+    press(up);
+    press(enter);
+    EXPECT_EQ(runs, 1);
+}
+
 TEST_F(PanelKeysTest, theActionsMenuOffersWhatCanBeDone) {
     const auto titles = [&] {
         std::vector<std::string> result;
