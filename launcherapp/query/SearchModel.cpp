@@ -9,6 +9,7 @@
 #include "launcherapp/query/RankByUse.h"
 #include "launcherapp/query/UsageStore.h"
 #include "launcherapp/query/rows/AppRows.h"
+#include "launcherapp/query/rows/ClearClipRows.h"
 #include "launcherapp/query/rows/CommandRows.h"
 #include "launcherapp/query/rows/HintRows.h"
 #include "launcherapp/query/rows/WebRows.h"
@@ -79,6 +80,12 @@ std::size_t SearchModel::rowsAtATime() const {
     const auto clips = clipboardMode_ ? heldClipRows_.value_or(prefs.clipRows()) : 0;
     const auto most = clips > 0 ? clips : prefs.resultRows();
     return static_cast<std::size_t>(std::max<std::int64_t>(0, most));
+}
+
+bool SearchModel::showsClippings() const {
+    return clipboardMode_ || std::ranges::any_of(rows_, [](const ResultRow& row) {
+               return row.id.starts_with(clearingRowPrefix);
+           });
 }
 
 bool SearchModel::isAtRest() const {

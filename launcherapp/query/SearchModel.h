@@ -105,6 +105,10 @@ public:
 
     bool clipboardMode() const { return clipboardMode_; }
 
+    /// Whether the list says anything of the clipboard's history: in its own mode, and where rows
+    /// count what a clearing would take.
+    bool showsClippings() const;
+
     const std::optional<std::string>& clipFilter() const { return clipFilter_; }
 
     const std::optional<std::string>& browsePath() const { return browsePath_; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipboardHistory.h"
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/query/RowAction.h"
 #include "launcherapp/query/RowFamilies.h"
 #include "launcherapp/query/RowPreview.h"
@@ -30,7 +31,7 @@ struct ClipRowSources {
     std::function<void(const std::string& id)> copyToTop;
     std::function<void(const std::string& id)> togglePin;
     std::function<void(const std::string& id)> remove;
-    std::function<void(std::optional<double> newerThanSeconds)> clear; ///< nothing: all of it
+    std::function<void(std::optional<Seconds> newerThan)> clear; ///< nothing: all of it
     bool pastes = true; ///< Return will paste; else it copies
 };
 
@@ -60,12 +61,8 @@ std::vector<std::string> partialClipFilters(const ClipRowSources& sources, std::
 /// text only the beginning, which the facts say.
 std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const ResultRow& row);
 
-/// What the actions menu offers for such a row; nothing for any other.
+/// What the actions menu offers for such a row, and what has become of the clipping; nothing for
+/// any other.
 std::vector<RowAction> clippingActions(const ClipRowSources& sources, const ResultRow& row);
-
-/// The rows that clear the history: all of it, or what came in the last minutes. An argument as
-/// "10", "10 min" or "2 h" says how many. Pinned clippings always stay. A hint where nothing would
-/// go.
-Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument);
 
 } // namespace tessarine

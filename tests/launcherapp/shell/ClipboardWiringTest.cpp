@@ -1,7 +1,7 @@
 #include "launcherapp/shell/ClipboardWiring.h"
 
-#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipGroups.h"
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "launcherapp/clipboard/ClipImages.h"
 #include "launcherapp/clipboard/ClipboardPaster.h"
 #include "launcherapp/query/SearchModel.h"
@@ -166,7 +166,9 @@ TEST_F(ClipboardWiringTest, copyingPinningDeletingAndClearing) {
                      SearchModel::ActionDriver::keyboard);
 
     model->reset();
+    EXPECT_FALSE(model->showsClippings());
     model->setQuery("clear ");
+    EXPECT_TRUE(model->showsClippings()) << "they count what there is";
     model->runSelected();
     EXPECT_THAT(clipboard.texts(), ElementsAre("b")) << "what is pinned stays";
 }
