@@ -36,4 +36,11 @@ bool Paths::isAtOrBelow(std::string_view path, std::string_view folder) {
     return path.size() == folder.size() || folder.ends_with('/') || path[folder.size()] == '/';
 }
 
+std::string Paths::shown(std::string_view path, std::string_view home) {
+    home = withoutEndSlashes(home);
+    if (home.empty() || home == "/" || !isAtOrBelow(path, home))
+        return std::string(path);
+    return "~" + std::string(path.substr(home.size()));
+}
+
 } // namespace tessarine

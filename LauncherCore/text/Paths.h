@@ -22,4 +22,7 @@ std::string_view lastPart(std::string_view path);
 /// alike doesn't. The folder may end in a slash.
 bool isAtOrBelow(std::string_view path, std::string_view folder);
 
+/// As a person writes it: with "~" for the home folder. An empty home is nobody's.
+std::string shown(std::string_view path, std::string_view home);
+
 } // namespace tessarine::Paths

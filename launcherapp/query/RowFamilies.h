@@ -118,8 +118,11 @@ struct RowFamilies {
     // The clipboard's filter menu.
     std::function<std::vector<FilterMenuItem>()> filterMenu;
     std::function<std::optional<std::string>(std::string_view argument)> resolveFilter;
-    /// Positions in the filter menu of the taught groups that a word names partly.
-    std::function<std::vector<std::size_t>(std::string_view argument)> partialFilters;
+    /// The keys of the taught groups that a word names partly, also of those that have nothing and
+    /// so no place in the menu.
+    std::function<std::vector<std::string>(std::string_view argument)> partialFilters;
+    /// What a filter is called, whether or not anything is left of what it narrows to.
+    std::function<std::string(const std::string& key)> filterTitle;
     std::function<void(const std::string& clippingID)> removeClipping;
     std::function<bool(const std::string& clippingID)> copyClippingToTop;
     /// What is shown beside the list while the row is selected; nothing for most.

@@ -28,7 +28,7 @@ struct RowPreview {
     using Files = PreviewFiles;
 
     std::variant<Text, Picture, Files> content;
-    std::vector<std::string> facts; ///< "214 characters", "copied from Teletype"; on one line
+    std::vector<std::string> facts; ///< "214 characters", "copied from Teletype"; on a line or two
 };
 
 } // namespace tessarine

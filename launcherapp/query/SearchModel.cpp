@@ -9,6 +9,7 @@
 #include "launcherapp/query/RankByUse.h"
 #include "launcherapp/query/UsageStore.h"
 #include "launcherapp/query/rows/AppRows.h"
+#include "launcherapp/query/rows/ClearClipRows.h"
 #include "launcherapp/query/rows/CommandRows.h"
 #include "launcherapp/query/rows/HintRows.h"
 #include "launcherapp/query/rows/WebRows.h"
@@ -81,11 +82,21 @@ std::size_t SearchModel::rowsAtATime() const {
     return static_cast<std::size_t>(std::max<std::int64_t>(0, most));
 }
 
+bool SearchModel::showsClippings() const {
+    return clipboardMode_ || std::ranges::any_of(rows_, [](const ResultRow& row) {
+               return row.id.starts_with(clearingRowPrefix);
+           });
+}
+
 bool SearchModel::isAtRest() const {
     return query_.empty() && hasBuiltRows_ && !clipboardMode_ && !browsePath_ && !personPath_;
 }
 
 void SearchModel::setQuery(std::string text) {
+    // The word alone enters the mode and empties the field, so the blank that is typed after it
+    // comes as the first character there, where it would only be in the way of Escape.
+    if (clipboardMode_ && Folding::trimmed(text).empty())
+        text.clear();
     if (text != query_) {
         selection_ = 0;
         expandedGroups_.clear();
@@ -239,8 +250,7 @@ Rows SearchModel::clipboardKeywordRows(std::string argument) {
         argument.clear();
     } else if (const auto partial = rowsOf(families.partialFilters, argument);
                partial.size() >= 2) {
-        filterMenuOpen_ = true;
-        filterMenuSelection_ = partial.front();
+        openFilterMenu(partial);
         argument.clear();
     }
     queryWithoutRecompute(argument);
@@ -249,12 +259,15 @@ Rows SearchModel::clipboardKeywordRows(std::string argument) {
 
 /// An empty list says why it is empty.
 Rows SearchModel::clippingRows(std::string_view q) {
+    refreshFilterMenu();
     if (!families.clipboard)
         return {missingClipboardRow()};
     auto rows = families.clipboard(q, clipFilter_);
+    // Where nothing is left at all, the filter is not to blame, and Tab leads nowhere.
+    const bool isNarrowed = clipFilter_ && canFilter();
     if (rows.empty())
         rows.push_back(
-            emptyClipboardRow(q, clipFilter_ ? std::optional(filterTitle()) : std::nullopt));
+            emptyClipboardRow(q, isNarrowed ? std::optional(filterTitle()) : std::nullopt));
     return rows;
 }
 

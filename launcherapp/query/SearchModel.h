@@ -105,6 +105,10 @@ public:
 
     bool clipboardMode() const { return clipboardMode_; }
 
+    /// Whether the list says anything of the clipboard's history: in its own mode, and where rows
+    /// count what a clearing would take.
+    bool showsClippings() const;
+
     const std::optional<std::string>& clipFilter() const { return clipFilter_; }
 
     const std::optional<std::string>& browsePath() const { return browsePath_; }
@@ -157,7 +161,12 @@ public:
     void escape();
 
     // The clipboard's filter menu.
-    std::vector<FilterMenuItem> filterMenuItems() const;
+    /// As of the last recompute in clipboard mode, so that a position means what is shown there
+    /// although clippings come and go.
+    const std::vector<FilterMenuItem>& filterMenuItems() const { return filterMenu_; }
+
+    /// Whether there is anything to choose from.
+    bool canFilter() const;
     std::string filterTitle() const; ///< of what the list is narrowed to
     enum class TabDirection { forward, backward };
     void filterMenuTab(TabDirection direction); ///< opens the menu, then goes round in it
@@ -198,6 +207,8 @@ private:
     bool closeMenu();
     void forgetActions();
     void forgetActionsOfAnotherRow();
+    void refreshFilterMenu();
+    void openFilterMenu(std::span<const std::string> wanted);
     void moveFar(FieldCommand command);
     void leaveModes();
     void changed();
@@ -220,6 +231,7 @@ private:
     bool hasBuiltRows_ = false;
     bool settingQuietly_ = false;
     bool recomputing_ = false;
+    std::vector<FilterMenuItem> filterMenu_;
     bool filterMenuOpen_ = false;
     std::size_t filterMenuSelection_ = 0;
     std::vector<RowAction> actions_;

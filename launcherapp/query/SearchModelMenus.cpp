@@ -19,38 +19,58 @@ constexpr std::size_t fewestFilters = 2; ///< with fewer there is nothing to cho
 
 } // namespace
 
-std::vector<FilterMenuItem> SearchModel::filterMenuItems() const {
-    return rowsOf(families.filterMenu);
+bool SearchModel::canFilter() const {
+    return filterMenu_.size() >= fewestFilters;
 }
 
 std::string SearchModel::filterTitle() const {
-    const auto items = filterMenuItems();
-    const auto key = clipFilter_.value_or(std::string(FilterMenuItem::everything));
-    const auto found = std::ranges::find(items, key, &FilterMenuItem::key);
-    return found == items.end() ? clipFilter_.value_or("Everything") : found->title;
+    if (!clipFilter_)
+        return "Everything";
+    const auto item = std::ranges::find(filterMenu_, *clipFilter_, &FilterMenuItem::key);
+    return item == filterMenu_.end() ? rowsOf(families.filterTitle, *clipFilter_) : item->title;
+}
+
+/// The selection stays with its item, not with its place: clippings arrive while the menu is open.
+void SearchModel::refreshFilterMenu() {
+    const auto selected = filterMenuSelection_ < filterMenu_.size()
+                              ? std::optional(filterMenu_[filterMenuSelection_].key)
+                              : std::nullopt;
+    filterMenu_ = rowsOf(families.filterMenu);
+    const auto found = std::ranges::find(filterMenu_, selected, &FilterMenuItem::key);
+    filterMenuSelection_ =
+        found == filterMenu_.end() ? 0 : static_cast<std::size_t>(found - filterMenu_.begin());
+}
+
+/// On the first of the wanted that has a place in it, else on everything.
+void SearchModel::openFilterMenu(std::span<const std::string> wanted) {
+    refreshFilterMenu();
+    filterMenuSelection_ = 0;
+    for (const auto& key : wanted) {
+        const auto found = std::ranges::find(filterMenu_, key, &FilterMenuItem::key);
+        if (found == filterMenu_.end())
+            continue;
+        filterMenuSelection_ = static_cast<std::size_t>(found - filterMenu_.begin());
+        break;
+    }
+    filterMenuOpen_ = true;
 }
 
 void SearchModel::filterMenuTab(TabDirection direction) {
-    const auto items = filterMenuItems();
-    if (items.size() < fewestFilters)
+    if (!canFilter())
         return;
     if (!filterMenuOpen_) {
-        const auto current =
-            std::ranges::find(items,
-                              clipFilter_.value_or(std::string(FilterMenuItem::everything)),
-                              &FilterMenuItem::key);
-        filterMenuSelection_ =
-            current == items.end() ? 0 : static_cast<std::size_t>(current - items.begin());
-        filterMenuOpen_ = true;
+        const std::string current = clipFilter_.value_or(std::string(FilterMenuItem::everything));
+        openFilterMenu({&current, 1});
     } else {
-        const auto step = direction == TabDirection::backward ? items.size() - 1 : 1;
-        filterMenuSelection_ = (filterMenuSelection_ + step) % items.size();
+        const auto count = filterMenu_.size();
+        const auto step = direction == TabDirection::backward ? count - 1 : 1;
+        filterMenuSelection_ = (filterMenuSelection_ + step) % count;
     }
     changed();
 }
 
 void SearchModel::moveFilterMenu(int delta) {
-    const auto count = static_cast<int>(filterMenuItems().size());
+    const auto count = static_cast<int>(filterMenu_.size());
     if (count == 0)
         return;
     const auto wanted = static_cast<int>(filterMenuSelection_) + delta;
@@ -59,12 +79,12 @@ void SearchModel::moveFilterMenu(int delta) {
 }
 
 void SearchModel::commitFilterMenu(std::size_t index) {
-    const auto items = filterMenuItems();
-    if (index < items.size()) {
-        if (items[index].key == FilterMenuItem::everything)
+    if (index < filterMenu_.size()) {
+        const auto& key = filterMenu_[index].key;
+        if (key == FilterMenuItem::everything)
             clipFilter_.reset();
         else
-            clipFilter_ = items[index].key;
+            clipFilter_ = key;
     }
     filterMenuOpen_ = false;
     recompute();
@@ -142,7 +162,7 @@ void SearchModel::moveAction(int delta) {
     auto index = static_cast<int>(actionSelection_);
     for (int tried = 0; tried < count; ++tried) {
         index = ((index + delta) % count + count) % count;
-        if (!actions_[static_cast<std::size_t>(index)].isSeparator())
+        if (actions_[static_cast<std::size_t>(index)].canBeChosen())
             break;
     }
     actionSelection_ = static_cast<std::size_t>(index);
@@ -150,7 +170,7 @@ void SearchModel::moveAction(int delta) {
 }
 
 void SearchModel::runAction(std::size_t index, ActionDriver driver) {
-    if (index >= actions_.size())
+    if (index >= actions_.size() || !actions_[index].canBeChosen())
         return;
     const auto action = actions_[index];
     services_.diagnostics.log(fmt::format("action: {} (index {} of {}, selection {}, by {})",
@@ -161,8 +181,7 @@ void SearchModel::runAction(std::size_t index, ActionDriver driver) {
                                           driver == ActionDriver::keyboard ? "keyboard" : "click"));
     // First, so that an action which opens a window leaves no menu behind it.
     closeActions();
-    if (action.run)
-        action.run();
+    action.run();
 }
 
 bool SearchModel::closeMenu() {

@@ -404,6 +404,8 @@ void App::Parts::scheduleModes() {
         .panel = &look->modes,
         .freshModel = [this] { return std::make_unique<SearchModel>(services->modelServices()); },
         .print = printLine,
+        .printError =
+            [](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); },
         .finish = [](int status) { QCoreApplication::exit(status); }});
     Modes::schedule(*modes);
 }

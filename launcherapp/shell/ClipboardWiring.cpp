@@ -7,6 +7,7 @@
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/query/SearchModel.h"
+#include "launcherapp/query/rows/ClearClipRows.h"
 #include "launcherapp/shell/Prefs.h"
 
 #include <iterator>
@@ -42,6 +43,9 @@ void ClipboardWiring::wireFilters() {
     };
     families.partialFilters = [this](std::string_view argument) {
         return partialClipFilters(sources(), argument);
+    };
+    families.filterTitle = [this](const std::string& token) {
+        return clipFilterTitle(sources(), token);
     };
 }
 
@@ -90,34 +94,36 @@ ClipRowSources ClipboardWiring::sources() {
                     model.recompute();
                 },
             .clear =
-                [this](std::optional<double> newerThanSeconds) {
+                [this](std::optional<Seconds> newerThan) {
                     hidePanel();
-                    services_.store.clear(newerThanSeconds
-                                              ? std::optional(Seconds{*newerThanSeconds})
-                                              : std::nullopt);
+                    services_.store.clear(newerThan);
                 },
             .pastes = services_.prefs.clipAutoPaste() && services_.typing().available &&
                       model.previousApp.has_value()};
 }
 
 /// The panel goes first, and with it its hold on the keyboard: the keys are for the application.
-void ClipboardWiring::paste(const std::string& id) {
-    const auto* found = services_.store.history().entry(id);
-    if (!found)
-        return;
-    const auto entry = *found;
-    hidePanel();
-    services_.paster.paste(entry, services_.model.previousApp);
-}
-
-bool ClipboardWiring::copyToTop(const std::string& id) {
+/// False when the clipping is gone.
+bool ClipboardWiring::hideAndUse(const std::string& id,
+                                 const std::function<void(const ClipboardEntry&)>& use) {
     const auto* found = services_.store.history().entry(id);
     if (!found)
         return false;
     const auto entry = *found;
     hidePanel();
-    services_.paster.copyToTop(entry);
+    use(entry);
     return true;
+}
+
+void ClipboardWiring::paste(const std::string& id) {
+    hideAndUse(id, [this](const ClipboardEntry& entry) {
+        services_.paster.paste(entry, services_.model.previousApp);
+    });
+}
+
+bool ClipboardWiring::copyToTop(const std::string& id) {
+    return hideAndUse(id,
+                      [this](const ClipboardEntry& entry) { services_.paster.copyToTop(entry); });
 }
 
 void ClipboardWiring::hidePanel() {

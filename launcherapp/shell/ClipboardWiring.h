@@ -42,6 +42,8 @@ private:
     void wireRows();
     void wireTyping();
     ClipRowSources sources();
+    bool hideAndUse(const std::string& id,
+                    const std::function<void(const ClipboardEntry& entry)>& use);
     void paste(const std::string& id);
     bool copyToTop(const std::string& id);
     void hidePanel();

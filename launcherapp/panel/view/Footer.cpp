@@ -70,7 +70,7 @@ std::vector<Footer::Hint> Footer::rowHints() const {
     if (row && model_.personPath() && row->id.starts_with("field:"))
         hints.push_back(
             {QStringLiteral("Copy field"), KeyTranslation::keyNames(PanelKeyAction::copyField)});
-    if (model_.clipboardMode() && model_.filterMenuItems().size() > 1)
+    if (model_.clipboardMode() && model_.canFilter())
         hints.push_back({QStringLiteral("Filter"), {QStringLiteral("Tab")}});
     hints.push_back({QStringLiteral("Actions"), KeyTranslation::keyNames(PanelKeyAction::actions)});
     hints.push_back(

@@ -1,5 +1,6 @@
-// The rows that clear the history of the clipboard.
+#include "launcherapp/query/rows/ClearClipRows.h"
 
+#include "LauncherCore/text/Counted.h"
 #include "LauncherCore/text/Folding.h"
 #include "launcherapp/query/rows/ClipRows.h"
 #include "launcherapp/query/rows/HintRows.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cstdint>
 
 namespace tessarine {
@@ -16,6 +18,7 @@ namespace tessarine {
 namespace {
 
 constexpr std::string_view symbol = "trash";
+constexpr std::string_view nothingID = "none";
 constexpr std::int64_t minutesPerHour = 60;
 constexpr std::int64_t minutesPerDay = 24 * minutesPerHour;
 constexpr auto offeredMinutes = std::to_array<std::int64_t>({5, 15, minutesPerHour});
@@ -53,32 +56,35 @@ std::optional<std::int64_t> minutesOf(std::string_view argument) {
 }
 
 std::string lastMinutes(std::int64_t minutes) {
-    if (minutes % minutesPerHour != 0)
-        return minutes == 1 ? "the last minute" : fmt::format("the last {} minutes", minutes);
-    const auto hours = minutes / minutesPerHour;
-    return hours == 1 ? "the last hour" : fmt::format("the last {} hours", hours);
-}
-
-std::string clippings(std::int64_t count) {
-    return fmt::format("{} {}", count, count == 1 ? "clipping" : "clippings");
+    const bool isHours = minutes % minutesPerHour == 0;
+    const auto count = isHours ? minutes / minutesPerHour : minutes;
+    const std::string unit = isHours ? "hour" : "minute";
+    return "the last " + (count == 1 ? unit : counted(count, unit));
 }
 
 /// What an age, or none, would take away.
-std::int64_t goes(const ClipRowSources& sources, std::optional<double> newerThan) {
+std::int64_t goes(const ClipRowSources& sources, std::optional<Seconds> newerThan) {
     return std::ranges::count_if(sources.history.entries, [&](const ClipboardEntry& entry) {
-        return !entry.pinned && !(newerThan && sources.now - entry.lastSeen > *newerThan);
+        return ClipboardHistory::isCleared(entry, sources.now, newerThan);
     });
+}
+
+ResultRow nothingRow(std::string title, std::string reason) {
+    return readHint(std::string(clearingRowPrefix) + std::string(nothingID),
+                    std::move(title),
+                    std::move(reason),
+                    symbol);
 }
 
 ResultRow clearRow(const ClipRowSources& sources,
                    std::string id,
                    std::string title,
-                   std::optional<double> newerThan) {
+                   std::optional<Seconds> newerThan) {
     const auto pinned = std::ranges::count(sources.history.entries, true, &ClipboardEntry::pinned);
-    auto detail = clippings(goes(sources, newerThan));
+    auto detail = counted(goes(sources, newerThan), "clipping");
     if (pinned > 0)
         detail += fmt::format(" · {} pinned {}", pinned, pinned == 1 ? "stays" : "stay");
-    return {.id = "clipclear:" + std::move(id),
+    return {.id = std::string(clearingRowPrefix) + std::move(id),
             .kind = RowKind::command,
             .title = std::move(title),
             .subtitle = std::move(detail),
@@ -96,12 +102,12 @@ ResultRow clearRow(const ClipRowSources& sources,
 
 Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument) {
     if (goes(sources, std::nullopt) == 0)
-        return {readHint("clipclear:none",
-                         "Nothing to clear",
-                         sources.history.entries.empty() ? "The clipboard history is empty"
-                                                         : "Only pinned clippings are left",
-                         symbol)};
-    const auto secondsOf = [](std::int64_t minutes) { return static_cast<double>(minutes) * 60; };
+        return {nothingRow("Nothing to clear",
+                           sources.history.entries.empty() ? "The clipboard history is empty"
+                                                           : "Only pinned clippings are left")};
+    const auto secondsOf = [](std::int64_t minutes) {
+        return Seconds{std::chrono::minutes(minutes)};
+    };
     const auto row = [&](std::int64_t minutes) {
         return clearRow(
             sources, std::to_string(minutes), "Clear " + lastMinutes(minutes), secondsOf(minutes));
@@ -109,10 +115,8 @@ Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument
     Rows rows;
     const auto asked = minutesOf(argument);
     if (asked && goes(sources, secondsOf(*asked)) == 0)
-        rows.push_back(readHint("clipclear:none",
-                                "Nothing was copied in " + lastMinutes(*asked),
-                                "Pinned clippings don't count; they stay",
-                                symbol));
+        rows.push_back(nothingRow("Nothing was copied in " + lastMinutes(*asked),
+                                  "Pinned clippings don't count; they stay"));
     else if (asked)
         rows.push_back(row(*asked));
     rows.push_back(clearRow(sources, "all", "Clear clipboard history", std::nullopt));

@@ -2,6 +2,7 @@
 
 #include "LauncherCore/answers/AnswerSource.h"
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
+#include "LauncherCore/text/Counted.h"
 #include "LauncherCore/text/Folding.h"
 #include "LauncherCore/text/Paths.h"
 #include "LauncherCore/text/Printable.h"
@@ -12,7 +13,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <map>
+#include <iterator>
+#include <span>
+#include <variant>
 
 namespace tessarine {
 
@@ -28,17 +31,13 @@ constexpr std::string_view groupToken = "group:";
 constexpr double secondsPerMinute = 60;
 constexpr double secondsPerDay = 86400;
 
-std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
-    return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
 std::string ago(double at, double now) {
     const double age = now - at;
     if (age < secondsPerMinute)
         return "just now";
     if (age < secondsPerDay)
         return Answers::ageText(at, now);
-    return counted(static_cast<std::int64_t>(age / secondsPerDay), "day", "days") + " ago";
+    return counted(static_cast<std::int64_t>(age / secondsPerDay), "day") + " ago";
 }
 
 /// The clipping that a row stands for; null for a row of another source and for one that is gone.
@@ -53,41 +52,31 @@ std::optional<std::string> origin(const ClipboardEntry& entry) {
     return entry.fromOtherDevice.value_or(false) ? "another device" : entry.sourceApp;
 }
 
-std::int64_t fileCount(const ClipboardEntry& entry) {
-    return std::ranges::count(entry.text.string(), '\n') + 1;
+/// The files of a clipping; none for one of another kind.
+std::vector<std::string_view> filesOf(const ClipboardEntry& entry) {
+    auto paths = entry.kind == ClipKind::file ? entry.paths() : std::vector<std::string_view>();
+    std::ranges::transform(paths, paths.begin(), Paths::withoutEndSlashes);
+    return paths;
 }
 
-std::string_view firstFile(const ClipboardEntry& entry) {
-    const std::string_view paths = entry.text.string();
-    return Paths::withoutEndSlashes(paths.substr(0, paths.find('\n')));
-}
-
-std::string title(const ClipboardEntry& entry) {
-    if (entry.kind != ClipKind::file)
+std::string title(const ClipboardEntry& entry, std::span<const std::string_view> files) {
+    if (files.empty())
         return entry.preview;
-    const auto path = firstFile(entry);
-    const auto name = path == "/" ? path : Paths::lastPart(path);
-    const auto others = fileCount(entry) - 1;
-    return others == 0 ? std::string(name) : fmt::format("{} and {} more", name, others);
+    const auto name = files[0] == "/" ? files[0] : Paths::lastPart(files[0]);
+    return files.size() == 1 ? std::string(name)
+                             : fmt::format("{} and {} more", name, files.size() - 1);
 }
 
-/// The folder of a single file, as its name alone may not tell it from another.
-std::optional<std::string> folder(const ClipboardEntry& entry, const std::string& home) {
-    if (entry.kind != ClipKind::file || fileCount(entry) != 1 || firstFile(entry).empty())
-        return std::nullopt;
-    const auto parent = Paths::parent(firstFile(entry));
-    return !home.empty() && Paths::isAtOrBelow(parent, home)
-               ? "~" + std::string(parent.substr(Paths::withoutEndSlashes(home).size()))
-               : std::string(parent);
-}
-
-std::string subtitle(const ClipboardEntry& entry, const ClipRowSources& sources) {
+std::string subtitle(const ClipboardEntry& entry,
+                     std::span<const std::string_view> files,
+                     const ClipRowSources& sources) {
     std::string text;
     if (const auto from = origin(entry))
         text = (entry.fromOtherDevice.value_or(false) ? "from " : "") + *from + " · ";
     text += ago(entry.lastSeen, sources.now);
-    if (const auto where = folder(entry, sources.home))
-        text += " · " + *where;
+    // The name of a single file may not tell it from another.
+    if (files.size() == 1)
+        text += " · " + Paths::shown(Paths::parent(files[0]), sources.home);
     return entry.pinned ? text + " · pinned" : text;
 }
 
@@ -100,23 +89,21 @@ ResultRow::Action doing(const std::function<void(const std::string&)>& verb,
 }
 
 ResultRow clippingRow(const ClipboardEntry& entry, const ClipRowSources& sources) {
+    const auto files = filesOf(entry);
     ResultRow row{.id = std::string(clippingRowPrefix) + entry.id,
                   .kind = RowKind::command,
-                  .title = title(entry),
-                  .subtitle = subtitle(entry, sources),
+                  .title = title(entry, files),
+                  .subtitle = subtitle(entry, files, sources),
                   .symbol = sources.groups.symbol(entry),
                   .primary = doing(sources.paste, entry.id),
                   .primaryLabel = sources.pastes ? "paste" : "copy",
                   .pasteCount = static_cast<std::int64_t>(entry.pasteCount())};
     if (entry.kind == ClipKind::image && sources.thumbnail)
         row.image = sources.thumbnail(entry);
-    if (entry.kind == ClipKind::file) {
-        const auto count = fileCount(entry);
-        if (count == 1)
-            row.url = Urls::fileUrl(firstFile(entry));
-        else
-            row.glyph = std::to_string(count);
-    }
+    if (files.size() == 1)
+        row.url = Urls::fileUrl(files[0]);
+    else if (!files.empty())
+        row.glyph = std::to_string(files.size());
     return row;
 }
 
@@ -125,14 +112,9 @@ RowPreview::Text shownText(const ClipboardEntry& entry) {
 }
 
 RowPreview::Files shownFiles(const ClipboardEntry& entry) {
-    RowPreview::Files files;
-    std::string_view rest = entry.text.string();
-    while (!rest.empty() && files.paths.size() < mostPreviewFiles) {
-        const auto end = std::min(rest.find('\n'), rest.size());
-        files.paths.emplace_back(Paths::withoutEndSlashes(rest.substr(0, end)));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return files;
+    auto files = filesOf(entry);
+    files.resize(std::min(files.size(), mostPreviewFiles));
+    return {.paths = {files.begin(), files.end()}};
 }
 
 std::variant<RowPreview::Text, RowPreview::Picture, RowPreview::Files>
@@ -156,19 +138,29 @@ std::vector<std::string> measures(const ClipboardEntry& entry) {
     case ClipKind::image:
         return {entry.text.string()};
     case ClipKind::file:
-        return {counted(fileCount(entry), "file", "files")};
+        return {counted(filesOf(entry).size(), "file")};
     case ClipKind::text:
         break;
     }
-    std::vector<std::string> facts{
-        counted(static_cast<std::int64_t>(entry.characterCount()), "character", "characters")};
+    std::vector<std::string> facts{counted(entry.characterCount(), "character")};
     if (text.size() <= mostCountedBytes && entry.isMultiline()) {
         // A break at the very end begins no line.
         const auto lines = std::ranges::count(text, '\n') + (text.ends_with('\n') ? 0 : 1);
-        facts.push_back(counted(lines, "line", "lines"));
+        facts.push_back(counted(lines, "line"));
     }
     if (text.size() > longestPreviewBytes)
         facts.emplace_back("only the beginning is shown");
+    return facts;
+}
+
+/// What has become of it.
+std::vector<std::string> uses(const ClipboardEntry& entry) {
+    std::vector<std::string> facts;
+    if (entry.count > 1)
+        facts.push_back(fmt::format("copied {} times", entry.count));
+    facts.push_back(entry.pasteCount() == 0
+                        ? "not pasted yet"
+                        : fmt::format("pasted: {}", fmt::join(*entry.pastedInto, ", ")));
     return facts;
 }
 
@@ -213,17 +205,17 @@ std::optional<ClipFilterKey> clipFilterOfToken(std::string_view token) {
     return category ? std::optional(ClipFilterKey::builtin(*category)) : std::nullopt;
 }
 
-std::vector<std::size_t> partialClipFilters(const ClipRowSources& sources, std::string_view word) {
-    const auto items = clipFilterMenu(sources);
+std::string clipFilterTitle(const ClipRowSources& sources, std::string_view token) {
+    const auto key = clipFilterOfToken(token);
+    return key ? key->label(*sources.groups.current()) : std::string(token);
+}
+
+std::vector<std::string> partialClipFilters(const ClipRowSources& sources, std::string_view word) {
     const auto groups = sources.groups.current();
-    std::vector<std::size_t> places;
-    for (const auto* group : groups->partialMatches(Folding::fold(word))) {
-        const auto item = std::ranges::find(
-            items, clipFilterToken(ClipFilterKey::group(group->name)), &FilterMenuItem::key);
-        if (item != items.end())
-            places.push_back(static_cast<std::size_t>(item - items.begin()));
-    }
-    return places;
+    std::vector<std::string> tokens;
+    for (const auto* group : groups->partialMatches(Folding::fold(word)))
+        tokens.push_back(clipFilterToken(ClipFilterKey::group(group->name)));
+    return tokens;
 }
 
 std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const ResultRow& row) {
@@ -234,11 +226,8 @@ std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const R
     const auto from = origin(*entry);
     preview.facts.push_back((from ? "copied from " + *from + " " : "copied ") +
                             ago(entry->lastSeen, sources.now));
-    if (entry->count > 1)
-        preview.facts.push_back(fmt::format("copied {} times", entry->count));
-    preview.facts.push_back(entry->pasteCount() == 0
-                                ? "not pasted yet"
-                                : fmt::format("pasted: {}", fmt::join(*entry->pastedInto, ", ")));
+    // Last, since the list of applications is what may grow too long to be shown.
+    std::ranges::move(uses(*entry), std::back_inserter(preview.facts));
     return preview;
 }
 
@@ -254,7 +243,6 @@ std::vector<RowAction> clippingActions(const ClipRowSources& sources, const Resu
             return;
         actions.push_back(RowAction::make(std::move(title), doing(verb, entry->id)));
         actions.back().symbol = std::move(symbol);
-        actions.back().destructive = actions.back().symbol == "trash";
     };
     add("Copy back to the top", "arrow.up.to.line", sources.copyToTop);
     if (entry->pinned)
@@ -262,6 +250,10 @@ std::vector<RowAction> clippingActions(const ClipRowSources& sources, const Resu
     else
         add("Pin this clipping", "pin", sources.togglePin);
     add("Delete this clipping", "trash", sources.remove);
+    if (sources.remove)
+        actions.back().destructive = true;
+    actions.push_back(RowAction::separator());
+    std::ranges::transform(uses(*entry), std::back_inserter(actions), RowAction::note);
     return actions;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipboardHistory.h"
+#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/query/RowAction.h"
 #include "launcherapp/query/RowFamilies.h"
 #include "launcherapp/query/RowPreview.h"
@@ -30,7 +31,7 @@ struct ClipRowSources {
     std::function<void(const std::string& id)> copyToTop;
     std::function<void(const std::string& id)> togglePin;
     std::function<void(const std::string& id)> remove;
-    std::function<void(std::optional<double> newerThanSeconds)> clear; ///< nothing: all of it
+    std::function<void(std::optional<Seconds> newerThan)> clear; ///< nothing: all of it
     bool pastes = true; ///< Return will paste; else it copies
 };
 
@@ -50,20 +51,18 @@ std::vector<FilterMenuItem> clipFilterMenu(const ClipRowSources& sources);
 std::string clipFilterToken(const ClipFilterKey& key);
 std::optional<ClipFilterKey> clipFilterOfToken(std::string_view token);
 
-/// The positions in that menu of the taught groups whose names hold the word; those that have no
-/// clippings have none.
-std::vector<std::size_t> partialClipFilters(const ClipRowSources& sources, std::string_view word);
+/// What the filter of a token is called, also when its clippings or its group are gone.
+std::string clipFilterTitle(const ClipRowSources& sources, std::string_view token);
+
+/// The tokens of the taught groups whose names hold the word, whether or not they have clippings.
+std::vector<std::string> partialClipFilters(const ClipRowSources& sources, std::string_view word);
 
 /// What a selected row of a clipping shows beside the list; nothing for any other row. Of a long
 /// text only the beginning, which the facts say.
 std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const ResultRow& row);
 
-/// What the actions menu offers for such a row; nothing for any other.
+/// What the actions menu offers for such a row, and what has become of the clipping; nothing for
+/// any other.
 std::vector<RowAction> clippingActions(const ClipRowSources& sources, const ResultRow& row);
-
-/// The rows that clear the history: all of it, or what came in the last minutes. An argument as
-/// "10", "10 min" or "2 h" says how many. Pinned clippings always stay. A hint where nothing would
-/// go.
-Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument);
 
 } // namespace tessarine

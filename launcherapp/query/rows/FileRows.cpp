@@ -16,14 +16,6 @@ namespace {
 constexpr std::string_view folderSymbol = "folder";
 constexpr std::string_view fileSymbol = "doc";
 
-/// The folder of a path as a person writes it.
-std::string shownFolder(std::string_view path, std::string_view home) {
-    const auto folder = Paths::parent(path);
-    if (!home.empty() && Paths::isAtOrBelow(folder, home))
-        return "~" + Folding::repairedUtf8(folder.substr(home.size()));
-    return Folding::repairedUtf8(folder);
-}
-
 /// Files of one name, in the order in which they were found.
 struct NameGroup {
     std::string key;
@@ -68,7 +60,7 @@ ResultRow fileRow(const IndexedItem& item, const FileRowSources& sources) {
         .id = item.id,
         .kind = RowKind::file,
         .title = Folding::repairedUtf8(item.name),
-        .subtitle = shownFolder(item.id, sources.home),
+        .subtitle = Folding::repairedUtf8(Paths::shown(Paths::parent(item.id), sources.home)),
         .symbol = std::string(item.isFolder ? folderSymbol : fileSymbol),
         .primary =
             [open = verbs.openPath, path = item.id] {

@@ -13,7 +13,6 @@
 #include <fmt/ranges.h>
 
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -22,8 +21,19 @@ namespace tessarine {
 
 namespace {
 
-constexpr int wrongWords = 2;
-constexpr std::size_t longestText = std::size_t{1} << 16;
+constexpr std::size_t longestText = std::size_t{1} << 16; ///< bytes; more fills a terminal
+
+void refuse(ModeContext& context, std::string_view mode, std::string_view reason) {
+    finish(context,
+           {.verdict = SelftestResult::Verdict::notMeasured,
+            .report = fmt::format("{}: NOT MEASURED, {}", mode, reason)});
+}
+
+constexpr std::string_view notLoaded = R"({
+  "message": "The clipboard history could not be read in time; nothing was done",
+  "ok": false,
+  "reason": "not_loaded"
+})";
 
 /// Watches until its time is over.
 class TypesWatch : public std::enable_shared_from_this<TypesWatch> {
@@ -43,7 +53,8 @@ public:
 
 private:
     void look() {
-        if (std::exchange(last_, board_.changeCount()) == board_.changeCount())
+        const auto count = board_.changeCount();
+        if (std::exchange(last_, count) == count)
             return;
         board_.offer([self = shared_from_this()](const std::optional<PasteboardOffer>& offer) {
             if (offer)
@@ -98,14 +109,32 @@ private:
 bool hasClipboard(ModeContext& context, std::string_view name) {
     if (context.clipboard)
         return true;
-    context.print(fmt::format("{}: NOT MEASURED, this run has no clipboard", name));
-    context.finish(wrongWords);
+    refuse(context, name, "this run has no clipboard");
     return false;
 }
 
-void finish(ModeContext& context, const SelftestResult& result) {
-    context.print(result.report);
-    context.finish(static_cast<int>(result.verdict));
+void answerClipGroups(ModeContext& context) {
+    const auto& services = *context.clipboard;
+    if (!services.store.isLoaded()) {
+        // A count over what was not read would be told as a fact.
+        context.print(notLoaded);
+        context.finish(1);
+        return;
+    }
+    auto verb = context.commandLine.value("--clip-groups");
+    if (verb && verb->starts_with("--"))
+        verb.reset();
+    const auto reply = ClipGroupsCommandLine::reply({.verb = std::move(verb),
+                                                     .json = context.commandLine.value("--json"),
+                                                     .name = context.commandLine.value("--name")},
+                                                    services.store.history(),
+                                                    services.groups,
+                                                    services.runtime);
+    if (!reply.problem.empty())
+        context.printError(reply.problem);
+    if (!reply.output.empty())
+        context.print(reply.output);
+    context.finish(reply.status);
 }
 
 } // namespace
@@ -114,8 +143,7 @@ void ClipboardModes::pasteboardTypes(ModeContext& context, const std::string&) {
     if (!hasClipboard(context, "pasteboard-types"))
         return;
     if (const auto ability = context.clipboard->board.ability(); !ability.available) {
-        context.print("pasteboard-types: NOT MEASURED, " + ability.reason);
-        context.finish(wrongWords);
+        refuse(context, "pasteboard-types", ability.reason);
         return;
     }
     std::make_shared<TypesWatch>(context)->start();
@@ -127,24 +155,7 @@ void ClipboardModes::clipGroups(ModeContext& context, const std::string&) {
     ModeWaits::until(
         context,
         [&store = context.clipboard->store] { return store.isLoaded(); },
-        [&context] {
-            auto& services = *context.clipboard;
-            auto verb = context.commandLine.value("--clip-groups");
-            if (verb && verb->starts_with("--"))
-                verb.reset();
-            const auto reply =
-                ClipGroupsCommandLine::reply({.verb = std::move(verb),
-                                              .json = context.commandLine.value("--json"),
-                                              .name = context.commandLine.value("--name")},
-                                             services.store.history(),
-                                             services.groups,
-                                             services.runtime);
-            if (!reply.problem.empty())
-                std::fputs(reply.problem.c_str(), stderr);
-            if (!reply.output.empty())
-                context.print(reply.output);
-            context.finish(reply.status);
-        });
+        [&context] { answerClipGroups(context); });
 }
 
 void ClipboardModes::selftestClipSacred(ModeContext& context, const std::string&) {

@@ -143,9 +143,7 @@ void CommandModes::jumpPressProbe(ModeContext& context, const std::string& bundl
 }
 
 void CommandModes::selftestSystemCommands(ModeContext& context, const std::string&) {
-    const auto result = systemCommandsSelftest(context.files, context.environment);
-    context.print(result.report);
-    context.finish(static_cast<int>(result.verdict));
+    finish(context, systemCommandsSelftest(context.files, context.environment));
 }
 
 } // namespace tessarine

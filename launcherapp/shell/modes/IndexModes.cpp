@@ -25,11 +25,6 @@ namespace tessarine {
 
 namespace {
 
-void end(ModeContext& context, const SelftestResult& result) {
-    context.print(result.report);
-    context.finish(static_cast<int>(result.verdict));
-}
-
 std::function<double()> clockOf(const MainQueue& queue) {
     return [&queue] { return queue.uptime().count(); };
 }
@@ -67,11 +62,11 @@ ProbedDrive probe(const IndexWalker& walker, const MountedDrive& drive) {
 } // namespace
 
 void IndexModes::selftestWalker(ModeContext& context, const std::string&) {
-    end(context, walkerSelftest(*context.indexing->walker, context.files, context.environment));
+    finish(context, walkerSelftest(*context.indexing->walker, context.files, context.environment));
 }
 
 void IndexModes::selftestDelta(ModeContext& context, const std::string&) {
-    end(context, deltaSelftest(*context.indexing->walker, context.files, context.environment));
+    finish(context, deltaSelftest(*context.indexing->walker, context.files, context.environment));
 }
 
 void IndexModes::selftestIndex(ModeContext& context, const std::string&) {
@@ -82,11 +77,12 @@ void IndexModes::selftestIndex(ModeContext& context, const std::string&) {
         return;
     }
     const auto timing = context.commandLine.has("--scan-timing") ? ScanTiming::yes : ScanTiming::no;
-    end(context, indexSelftest(*context.indexing->index.items(), timing, clockOf(context.queue)));
+    finish(context,
+           indexSelftest(*context.indexing->index.items(), timing, clockOf(context.queue)));
 }
 
 void IndexModes::selftestIndexDuty(ModeContext& context, const std::string&) {
-    end(context, indexDutySelftest());
+    finish(context, indexDutySelftest());
 }
 
 void IndexModes::selftestFsevents(ModeContext& context, const std::string&) {
@@ -94,11 +90,11 @@ void IndexModes::selftestFsevents(ModeContext& context, const std::string&) {
         {.queue = context.queue, .watcher = context.indexing->trees, .files = context.files},
         context.environment,
         IndexRoots::rootOf,
-        [&context](const SelftestResult& result) { end(context, result); });
+        [&context](const SelftestResult& result) { finish(context, result); });
 }
 
 void IndexModes::selftestVolumes(ModeContext& context, const std::string&) {
-    end(context, volumesSelftest());
+    finish(context, volumesSelftest());
 }
 
 void IndexModes::walkerDiff(ModeContext& context, const std::string&) {
@@ -113,7 +109,7 @@ void IndexModes::walkerDiff(ModeContext& context, const std::string&) {
         [walker = context.indexing->walker, roots, clock = clockOf(context.queue)] {
             return walkerDiff(*walker, roots, clock);
         },
-        [&context](const SelftestResult& result) { end(context, result); });
+        [&context](const SelftestResult& result) { finish(context, result); });
 }
 
 void IndexModes::indexSoak(ModeContext& context, const std::string& seconds) {
@@ -135,7 +131,7 @@ void IndexModes::indexSoak(ModeContext& context, const std::string& seconds) {
         context.environment,
         [] { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; });
     soak->start(*duration, context.print, [&context, soak](const SelftestResult& result) {
-        end(context, result);
+        finish(context, result);
     });
 }
 

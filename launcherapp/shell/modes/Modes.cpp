@@ -41,17 +41,12 @@ constexpr std::string_view doctor = "the doctor";
 constexpr std::string_view chat = "the chat source";
 constexpr std::string_view settings = "the settings window";
 
-void print(ModeContext& context, const SelftestResult& result) {
-    context.print(result.report);
-    context.finish(static_cast<int>(result.verdict));
-}
-
 void runAppCatalogSelftest(ModeContext& context, const std::string&) {
-    print(context, appCatalogSelftest(context.files, context.environment));
+    finish(context, appCatalogSelftest(context.files, context.environment));
 }
 
 void runAppearanceSelftest(ModeContext& context, const std::string&) {
-    print(context, appearanceSelftest());
+    finish(context, appearanceSelftest());
 }
 
 /// A mode of the panel's view, if this run has one.
@@ -173,6 +168,11 @@ std::string notMeasured(const Mode& mode) {
 }
 
 } // namespace
+
+void finish(ModeContext& context, const SelftestResult& result) {
+    context.print(result.report);
+    context.finish(static_cast<int>(result.verdict));
+}
 
 std::span<const Mode> Modes::early() {
     return earlyModes;

@@ -24,6 +24,7 @@ struct ClipboardModeServices;
 struct CommandModeServices;
 struct IndexModeServices;
 struct PanelModes;
+struct SelftestResult;
 
 /// What a mode may use: the services of the running program, and the way out.
 /// Main thread only; the references live until the process ends.
@@ -44,8 +45,12 @@ struct ModeContext {
     const PanelModes* panel = nullptr;                        ///< null where nothing can be drawn
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output
+    std::function<void(std::string_view text)> printError;    ///< to standard error, as it is
     std::function<void(int status)> finish; ///< ends the process, once it gets there
 };
+
+/// Prints what a self-test found out, and ends with the status that says so.
+void finish(ModeContext& context, const SelftestResult& result);
 
 /// One option of the command line that does something. A self-test or probe of a subsystem is one
 /// line in the table of Modes.cpp.

@@ -42,5 +42,13 @@ TEST(Paths, aSiblingThatBeginsAlikeIsNotBelow) {
     EXPECT_FALSE(Paths::isAtOrBelow("/a", "/a/b"));
 }
 
+TEST(Paths, areShownWithTheHomeFoldersMark) {
+    EXPECT_EQ(Paths::shown("/home/u/Documents", "/home/u/"), "~/Documents");
+    EXPECT_EQ(Paths::shown("/home/u", "/home/u"), "~");
+    EXPECT_EQ(Paths::shown("/home/uma", "/home/u"), "/home/uma");
+    EXPECT_EQ(Paths::shown("/srv", ""), "/srv");
+    EXPECT_EQ(Paths::shown("/srv", "/"), "/srv"); // the home of a user that has none
+}
+
 } // namespace
 } // namespace tessarine

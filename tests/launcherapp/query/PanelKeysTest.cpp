@@ -362,8 +362,32 @@ TEST_F(PanelKeysTest, theFilterMenuGoesRoundByTabAndStopsByArrows) {
     model.families.filterMenu = [] {
         return std::vector<FilterMenuItem>{{"__all", "Everything", 0}};
     };
+    model.recompute();
     press(tab); // nothing to choose between
     EXPECT_FALSE(model.filterMenuOpen());
+}
+
+TEST_F(PanelKeysTest, theOpenFilterMenuKeepsItsItemWhileClippingsComeAndGo) {
+    const auto offer = [&](std::vector<FilterMenuItem> items) {
+        model.families.filterMenu = [items] { return items; };
+    };
+    const FilterMenuItem all{"__all", "Everything", 9};
+    const FilterMenuItem link{"link", "Links", 1};
+    const FilterMenuItem image{"image", "Images", 1};
+    offer({all, image});
+    model.enterClipboardMode();
+    press(tab);
+    press(down);
+    offer({all, link, image});
+    press(enter); // what is shown still is the menu of before
+    EXPECT_EQ(model.clipFilter(), "image");
+
+    press(tab);
+    model.recompute();
+    EXPECT_EQ(model.filterMenuSelection(), 2u);
+    offer({all, link});
+    model.recompute();
+    EXPECT_EQ(model.filterMenuSelection(), 0u) << "no other kind was chosen";
 }
 
 TEST_F(PanelKeysTest, onlyClippingsAreDeleted) {
@@ -374,6 +398,28 @@ TEST_F(PanelKeysTest, onlyClippingsAreDeleted) {
     model.enterClipboardMode();
     EXPECT_TRUE(press(deleteToStart));
     EXPECT_EQ(removed, "1");
+}
+
+TEST_F(PanelKeysTest, aLineToReadInTheActionsMenuIsNeverChosen) {
+    int runs = 0;
+    model.families.menuActions = [&](const ResultRow&) {
+        return std::vector{RowAction::make("Pin", [&] { ++runs; }),
+                           RowAction::separator(),
+                           RowAction::note("not pasted yet")};
+    };
+    model.setQuery("app");
+    model.openActions();
+    const auto note = model.actions().size() - 1;
+    press(down);
+    while (model.actions()[model.actionSelection()].title != "Pin")
+        press(down);
+    press(down);
+    EXPECT_EQ(model.actionSelection(), 0u) << "past the divider and the line, back to the top";
+    model.runAction(note, SearchModel::ActionDriver::click);
+    EXPECT_FALSE(model.actions().empty()) << "a click on it is no answer";
+    press(up);
+    press(enter);
+    EXPECT_EQ(runs, 1);
 }
 
 TEST_F(PanelKeysTest, theActionsMenuOffersWhatCanBeDone) {

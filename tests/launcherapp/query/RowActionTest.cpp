@@ -20,6 +20,8 @@ TEST(RowAction, aSeparatorDoesNothing) {
     EXPECT_TRUE(separator.isSeparator());
     EXPECT_EQ(separator.title, "");
     separator.run();
+    EXPECT_FALSE(separator.canBeChosen());
+    EXPECT_FALSE(RowAction::note("pasted: Teletype").canBeChosen());
     EXPECT_FALSE(RowAction::make("", [] {}).isSeparator());
 }
 

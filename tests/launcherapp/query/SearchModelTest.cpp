@@ -219,7 +219,12 @@ TEST_F(SearchModelTest, theClipboardKeywordSwitchesInPlace) {
         return argument == "images" ? std::optional<std::string>("image") : std::nullopt;
     };
     model.families.partialFilters = [](std::string_view argument) {
-        return argument == "co" ? std::vector<std::size_t>{2, 3} : std::vector<std::size_t>{};
+        return argument == "co" ? std::vector<std::string>{"group:Coast", "group:Cork"}
+                                : std::vector<std::string>{};
+    };
+    model.families.filterMenu = [] {
+        return std::vector<FilterMenuItem>{
+            {"__all", "Everything", 3}, {"image", "Images", 1}, {"group:Cork", "Cork", 2}};
     };
     EXPECT_THAT(ids("clip hello"), ElementsAre("hello/all"));
     EXPECT_TRUE(model.clipboardMode());
@@ -232,7 +237,36 @@ TEST_F(SearchModelTest, theClipboardKeywordSwitchesInPlace) {
     model.reset();
     EXPECT_THAT(ids("clip co"), ElementsAre("/all"));
     EXPECT_TRUE(model.filterMenuOpen());
-    EXPECT_EQ(model.filterMenuSelection(), 2u);
+    EXPECT_EQ(model.filterMenuSelection(), 2u) << "the first that has anything";
+    model.families.filterMenu = nullptr;
+    model.reset();
+    EXPECT_THAT(ids("clip co"), ElementsAre("/all"));
+    EXPECT_TRUE(model.filterMenuOpen()) << "the word is two groups' although neither has anything";
+    EXPECT_EQ(model.filterMenuSelection(), 0u);
+}
+
+TEST_F(SearchModelTest, aClipboardQueryTypedLetterByLetterIsSearchedFor) {
+    model.families.clipboard = [](std::string_view query, const auto&) {
+        return Rows{row("clip:" + std::string(query), RowKind::command, "x", 1)};
+    };
+    model.families.resolveFilter = [](std::string_view argument) {
+        return argument == "links" ? std::optional<std::string>("link") : std::nullopt;
+    };
+    // As the field does it: each letter is added to what the model left there.
+    const auto type = [&](std::string_view letters) {
+        for (const char letter : letters)
+            model.setQuery(model.query() + letter);
+    };
+    type("clip");
+    EXPECT_TRUE(model.clipboardMode());
+    type(" ");
+    EXPECT_EQ(model.query(), "") << "Escape leaves the mode in one step";
+    type("links");
+    EXPECT_EQ(model.query(), "links");
+    EXPECT_EQ(model.clipFilter(), std::nullopt);
+    EXPECT_EQ(model.rows().front().id, "clip:links");
+    type(" x");
+    EXPECT_EQ(model.query(), "links x") << "a blank between words stays";
 }
 
 TEST_F(SearchModelTest, aCommandEngagesAtItsBlank) {

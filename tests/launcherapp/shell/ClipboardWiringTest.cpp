@@ -1,7 +1,7 @@
 #include "launcherapp/shell/ClipboardWiring.h"
 
-#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "LauncherCore/clipboard/ClipGroups.h"
+#include "LauncherCore/clipboard/ClipIdentity.h"
 #include "launcherapp/clipboard/ClipImages.h"
 #include "launcherapp/clipboard/ClipboardPaster.h"
 #include "launcherapp/query/SearchModel.h"
@@ -94,6 +94,7 @@ TEST_F(ClipboardWiringTest, aTaughtGroupIsAFilterAtOnce) {
     model->enterClipboardMode();
     const auto before = model->filterMenuItems();
     teach("Receipts", "order no.");
+    model->recompute();
     std::vector<std::string> filters;
     for (const auto& item : model->filterMenuItems())
         filters.push_back(item.title + " " + std::to_string(item.count));
@@ -103,7 +104,9 @@ TEST_F(ClipboardWiringTest, aTaughtGroupIsAFilterAtOnce) {
     model->filterMenuTab(SearchModel::TabDirection::forward);
     model->commitFilterMenu(3);
     EXPECT_THAT(titles(), ElementsAre("order no. 12"));
-    EXPECT_EQ(model->filterTitle(), "Receipts");
+    clipboard.runtime.setCurrent({});
+    model->recompute();
+    EXPECT_EQ(model->filterTitle(), "Receipts") << "not the key's own spelling";
 }
 
 TEST_F(ClipboardWiringTest, aWordAfterTheKeywordNarrowsOrOffersWhatItMayMean) {
@@ -163,7 +166,9 @@ TEST_F(ClipboardWiringTest, copyingPinningDeletingAndClearing) {
                      SearchModel::ActionDriver::keyboard);
 
     model->reset();
+    EXPECT_FALSE(model->showsClippings());
     model->setQuery("clear ");
+    EXPECT_TRUE(model->showsClippings()) << "they count what there is";
     model->runSelected();
     EXPECT_THAT(clipboard.texts(), ElementsAre("b")) << "what is pinned stays";
 }

@@ -20,6 +20,7 @@ public:
         QString name;
         bool isDestructive = false;
         bool isSeparator = false;
+        bool isNote = false; ///< to be read, never current
 
         bool operator==(const Item&) const = default;
     };

@@ -65,7 +65,9 @@ public:
             return state;
         }
         const bool isCurrent = view_->currentItem() == index_;
-        const bool canBeCurrent = !view_->item(index_).isSeparator;
+        const auto item = view_->item(index_);
+        const bool canBeCurrent = !item.isSeparator && !item.isNote;
+        state.disabled = item.isNote;
         state.selectable = canBeCurrent;
         state.focusable = canBeCurrent;
         state.selected = isCurrent;

@@ -44,13 +44,15 @@ void MenuView::setEntries(std::vector<Entry> entries) {
 
 QSize MenuView::wantedSize() const {
     const QFontMetrics titles(style_.title);
+    const QFontMetrics notes(style_.small);
     const QFontMetrics details(style_.small);
     int width = leastWidth;
     for (const auto& entry : entries_) {
         const int detail =
             entry.detail.isEmpty() ? 0 : detailGap + details.horizontalAdvance(entry.detail);
-        width = std::max(width,
-                         textLeft + titles.horizontalAdvance(entry.title) + 1 + detail + textRight);
+        const auto& metrics = entry.isNote ? notes : titles;
+        width = std::max(
+            width, textLeft + metrics.horizontalAdvance(entry.title) + 1 + detail + textRight);
     }
     return {std::min(width, mostWidth), contentHeight()};
 }
@@ -75,7 +77,10 @@ ItemView::Item MenuView::item(int index) const {
     auto name = entry.title;
     if (!entry.detail.isEmpty())
         name += QStringLiteral(", ") + entry.detail;
-    return {.name = name, .isDestructive = entry.isDestructive, .isSeparator = entry.isSeparator()};
+    return {.name = name,
+            .isDestructive = entry.isDestructive,
+            .isSeparator = entry.isSeparator(),
+            .isNote = entry.isNote};
 }
 
 QRect MenuView::place(int index) const {
@@ -132,12 +137,14 @@ void MenuView::drawEntry(QPainter& painter, int index) const {
         return;
     }
     const bool isCurrent = index == currentItem();
-    if (isCurrent || index == hovered_)
+    if (isCurrent || (index == hovered_ && entry.canBeChosen()))
         Drawing::roundedRectangle(painter,
                                   QRectF(area).adjusted(padding, 1, -padding, -1),
                                   PanelStyle::menuRadius - padding / 2.0,
                                   toQt(isCurrent ? palette.menuSelection : palette.hover));
-    const auto color = toQt(entry.isDestructive ? palette.destructive : palette.menuText);
+    const auto color = toQt(entry.isDestructive ? palette.destructive
+                            : entry.isNote      ? palette.subtitle
+                                                : palette.menuText);
     const std::string symbol = entry.isChecked ? "checkmark" : entry.symbol;
     if (const auto* drawing = images_.symbol(symbol, {symbolSide, Drawing::scale(painter)}, color))
         Drawing::centred(painter, mirrored(symbolLeft, symbolSide), *drawing);
@@ -145,12 +152,12 @@ void MenuView::drawEntry(QPainter& painter, int index) const {
     const int detailWidth =
         entry.detail.isEmpty() ? 0 : QFontMetrics(style_.small).horizontalAdvance(entry.detail);
     const auto title = mirrored(textLeft, width() - textLeft - textRight - detailWidth);
-    painter.setFont(style_.title);
+    const auto& font = entry.isNote ? style_.small : style_.title;
+    painter.setFont(font);
     painter.setPen(color);
-    painter.drawText(
-        title,
-        Drawing::leading(layoutDirection()) | Qt::TextSingleLine,
-        QFontMetrics(style_.title).elidedText(entry.title, Qt::ElideRight, title.width()));
+    painter.drawText(title,
+                     Drawing::leading(layoutDirection()) | Qt::TextSingleLine,
+                     QFontMetrics(font).elidedText(entry.title, Qt::ElideRight, title.width()));
     painter.setFont(style_.small);
     painter.setPen(toQt(isCurrent ? palette.selectedSubtitle : palette.subtitle));
     painter.drawText(mirrored(width() - textRight - detailWidth, detailWidth),
@@ -176,7 +183,7 @@ void MenuView::mousePressEvent(QMouseEvent* event) {
 void MenuView::mouseReleaseEvent(QMouseEvent* event) {
     const int at = itemAt(event->position().toPoint());
     if (event->button() == Qt::LeftButton && at >= 0 &&
-        !entries_[static_cast<std::size_t>(at)].isSeparator())
+        entries_[static_cast<std::size_t>(at)].canBeChosen())
         activate(at);
 }
 

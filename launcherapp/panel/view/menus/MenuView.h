@@ -23,8 +23,11 @@ public:
         std::string symbol; ///< empty for none
         bool isDestructive = false;
         bool isChecked = false;
+        bool isNote = false; ///< only to be read
 
         bool isSeparator() const { return title.isEmpty(); }
+
+        bool canBeChosen() const { return !isSeparator() && !isNote; }
     };
 
     MenuView(QWidget* parent, const PanelStyle& style, RowImages& images);

@@ -26,7 +26,8 @@ void ActionsMenuView::refresh() {
             entries.push_back({.title = Drawing::harmless(action.title),
                                .detail = Drawing::harmless(action.shortcut),
                                .symbol = action.symbol.value_or(""),
-                               .isDestructive = action.destructive});
+                               .isDestructive = action.destructive,
+                               .isNote = action.isNote()});
     }
     setEntries(std::move(entries));
 }

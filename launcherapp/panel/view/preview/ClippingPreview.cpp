@@ -24,6 +24,27 @@ constexpr int leastHeightBeside = 180; ///< a list of one row has no room to see
 constexpr int heightBelow = 210;       ///< of the whole part, below the list
 constexpr int symbolSide = 16;
 constexpr int symbolGap = 8;
+constexpr std::size_t mostFactLines = 2; ///< a third would take the room of what is previewed
+
+/// The facts on as many lines as they need, none of them broken; the last line takes what is left
+/// over.
+std::vector<std::string>
+factLines(const std::vector<std::string>& facts, const QFont& font, int width) {
+    const QFontMetrics metrics(font);
+    std::vector<std::string> lines;
+    for (const auto& fact : facts) {
+        if (!lines.empty()) {
+            const auto together = lines.back() + " · " + fact;
+            const bool fits = metrics.horizontalAdvance(Drawing::toQt(together)) <= width;
+            if (fits || lines.size() == mostFactLines) {
+                lines.back() = together;
+                continue;
+            }
+        }
+        lines.push_back(fact);
+    }
+    return lines;
+}
 
 QString spoken(const RowPreview& preview, const QString& text) {
     QString said = text;
@@ -71,22 +92,8 @@ QSize ClippingPreview::minimumSizeHint() const {
 void ClippingPreview::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     drawEdge(painter);
-    auto inside = rect().adjusted(PanelStyle::edge, padding, -PanelStyle::edge, -padding);
-    std::string facts;
-    for (const auto& fact : preview_.facts)
-        facts += (facts.empty() ? "" : " · ") + fact;
-    facts_.set({.text = facts,
-                .query = {},
-                .font = style_.small,
-                .width = static_cast<qreal>(inside.width())});
-    const int factsHeight = QFontMetrics(style_.small).height();
-    if (!facts.empty() && inside.height() > 2 * factsHeight) {
-        const auto color = toQt(style_.palette.credit);
-        const QRect line(
-            inside.left(), inside.bottom() + 1 - factsHeight, inside.width(), factsHeight);
-        facts_.draw(painter, line, layoutDirection(), {color, color});
-        inside.setBottom(line.top() - padding / 2);
-    }
+    const auto inside =
+        drawFacts(painter, rect().adjusted(PanelStyle::edge, padding, -PanelStyle::edge, -padding));
     painter.setClipRect(inside);
     if (const auto* text = std::get_if<RowPreview::Text>(&preview_.content))
         drawText(painter, *text, inside);
@@ -94,6 +101,28 @@ void ClippingPreview::paintEvent(QPaintEvent*) {
         drawPicture(painter, *picture, inside);
     else if (const auto* files = std::get_if<RowPreview::Files>(&preview_.content))
         drawFiles(painter, *files, inside);
+}
+
+/// At the bottom of the place; gives what is left above them.
+QRect ClippingPreview::drawFacts(QPainter& painter, QRect place) {
+    const auto lines = factLines(preview_.facts, style_.small, place.width());
+    const int lineHeight = QFontMetrics(style_.small).height();
+    const int height = lineHeight * static_cast<int>(lines.size());
+    if (lines.empty() || place.height() <= 2 * height)
+        return place;
+    const auto color = toQt(style_.palette.credit);
+    QRect line(place.left(), place.bottom() + 1 - height, place.width(), lineHeight);
+    place.setBottom(line.top() - padding / 2);
+    facts_.resize(lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        facts_[i].set({.text = lines[i],
+                       .query = {},
+                       .font = style_.small,
+                       .width = static_cast<qreal>(line.width())});
+        facts_[i].draw(painter, line, layoutDirection(), {color, color});
+        line.translate(0, lineHeight);
+    }
+    return place;
 }
 
 /// As many whole lines as there is room for; a line that is cut in half reads like a fault.

@@ -35,6 +35,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QRect drawFacts(QPainter& painter, QRect place);
     void drawText(QPainter& painter, const RowPreview::Text& text, const QRect& place);
     void drawPicture(QPainter& painter, const RowPreview::Picture& picture, const QRect& place);
     void drawFiles(QPainter& painter, const RowPreview::Files& files, const QRect& place);
@@ -47,7 +48,7 @@ private:
     FittedPicture picture_;
     QString text_; ///< harmless, its lines kept
     std::vector<TextLine> files_;
-    TextLine facts_;
+    std::vector<TextLine> facts_;
 };
 
 } // namespace tessarine

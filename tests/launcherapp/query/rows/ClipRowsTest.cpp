@@ -1,7 +1,7 @@
 #include "launcherapp/query/rows/ClipRows.h"
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
-#include "launcherapp/query/rows/EmojiRows.h"
+#include "launcherapp/query/rows/ClearClipRows.h"
 
 #include <gmock/gmock.h>
 
@@ -67,9 +67,10 @@ protected:
                 .togglePin = note("pin"),
                 .remove = note("remove"),
                 .clear =
-                    [this](std::optional<double> newerThan) {
-                        done.push_back(newerThan ? std::to_string(static_cast<int>(*newerThan))
-                                                 : "all");
+                    [this](std::optional<Seconds> newerThan) {
+                        done.push_back(newerThan
+                                           ? std::to_string(static_cast<int>(newerThan->count()))
+                                           : "all");
                     },
                 .pastes = pastes};
     }
@@ -144,10 +145,24 @@ TEST_F(ClipRowsTest, theFilterMenuHasWhatThereIs) {
         EXPECT_EQ(static_cast<std::int64_t>(rows.size()), item.count) << item.title;
     }
     EXPECT_EQ(clipFilterOfToken("made up"), std::nullopt);
-    EXPECT_THAT(partialClipFilters(sources(), "re"), ElementsAre(5u)); // the others have nothing
-    add("g", ClipKind::text, "dough", 1);
-    EXPECT_THAT(partialClipFilters(sources(), "RE"), ElementsAre(5u, 6u));
+}
+
+TEST_F(ClipRowsTest, aFilterIsNamedAlsoWhenNothingHasIt) {
+    EXPECT_THAT(partialClipFilters(sources(), "REC"),
+                ElementsAre("group:Receipts", "group:Recipes"));
     EXPECT_THAT(partialClipFilters(sources(), ""), IsEmpty());
+
+    const struct {
+        const char* token;
+        const char* title;
+    } cases[] = {
+        {"image", "Images"},
+        {"group:Receipts", "Receipts"},
+        {"group:Removed", "Removed"}, // from the command line, while it was the filter
+    };
+
+    for (const auto& [token, title] : cases)
+        EXPECT_EQ(clipFilterTitle(sources(), token), title);
 }
 
 TEST_F(ClipRowsTest, thePreviewShowsTheContentAndWhatIsKnownOfIt) {
@@ -192,18 +207,25 @@ TEST_F(ClipRowsTest, ofALongTextOnlyTheBeginningIsCopied) {
 TEST_F(ClipRowsTest, theActionsMenuOffersWhatCanBeDone) {
     addOneOfEach();
     const auto actions = clippingActions(sources(), row("a"));
-    ASSERT_EQ(actions.size(), 3u);
+    ASSERT_EQ(actions.size(), 6u);
     EXPECT_EQ(actions[0].title, "Copy back to the top");
     EXPECT_EQ(actions[0].symbol, "arrow.up.to.line");
     EXPECT_EQ(actions[1].title, "Pin this clipping");
     EXPECT_TRUE(actions[2].destructive);
-    for (const auto& action : actions)
-        action.run();
+    for (const auto& action : actions) {
+        if (action.canBeChosen())
+            action.run();
+    }
+    EXPECT_TRUE(actions[3].isSeparator());
+    EXPECT_EQ(actions[4].title, "copied 3 times");
+    EXPECT_EQ(actions[5].title, "pasted: Teletype, Notebook");
     EXPECT_THAT(done, ElementsAre("top a", "pin a", "remove a"));
-    EXPECT_EQ(clippingActions(sources(), row("d"))[1].title, "Unpin this clipping");
+    const auto ofPinned = clippingActions(sources(), row("d"));
+    EXPECT_EQ(ofPinned[1].title, "Unpin this clipping");
+    EXPECT_EQ(ofPinned.back().title, "not pasted yet");
     auto readOnly = sources();
     readOnly.copyToTop = readOnly.togglePin = readOnly.remove = {};
-    EXPECT_THAT(clippingActions(readOnly, row("a")), IsEmpty());
+    EXPECT_TRUE(clippingActions(readOnly, row("a"))[0].isSeparator());
     EXPECT_THAT(clippingActions(sources(), {.id = "/a/One"}), IsEmpty());
 }
 
@@ -258,17 +280,6 @@ TEST_F(ClipRowsTest, nothingToClearIsSaid) {
     const auto rows = clearClipboardRows(sources(), "");
     EXPECT_THAT(titles(rows), ElementsAre("Nothing to clear"));
     EXPECT_EQ(rows.front().subtitle, "Only pinned clippings are left");
-}
-
-TEST(EmojiRows, typeIntoTheWindowOnlyWhereThatCanBeDone) {
-    RowVerbs verbs;
-    EXPECT_FALSE(emojiRows(":grin", verbs).front().secondary);
-    std::string typed;
-    verbs.typeText = [&](const std::string& text) { typed = text; };
-    const auto row = emojiRows(":grin", verbs).front();
-    EXPECT_EQ(row.secondaryLabel, "type");
-    row.secondary();
-    EXPECT_EQ(typed, row.glyph);
 }
 
 } // namespace

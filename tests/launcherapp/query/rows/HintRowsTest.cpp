@@ -45,6 +45,13 @@ TEST_F(HintRowsTest, anEmptyClipboardSaysWhyItIsEmpty) {
     EXPECT_EQ(shown(), "? No copies of this kind|");
     EXPECT_EQ(model->rows().front().subtitle,
               "The list shows only “Links”; Tab shows the other kinds");
+
+    // The last clipping of all was deleted: Tab would show nothing else.
+    model->families.filterMenu = [] {
+        return std::vector<FilterMenuItem>{{std::string(FilterMenuItem::everything), "Everything"}};
+    };
+    model->recompute();
+    EXPECT_EQ(shown(), "? Nothing has been copied yet|");
 }
 
 TEST_F(HintRowsTest, nothingIsLearnedOrDeletedOfAHint) {

@@ -18,22 +18,23 @@ struct ModeRun {
     ModeRun(FakeServices& made,
             SearchModel& searched,
             std::vector<std::string> words,
-            const CommandModeServices* commands = nullptr)
+            const CommandModeServices* commands = nullptr,
+            const ClipboardModeServices* clipboard = nullptr)
         : credits(made.catalog, made.platform.files, made.environment),
-          commandLine(std::move(words)), context{.commandLine = commandLine,
-                                                 .environment = made.environment,
-                                                 .queue = made.platform.queue,
-                                                 .files = made.platform.files,
-                                                 .catalog = made.catalog,
-                                                 .prefs = made.prefs,
-                                                 .model = searched,
-                                                 .credits = credits,
-                                                 .commands = commands,
-                                                 .print =
-                                                     [this](std::string_view line) {
-                                                         lines.emplace_back(line);
-                                                     },
-                                                 .finish = [this](int value) { status = value; }} {}
+          commandLine(std::move(words)),
+          context{.commandLine = commandLine,
+                  .environment = made.environment,
+                  .queue = made.platform.queue,
+                  .files = made.platform.files,
+                  .catalog = made.catalog,
+                  .prefs = made.prefs,
+                  .model = searched,
+                  .credits = credits,
+                  .commands = commands,
+                  .clipboard = clipboard,
+                  .print = [this](std::string_view line) { lines.emplace_back(line); },
+                  .printError = [this](std::string_view text) { errors += text; },
+                  .finish = [this](int value) { status = value; }} {}
 
     ModeRun(const ModeRun&) = delete;
     ModeRun& operator=(const ModeRun&) = delete;
@@ -41,6 +42,7 @@ struct ModeRun {
     CreditResolver credits;
     CommandLine commandLine;
     std::vector<std::string> lines;
+    std::string errors;
     std::optional<int> status;
     ModeContext context;
 };
