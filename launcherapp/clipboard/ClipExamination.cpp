@@ -87,18 +87,34 @@ void ClipExamination::readFiles() {
     const auto type = PasteboardTypes::filesType(types_);
     if (!type)
         return readText();
-    read(*type, largestFileList, [this](const PasteboardReading& reading) {
-        const auto paths = PasteboardTypes::paths(reading.bytes);
-        if (paths.empty())
-            return readText();
-        if (isDroppedRemote(ClipKind::file))
-            return skipRemote();
-        auto entry = copy(isRemote_);
-        entry.kind = ClipKind::file;
-        entry.text = ClipText(fmt::format("{}", fmt::join(paths, "\n")));
-        entry.id = ClipIdentity::ofFiles(entry.text.string());
-        end(ClipboardEntry::make(std::move(entry)));
+    read(*type, largestFileList, [this](PasteboardReading reading) {
+        takeFiles(std::move(reading.bytes));
     });
+}
+
+/// A list of many thousand files takes as long as a long text.
+void ClipExamination::takeFiles(std::string bytes) {
+    services_.work.run(
+        WorkPriority::userInitiated,
+        [bytes = std::make_shared<const std::string>(std::move(bytes)),
+         entry = copy(isRemote_)]() mutable -> std::optional<ClipboardEntry> {
+            const auto paths = PasteboardTypes::paths(*bytes);
+            if (paths.empty())
+                return std::nullopt;
+            entry.kind = ClipKind::file;
+            entry.text = ClipText(fmt::format("{}", fmt::join(paths, "\n")));
+            entry.id = ClipIdentity::ofFiles(entry.text.string());
+            return ClipboardEntry::make(std::move(entry));
+        },
+        [this, alive = std::weak_ptr(alive_)](std::optional<ClipboardEntry> entry) {
+            if (alive.expired())
+                return;
+            if (!entry)
+                return readText();
+            if (isDroppedRemote(ClipKind::file))
+                return skipRemote();
+            end(*std::move(entry));
+        });
 }
 
 void ClipExamination::readText() {

@@ -57,6 +57,7 @@ public:
 private:
     void judge(const std::optional<PasteboardOffer>& offer);
     void readFiles();
+    void takeFiles(std::string bytes);
     void readText();
     void takeText(std::string bytes, const std::string& type);
     void readPicture();

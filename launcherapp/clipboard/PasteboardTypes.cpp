@@ -70,8 +70,13 @@ std::string fromLatin1(std::string_view bytes) {
     return text;
 }
 
-/// Nothing when a character lies beyond U+00FF, or for what is no UTF-8.
+/// Programs that know nothing but Latin-1 are old, and old programs paste no longer texts.
+constexpr std::size_t longestLatin1 = std::size_t{64} << 10; ///< bytes of UTF-8
+
+/// Nothing when a character lies beyond U+00FF, for what is no UTF-8, and for a long text.
 std::optional<std::string> toLatin1(std::string_view text) {
+    if (text.size() > longestLatin1)
+        return std::nullopt;
     std::string bytes;
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -107,15 +112,16 @@ PasteboardContent::Item item(std::string_view type, std::string bytes) {
             .bytes = std::make_shared<const std::string>(std::move(bytes))};
 }
 
-void addText(PasteboardContent& content, std::string text) {
-    const bool isAscii = Folding::isAscii(text);
-    auto latin1 = isAscii ? std::nullopt : toLatin1(text);
-    const auto shared = std::make_shared<const std::string>(std::move(text));
+void addText(PasteboardContent& content, const std::shared_ptr<const std::string>& text) {
     for (const auto type : {utf8String, plainUtf8, plain})
-        content.items.push_back({.type = std::string(type), .bytes = shared});
-    if (!isAscii && !latin1)
-        return;
-    const auto narrow = isAscii ? shared : std::make_shared<const std::string>(*std::move(latin1));
+        content.items.push_back({.type = std::string(type), .bytes = text});
+    auto narrow = text;
+    if (!Folding::isAscii(*text)) {
+        auto latin1 = toLatin1(*text);
+        if (!latin1)
+            return;
+        narrow = std::make_shared<const std::string>(*std::move(latin1));
+    }
     for (const auto type : {anyText, latin1String})
         content.items.push_back({.type = std::string(type), .bytes = narrow});
 }
@@ -173,10 +179,14 @@ std::string PasteboardTypes::text(std::string_view type, std::string bytes) {
     return Folding::repairedUtf8(bytes);
 }
 
-PasteboardContent PasteboardTypes::ofText(std::string text) {
+PasteboardContent PasteboardTypes::ofText(std::shared_ptr<const std::string> text) {
     PasteboardContent content;
-    addText(content, std::move(text));
+    addText(content, text);
     return content;
+}
+
+PasteboardContent PasteboardTypes::ofText(std::string text) {
+    return ofText(std::make_shared<const std::string>(std::move(text)));
 }
 
 PasteboardContent PasteboardTypes::ofFiles(const std::vector<std::string>& paths) {
@@ -192,7 +202,7 @@ PasteboardContent PasteboardTypes::ofFiles(const std::vector<std::string>& paths
     PasteboardContent content;
     content.items.push_back(item(uriList, std::move(list)));
     content.items.push_back(item(copiedFiles, std::move(copied)));
-    addText(content, std::move(text));
+    addText(content, std::make_shared<const std::string>(std::move(text)));
     return content;
 }
 

@@ -41,6 +41,9 @@ std::vector<std::string> paths(std::string_view bytes);
 /// The content of a `textType` as UTF-8, bad bytes replaced.
 std::string text(std::string_view type, std::string bytes);
 
+/// The text's string is shared. As Latin-1 too where that says it all; a long text that isn't
+/// ASCII only as UTF-8.
+PasteboardContent ofText(std::shared_ptr<const std::string> text);
 PasteboardContent ofText(std::string text);
 PasteboardContent ofFiles(const std::vector<std::string>& paths);
 PasteboardContent ofPicture(std::shared_ptr<const std::string> png);

@@ -53,6 +53,7 @@ TEST(ClipboardPaster, aClippingIsPastedIntoTheWindowThatWasInFront) {
     const auto entry = desk.recorded("text");
     desk.time.advance(Seconds{5});
     EXPECT_TRUE(desk.paster.paste(entry, desk.editor));
+    desk.time.settle();
     EXPECT_EQ(desk.board.content("UTF8_STRING"), "text");
     desk.time.advance(Seconds{0.029});
     EXPECT_THAT(desk.keys.pasted, IsEmpty());
@@ -73,6 +74,7 @@ TEST(ClipboardPaster, aWindowBehindIsBroughtForwardFirst) {
     const auto entry = desk.recorded("text");
     desk.time.advance(Seconds{5});
     EXPECT_TRUE(desk.paster.paste(entry, desk.terminal));
+    desk.time.settle();
     EXPECT_THAT(desk.windows.calls, ElementsAre(Pair("unhide", 2), Pair("activate", 2)));
     desk.time.advance(Seconds{0.049});
     EXPECT_THAT(desk.keys.pasted, IsEmpty()); // its field isn't ready
@@ -115,6 +117,7 @@ TEST(ClipboardPaster, aWindowThatStaysBehindGetsNoKeys) {
     EXPECT_THAT(log, HasSubstr("type: Editor never came forward"));
     // At the last moment it may be in front without anybody having been told.
     paster.paste(desk.entries().front(), desk.editor);
+    desk.time.settle();
     windows.activeID = desk.editor.id;
     desk.wait();
     EXPECT_THAT(desk.keys.pasted, testing::SizeIs(1));
@@ -156,6 +159,7 @@ TEST(ClipboardPaster, filesAndPicturesArePastedAsWhatTheyAre) {
     auto files = ClipboardFixture::textEntry("/a b\n\n/ü\n", 1);
     files.kind = ClipKind::file;
     desk.paster.copyToTop(files);
+    desk.time.settle();
     EXPECT_EQ(desk.board.content("text/uri-list"), "file:///a%20b\r\nfile:///%C3%BC\r\n");
     desk.copyText("swallowed");
     desk.copyPicture(7, 600);
