@@ -14,7 +14,6 @@ namespace {
 
 using Outcome = PasteboardReading::Outcome;
 
-constexpr std::size_t largestFileList = std::size_t{16} << 20; ///< bytes
 constexpr std::size_t largestPicture = std::size_t{256} << 20; ///< bytes, as offered
 
 } // namespace
@@ -69,6 +68,9 @@ void ClipExamination::read(const std::string& type,
                 return;
             if (reading.outcome == Outcome::failed)
                 problem_ = reading.problem;
+            // What was read may be of a newer copy already, which nobody has judged: a secret.
+            else if (services_.board.changeCount() != change_.count)
+                return end(Nothing{});
             done(std::move(reading));
         });
 }
@@ -87,7 +89,12 @@ void ClipExamination::readFiles() {
     const auto type = PasteboardTypes::filesType(types_);
     if (!type)
         return readText();
-    read(*type, largestFileList, [this](PasteboardReading reading) {
+    read(*type, ClipSkips::fileListLimitBytes, [this](PasteboardReading reading) {
+        // Only a list that was read and names no file makes the text beside it the copy.
+        if (reading.outcome == Outcome::tooLarge)
+            return end(ClipSkips::tooLongFileList());
+        if (reading.outcome == Outcome::failed)
+            return end(Nothing{.problem = problem_});
         takeFiles(std::move(reading.bytes));
     });
 }

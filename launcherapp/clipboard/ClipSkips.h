@@ -64,5 +64,11 @@ std::optional<ClipSkip> tooManyCharacters(std::size_t characters, std::int64_t m
 /// For a text of more bytes than are asked for.
 ClipSkip tooManyBytes(std::int64_t maxCharacters);
 
+/// The most bytes that are asked for of a file list: some hundred thousand paths.
+inline constexpr std::size_t fileListLimitBytes = std::size_t{16} << 20;
+
+/// For a longer one.
+ClipSkip tooLongFileList();
+
 } // namespace ClipSkips
 } // namespace tessarine

@@ -18,15 +18,20 @@ namespace tessarine {
 /// Counts what was asked of them.
 class FakePasteboard : public Pasteboard {
 public:
+    using Items = std::vector<std::pair<std::string, std::string>>; ///< types with their contents
+
     /// How the program that copied answers.
     struct Owner {
         enum class Manner {
             prompt,
             silent,   ///< never, so that the patience runs out
             refusing, ///< tells its types and then gives no content
-            vanishing ///< ends in the middle of a transfer
+            vanishing, ///< ends in the middle of a transfer
+            replaced   ///< by another one, whose content is taken for its own: see `next`
         } manner = Manner::prompt;
         Seconds answersAfter{0}; ///< of each answer that it gives
+        std::string refusedType = {}; ///< the one type of which it gives no content
+        Items next = {}; ///< what replaces its copy
     };
 
     static constexpr Seconds patience{5};
@@ -78,8 +83,6 @@ public:
     }
 
     // What other programs do.
-
-    using Items = std::vector<std::pair<std::string, std::string>>; ///< types with their contents
 
     void copy(Items items, Owner owner) {
         items_ = std::move(items);
@@ -140,8 +143,10 @@ private:
             quitOwner();
             return {.problem = "the owner ended"};
         }
+        if (owner_.manner == Owner::Manner::replaced)
+            copy(std::exchange(owner_.next, {}));
         const auto bytes = content(type);
-        if (!bytes || owner_.manner == Owner::Manner::refusing)
+        if (!bytes || owner_.manner == Owner::Manner::refusing || owner_.refusedType == type)
             return {.problem = "refused"};
         if (bytes->size() > limitBytes)
             return {.outcome = PasteboardReading::Outcome::tooLarge};

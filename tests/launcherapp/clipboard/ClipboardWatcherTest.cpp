@@ -55,6 +55,50 @@ TEST(ClipboardWatcher, nothingOfASecretIsEverRead) {
                 HasSubstr("clipboard: skipped a concealed item without reading it"));
 }
 
+TEST(ClipboardWatcher, aSecretThatIsReadInAnothersNameIsNotKept) {
+    Watched fixture;
+    fixture.board.copy({{"UTF8_STRING", "plain"}},
+                       {.manner = Manner::replaced,
+                        .next = {{"UTF8_STRING", "hunter2"}, {secretType, "secret"}}});
+    fixture.poll();
+    fixture.poll();
+    EXPECT_EQ(fixture.board.reads["UTF8_STRING"], 1);
+    EXPECT_THAT(fixture.entries(), IsEmpty());
+    EXPECT_EQ(fixture.watcher.skipped(), ClipboardWatcher::Skipped{.concealed = 1});
+}
+
+TEST(ClipboardWatcher, aFileListThatCannotBeReadIsNotKeptAsItsText) {
+    const struct {
+        const char* reason;
+        std::string list;
+        std::string refusedType;
+        std::int64_t tooLarge;
+        const char* line;
+    } cases[] = {
+        {"longer than any list",
+         std::string(ClipSkips::fileListLimitBytes + 1, 'x'),
+         "",
+         1,
+         "clipboard: skipped a file list, over the 16777216 byte limit"},
+        {"refused",
+         "file:///a",
+         "text/uri-list",
+         0,
+         "clipboard: could not read a copy: refused"},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        fixture.board.copy({{"UTF8_STRING", "/a"}, {"text/uri-list", each.list}},
+                           {.refusedType = each.refusedType});
+        fixture.poll();
+        EXPECT_THAT(fixture.entries(), IsEmpty());
+        EXPECT_EQ(fixture.watcher.skipped(), ClipboardWatcher::Skipped{.tooLarge = each.tooLarge});
+        EXPECT_THAT(fixture.services.log(), HasSubstr(each.line));
+    }
+}
+
 TEST(ClipboardWatcher, copiesThatTheUserExcludedAreCountedAndNotRead) {
     Watched fixture;
     fixture.services.prefs.clipIgnoredApps.set({"org.example.Editor"});
