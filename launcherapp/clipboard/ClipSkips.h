@@ -11,20 +11,14 @@
 
 namespace tessarine {
 
-/// The application that was in front at a copy.
-struct ClipSource {
-    std::optional<std::string> bundleID; ///< its desktop-file id; nothing when it isn't installed
-    std::optional<std::string> name;     ///< as the user's language has it
-};
-
 /// What a copy that is not kept counts as, and what the log says of it.
 struct ClipSkip {
     enum class Reason {
-        concealed, ///< a concealed, transient or auto-generated marker
-        remote,    ///< from another device, by a setting
-        ignoredApp,
+        concealed,  ///< a concealed, transient or auto-generated marker
+        remote,     ///< from another device, by a setting
+        ignoredApp, ///< the user excluded the application in front
         tooLarge,
-        quillet
+        quillet ///< the companion's own
     };
 
     Reason reason = Reason::concealed;

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <utility>
 
 namespace tessarine {
@@ -24,9 +23,16 @@ constexpr std::string_view png = "image/png";
 constexpr auto fileTypes = std::to_array<std::string_view>({uriList, copiedFiles});
 constexpr auto textTypes =
     std::to_array<std::string_view>({utf8String, plainUtf8, plain, latin1String});
-/// Those without loss first.
-constexpr auto pictureTypes =
-    std::to_array<std::string_view>({png, "image/tiff", "image/bmp", "image/jpeg"});
+/// Those without loss first. Some programs offer the names from before a type was registered, and
+/// nothing else.
+constexpr auto pictureTypes = std::to_array<std::string_view>({png,
+                                                               "image/x-png",
+                                                               "image/tiff",
+                                                               "image/bmp",
+                                                               "image/x-bmp",
+                                                               "image/x-ms-bmp",
+                                                               "image/jpeg",
+                                                               "image/jpg"});
 
 /// A name as the tables have it: programs write media types in any case, with blanks and quotes.
 std::string normalized(std::string_view type) {
@@ -107,6 +113,31 @@ std::optional<std::string> pathOf(std::string_view line) {
     return path;
 }
 
+// Both types of file lists hold a URL a line: RFC 2483, 5 with comments and ends of lines as on the
+// net; the other begins with a line that says "copy" or "cut", which is no URL.
+
+/// Takes the first line off.
+std::string_view nextLine(std::string_view& bytes) {
+    const auto end = std::min(bytes.find('\n'), bytes.size());
+    auto line = bytes.substr(0, end);
+    bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    // A program or two counts the zero that ends its string.
+    while (!line.empty() && (line.back() == '\r' || line.back() == '\0'))
+        line.remove_suffix(1);
+    return line;
+}
+
+/// The lines that are URLs, joined with line feeds.
+std::string addresses(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const auto line = nextLine(bytes);
+        if (!line.starts_with('#') && Urls::withScheme(line))
+            text.append(text.empty() ? "" : "\n").append(line);
+    }
+    return text;
+}
+
 PasteboardContent::Item item(std::string_view type, std::string bytes) {
     return {.type = std::string(type),
             .bytes = std::make_shared<const std::string>(std::move(bytes))};
@@ -154,18 +185,10 @@ std::optional<std::string> PasteboardTypes::pictureType(Names types) {
     return best(types, pictureTypes);
 }
 
-// Both types hold a URL a line: RFC 2483, 5 with comments and ends of lines as on the net; the
-// other begins with a line that says "copy" or "cut", which is no URL.
 std::vector<std::string> PasteboardTypes::paths(std::string_view bytes) {
     std::vector<std::string> paths;
     while (!bytes.empty()) {
-        const auto end = std::min(bytes.find('\n'), bytes.size());
-        auto line = bytes.substr(0, end);
-        bytes.remove_prefix(std::min(end + 1, bytes.size()));
-        // A program or two counts the zero that ends its string.
-        while (!line.empty() && (line.back() == '\r' || line.back() == '\0'))
-            line.remove_suffix(1);
-        if (auto path = pathOf(line))
+        if (auto path = pathOf(nextLine(bytes)))
             paths.push_back(*std::move(path));
     }
     return paths;
@@ -174,6 +197,8 @@ std::vector<std::string> PasteboardTypes::paths(std::string_view bytes) {
 std::string PasteboardTypes::text(std::string_view type, std::string bytes) {
     if (type == latin1String)
         return fromLatin1(bytes);
+    if (best(std::array{std::string(type)}, fileTypes))
+        bytes = addresses(bytes);
     if (Folding::isUtf8(bytes))
         return bytes; // moved, however long
     return Folding::repairedUtf8(bytes);

@@ -24,14 +24,14 @@ public:
     struct Owner {
         enum class Manner {
             prompt,
-            silent,   ///< never, so that the patience runs out
-            refusing, ///< tells its types and then gives no content
+            silent,    ///< never, so that the patience runs out
+            refusing,  ///< tells its types and then gives no content
             vanishing, ///< ends in the middle of a transfer
             replaced   ///< by another one, whose content is taken for its own: see `next`
         } manner = Manner::prompt;
-        Seconds answersAfter{0}; ///< of each answer that it gives
+        Seconds answersAfter{0};      ///< of each answer that it gives
         std::string refusedType = {}; ///< the one type of which it gives no content
-        Items next = {}; ///< what replaces its copy
+        Items next = {};              ///< what replaces its copy
     };
 
     static constexpr Seconds patience{5};
@@ -45,7 +45,8 @@ public:
     void offer(std::function<void(std::optional<PasteboardOffer>)> done) override {
         ++offers;
         const bool isSilent = owner_.manner == Owner::Manner::silent;
-        time_.schedule(isSilent ? patience : owner_.answersAfter,
+        const auto delay = isOwn_ ? heardAfter : owner_.answersAfter;
+        time_.schedule(isSilent ? patience : delay,
                        [this, isSilent, asked = count_, done = std::move(done)] {
                            if (isSilent || asked != count_)
                                return done(std::nullopt);
@@ -121,6 +122,7 @@ public:
     }
 
     Ability supported;
+    Seconds heardAfter{0};                     ///< when our own writes are offered
     int offers = 0;                            ///< how often the types were asked for
     std::map<std::string, int> reads;          ///< how often each type's content was
     std::map<std::string, std::size_t> limits; ///< the last limit given for it, in bytes
