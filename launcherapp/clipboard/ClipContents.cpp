@@ -5,9 +5,30 @@
 #include "launcherapp/platform/WorkQueues.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace tessarine {
+
+namespace {
+
+/// The text itself, which lives as long as anybody has it.
+std::shared_ptr<const std::string> shared(const ClipText& text) {
+    const auto held = std::make_shared<const ClipText>(text);
+    return {held, &held->string()};
+}
+
+/// Of the first file that is there.
+std::optional<PasteboardContent> ofPicture(const ClipPictures& pictures,
+                                           std::span<const std::optional<std::string>> names) {
+    for (const auto& name : names) {
+        if (auto bytes = name ? pictures.png(*name) : nullptr)
+            return PasteboardTypes::ofPicture(std::move(bytes));
+    }
+    return std::nullopt;
+}
+
+} // namespace
 
 std::vector<std::string> ClipContents::paths(std::string_view text) {
     std::vector<std::string> paths;
@@ -24,27 +45,23 @@ void ClipContents::make(const ClipboardEntry& entry,
                         WorkQueues& work,
                         const std::shared_ptr<const ClipPictures>& pictures,
                         std::function<void(std::optional<PasteboardContent>)> done) {
-    switch (entry.kind) {
-    case ClipKind::text:
-        return done(PasteboardTypes::ofText(entry.text.string()));
-    case ClipKind::file:
-        return done(PasteboardTypes::ofFiles(paths(entry.text.string())));
-    case ClipKind::image:
-        break;
-    }
     work.run(
         WorkPriority::userInitiated,
-        [pictures, names = std::vector{entry.fullFile, entry.imageFile}]() {
-            for (const auto& name : names) {
-                if (auto bytes = name ? pictures->png(*name) : nullptr)
-                    return bytes;
+        [pictures,
+         kind = entry.kind,
+         text = entry.text,
+         names = std::vector{entry.fullFile, entry.imageFile}] {
+            switch (kind) {
+            case ClipKind::text:
+                return std::optional(PasteboardTypes::ofText(shared(text)));
+            case ClipKind::file:
+                return std::optional(PasteboardTypes::ofFiles(paths(text.string())));
+            case ClipKind::image:
+                break;
             }
-            return std::shared_ptr<const std::string>();
+            return ofPicture(*pictures, names);
         },
-        [done = std::move(done)](std::shared_ptr<const std::string> bytes) {
-            done(bytes ? std::optional(PasteboardTypes::ofPicture(std::move(bytes)))
-                       : std::nullopt);
-        });
+        std::move(done));
 }
 
 } // namespace tessarine

@@ -21,8 +21,9 @@ namespace ClipContents {
 /// The lines of a file list that are paths; lines without anything are left out. Pure; any thread.
 std::vector<std::string> paths(std::string_view text);
 
-/// Calls `done` with a text or a file list at once, and with a picture once it is read: whole, or
-/// else its thumbnail. Nothing for a picture whose files are missing. Main thread.
+/// Calls `done` later on the main thread: a text of millions of characters, a list of as many files
+/// and a picture take a while. A picture is whole, or else its thumbnail; nothing for one whose
+/// files are missing. Main thread.
 void make(const ClipboardEntry& entry,
           WorkQueues& work,
           const std::shared_ptr<const ClipPictures>& pictures,

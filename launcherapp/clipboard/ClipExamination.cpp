@@ -15,7 +15,6 @@ namespace {
 
 using Outcome = PasteboardReading::Outcome;
 
-constexpr std::size_t largestFileList = std::size_t{16} << 20; ///< bytes
 constexpr std::size_t largestPicture = std::size_t{256} << 20; ///< bytes, as offered
 
 } // namespace
@@ -55,6 +54,8 @@ void ClipExamination::judge(const std::optional<PasteboardOffer>& offer) {
     isRemote_ = PasteboardTypes::isRemote(types_);
     if (auto skip = ClipSkips::beforeReading(types_, change_.circumstances))
         return end(*std::move(skip));
+    for (const auto& type : change_.unusable)
+        std::erase(types_, type);
     readFiles();
 }
 
@@ -70,6 +71,9 @@ void ClipExamination::read(const std::string& type,
                 return;
             if (reading.outcome == Outcome::failed)
                 problem_ = reading.problem;
+            // What was read may be of a newer copy already, which nobody has judged: a secret.
+            else if (services_.board.changeCount() != change_.count)
+                return end(Nothing{});
             done(std::move(reading));
         });
 }
@@ -88,18 +92,42 @@ void ClipExamination::readFiles() {
     const auto type = PasteboardTypes::filesType(types_);
     if (!type)
         return readText();
-    read(*type, largestFileList, [this](const PasteboardReading& reading) {
-        const auto paths = PasteboardTypes::paths(reading.bytes);
-        if (paths.empty())
-            return readText();
-        if (isDroppedRemote(ClipKind::file))
-            return skipRemote();
-        auto entry = copy(isRemote_);
-        entry.kind = ClipKind::file;
-        entry.text = ClipText(fmt::format("{}", fmt::join(paths, "\n")));
-        entry.id = ClipIdentity::ofFiles(entry.text.string());
-        end(ClipboardEntry::make(std::move(entry)));
+    read(*type, ClipSkips::fileListLimitBytes, [this, type = *type](PasteboardReading reading) {
+        // Only a list that was read and names no file makes the text beside it the copy.
+        if (reading.outcome == Outcome::tooLarge)
+            return end(ClipSkips::tooLongFileList());
+        if (reading.outcome == Outcome::failed)
+            return end(Nothing{.problem = problem_});
+        takeFiles(std::move(reading.bytes), type);
     });
+}
+
+/// A list of many thousand files takes as long as a long text.
+void ClipExamination::takeFiles(std::string bytes, const std::string& type) {
+    const auto held = std::make_shared<std::string>(std::move(bytes));
+    services_.work.run(
+        WorkPriority::userInitiated,
+        [held, entry = copy(isRemote_)]() mutable -> std::optional<ClipboardEntry> {
+            const auto paths = PasteboardTypes::paths(*held);
+            if (paths.empty())
+                return std::nullopt;
+            entry.kind = ClipKind::file;
+            entry.text = ClipText(fmt::format("{}", fmt::join(paths, "\n")));
+            entry.id = ClipIdentity::ofFiles(entry.text.string());
+            return ClipboardEntry::make(std::move(entry));
+        },
+        [this, alive = std::weak_ptr(alive_), held, type](std::optional<ClipboardEntry> entry) {
+            if (alive.expired())
+                return;
+            if (!entry && !PasteboardTypes::textType(types_) &&
+                !PasteboardTypes::pictureType(types_))
+                return takeText(std::move(*held), type); // addresses of the web alone
+            if (!entry)
+                return readText();
+            if (isDroppedRemote(ClipKind::file))
+                return skipRemote();
+            end(*std::move(entry));
+        });
 }
 
 void ClipExamination::readText() {
@@ -150,12 +178,12 @@ void ClipExamination::readPicture() {
         return end(Nothing{.problem = problem_});
     if (isDroppedRemote(ClipKind::image))
         return skipRemote();
-    read(*type, largestPicture, [this](PasteboardReading reading) {
+    read(*type, largestPicture, [this, type = *type](PasteboardReading reading) {
         if (reading.outcome == Outcome::tooLarge)
             return end(Nothing{.problem = "a picture is larger than may be read"});
         if (reading.bytes.empty())
             return end(Nothing{.problem = problem_});
-        end(Picture{.bytes = std::move(reading.bytes), .isRemote = isRemote_});
+        end(Picture{.bytes = std::move(reading.bytes), .type = type, .isRemote = isRemote_});
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 #include "launcherapp/clipboard/ClipSkips.h"
+#include "launcherapp/clipboard/ClipSource.h"
 #include "launcherapp/platform/Pasteboard.h"
 
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace tessarine {
 
@@ -31,10 +33,12 @@ public:
         double at = 0; ///< seconds since 1970, UTC
         ClipSource front;
         ClipSkips::Circumstances circumstances;
+        std::vector<std::string> unusable = {}; ///< types that turned out not to be what they say
     };
 
     struct Picture {
         std::string bytes; ///< as offered
+        std::string type;
         bool isRemote = false;
     };
 
@@ -57,6 +61,7 @@ public:
 private:
     void judge(const std::optional<PasteboardOffer>& offer);
     void readFiles();
+    void takeFiles(std::string bytes, const std::string& type);
     void readText();
     void takeText(std::string bytes, const std::string& type);
     void readPicture();

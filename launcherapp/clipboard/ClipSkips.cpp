@@ -101,4 +101,10 @@ ClipSkip ClipSkips::tooManyBytes(std::int64_t maxCharacters) {
                             maxCharacters < 1 ? static_cast<std::int64_t>(bytes) : maxCharacters)};
 }
 
+ClipSkip ClipSkips::tooLongFileList() {
+    return {.reason = Reason::tooLarge,
+            .line = fmt::format("clipboard: skipped a file list, over the {} byte limit",
+                                fileListLimitBytes)};
+}
+
 } // namespace tessarine

@@ -11,20 +11,14 @@
 
 namespace tessarine {
 
-/// The application that was in front at a copy.
-struct ClipSource {
-    std::optional<std::string> bundleID; ///< its desktop-file id; nothing when it isn't installed
-    std::optional<std::string> name;     ///< as the user's language has it
-};
-
 /// What a copy that is not kept counts as, and what the log says of it.
 struct ClipSkip {
     enum class Reason {
-        concealed, ///< a concealed, transient or auto-generated marker
-        remote,    ///< from another device, by a setting
-        ignoredApp,
+        concealed,  ///< a concealed, transient or auto-generated marker
+        remote,     ///< from another device, by a setting
+        ignoredApp, ///< the user excluded the application in front
         tooLarge,
-        quillet
+        quillet ///< the companion's own
     };
 
     Reason reason = Reason::concealed;
@@ -63,6 +57,12 @@ std::optional<ClipSkip> tooManyCharacters(std::size_t characters, std::int64_t m
 
 /// For a text of more bytes than are asked for.
 ClipSkip tooManyBytes(std::int64_t maxCharacters);
+
+/// The most bytes that are asked for of a file list: some hundred thousand paths.
+inline constexpr std::size_t fileListLimitBytes = std::size_t{16} << 20;
+
+/// For a longer one.
+ClipSkip tooLongFileList();
 
 } // namespace ClipSkips
 } // namespace tessarine

@@ -19,12 +19,13 @@ namespace tessarine {
 namespace {
 
 constexpr std::string_view otherApp = "another app"; ///< whose name isn't known
+constexpr std::string_view notOffered = "paste: no keys sent, the clipping is not on the clipboard";
 
 } // namespace
 
 /// A window on its way to the front. Ends once, with its success; a newer one ends it silently.
 struct ClipboardPaster::Fronting {
-    std::function<void(bool came)> then;
+    std::function<void(Came came)> then;
     Subscription activations;
 };
 
@@ -38,15 +39,17 @@ bool ClipboardPaster::paste(const ClipboardEntry& entry,
     if (services_.prefs.clipMoveToTopOnUse())
         services_.store.touch(entry.id);
     // Asked before a picture is read, so that the caller knows at once what to expect.
-    const bool isExpected = !obstacle(previousApp) &&
+    const bool isExpected = services_.watcher.pasteboard().available && !obstacle(previousApp) &&
                             (entry.kind != ClipKind::image || entry.imageFile || entry.fullFile);
-    put(entry, [this, id = entry.id, previousApp] { pasteInto(previousApp, id); });
+    put(entry, [this, id = entry.id, previousApp](std::uint64_t count) {
+        pasteInto(previousApp, id, count);
+    });
     return isExpected;
 }
 
 void ClipboardPaster::copyToTop(const ClipboardEntry& entry) {
     requireMainThread(services_.queue);
-    put(entry, [this, id = entry.id] {
+    put(entry, [this, id = entry.id](std::uint64_t) {
         services_.store.bump(id);
         services_.diagnostics.log("clipboard: copied an existing entry back to the top");
     });
@@ -57,6 +60,11 @@ bool ClipboardPaster::typeIntoPreviousApp(const std::string& text,
     requireMainThread(services_.queue);
     if (text.empty())
         return false;
+    if (text.size() > longestTyped) {
+        services_.diagnostics.log(
+            fmt::format("type: nothing sent, {} bytes are too many to be typed", text.size()));
+        return false;
+    }
     if (!isOpen(previousApp)) {
         services_.diagnostics.log("type: no previous app to type into");
         return false;
@@ -67,8 +75,8 @@ bool ClipboardPaster::typeIntoPreviousApp(const std::string& text,
         return false;
     }
     const auto name = services_.target(*previousApp).name;
-    front(*previousApp, [this, text, name](bool came) {
-        if (came)
+    front(*previousApp, [this, text, name](Came came) {
+        if (came == Came::yes)
             return type(text, name.value_or(std::string(otherApp)));
         services_.diagnostics.log(fmt::format("type: {} never came forward", name.value_or("app")));
     });
@@ -88,7 +96,11 @@ void ClipboardPaster::type(const std::string& text, const std::string& name) {
 }
 
 /// Puts the clipping on the pasteboard and goes on with `then`; not when its picture is gone.
-void ClipboardPaster::put(const ClipboardEntry& entry, std::function<void()> then) {
+void ClipboardPaster::put(const ClipboardEntry& entry, std::function<void(std::uint64_t)> then) {
+    if (const auto ability = services_.watcher.pasteboard(); !ability.available) {
+        services_.diagnostics.log("clipboard: nothing was copied, " + ability.reason);
+        return;
+    }
     ClipContents::make(entry,
                        services_.work,
                        services_.pictures,
@@ -102,8 +114,7 @@ void ClipboardPaster::put(const ClipboardEntry& entry, std::function<void()> the
                                return; // what was asked for since is what is wanted
                            if (!content)
                                return pictureUnavailable(isTooLarge, needsFetch);
-                           services_.watcher.writeOwn(*std::move(content));
-                           then();
+                           then(services_.watcher.writeOwn(*std::move(content)));
                        });
 }
 
@@ -146,50 +157,70 @@ ClipboardPaster::obstacle(const std::optional<AppWindow>& previousApp) const {
     return std::nullopt;
 }
 
+// The keys make the application ask for what lies on the clipboard. Before the pasteboard offers
+// the clipping that is what was copied before it, and may be a secret.
 void ClipboardPaster::pasteInto(const std::optional<AppWindow>& previousApp,
-                                const std::string& id) {
+                                const std::string& id,
+                                std::uint64_t count) {
     if (const auto line = obstacle(previousApp)) {
         services_.diagnostics.log(*line);
         return;
     }
-    const auto target = services_.target(*previousApp);
-    front(*previousApp, [this, target, id](bool came) {
-        if (!came) {
-            services_.diagnostics.log(
-                fmt::format("paste: {} never came forward; the text is on the clipboard",
-                            target.name.value_or("app")));
-            return;
-        }
-        const auto name = target.name.value_or(std::string(otherApp));
-        const auto chord = target.isTerminal ? KeyInjector::PasteChord::terminal
-                                             : KeyInjector::PasteChord::ordinary;
-        if (!services_.keys.paste(chord)) {
-            services_.diagnostics.log(fmt::format(
-                "paste: the keys could not be sent to {}; the text is on the clipboard", name));
-            return;
-        }
-        services_.store.notePaste(id, name);
-        services_.diagnostics.log(fmt::format("paste: posted ⌘V to {}", name));
-    });
+    services_.watcher.whenOffered(
+        count,
+        [this,
+         alive = std::weak_ptr(alive_),
+         latest = latestPut_,
+         window = *previousApp,
+         target = services_.target(*previousApp),
+         id,
+         count](bool isOffered) {
+            if (alive.expired() || latest != latestPut_)
+                return;
+            if (!isOffered)
+                return services_.diagnostics.log(notOffered);
+            front(window, [this, target, id, count](Came came) {
+                if (came == Came::yes)
+                    return sendPaste(target, id, count);
+                services_.diagnostics.log(
+                    fmt::format("paste: {} never came forward; the text is on the clipboard",
+                                target.name.value_or("app")));
+            });
+        });
 }
 
-void ClipboardPaster::front(const AppWindow& window, std::function<void(bool came)> then) {
+void ClipboardPaster::sendPaste(const Target& target, const std::string& id, std::uint64_t count) {
+    if (!services_.watcher.isLatest(count))
+        return services_.diagnostics.log(notOffered);
+    const auto name = target.name.value_or(std::string(otherApp));
+    const auto chord =
+        target.isTerminal ? KeyInjector::PasteChord::terminal : KeyInjector::PasteChord::ordinary;
+    if (!services_.keys.paste(chord)) {
+        services_.diagnostics.log(fmt::format(
+            "paste: the keys could not be sent to {}; the text is on the clipboard", name));
+        return;
+    }
+    services_.store.notePaste(id, name);
+    services_.diagnostics.log(fmt::format("paste: posted ⌘V to {}", name));
+}
+
+void ClipboardPaster::front(const AppWindow& window, std::function<void(Came came)> then) {
     const auto fronting = std::make_shared<Fronting>();
     fronting->then = std::move(then);
     fronting_ = fronting;
     const auto name = services_.target(window).name.value_or("app");
     if (isInFront(window)) {
         services_.diagnostics.log(fmt::format("paste: {} already frontmost", name));
-        return endFronting(fronting, true, alreadyInFront);
+        return endFronting(fronting, Came::yes, alreadyInFront);
     }
     fronting->activations =
         services_.windows.onActiveChanged([this, window, weak = std::weak_ptr(fronting)] {
             if (const auto under = weak.lock(); under && isInFront(window))
-                endFronting(under, true, settling);
+                endFronting(under, Came::yes, settling);
         });
     services_.queue.postAfter(longestFront, [this, window, weak = std::weak_ptr(fronting)] {
         if (const auto under = weak.lock())
-            endFronting(under, isInFront(window), settling);
+            endFronting(under, isInFront(window) ? Came::yes : Came::no, settling);
     });
     if (const auto now = listed(window); now && now->hidden)
         services_.windows.unhide(window.id);
@@ -199,21 +230,21 @@ void ClipboardPaster::front(const AppWindow& window, std::function<void(bool cam
 
 /// The first call decides; a window that came forward gets a moment until its field has the keys.
 void ClipboardPaster::endFronting(const std::shared_ptr<Fronting>& fronting,
-                                  bool came,
+                                  Came came,
                                   Seconds pause) {
     const auto then = std::exchange(fronting->then, nullptr);
     fronting->activations.end();
     if (!then)
         return;
-    if (!came) {
+    if (came == Came::no) {
         fronting_.reset();
-        return then(false);
+        return then(came);
     }
-    services_.queue.postAfter(pause, [this, then, weak = std::weak_ptr(fronting)] {
+    services_.queue.postAfter(pause, [this, then, came, weak = std::weak_ptr(fronting)] {
         if (weak.expired())
             return;
         fronting_.reset();
-        then(true);
+        then(came);
     });
 }
 

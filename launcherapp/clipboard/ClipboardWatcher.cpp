@@ -10,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <type_traits>
 #include <utility>
 
 namespace tessarine {
@@ -125,13 +124,27 @@ void ClipboardWatcher::poll() {
     clearings_ = services_.store.clearings();
     auto front = services_.front();
     auto circumstances = circumstancesOf(front);
+    examine({.count = count,
+             .at = services_.queue.now(),
+             .front = std::move(front),
+             .circumstances = std::move(circumstances)});
+}
+
+void ClipboardWatcher::examine(ClipExamination::Change change) {
     examination_ = std::make_unique<ClipExamination>(
         ClipExamination::Services{.work = services_.work, .board = services_.board},
-        ClipExamination::Change{.count = count,
-                                .at = services_.queue.now(),
-                                .front = std::move(front),
-                                .circumstances = std::move(circumstances)},
+        std::move(change),
         [this](ClipExamination::Result&& result) { take(std::move(result)); });
+}
+
+/// What was no picture may be one in another of its types, as long as it lies there.
+void ClipboardWatcher::examineWithout(ClipExamination::Change change, std::uint64_t clearings) {
+    services_.diagnostics.log("clipboard: could not read a copy: its " +
+                              Printable::line(change.unusable.back()) + " is no picture");
+    if (!isWatching() || examination_ || lastCount_ != change.count || !isLatest(change.count))
+        return;
+    clearings_ = clearings;
+    examine(std::move(change));
 }
 
 ClipSkips::Circumstances ClipboardWatcher::circumstancesOf(const ClipSource& front) const {
@@ -168,18 +181,23 @@ void ClipboardWatcher::take(ClipExamination::Result&& result) {
 void ClipboardWatcher::takePicture(ClipExamination::Picture picture) {
     const auto bytes = picture.bytes.size();
     keptBytes_ += bytes;
+    auto change = examination_->change();
+    change.unusable.push_back(std::move(picture.type));
     services_.store.keepPicture(
         std::move(picture.bytes),
         [this,
          run = std::weak_ptr(run_),
          &store = services_.store,
          bytes,
-         count = examination_->change().count,
+         change = std::move(change),
          clearings = clearings_,
          copy =
              examination_->copy(picture.isRemote)](std::optional<ClipPictures::Kept> kept) mutable {
-            if (!run.expired())
+            if (!run.expired()) {
                 keptBytes_ -= bytes;
+                if (!kept)
+                    examineWithout(std::move(change), clearings);
+            }
             if (!kept)
                 return;
             if (run.expired() || clearings != store.clearings())
@@ -193,28 +211,12 @@ void ClipboardWatcher::takePicture(ClipExamination::Picture picture) {
             copy.text = ClipText(fmt::format("Image {}×{}", kept->width, kept->height));
             copy.imageFile = kept->imageFile;
             copy.fullFile = kept->fullFile;
-            record(ClipboardEntry::make(std::move(copy)), count);
+            record(ClipboardEntry::make(std::move(copy)), change.count);
         });
 }
 
 void ClipboardWatcher::skip(const ClipSkip& skip) {
-    switch (skip.reason) {
-    case ClipSkip::Reason::concealed:
-        ++skipped_.concealed;
-        break;
-    case ClipSkip::Reason::remote:
-        ++skipped_.remote;
-        break;
-    case ClipSkip::Reason::ignoredApp:
-        ++skipped_.ignoredApp;
-        break;
-    case ClipSkip::Reason::tooLarge:
-        ++skipped_.tooLarge;
-        break;
-    case ClipSkip::Reason::quillet:
-        ++skipped_.quillet;
-        break;
-    }
+    ++skipped_[skip.reason];
     if (!skip.line.empty())
         services_.diagnostics.log(skip.line);
     changes_.tell();
@@ -227,10 +229,23 @@ void ClipboardWatcher::record(ClipboardEntry entry, std::uint64_t count) {
     restoreIfAbandoned();
 }
 
-void ClipboardWatcher::writeOwn(PasteboardContent content) {
+std::uint64_t ClipboardWatcher::writeOwn(PasteboardContent content) {
     requireMainThread(services_.queue);
     ignoreNextChange_ = true;
     lastCount_ = services_.board.write(std::move(content));
+    return lastCount_;
+}
+
+void ClipboardWatcher::whenOffered(std::uint64_t count, std::function<void(bool)> done) {
+    requireMainThread(services_.queue);
+    const auto finish = [count,
+                         waiting = std::make_shared<std::function<void(bool)>>(std::move(done))](
+                            const std::optional<PasteboardOffer>& offer) {
+        if (const auto told = std::exchange(*waiting, nullptr))
+            told(offer && offer->count == count);
+    };
+    services_.board.offer(finish);
+    services_.queue.postAfter(longestWrite, [finish] { finish(std::nullopt); });
 }
 
 // What a program copied goes with it on this desktop. It is put back from the history, and only

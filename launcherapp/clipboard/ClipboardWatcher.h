@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,6 +37,8 @@ public:
     /// Before what an application took along at its end is put back: a program that saves the
     /// pasteboard for others may do it first.
     static constexpr Seconds restorePause{0.1};
+    /// Before what was written is given up: somebody waits for it to be pasted.
+    static constexpr Seconds longestWrite{1};
     /// Of pictures that are being written; while there are more, no other copy is looked at.
     static constexpr std::size_t mostKeptAtOnce = std::size_t{64} << 20;
 
@@ -54,16 +57,8 @@ public:
         std::function<bool(const std::string& bundleID)> shouldSkipQuillet;
     };
 
-    /// Copies that were not kept in this run.
-    struct Skipped {
-        std::int64_t concealed = 0; ///< for a concealed, transient or auto-generated marker
-        std::int64_t remote = 0;    ///< from another device, by a setting
-        std::int64_t ignoredApp = 0;
-        std::int64_t tooLarge = 0;
-        std::int64_t quillet = 0;
-
-        bool operator==(const Skipped&) const = default;
-    };
+    /// Copies that were not kept in this run; no entry for a reason that there never was.
+    using Skipped = std::map<ClipSkip::Reason, std::int64_t>;
 
     explicit ClipboardWatcher(Services services);
     ~ClipboardWatcher();
@@ -74,14 +69,27 @@ public:
     /// Nothing that was copied before is recorded. From then on it follows the setting.
     void start();
 
+    /// Looks at nothing any more. A picture that is being written is not recorded; `start` may
+    /// follow.
     void stop();
 
     bool isWatching() const { return timer_.active(); }
 
     const Skipped& skipped() const { return skipped_; }
 
-    /// Puts this on the pasteboard as the program's own: it isn't recorded, nor is the next change.
-    void writeOwn(PasteboardContent content);
+    /// Whether anything can be put on the pasteboard.
+    Ability pasteboard() const { return services_.board.ability(); }
+
+    /// Puts this on the pasteboard as the program's own: it isn't recorded, nor is the next change,
+    /// as programs copy back what they were given. Gives the count of the change.
+    std::uint64_t writeOwn(PasteboardContent content);
+
+    /// Calls `done` once, later, with whether other programs get what was written with that count:
+    /// not when the pasteboard takes longer than `longestWrite`, or holds something else by then.
+    void whenOffered(std::uint64_t count, std::function<void(bool isOffered)> done);
+
+    /// Whether nothing was put on the pasteboard since.
+    bool isLatest(std::uint64_t count) const { return services_.board.changeCount() == count; }
 
     /// Calls `changed` after each change of the counters.
     Subscription onChange(std::function<void()> changed) {
@@ -101,8 +109,10 @@ private:
     void settingChanged(std::string_view key);
     void poll();
     ClipSkips::Circumstances circumstancesOf(const ClipSource& front) const;
+    void examine(ClipExamination::Change change);
     void take(ClipExamination::Result&& result);
     void takePicture(ClipExamination::Picture picture);
+    void examineWithout(ClipExamination::Change change, std::uint64_t clearings);
     void skip(const ClipSkip& skip);
     void record(ClipboardEntry entry, std::uint64_t count);
     void abandoned(std::uint64_t count);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "launcherapp/clipboard/ClipSource.h"
 #include "launcherapp/clipboard/ClipboardPaster.h"
-#include "launcherapp/clipboard/ClipboardWatcher.h"
 
 namespace tessarine {
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <utility>
 
 namespace tessarine {
@@ -24,9 +23,16 @@ constexpr std::string_view png = "image/png";
 constexpr auto fileTypes = std::to_array<std::string_view>({uriList, copiedFiles});
 constexpr auto textTypes =
     std::to_array<std::string_view>({utf8String, plainUtf8, plain, latin1String});
-/// Those without loss first.
-constexpr auto pictureTypes =
-    std::to_array<std::string_view>({png, "image/tiff", "image/bmp", "image/jpeg"});
+/// Those without loss first. Some programs offer the names from before a type was registered, and
+/// nothing else.
+constexpr auto pictureTypes = std::to_array<std::string_view>({png,
+                                                               "image/x-png",
+                                                               "image/tiff",
+                                                               "image/bmp",
+                                                               "image/x-bmp",
+                                                               "image/x-ms-bmp",
+                                                               "image/jpeg",
+                                                               "image/jpg"});
 
 /// A name as the tables have it: programs write media types in any case, with blanks and quotes.
 std::string normalized(std::string_view type) {
@@ -70,8 +76,13 @@ std::string fromLatin1(std::string_view bytes) {
     return text;
 }
 
-/// Nothing when a character lies beyond U+00FF, or for what is no UTF-8.
+/// Programs that know nothing but Latin-1 are old, and old programs paste no longer texts.
+constexpr std::size_t longestLatin1 = std::size_t{64} << 10; ///< bytes of UTF-8
+
+/// Nothing when a character lies beyond U+00FF, for what is no UTF-8, and for a long text.
 std::optional<std::string> toLatin1(std::string_view text) {
+    if (text.size() > longestLatin1)
+        return std::nullopt;
     std::string bytes;
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -102,20 +113,46 @@ std::optional<std::string> pathOf(std::string_view line) {
     return path;
 }
 
+// Both types of file lists hold a URL a line: RFC 2483, 5 with comments and ends of lines as on the
+// net; the other begins with a line that says "copy" or "cut", which is no URL.
+
+/// Takes the first line off.
+std::string_view nextLine(std::string_view& bytes) {
+    const auto end = std::min(bytes.find('\n'), bytes.size());
+    auto line = bytes.substr(0, end);
+    bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    // A program or two counts the zero that ends its string.
+    while (!line.empty() && (line.back() == '\r' || line.back() == '\0'))
+        line.remove_suffix(1);
+    return line;
+}
+
+/// The lines that are URLs, joined with line feeds.
+std::string addresses(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const auto line = nextLine(bytes);
+        if (!line.starts_with('#') && Urls::withScheme(line))
+            text.append(text.empty() ? "" : "\n").append(line);
+    }
+    return text;
+}
+
 PasteboardContent::Item item(std::string_view type, std::string bytes) {
     return {.type = std::string(type),
             .bytes = std::make_shared<const std::string>(std::move(bytes))};
 }
 
-void addText(PasteboardContent& content, std::string text) {
-    const bool isAscii = Folding::isAscii(text);
-    auto latin1 = isAscii ? std::nullopt : toLatin1(text);
-    const auto shared = std::make_shared<const std::string>(std::move(text));
+void addText(PasteboardContent& content, const std::shared_ptr<const std::string>& text) {
     for (const auto type : {utf8String, plainUtf8, plain})
-        content.items.push_back({.type = std::string(type), .bytes = shared});
-    if (!isAscii && !latin1)
-        return;
-    const auto narrow = isAscii ? shared : std::make_shared<const std::string>(*std::move(latin1));
+        content.items.push_back({.type = std::string(type), .bytes = text});
+    auto narrow = text;
+    if (!Folding::isAscii(*text)) {
+        auto latin1 = toLatin1(*text);
+        if (!latin1)
+            return;
+        narrow = std::make_shared<const std::string>(*std::move(latin1));
+    }
     for (const auto type : {anyText, latin1String})
         content.items.push_back({.type = std::string(type), .bytes = narrow});
 }
@@ -148,18 +185,10 @@ std::optional<std::string> PasteboardTypes::pictureType(Names types) {
     return best(types, pictureTypes);
 }
 
-// Both types hold a URL a line: RFC 2483, 5 with comments and ends of lines as on the net; the
-// other begins with a line that says "copy" or "cut", which is no URL.
 std::vector<std::string> PasteboardTypes::paths(std::string_view bytes) {
     std::vector<std::string> paths;
     while (!bytes.empty()) {
-        const auto end = std::min(bytes.find('\n'), bytes.size());
-        auto line = bytes.substr(0, end);
-        bytes.remove_prefix(std::min(end + 1, bytes.size()));
-        // A program or two counts the zero that ends its string.
-        while (!line.empty() && (line.back() == '\r' || line.back() == '\0'))
-            line.remove_suffix(1);
-        if (auto path = pathOf(line))
+        if (auto path = pathOf(nextLine(bytes)))
             paths.push_back(*std::move(path));
     }
     return paths;
@@ -168,15 +197,21 @@ std::vector<std::string> PasteboardTypes::paths(std::string_view bytes) {
 std::string PasteboardTypes::text(std::string_view type, std::string bytes) {
     if (type == latin1String)
         return fromLatin1(bytes);
+    if (best(std::array{std::string(type)}, fileTypes))
+        bytes = addresses(bytes);
     if (Folding::isUtf8(bytes))
         return bytes; // moved, however long
     return Folding::repairedUtf8(bytes);
 }
 
-PasteboardContent PasteboardTypes::ofText(std::string text) {
+PasteboardContent PasteboardTypes::ofText(std::shared_ptr<const std::string> text) {
     PasteboardContent content;
-    addText(content, std::move(text));
+    addText(content, text);
     return content;
+}
+
+PasteboardContent PasteboardTypes::ofText(std::string text) {
+    return ofText(std::make_shared<const std::string>(std::move(text)));
 }
 
 PasteboardContent PasteboardTypes::ofFiles(const std::vector<std::string>& paths) {
@@ -192,7 +227,7 @@ PasteboardContent PasteboardTypes::ofFiles(const std::vector<std::string>& paths
     PasteboardContent content;
     content.items.push_back(item(uriList, std::move(list)));
     content.items.push_back(item(copiedFiles, std::move(copied)));
-    addText(content, std::move(text));
+    addText(content, std::make_shared<const std::string>(std::move(text)));
     return content;
 }
 

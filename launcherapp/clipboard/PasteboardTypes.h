@@ -38,9 +38,13 @@ std::optional<std::string> pictureType(Names types);
 /// names with a line feed in them.
 std::vector<std::string> paths(std::string_view bytes);
 
-/// The content of a `textType` as UTF-8, bad bytes replaced.
+/// The content of a `textType` as UTF-8, bad bytes replaced; of a `filesType` its addresses, one a
+/// line.
 std::string text(std::string_view type, std::string bytes);
 
+/// The text's string is shared. As Latin-1 too where that says it all; a long text that isn't
+/// ASCII only as UTF-8.
+PasteboardContent ofText(std::shared_ptr<const std::string> text);
 PasteboardContent ofText(std::string text);
 PasteboardContent ofFiles(const std::vector<std::string>& paths);
 PasteboardContent ofPicture(std::shared_ptr<const std::string> png);

@@ -184,7 +184,7 @@ StartUp::Hooks App::Parts::hooks() {
         .clipGroups =
             [this] {
                 if (!kind.isDemonstration)
-                    clipboard->groups.load();
+                    clipboard->groups.load(ClipGroupStore::Upkeep::all);
             },
         .clipboardWatcher = [this] { startClipboard(); },
         .recentApps =

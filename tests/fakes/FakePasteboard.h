@@ -18,15 +18,20 @@ namespace tessarine {
 /// Counts what was asked of them.
 class FakePasteboard : public Pasteboard {
 public:
+    using Items = std::vector<std::pair<std::string, std::string>>; ///< types with their contents
+
     /// How the program that copied answers.
     struct Owner {
         enum class Manner {
             prompt,
-            silent,   ///< never, so that the patience runs out
-            refusing, ///< tells its types and then gives no content
-            vanishing ///< ends in the middle of a transfer
+            silent,    ///< never, so that the patience runs out
+            refusing,  ///< tells its types and then gives no content
+            vanishing, ///< ends in the middle of a transfer
+            replaced   ///< by another one, whose content is taken for its own: see `next`
         } manner = Manner::prompt;
-        Seconds answersAfter{0}; ///< of each answer that it gives
+        Seconds answersAfter{0};      ///< of each answer that it gives
+        std::string refusedType = {}; ///< the one type of which it gives no content
+        Items next = {};              ///< what replaces its copy
     };
 
     static constexpr Seconds patience{5};
@@ -40,7 +45,8 @@ public:
     void offer(std::function<void(std::optional<PasteboardOffer>)> done) override {
         ++offers;
         const bool isSilent = owner_.manner == Owner::Manner::silent;
-        time_.schedule(isSilent ? patience : owner_.answersAfter,
+        const auto delay = isOwn_ ? heardAfter : owner_.answersAfter;
+        time_.schedule(isSilent ? patience : delay,
                        [this, isSilent, asked = count_, done = std::move(done)] {
                            if (isSilent || asked != count_)
                                return done(std::nullopt);
@@ -79,8 +85,6 @@ public:
 
     // What other programs do.
 
-    using Items = std::vector<std::pair<std::string, std::string>>; ///< types with their contents
-
     void copy(Items items, Owner owner) {
         items_ = std::move(items);
         owner_ = owner;
@@ -118,6 +122,7 @@ public:
     }
 
     Ability supported;
+    Seconds heardAfter{0};                     ///< when our own writes are offered
     int offers = 0;                            ///< how often the types were asked for
     std::map<std::string, int> reads;          ///< how often each type's content was
     std::map<std::string, std::size_t> limits; ///< the last limit given for it, in bytes
@@ -140,8 +145,10 @@ private:
             quitOwner();
             return {.problem = "the owner ended"};
         }
+        if (owner_.manner == Owner::Manner::replaced)
+            copy(std::exchange(owner_.next, {}));
         const auto bytes = content(type);
-        if (!bytes || owner_.manner == Owner::Manner::refusing)
+        if (!bytes || owner_.manner == Owner::Manner::refusing || owner_.refusedType == type)
             return {.problem = "refused"};
         if (bytes->size() > limitBytes)
             return {.outcome = PasteboardReading::Outcome::tooLarge};

@@ -11,6 +11,8 @@
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/Prefs.h"
 
+#include <fmt/format.h>
+
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -30,6 +32,9 @@ std::vector<std::string> foldersOf(const FileStore& files, const std::string& pa
     return folders;
 }
 
+constexpr std::string_view notParsed = "did not parse";
+constexpr std::string_view notRead = "could not be read";
+
 } // namespace
 
 ClipGroupStore::ClipGroupStore(Services services, std::string path)
@@ -37,19 +42,32 @@ ClipGroupStore::ClipGroupStore(Services services, std::string path)
 
 ClipGroupStore::~ClipGroupStore() = default;
 
-void ClipGroupStore::load() {
+void ClipGroupStore::load(Upkeep upkeep) {
     requireMainThread(services_.queue);
+    upkeep_ = upkeep;
     auto& since = services_.prefs.clipPasteTrackingSince;
-    if (since() == 0)
-        since.set(services_.queue.now());
-    services_.runtime.setPasteTrackingSince(since());
+    const auto known = since() != 0 ? since() : services_.queue.now();
+    if (since() == 0 && upkeep == Upkeep::all)
+        since.set(known);
+    services_.runtime.setPasteTrackingSince(known);
+    if (!readAgain() && upkeep == Upkeep::all)
+        write(ClipGroups::suggested());
+}
+
+bool ClipGroupStore::readAgain() {
+    requireMainThread(services_.queue);
     try {
-        if (const auto text = services_.files.read(path_, largestFile))
+        const auto text = services_.files.read(path_, largestFile);
+        if (!text)
+            loadError_.reset(); // what could not be read is gone
+        else if (text != lastText_)
             take(*text);
-        else
-            write(ClipGroups::suggested());
-    } catch (const FileError&) {
-        refuse();
+        return text.has_value();
+    } catch (const FileError& error) {
+        services_.diagnostics.log(error.what());
+        lastText_.reset(); // once it can be read, even the same text is news
+        refuse(notRead);
+        return true;
     }
 }
 
@@ -57,21 +75,23 @@ void ClipGroupStore::take(const std::string& text) {
     lastText_ = text;
     auto document = ClipGroupsJson::decoded(text);
     if (!document)
-        return refuse();
+        return refuse(notParsed);
     loadError_.reset();
     auto [groups, isUpgraded] = ClipGroups::migratingLedger(std::move(document->groups));
-    if (isUpgraded && save(groups))
+    if (isUpgraded && upkeep_ == Upkeep::all && save(groups))
         services_.diagnostics.log("clip groups: upgraded the handoff ledger to read the handoff "
                                   "file instead of the paste ledger");
     services_.runtime.setCurrent(std::move(groups));
     changes_.tell();
 }
 
-void ClipGroupStore::refuse() {
-    loadError_ = services_.runtime.current()->groups.empty()
-                     ? "clip-groups.json did not parse. No taught group is in force until it does."
-                     : "clip-groups.json did not parse. The groups read before stay in force until "
-                       "it does.";
+void ClipGroupStore::refuse(std::string_view problem) {
+    loadError_ =
+        fmt::format("clip-groups.json {}. {} in force until it {}.",
+                    problem,
+                    services_.runtime.current()->groups.empty() ? "No taught group is"
+                                                                : "The groups read before stay",
+                    problem == notParsed ? "does" : "can be");
     services_.diagnostics.log("clip groups: " + *loadError_);
 }
 
@@ -88,27 +108,29 @@ bool ClipGroupStore::write(const ClipGroups& groups) {
 bool ClipGroupStore::save(const ClipGroups& groups) {
     auto& files = services_.files;
     try {
-        std::optional<std::string> old;
-        try {
-            old = files.read(path_, largestFile);
-        } catch (const FileError&) {
-            files.rename(path_, StateFile::freeCopyName(files, path_));
-        }
+        const auto old = files.read(path_, largestFile);
         const auto document = old ? ClipGroupsJson::decoded(*old) : std::nullopt;
-        if (old && (!document || document->losesOld))
+        if (old && !document) {
+            refuse(notParsed); // it is left for the user to mend
+            return false;
+        }
+        if (document && document->losesOld)
             files.save(StateFile::freeCopyName(files, path_), *old);
         auto text = ClipGroupsJson::encoded(groups);
         files.save(path_, text);
         lastText_ = std::move(text);
         return true;
-    } catch (const FileError&) {
-        return false; // which the caller tells
+    } catch (const FileError& error) {
+        services_.diagnostics.log(error.what());
+        return false;
     }
 }
 
-bool ClipGroupStore::remove(std::string_view name) {
+ClipGroupStore::Removal ClipGroupStore::remove(std::string_view name) {
     auto groups = *services_.runtime.current();
-    return groups.remove(name) && write(groups);
+    if (!groups.remove(name))
+        return Removal::absent;
+    return write(groups) ? Removal::done : Removal::notWritten;
 }
 
 void ClipGroupStore::follow(DirectoryWatcher& directories) {

@@ -38,24 +38,44 @@ public:
     ClipGroupStore(const ClipGroupStore&) = delete;
     ClipGroupStore& operator=(const ClipGroupStore&) = delete;
 
-    /// Reads the file, which is small, at once, and takes what it says; without one an empty one is
-    /// written.
-    void load();
+    enum class Upkeep {
+        all,
+        none, ///< for a run that ends by itself: what such runs say may leave nothing behind
+    };
+
+    /// Reads the file, which is small, at once, and takes what it says. With `Upkeep::all` an empty
+    /// one is written where there is none, retired rules are upgraded in it, and the time is noted
+    /// since when pastes are marked.
+    void load(Upkeep upkeep);
+
+    /// Takes what the file says now, if that is new; without a file what is in force stays, and
+    /// the answer is false. Before a change is made that rests on it:
+    /// between this and `write` nothing keeps another program from writing too, and the later one
+    /// of two that write within that moment wins.
+    bool readAgain();
 
     /// From now on an edit of the file by anybody is in force at once.
     void follow(DirectoryWatcher& directories);
 
     const std::string& path() const { return path_; }
 
-    /// Why the file could not be read; nothing when it could.
+    /// Why the file could not be read or doesn't parse, in words; nothing when it is in force.
     const std::optional<std::string>& loadError() const { return loadError_; }
 
-    /// False when the file could not be written, and then nothing has changed. A copy is kept of a
-    /// file that doesn't parse, or holds what this would lose.
+    /// False when the file could not be written, or what lies there can't be read or doesn't parse:
+    /// then nothing has changed, in the file or in force, and the log has the reason. A copy is
+    /// kept of a file that holds what this would lose. Waits for the disk, as the file is small.
     bool write(const ClipGroups& groups);
 
-    /// Whether there was one of this name, whatever its case, and it is gone from the file too.
-    bool remove(std::string_view name);
+    enum class Removal {
+        done,
+        absent,     ///< there is none of this name, whatever its case
+        notWritten, ///< nothing has changed
+    };
+
+    /// Takes the group of this name, whatever its case, out of the file and out of force. Waits for
+    /// the disk as `write` does.
+    Removal remove(std::string_view name);
 
     /// Calls `changed` after other groups are in force.
     Subscription onChange(std::function<void()> changed) {
@@ -64,13 +84,14 @@ public:
 
 private:
     void take(const std::string& text);
-    void refuse();
+    void refuse(std::string_view problem);
     bool save(const ClipGroups& groups);
     void lookSoon();
     void look();
 
     Services services_;
     std::string path_;
+    Upkeep upkeep_ = Upkeep::all;
     std::optional<std::string> loadError_;
     std::optional<std::string> lastText_; ///< as last read or written; nothing: neither yet
     bool isLookDue_ = false;

@@ -104,6 +104,7 @@ private:
 
     static Json described(const ClipGroup& group, const Counts& counts);
     std::vector<const ClipboardEntry*> matched(const ClipMatcher& rule) const;
+    std::optional<Json> loadFailed() const;
     Json writeFailed() const;
 
     const Request& request_;
@@ -133,6 +134,13 @@ std::vector<const ClipboardEntry*> Answer::matched(const ClipMatcher& rule) cons
             matched.push_back(&entry);
     }
     return matched;
+}
+
+/// What the file says now is what a change is made to; nothing when it can be.
+std::optional<Json> Answer::loadFailed() const {
+    store_.readAgain();
+    const auto& error = store_.loadError();
+    return error ? std::optional(refusal("load_error", *error)) : std::nullopt;
 }
 
 Json Answer::writeFailed() const {
@@ -192,6 +200,8 @@ Json Answer::add() const {
     const ClipGroup group{.name = *std::move(rule->name),
                           .symbol = rule->symbol.value_or(std::string(defaultSymbol)),
                           .match = std::move(rule->match)};
+    if (auto problem = loadFailed())
+        return *std::move(problem);
     auto groups = *runtime_.current();
     const bool isReplaced = groups.named(group.name) != nullptr;
     groups.upsert(group);
@@ -211,12 +221,18 @@ Json Answer::remove() const {
     if (!request_.name)
         return refusal("bad_input", "remove needs --name <group name>.");
     const auto& name = *request_.name;
-    if (!runtime_.current()->named(name))
+    if (auto problem = loadFailed())
+        return *std::move(problem);
+    switch (store_.remove(name)) {
+    case ClipGroupStore::Removal::absent:
         return refusal(
             "not_found",
             fmt::format("No group named \"{}\". Names are matched without regard to case.", name));
-    if (!store_.remove(name))
+    case ClipGroupStore::Removal::notWritten:
         return writeFailed();
+    case ClipGroupStore::Removal::done:
+        break;
+    }
     return {{"ok", true},
             {"removed", name},
             {"message",

@@ -6,6 +6,7 @@
 #include "launcherapp/clipboard/ClipPictures.h"
 #include "launcherapp/clipboard/ClipboardStore.h"
 #include "launcherapp/clipboard/ClipboardWatcher.h"
+#include "tests/LauncherCore/clipboard/Clippings.h"
 #include "tests/fakes/FakePasteboard.h"
 #include "tests/fakes/FakePictureCodec.h"
 #include "tests/fakes/FakeServices.h"
@@ -107,11 +108,7 @@ struct ClipboardFixture {
     std::string onDisk() const { return files.read(historyPath, 1 << 30).value_or(""); }
 
     static ClipboardEntry textEntry(const std::string& text, double at) {
-        ClipboardEntry::Copy copy;
-        copy.id = ClipIdentity::ofText(text);
-        copy.text = ClipText(text);
-        copy.at = at;
-        return ClipboardEntry::make(std::move(copy));
+        return clipping(ClipIdentity::ofText(text), at, text);
     }
 
     void putOnDisk(std::vector<ClipboardEntry> written) {

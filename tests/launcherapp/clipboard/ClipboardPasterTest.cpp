@@ -11,7 +11,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::Pair;
 
 /// A desktop with an editor, a terminal that is minimised, and the clipboard's services.
@@ -53,6 +52,7 @@ TEST(ClipboardPaster, aClippingIsPastedIntoTheWindowThatWasInFront) {
     const auto entry = desk.recorded("text");
     desk.time.advance(Seconds{5});
     EXPECT_TRUE(desk.paster.paste(entry, desk.editor));
+    desk.time.settle();
     EXPECT_EQ(desk.board.content("UTF8_STRING"), "text");
     desk.time.advance(Seconds{0.029});
     EXPECT_THAT(desk.keys.pasted, IsEmpty());
@@ -73,6 +73,7 @@ TEST(ClipboardPaster, aWindowBehindIsBroughtForwardFirst) {
     const auto entry = desk.recorded("text");
     desk.time.advance(Seconds{5});
     EXPECT_TRUE(desk.paster.paste(entry, desk.terminal));
+    desk.time.settle();
     EXPECT_THAT(desk.windows.calls, ElementsAre(Pair("unhide", 2), Pair("activate", 2)));
     desk.time.advance(Seconds{0.049});
     EXPECT_THAT(desk.keys.pasted, IsEmpty()); // its field isn't ready
@@ -115,6 +116,7 @@ TEST(ClipboardPaster, aWindowThatStaysBehindGetsNoKeys) {
     EXPECT_THAT(log, HasSubstr("type: Editor never came forward"));
     // At the last moment it may be in front without anybody having been told.
     paster.paste(desk.entries().front(), desk.editor);
+    desk.time.settle();
     windows.activeID = desk.editor.id;
     desk.wait();
     EXPECT_THAT(desk.keys.pasted, testing::SizeIs(1));
@@ -156,6 +158,7 @@ TEST(ClipboardPaster, filesAndPicturesArePastedAsWhatTheyAre) {
     auto files = ClipboardFixture::textEntry("/a b\n\n/ü\n", 1);
     files.kind = ClipKind::file;
     desk.paster.copyToTop(files);
+    desk.time.settle();
     EXPECT_EQ(desk.board.content("text/uri-list"), "file:///a%20b\r\nfile:///%C3%BC\r\n");
     desk.copyText("swallowed");
     desk.copyPicture(7, 600);
@@ -203,6 +206,55 @@ TEST(ClipboardPaster, aPictureThatIsGoneIsSaidToBe) {
     }
 }
 
+TEST(ClipboardPaster, noKeysAreSentBeforeTheClippingIsOffered) {
+    const struct {
+        const char* reason;
+        Seconds heardAfter;
+        std::function<void(Desk&)> meanwhile;
+        std::size_t keys;
+    } cases[] = {
+        {"a pasteboard that is busy for a moment", Seconds{0.6}, [](Desk&) {}, 1},
+        {"one that hangs", Seconds{1.5}, [](Desk&) {}, 0},
+        {"somebody else copied before it was offered",
+         Seconds{0.6},
+         [](Desk& desk) { desk.board.copyText("hunter2"); },
+         0},
+        {"somebody else copied while the window came forward",
+         Seconds{0.48},
+         [](Desk& desk) { desk.board.copyText("hunter2"); },
+         0},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Desk desk;
+        desk.board.heardAfter = each.heardAfter;
+        EXPECT_TRUE(desk.paster.paste(desk.recorded("text"), desk.editor));
+        desk.time.advance(Seconds{0.5});
+        EXPECT_THAT(desk.keys.pasted, IsEmpty());
+        each.meanwhile(desk);
+        desk.time.advance(Seconds{2});
+        EXPECT_EQ(desk.keys.pasted.size(), each.keys);
+        EXPECT_EQ(desk.entries().back().pasteCount(), each.keys);
+        EXPECT_THAT(desk.services.log(),
+                    HasSubstr(each.keys ? "paste: posted"
+                                        : "paste: no keys sent, the clipping is not on the "
+                                          "clipboard"));
+    }
+}
+
+TEST(ClipboardPaster, withoutAPasteboardNothingIsSaidToBeCopied) {
+    Desk desk;
+    const auto entry = desk.recorded("text");
+    desk.board.supported = Ability::missing("no clipboard here");
+    EXPECT_FALSE(desk.paster.paste(entry, desk.editor));
+    desk.paster.copyToTop(entry);
+    desk.wait();
+    EXPECT_THAT(desk.keys.pasted, IsEmpty());
+    EXPECT_EQ(desk.entries().front().count, 1);
+    EXPECT_THAT(desk.services.log(), HasSubstr("clipboard: nothing was copied, no clipboard here"));
+}
+
 TEST(ClipboardPaster, ofTwoPastesTheLaterIsPastedOnce) {
     Desk desk;
     desk.copyPicture(7);
@@ -218,6 +270,8 @@ TEST(ClipboardPaster, typingCountsCharactersAsPeopleDo) {
     Desk desk;
     EXPECT_FALSE(desk.paster.typeIntoPreviousApp("", desk.editor));
     EXPECT_FALSE(desk.paster.typeIntoPreviousApp("x", std::nullopt));
+    EXPECT_FALSE(desk.paster.typeIntoPreviousApp(
+        std::string(ClipboardPaster::longestTyped + 1, 'x'), desk.editor));
     EXPECT_TRUE(desk.paster.typeIntoPreviousApp("e\u0301🇩🇪", desk.editor));
     desk.wait();
     EXPECT_TRUE(desk.paster.typeIntoPreviousApp("x", desk.editor));

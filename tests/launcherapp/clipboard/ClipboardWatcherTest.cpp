@@ -8,11 +8,12 @@
 namespace tessarine {
 namespace {
 
+using Reason = ClipSkip::Reason;
+using Skipped = ClipboardWatcher::Skipped;
 using Manner = FakePasteboard::Owner::Manner;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 constexpr auto secretType = "x-kde-passwordManagerHint";
@@ -51,9 +52,49 @@ TEST(ClipboardWatcher, nothingOfASecretIsEverRead) {
     fixture.poll();
     EXPECT_EQ(fixture.board.totalReads(), 0);
     EXPECT_THAT(fixture.entries(), IsEmpty());
-    EXPECT_EQ(fixture.watcher.skipped(), (ClipboardWatcher::Skipped{.concealed = 1}));
+    EXPECT_EQ(fixture.watcher.skipped(), (Skipped{{Reason::concealed, 1}}));
     EXPECT_THAT(fixture.services.log(),
                 HasSubstr("clipboard: skipped a concealed item without reading it"));
+}
+
+TEST(ClipboardWatcher, aSecretThatIsReadInAnothersNameIsNotKept) {
+    Watched fixture;
+    fixture.board.copy(
+        {{"UTF8_STRING", "plain"}},
+        {.manner = Manner::replaced, .next = {{"UTF8_STRING", "hunter2"}, {secretType, "secret"}}});
+    fixture.poll();
+    fixture.poll();
+    EXPECT_EQ(fixture.board.reads["UTF8_STRING"], 1);
+    EXPECT_THAT(fixture.entries(), IsEmpty());
+    EXPECT_EQ(fixture.watcher.skipped(), (Skipped{{Reason::concealed, 1}}));
+}
+
+TEST(ClipboardWatcher, aFileListThatCannotBeReadIsNotKeptAsItsText) {
+    const struct {
+        const char* reason;
+        std::string list;
+        std::string refusedType;
+        Skipped skipped;
+        const char* line;
+    } cases[] = {
+        {"longer than any list",
+         std::string(ClipSkips::fileListLimitBytes + 1, 'x'),
+         "",
+         {{Reason::tooLarge, 1}},
+         "clipboard: skipped a file list, over the 16777216 byte limit"},
+        {"refused", "file:///a", "text/uri-list", {}, "clipboard: could not read a copy: refused"},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        fixture.board.copy({{"UTF8_STRING", "/a"}, {"text/uri-list", each.list}},
+                           {.refusedType = each.refusedType});
+        fixture.poll();
+        EXPECT_THAT(fixture.entries(), IsEmpty());
+        EXPECT_EQ(fixture.watcher.skipped(), each.skipped);
+        EXPECT_THAT(fixture.services.log(), HasSubstr(each.line));
+    }
 }
 
 TEST(ClipboardWatcher, copiesThatTheUserExcludedAreCountedAndNotRead) {
@@ -67,7 +108,7 @@ TEST(ClipboardWatcher, copiesThatTheUserExcludedAreCountedAndNotRead) {
     fixture.copyText("companion");
     EXPECT_EQ(fixture.board.totalReads(), 0);
     EXPECT_EQ(fixture.watcher.skipped(),
-              (ClipboardWatcher::Skipped{.remote = 1, .ignoredApp = 1, .quillet = 1}));
+              (Skipped{{Reason::remote, 1}, {Reason::ignoredApp, 1}, {Reason::quillet, 1}}));
     // A copy from elsewhere was not made in the application in front.
     fixture.front = {.bundleID = "org.example.Editor", .name = "Editor"};
     fixture.board.copy({{"UTF8_STRING", "from afar"}, {"com.apple.is-remote-clipboard", ""}});
@@ -84,7 +125,7 @@ TEST(ClipboardWatcher, aTextOverTheLimitIsCountedAndNotKept) {
     fixture.copyText("grüßen");
     fixture.copyText(std::string(81, 'x')); // more bytes than are asked for
     EXPECT_THAT(fixture.texts(), ElementsAre("grüße"));
-    EXPECT_EQ(fixture.watcher.skipped(), ClipboardWatcher::Skipped{.tooLarge = 2});
+    EXPECT_EQ(fixture.watcher.skipped(), (Skipped{{Reason::tooLarge, 2}}));
     const auto log = fixture.services.log();
     EXPECT_THAT(log, HasSubstr("clipboard: skipped a 6-character copy, over the 5 limit"));
     EXPECT_THAT(log,
@@ -107,6 +148,14 @@ TEST(ClipboardWatcher, whatIsOfferedFirstIsNotAlwaysWhatWasCopied) {
          {{"UTF8_STRING", "text"}, {"text/uri-list", ""}},
          {"text"}},
         {"no picture though it says so", {{"image/png", "garbage"}}, {}},
+        {"the picture in a worse type that it can be read in",
+         {{"image/png", "garbage"},
+          {"image/x-bmp", "garbage"},
+          {"image/jpeg", ClipboardFixture::png(3)}},
+         {"Image 8×8"}},
+        {"addresses of the web alone are their text",
+         {{"text/uri-list", "# two\r\nhttps://a.example/\r\nhttps://b.example/\r\n"}},
+         {"https://a.example/\nhttps://b.example/"}},
         {"nothing that is kept", {{"application/x-thing", "thing"}}, {}},
         {"nothing at all", {}, {}},
         {"bad bytes are replaced", {{"UTF8_STRING", "a\xff"}}, {"a\xEF\xBF\xBD"}},
@@ -118,6 +167,9 @@ TEST(ClipboardWatcher, whatIsOfferedFirstIsNotAlwaysWhatWasCopied) {
         fixture.board.copy(each.items);
         fixture.poll();
         EXPECT_EQ(fixture.texts(), each.texts);
+        EXPECT_EQ(fixture.services.log().find(
+                      "could not read a copy: its image/png is no picture") != std::string::npos,
+                  fixture.board.content("image/png") == "garbage");
     }
 }
 

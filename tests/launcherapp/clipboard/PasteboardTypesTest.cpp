@@ -7,8 +7,6 @@
 namespace tessarine {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Optional;
 
 using Texts = std::vector<std::string>;
@@ -70,6 +68,8 @@ TEST(PasteboardTypes, theBestTypeIsReadUnderTheNameItIsOfferedBy) {
                 Optional(std::string("text/uri-list")));
     EXPECT_THAT(PasteboardTypes::pictureType(Texts{"image/jpeg", "image/bmp"}),
                 Optional(std::string("image/bmp"))); // nothing lost
+    EXPECT_THAT(PasteboardTypes::pictureType(Texts{"image/x-MS-bmp"}),
+                Optional(std::string("image/x-MS-bmp"))); // as some programs alone call it
     EXPECT_EQ(PasteboardTypes::pictureType(Texts{"image/svg+xml"}), std::nullopt);
 }
 
@@ -114,7 +114,10 @@ TEST(PasteboardTypes, textIsOfferedAsLatin1OnlyWhereThatSaysIt) {
     EXPECT_EQ(plain.at("text/plain;charset=utf-8"), "grüß");
     EXPECT_EQ(plain.at("STRING"), "gr\xfc\xdf");
     EXPECT_EQ(contents(PasteboardTypes::ofText("abc")).at("STRING"), "abc");
-    for (const auto* text : {"5 €", "a\u0100", "broken \xc3"}) {
+    for (const auto& text : {std::string("5 €"),
+                             std::string("a\u0100"),
+                             std::string("broken \xc3"),
+                             std::string(70000, 'x') + "ü"}) {
         SCOPED_TRACE(text);
         EXPECT_FALSE(contents(PasteboardTypes::ofText(text)).contains("STRING"));
     }

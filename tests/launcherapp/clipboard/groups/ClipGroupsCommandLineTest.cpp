@@ -1,7 +1,6 @@
-#include "LauncherCore/clipboard/ClipGroupsJson.h"
-#include "launcherapp/clipboard/groups/ClipGroupStore.h"
 #include "launcherapp/clipboard/groups/ClipGroupsCommandLine.h"
-#include "tests/launcherapp/clipboard/ClipboardFixture.h"
+
+#include "tests/launcherapp/clipboard/groups/ClipGroupsFixture.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -12,38 +11,13 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 using Json = nlohmann::json;
 
-constexpr auto path = "/support/clip-groups.json";
+constexpr auto path = ClipGroupsFixture::groupsPath;
 
-struct Groups : ClipboardFixture {
-    ClipGroupStore groups{{.queue = services.platform.queue,
-                           .work = services.platform.work,
-                           .files = files,
-                           .prefs = services.prefs,
-                           .diagnostics = services.diagnostics,
-                           .runtime = runtime},
-                          path};
+struct Groups : ClipGroupsFixture {
     ClipboardHistory history;
-
-    std::string text() const { return files.read(path, 1 << 20).value_or(""); }
-
-    std::vector<std::string> names() const {
-        std::vector<std::string> names;
-        for (const auto& group : runtime.current()->groups)
-            names.push_back(group.name);
-        return names;
-    }
-
-    static std::string fileWith(const std::string& name) {
-        return ClipGroupsJson::encoded({.groups = {group(name)}});
-    }
-
-    static ClipGroup group(const std::string& name) {
-        return {.name = name, .symbol = "tag", .match = {.contains = "invoice"}};
-    }
 
     /// What `--clip-groups` says, as JSON.
     Json ask(const std::string& verb,
@@ -59,88 +33,6 @@ struct Groups : ClipboardFixture {
         return answer;
     }
 };
-
-TEST(ClipGroupStore, theFirstRunSeedsOnceAndNotesSinceWhenPastesAreMarked) {
-    Groups fixture;
-    fixture.groups.load();
-    EXPECT_EQ(Json::parse(fixture.text()), Json::parse(R"({"groups":[]})"));
-    const auto first = fixture.now();
-    EXPECT_EQ(fixture.runtime.pasteTrackingSince(), first);
-    fixture.time.advance(Seconds{10});
-    fixture.groups.load();
-    EXPECT_EQ(fixture.services.prefs.clipPasteTrackingSince(), first);
-}
-
-TEST(ClipGroupStore, aGroupTaughtElsewhereIsInForceAtOnce) {
-    Groups fixture;
-    fixture.groups.load();
-    fixture.groups.follow(fixture.services.platform.watcher);
-    int changes = 0;
-    const auto observer = fixture.groups.onChange([&] { ++changes; });
-    fixture.files.file(path, Groups::fileWith("Receipts"));
-    fixture.services.platform.watcher.fire("/support");
-    fixture.time.advance(Seconds{0.1});
-    EXPECT_THAT(fixture.names(), ElementsAre("Receipts"));
-    EXPECT_EQ(changes, 1);
-    fixture.services.platform.watcher.fire("/support"); // another file of the folder
-    fixture.time.advance(Seconds{0.1});
-    EXPECT_EQ(changes, 1);
-    // What stops parsing, or goes, leaves what is in force.
-    fixture.files.file(path, "{");
-    fixture.services.platform.watcher.fire("/support");
-    fixture.time.advance(Seconds{0.1});
-    EXPECT_TRUE(fixture.groups.loadError());
-    EXPECT_THAT(fixture.services.log(), HasSubstr("clip-groups.json did not parse."));
-    fixture.files.remove(path);
-    fixture.services.platform.watcher.fire("/support");
-    fixture.time.advance(Seconds{0.1});
-    EXPECT_THAT(fixture.names(), ElementsAre("Receipts"));
-}
-
-TEST(ClipGroupStore, whatDoesNotParseIsLeftForTheUserAndCopiedBeforeItIsWrittenOver) {
-    Groups fixture;
-    const std::string broken = R"({"groups":[{"name":"Mine")";
-    fixture.files.file(path, broken);
-    fixture.groups.load();
-    EXPECT_EQ(fixture.groups.loadError(),
-              "clip-groups.json did not parse. No taught group is in force until it does.");
-    EXPECT_EQ(fixture.text(), broken);
-    EXPECT_TRUE(fixture.groups.write({.groups = {Groups::group("New")}}));
-    EXPECT_EQ(fixture.files.read(std::string(path) + ".damaged", 1 << 20), broken);
-    EXPECT_EQ(fixture.groups.loadError(), std::nullopt);
-    EXPECT_EQ(fixture.text(), Groups::fileWith("New"));
-}
-
-TEST(ClipGroupStore, theRetiredLedgerIsUpgradedOnDisk) {
-    Groups fixture;
-    auto ledger = ClipGroups::templates()[0];
-    ledger.match.filePattern.reset();
-    ledger.match.fileState.reset();
-    ledger.match.fileNeedle.reset();
-    ledger.match.pasted = false;
-    fixture.files.file(path, ClipGroupsJson::encoded({.groups = {ledger}}));
-    fixture.groups.load();
-    const ClipGroups upgraded{.groups = {ClipGroups::templates()[0]}};
-    EXPECT_EQ(*fixture.runtime.current(), upgraded);
-    EXPECT_EQ(fixture.text(), ClipGroupsJson::encoded(upgraded));
-    EXPECT_THAT(fixture.services.log(),
-                HasSubstr("clip groups: upgraded the handoff ledger to read the handoff file "
-                          "instead of the paste ledger"));
-}
-
-TEST(ClipGroupStore, nothingIsInForceThatCouldNotBeWritten) {
-    Groups fixture;
-    fixture.files.file(path, Groups::fileWith("Receipts"));
-    fixture.groups.load();
-    fixture.files.forbid(path);
-    EXPECT_FALSE(fixture.groups.write({}));
-    EXPECT_FALSE(fixture.groups.remove("receipts"));
-    EXPECT_THAT(fixture.names(), ElementsAre("Receipts"));
-    fixture.files.allow(path);
-    EXPECT_TRUE(fixture.groups.remove("RECEIPTS"));
-    EXPECT_FALSE(fixture.groups.remove("RECEIPTS"));
-    EXPECT_THAT(fixture.names(), IsEmpty());
-}
 
 TEST(ClipGroupsCommandLine, aMistakeInTheWordsIsToldOnStandardError) {
     Groups fixture;
@@ -195,7 +87,7 @@ TEST(ClipGroupsCommandLine, whatCannotBeTaughtIsRefusedInWords) {
     for (const auto& each : cases) {
         SCOPED_TRACE(each.verb + each.json.value_or(""));
         Groups fixture;
-        fixture.groups.load();
+        fixture.groups.load(ClipGroupStore::Upkeep::all);
         const auto before = fixture.text();
         const auto answer = fixture.ask(each.verb, each.json);
         EXPECT_EQ(answer["reason"], each.reason);
@@ -206,7 +98,7 @@ TEST(ClipGroupsCommandLine, whatCannotBeTaughtIsRefusedInWords) {
 
 TEST(ClipGroupsCommandLine, aGroupIsTaughtReplacedAndTakenAway) {
     Groups fixture;
-    fixture.groups.load();
+    fixture.groups.load(ClipGroupStore::Upkeep::all);
     fixture.history.entries = {ClipboardFixture::textEntry("Invoice 1", 1),
                                ClipboardFixture::textEntry("letter", 2)};
     auto answer = fixture.ask("add", R"({"name":"Receipts","match":{"contains":"invoice"}})");
@@ -222,17 +114,35 @@ TEST(ClipGroupsCommandLine, aGroupIsTaughtReplacedAndTakenAway) {
     EXPECT_THAT(fixture.names(), SizeIs(1));
     EXPECT_EQ(fixture.ask("remove", {}, "nothing\xff")["reason"], "not_found");
     fixture.files.forbid(path);
+    EXPECT_EQ(fixture.ask("remove", {}, "receipts")["reason"], "load_error");
+    fixture.files.allow(path);
+    // The copy of what a newer build wrote has no place.
+    fixture.files.file(path,
+                       R"({"colours":[],"groups":[{"name":"Receipts","symbol":"tag",)"
+                       R"("match":{"contains":"x"}}]})");
+    fixture.files.forbid(path + std::string(".damaged"));
     EXPECT_EQ(fixture.ask("add", R"({"name":"B","match":{"kind":"file"}})")["message"],
               std::string("Could not write ") + path);
     EXPECT_EQ(fixture.ask("remove", {}, "receipts")["reason"], "write_failed");
-    fixture.files.allow(path);
+    fixture.files.allow(path + std::string(".damaged"));
     EXPECT_EQ(fixture.ask("remove", {}, "receipts")["removed"], "receipts");
+    EXPECT_THAT(fixture.names(), IsEmpty());
+}
+
+TEST(ClipGroupsCommandLine, whatSomebodyElseTaughtMeanwhileStays) {
+    Groups fixture;
+    fixture.groups.load(ClipGroupStore::Upkeep::all);
+    fixture.files.file(path, Groups::fileWith("Theirs"));
+    fixture.ask("add", R"({"name":"Ours","match":{"contains":"x"}})");
+    EXPECT_THAT(fixture.names(), ElementsAre("Theirs", "Ours"));
+    fixture.files.file(path, Groups::fileWith("Newer"));
+    EXPECT_EQ(fixture.ask("remove", {}, "newer")["ok"], true);
     EXPECT_THAT(fixture.names(), IsEmpty());
 }
 
 TEST(ClipGroupsCommandLine, aRuleIsTriedWithoutBeingSaved) {
     Groups fixture;
-    fixture.groups.load();
+    fixture.groups.load(ClipGroupStore::Upkeep::all);
     fixture.ask("add", R"({"name":"Receipts","match":{"contains":"invoice"}})");
     const auto before = fixture.text();
     for (int i = 0; i < 7; ++i)
@@ -262,7 +172,7 @@ TEST(ClipGroupsCommandLine, aRuleIsTriedWithoutBeingSaved) {
 TEST(ClipGroupsCommandLine, theListSaysWhatIsInForceAndWhatIsOffered) {
     Groups fixture;
     fixture.files.file(path, "broken");
-    fixture.groups.load();
+    fixture.groups.load(ClipGroupStore::Upkeep::all);
     fixture.history.entries = {
         ClipboardFixture::textEntry("https://example.com", 1),
         ClipboardFixture::textEntry("Read and execute \"/gone/plan.md\" now", 2)};
@@ -278,8 +188,15 @@ TEST(ClipGroupsCommandLine, theListSaysWhatIsInForceAndWhatIsOffered) {
     EXPECT_EQ(gone["installed"], false);
     EXPECT_EQ(gone["match"]["fileState"], "missing");
     EXPECT_EQ(answer["templates"][0]["would_match"], 0);
-    fixture.ask("add",
-                Json{{"name", "HANDOFFS whose file is gone"}, {"match", gone["match"]}}.dump());
+    const auto rule =
+        Json{{"name", "HANDOFFS whose file is gone"}, {"match", gone["match"]}}.dump();
+    const auto refused = fixture.ask("add", rule);
+    EXPECT_EQ(refused["reason"], "load_error");
+    EXPECT_EQ(refused["message"], answer["load_error"]);
+    EXPECT_EQ(fixture.ask("remove", {}, "Mine")["reason"], "load_error");
+    EXPECT_EQ(fixture.text(), "broken");
+    fixture.files.file(path, R"({"groups":[]})");
+    fixture.ask("add", rule);
     answer = fixture.ask("list");
     EXPECT_FALSE(answer.contains("load_error"));
     EXPECT_EQ(answer["templates"][1]["installed"], true);
