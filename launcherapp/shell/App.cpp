@@ -184,7 +184,9 @@ StartUp::Hooks App::Parts::hooks() {
         .clipGroups =
             [this] {
                 if (!kind.isDemonstration)
-                    clipboard->groups.load(ClipGroupStore::Upkeep::all);
+                    clipboard->groups.load(isResident || commandLine.has("--clip-groups")
+                                               ? ClipGroupStore::Upkeep::all
+                                               : ClipGroupStore::Upkeep::none);
             },
         .clipboardWatcher = [this] { startClipboard(); },
         .recentApps =
@@ -306,11 +308,12 @@ void App::Parts::keepRowsFresh() {
     publications.push_back(services->catalog.onPublished(published));
     // Clippings are in no other list.
     const auto clipped = [this] {
-        if (services->model.clipboardMode())
+        if (services->model.showsClippings())
             fresh->published();
     };
     publications.push_back(clipboard->store.onChange(clipped));
     publications.push_back(clipboard->groups.onChange(clipped));
+    publications.push_back(clipboard->fileFacts.onArrival(clipped));
     publications.push_back(clipboard->images.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(clipboard->fileFacts.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(commands->catalog.onChange(published));

@@ -63,7 +63,8 @@ std::string lastMinutes(std::int64_t minutes) {
 }
 
 /// What an age, or none, would take away.
-std::int64_t goes(const ClipRowSources& sources, std::optional<Seconds> newerThan) {
+std::int64_t goes(const ClipRowSources& sources,
+                  std::optional<std::chrono::duration<double>> newerThan) {
     return std::ranges::count_if(sources.history.entries, [&](const ClipboardEntry& entry) {
         return ClipboardHistory::isCleared(entry, sources.now, newerThan);
     });
@@ -79,7 +80,7 @@ ResultRow nothingRow(std::string title, std::string reason) {
 ResultRow clearRow(const ClipRowSources& sources,
                    std::string id,
                    std::string title,
-                   std::optional<Seconds> newerThan) {
+                   std::optional<std::chrono::duration<double>> newerThan) {
     const auto pinned = std::ranges::count(sources.history.entries, true, &ClipboardEntry::pinned);
     auto detail = counted(goes(sources, newerThan), "clipping");
     if (pinned > 0)
@@ -106,7 +107,7 @@ Rows clearClipboardRows(const ClipRowSources& sources, std::string_view argument
                            sources.history.entries.empty() ? "The clipboard history is empty"
                                                            : "Only pinned clippings are left")};
     const auto secondsOf = [](std::int64_t minutes) {
-        return Seconds{std::chrono::minutes(minutes)};
+        return std::chrono::duration<double>{std::chrono::minutes(minutes)};
     };
     const auto row = [&](std::int64_t minutes) {
         return clearRow(

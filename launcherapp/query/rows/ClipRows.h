@@ -1,11 +1,11 @@
 #pragma once
 
 #include "LauncherCore/clipboard/ClipboardHistory.h"
-#include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/query/RowAction.h"
 #include "launcherapp/query/RowFamilies.h"
 #include "launcherapp/query/RowPreview.h"
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -31,7 +31,8 @@ struct ClipRowSources {
     std::function<void(const std::string& id)> copyToTop;
     std::function<void(const std::string& id)> togglePin;
     std::function<void(const std::string& id)> remove;
-    std::function<void(std::optional<Seconds> newerThan)> clear; ///< nothing: all of it
+    std::function<void(std::optional<std::chrono::duration<double>> newerThan)>
+        clear;          ///< nothing: all of it
     bool pastes = true; ///< Return will paste; else it copies
 };
 
