@@ -3,6 +3,7 @@
 #include <unicode/unistr.h>
 #include <unicode/utext.h>
 
+#include <array>
 #include <cstdint>
 
 namespace tessarine {
@@ -24,7 +25,10 @@ public:
     /// clones.
     UText* text() { return opened_; }
 
-    /// On something else than reading. Whether anything is left.
+    /// On reading the piece that begins there. Whether anything is left.
+    bool spendOnPiece(std::int64_t first);
+
+    /// On something else. Whether anything is left.
     bool spend(std::int64_t nanoseconds) {
         left_ -= nanoseconds;
         return !isSpent();
@@ -34,6 +38,7 @@ public:
 
 private:
     std::int64_t left_;
+    std::array<std::int64_t, 2> lastPieces_{-1, -1};
     UText storage_ = UTEXT_INITIALIZER;
     UText* opened_ = nullptr;
 };

@@ -22,9 +22,9 @@ constexpr std::int64_t statesPerCount = 10000;
 constexpr std::int32_t longestMatch = 5; // counts
 
 /// What users write looks for things in whole documents. Costs are as measured, in nanoseconds.
-constexpr std::int64_t longestGivenMatch = 6'000'000;
-constexpr std::int64_t costOfAPlace = 16; // to begin at
-constexpr std::int64_t costOfAState = 25;
+constexpr std::int64_t longestGivenMatch = 7'000'000;
+constexpr std::int64_t costOfAPlace = 8; // to begin at; ICU tells of each twice
+constexpr std::int64_t costOfAState = 17;
 
 UBool spendOnPlace(const void* text, std::int64_t) {
     return static_cast<CountedText*>(const_cast<void*>(text))->spend(costOfAPlace);

@@ -34,8 +34,8 @@ public:
     explicit Pattern(std::string_view expression, Case letters = Case::sensitive);
 
     /// An expression that somebody else wrote; nothing when it doesn't compile. It may take more
-    /// steps than our own, and all that it reads is counted: about 5 milliseconds at the longest,
-    /// or twice that where it compares a text with what it found before.
+    /// steps than our own, and all that it reads is counted: 10 milliseconds at the longest,
+    /// and up to 25 where it compares a text with what it found before.
     static std::optional<Pattern>
     compiled(std::string_view expression, Case letters, Anchors anchors);
 

@@ -162,7 +162,7 @@ TEST(ClipMatcher, givesUpOnAnExpressionThatTakesTooLong) {
     // Nor does it begin to look for the end of a whole book.
     const ClipMatcher last{.regex = "last|end"};
     EXPECT_FALSE(last.matches(ClipText(std::string(1 << 20, 'x') + "last")));
-    EXPECT_TRUE(last.matches(ClipText(std::string(100000, 'e') + "last")));
+    EXPECT_TRUE(last.matches(ClipText(std::string(50000, 'e') + "last")));
 }
 
 TEST(ClipMatcher, readsATextWhereverItsPiecesAreParted) {
