@@ -73,15 +73,16 @@ void keepPicture(benchmark::State& state) {
                                             FakePictureCodec::picture(pictureSide, pictureSide, 7));
     for (auto _ : state) {
         state.PauseTiming();
-        Store fixture;
+        auto fixture = std::make_unique<Store>();
         auto bytes = png;
         state.ResumeTiming();
-        fixture.store.keepPicture(std::move(bytes), [&](const auto& kept) {
+        fixture->store.keepPicture(std::move(bytes), [&](const auto& kept) {
             if (!kept)
                 state.SkipWithError("no picture");
         });
         state.PauseTiming();
-        fixture.services.platform.time.settle();
+        fixture->services.platform.time.settle();
+        fixture.reset();
         state.ResumeTiming();
     }
 }

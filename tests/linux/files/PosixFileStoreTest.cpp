@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/files/PosixFileStore.h"
 
+#include "launcherapp/platform/SaveLeftover.h"
 #include "tests/linux/EventLoop.h"
 
 #include <gmock/gmock.h>
@@ -155,6 +156,23 @@ TEST_F(PosixFileStoreTest, aSaveThatFailsLeavesTheOldContentAndNothingElse) {
     EXPECT_EQ(WEXITSTATUS(status), 0);
     EXPECT_EQ(folder.text("/file"), "old");
     EXPECT_EQ(fileCount(), 2u); // no temporary file is left
+}
+
+TEST_F(PosixFileStoreTest, whatAKilledSaveLeavesIsKnownByItsName) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        files.savePieces(folder.path("/file"), []() -> std::optional<std::string_view> {
+            ::_exit(0); // as a kill: nothing is cleaned up
+        });
+        ::_exit(1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_EQ(WEXITSTATUS(status), 0);
+    const auto entries = files.entries(folder.path(""));
+    ASSERT_TRUE(entries);
+    ASSERT_EQ(entries->size(), 1U);
+    EXPECT_EQ(SaveLeftover::target(entries->front().name), "file");
 }
 
 TEST_F(PosixFileStoreTest, appendingAddsAtTheEnd) {
