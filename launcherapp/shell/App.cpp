@@ -306,14 +306,13 @@ void App::Parts::keepRowsFresh() {
         doors.queue, services->model, [panel = presence->panel()] { return panel->isVisible(); });
     const auto published = [this] { fresh->published(); };
     publications.push_back(services->catalog.onPublished(published));
-    // Clippings are in no other list.
+    // No other list changes with them.
     const auto clipped = [this] {
         if (services->model.showsClippings())
             fresh->published();
     };
     publications.push_back(clipboard->store.onChange(clipped));
     publications.push_back(clipboard->groups.onChange(clipped));
-    publications.push_back(clipboard->fileFacts.onArrival(clipped));
     publications.push_back(clipboard->images.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(clipboard->fileFacts.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(commands->catalog.onChange(published));

@@ -67,7 +67,7 @@ protected:
                 .togglePin = note("pin"),
                 .remove = note("remove"),
                 .clear =
-                    [this](std::optional<Seconds> newerThan) {
+                    [this](std::optional<std::chrono::duration<double>> newerThan) {
                         done.push_back(newerThan
                                            ? std::to_string(static_cast<int>(newerThan->count()))
                                            : "all");
