@@ -1,5 +1,6 @@
 #include "launcherapp/shell/modes/ClipboardModes.h"
 
+#include "LauncherCore/text/Printable.h"
 #include "launcherapp/clipboard/ClipboardStore.h"
 #include "launcherapp/clipboard/PasteboardTypes.h"
 #include "launcherapp/clipboard/groups/ClipGroupStore.h"
@@ -89,7 +90,8 @@ private:
     void tell(const std::string& type, const PasteboardReading& reading) {
         switch (reading.outcome) {
         case PasteboardReading::Outcome::complete:
-            context_.print(PasteboardTypes::text(type, reading.bytes));
+            // What a text tells a terminal to do is not for this one.
+            context_.print(Printable::line(PasteboardTypes::text(type, reading.bytes)));
             return;
         case PasteboardReading::Outcome::tooLarge:
             context_.print(fmt::format("<more than {} bytes>", longestText));

@@ -61,6 +61,9 @@ TEST_F(ClipboardModesTest, theTypesOfEachCopyAreToldAndNoSecretIsRead) {
         {{{"UTF8_STRING", std::string(70000, 'x')}},
          {"change 5 types=[UTF8_STRING] REMOTE=false", "<more than 65536 bytes>"},
          1},
+        {{{"UTF8_STRING", "clear\x1b[2J\nit"}}, // which a terminal would do
+         {"change 6 types=[UTF8_STRING] REMOTE=false", R"(clear\x1b[2J\nit)"},
+         1},
     };
 
     auto& watch = run({"--pasteboard-types"});
