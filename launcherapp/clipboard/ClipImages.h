@@ -31,7 +31,7 @@ public:
     ClipImages(const ClipImages&) = delete;
     ClipImages& operator=(const ClipImages&) = delete;
 
-    // Nothing for what is no picture, can't be read, or is being read now.
+    /// Nothing for what is no picture, can't be read, or is being read now; so with the larger one.
     std::optional<Image> icon(const ClipboardEntry& entry);
     std::optional<Image> picture(const ClipboardEntry& entry);
 

@@ -1,5 +1,6 @@
 #include "launcherapp/clipboard/ClipboardPaster.h"
 
+#include "LauncherCore/text/Counted.h"
 #include "LauncherCore/text/Graphemes.h"
 #include "launcherapp/clipboard/ClipContents.h"
 #include "launcherapp/clipboard/ClipboardStore.h"
@@ -89,9 +90,8 @@ void ClipboardPaster::type(const std::string& text, const std::string& name) {
         if (alive.expired())
             return;
         services_.diagnostics.log(
-            isTyped
-                ? fmt::format("type: sent {} character{} to {}", count, count == 1 ? "" : "s", name)
-                : fmt::format("type: the text could not be sent whole to {}", name));
+            isTyped ? fmt::format("type: sent {} to {}", counted(count, "character"), name)
+                    : fmt::format("type: the text could not be sent whole to {}", name));
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
 #include "LauncherCore/clipboard/ClipboardJson.h"
+#include "LauncherCore/text/Counted.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/WorkQueues.h"
 #include "launcherapp/shell/Prefs.h"
@@ -207,10 +208,9 @@ void ClipboardStore::pruneNow() {
         const auto count = dropped.size();
         const auto files = letGo(std::move(dropped));
         services_.diagnostics.log(
-            fmt::format("clipboard: pruned {} entries past their retention window, deleted {} {}",
+            fmt::format("clipboard: pruned {} entries past their retention window, deleted {}",
                         count,
-                        files,
-                        files == 1 ? "thumbnail" : "thumbnails"));
+                        counted(files, "thumbnail")));
         changed();
     } else if (!saveScheduled_ && saving_ == 0 && revision_ != savedRevision_) {
         save();

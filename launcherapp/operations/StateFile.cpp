@@ -95,10 +95,9 @@ std::vector<std::string> StateFile::copies(const FileStore& files, const std::st
     return copies;
 }
 
-std::vector<std::string> StateFile::folders() const {
-    std::vector<std::string> folders{folderOf(place_.path)};
-    if (const auto real = place_.files.realPath(place_.path);
-        real && folderOf(*real) != folders.front())
+std::vector<std::string> StateFile::foldersOf(const FileStore& files, const std::string& path) {
+    std::vector<std::string> folders{folderOf(path)};
+    if (const auto real = files.realPath(path); real && folderOf(*real) != folders.front())
         folders.push_back(folderOf(*real));
     return folders;
 }

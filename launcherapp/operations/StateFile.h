@@ -45,7 +45,10 @@ public:
     const std::string& path() const { return place_.path; }
 
     /// The folders whose entries change when the document does: its own, and where a link leads.
-    std::vector<std::string> folders() const;
+    std::vector<std::string> folders() const { return foldersOf(place_.files, place_.path); }
+
+    /// The same of any file.
+    static std::vector<std::string> foldersOf(const FileStore& files, const std::string& path);
 
     /// The document's text; nothing when there is none, or none that can be read.
     std::optional<std::string> load();

@@ -1,5 +1,6 @@
 #include "LauncherCore/answers/zones/ZoneText.h"
 
+#include "LauncherCore/text/Counted.h"
 #include "LauncherCore/text/Formats.h"
 
 #include <fmt/format.h>
@@ -18,10 +19,6 @@ Zone zoneOr(const ZoneClock& clock, const Zone& other) {
 
 std::string inStep(const ZoneClock& clock, const ZoneClock& home) {
     return "same as " + (clock.identifier == home.identifier ? "home" : home.name);
-}
-
-std::string counted(int count, std::string_view unit) {
-    return fmt::format("{} {}{}", count, unit, count == 1 ? "" : "s");
 }
 
 int minutesAhead(const Zone& zone, const Zone& from, double at) {

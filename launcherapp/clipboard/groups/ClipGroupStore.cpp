@@ -2,7 +2,6 @@
 
 #include "LauncherCore/clipboard/ClipGroupsJson.h"
 #include "LauncherCore/clipboard/ClipGroupsRuntime.h"
-#include "LauncherCore/text/Paths.h"
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/operations/StateFile.h"
 #include "launcherapp/platform/DirectoryWatcher.h"
@@ -23,14 +22,6 @@ namespace {
 
 constexpr std::size_t largestFile = std::size_t{4} << 20;
 constexpr Seconds settling{0.1}; ///< an editor saves in several steps
-
-/// The folders whose entries change when the file does: its own, and where a link leads.
-std::vector<std::string> foldersOf(const FileStore& files, const std::string& path) {
-    std::vector folders{std::string(Paths::parent(path))};
-    if (const auto real = files.realPath(path); real && Paths::parent(*real) != folders.front())
-        folders.emplace_back(Paths::parent(*real));
-    return folders;
-}
 
 constexpr std::string_view notParsed = "did not parse";
 constexpr std::string_view notRead = "could not be read";
@@ -135,7 +126,7 @@ ClipGroupStore::Removal ClipGroupStore::remove(std::string_view name) {
 
 void ClipGroupStore::follow(DirectoryWatcher& directories) {
     requireMainThread(services_.queue);
-    watch_ = directories.watch(foldersOf(services_.files, path_),
+    watch_ = directories.watch(StateFile::foldersOf(services_.files, path_),
                                Seconds{0},
                                [this](const DirectoryChanges&) { lookSoon(); });
 }

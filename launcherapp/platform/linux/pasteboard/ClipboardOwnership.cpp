@@ -28,7 +28,7 @@ void ClipboardOwnership::begin(const WriteRequest& request) {
             {.type = display_.atom(type), .name = type, .bytes = bytes});
     if (request.content.isSecret)
         claim_->content.items.push_back({.type = atoms_.passwordManagerHint,
-                                         .name = "x-kde-passwordManagerHint",
+                                         .name = std::string(passwordManagerHintName),
                                          .bytes = std::make_shared<const std::string>("secret")});
     askMoment();
 }

@@ -28,7 +28,7 @@ SelectionAtoms::SelectionAtoms(const X11Connection& display)
       multiple(display.atom("MULTIPLE")), timestamp(display.atom("TIMESTAMP")),
       saveTargets(display.atom("SAVE_TARGETS")), remove(display.atom("DELETE")),
       increments(display.atom("INCR")), atomPairs(display.atom("ATOM_PAIR")),
-      passwordManagerHint(display.atom("x-kde-passwordManagerHint")),
+      passwordManagerHint(display.atom(passwordManagerHintName)),
       transfer(display.atom("TESSARINE_TRANSFER")), moment(display.atom("TESSARINE_MOMENT")) {}
 
 // However many: one of the last may be the one that marks a secret.

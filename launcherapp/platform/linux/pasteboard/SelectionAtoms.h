@@ -3,11 +3,15 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tessarine {
 
 class X11Connection;
+
+/// Marks what no other program is to keep, with the content "secret".
+inline constexpr std::string_view passwordManagerHintName = "x-kde-passwordManagerHint";
 
 /// The names that programs use when they hand something over (ICCCM 2).
 struct SelectionAtoms {
