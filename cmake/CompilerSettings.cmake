@@ -14,10 +14,14 @@ set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
+    # What it asks for before it keeps what was compiled with precompiled headers.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${CCACHE}")
 endif()
 
-# Settings for a target of ours: tessarine_settings(target [CONVERSIONS])
+# Settings for a target of ours: tessarine_settings(target [CONVERSIONS] [TEST])
+# TEST is for programs that try ours: they are compiled often and run briefly, so they aren't
+# optimised, and undefined behaviour is looked for in what they try, not in themselves.
 function(tessarine_settings target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
@@ -34,8 +38,17 @@ function(tessarine_settings target)
     if(TESSARINE_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
+    set(sanitizers address,undefined)
+    if("TEST" IN_LIST ARGN)
+        set(sanitizers address)
+        target_compile_options(${target} PRIVATE -O0)
+        if(TESSARINE_PRECOMPILED_HEADERS)
+            target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+            target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+        endif()
+    endif()
     if(TESSARINE_SANITIZE)
-        target_compile_options(${target} PRIVATE -fsanitize=address,undefined -fno-sanitize-recover=all)
+        target_compile_options(${target} PRIVATE -g1 -fsanitize=${sanitizers} -fno-sanitize-recover=all)
         target_link_options(${target} PRIVATE -fsanitize=address,undefined)
     endif()
 endfunction()
