@@ -1,0 +1,36 @@
+# The code that speaks Wayland's protocols, made from their descriptions: one C library.
+find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
+pkg_get_variable(WAYLAND_PROTOCOLS wayland-protocols pkgdatadir)
+
+# Debian ships the descriptions of wlroots with a library of another language, in a folder that is
+# named after its version.
+file(GLOB wlrootsPlaces
+    /usr/share/wlr-protocols/unstable
+    /usr/share/cargo/registry/wayland-protocols-wlr-*/wlr-protocols/unstable
+    /usr/share/cargo/registry/wayland-protocols-*/wlr-protocols/unstable)
+
+# tessarine_wayland_protocols(target NAME...): a description is looked for in our own folder, in
+# wlroots' and in those of wayland-protocols.
+function(tessarine_wayland_protocols target)
+    set(made "${CMAKE_CURRENT_BINARY_DIR}/${target}")
+    file(MAKE_DIRECTORY "${made}")
+    foreach(name IN LISTS ARGN)
+        string(REGEX REPLACE "-(unstable-)?v[0-9]+$" "" family "${name}")
+        find_file(description_${name} "${name}.xml" NO_CACHE NO_DEFAULT_PATH REQUIRED PATHS
+            "${CMAKE_CURRENT_SOURCE_DIR}/platform/linux/wayland/protocols"
+            ${wlrootsPlaces}
+            "${WAYLAND_PROTOCOLS}/stable/${family}"
+            "${WAYLAND_PROTOCOLS}/staging/${family}"
+            "${WAYLAND_PROTOCOLS}/unstable/${family}")
+        set(description "${description_${name}}")
+        add_custom_command(
+            OUTPUT "${made}/${name}.h" "${made}/${name}.c"
+            COMMAND "${WAYLAND_SCANNER}" client-header "${description}" "${made}/${name}.h"
+            COMMAND "${WAYLAND_SCANNER}" private-code "${description}" "${made}/${name}.c"
+            DEPENDS "${description}" COMMENT "Describing ${name}" VERBATIM)
+        list(APPEND sources "${made}/${name}.c" "${made}/${name}.h")
+    endforeach()
+    add_library(${target} STATIC ${sources})
+    target_include_directories(${target} SYSTEM PUBLIC "${made}")
+    target_link_libraries(${target} PUBLIC PkgConfig::WAYLAND)
+endfunction()

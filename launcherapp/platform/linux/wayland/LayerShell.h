@@ -1,0 +1,6 @@
+#pragma once
+
+// One of the protocol's arguments has a name that C++ keeps for itself.
+#define namespace scope
+#include <wlr-layer-shell-unstable-v1.h>
+#undef namespace
