@@ -41,12 +41,6 @@ window.show_all()
 Gtk.main()
 )";
 
-std::string textOf(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 /// The program, beside an editor and whoever copies.
 class PanelClipboardTest : public PanelDesktop {
 protected:
@@ -54,22 +48,6 @@ protected:
         folder.write("/data/applications/editor.desktop",
                      "[Desktop Entry]\nType=Application\nName=Field Notes\nExec=/usr/bin/touch x\n"
                      "StartupWMClass=Editor.py\n");
-    }
-
-    ~PanelClipboardTest() override { endOthers(); }
-
-    /// Ends whoever has copied, and the editor.
-    void endOthers() const {
-        run("for process in $(cat " + processes +
-            " 2>/dev/null); do kill $process 2>/dev/null; "
-            "done; rm -f " +
-            processes);
-    }
-
-    /// Starts a program that goes on beside the test.
-    void launch(const std::string& command) const {
-        run("DISPLAY=" + environment.at("DISPLAY") + " " + command +
-            " >/dev/null 2>&1 & echo $! >> " + processes);
     }
 
     /// Copies in a program that goes on running until something else is copied.
@@ -81,28 +59,6 @@ protected:
 
     void copyFile(const std::string& path, const std::string& type) const {
         launch("xclip -quiet -selection clipboard -t '" + type + "' -i '" + path + "'");
-    }
-
-    std::string support(const std::string& name) const {
-        return folder.path("/home/.local/share/tessarine/" + name);
-    }
-
-    /// What the history's file holds, as it lies on disk; a null for no document.
-    nlohmann::json document() const {
-        return nlohmann::json::parse(textOf(support("clipboard.json")), nullptr, false);
-    }
-
-    std::vector<std::string> keptTexts() const {
-        const auto read = document();
-        std::vector<std::string> texts;
-        if (read.is_object())
-            for (const auto& entry : read.at("entries"))
-                texts.push_back(entry.at("text"));
-        return texts;
-    }
-
-    bool keeps(const std::vector<std::string>& texts) const {
-        return waitUntil(patience, [&] { return keptTexts() == texts; });
     }
 
     /// Pictures in the files of several formats, each number another one.
@@ -137,12 +93,6 @@ for number in range(int(sys.argv[2])):
         return waitUntil(patience, [&] { return written() == text; });
     }
 
-    /// Until the program watches what is copied.
-    void startWatching() {
-        start();
-        ASSERT_TRUE(becomes(1, "recording is on"));
-    }
-
     /// As another program gets it that pastes.
     std::string onTheClipboard(const std::string& type = "UTF8_STRING") const {
         run("DISPLAY=" + environment.at("DISPLAY") + " timeout 10 xclip -selection clipboard -t '" +
@@ -157,7 +107,6 @@ for number in range(int(sys.argv[2])):
     }
 
     static constexpr auto clipboardChord = "super+shift+v";
-    const std::string processes = folder.path("/processes");
 
 private:
     mutable int copies_ = 0;
@@ -217,7 +166,7 @@ TEST_F(PanelClipboardTest, picturesOfRealProgramsAreKeptAndComeBackWhole) {
     makePictures(1);
     startWatching();
     const auto countOf = [&](std::size_t index) {
-        const auto read = document();
+        const auto read = history();
         return read.is_object() && read.at("entries").size() > index
                    ? read.at("entries")[index].at("count").get<int>()
                    : 0;
@@ -299,7 +248,7 @@ TEST_F(PanelClipboardTest, killedInTheMiddleOfAStormItLosesNothingThatWasSaved) 
     };
     const auto ids = [&] {
         std::set<std::string> found;
-        if (const auto read = document(); read.is_object())
+        if (const auto read = history(); read.is_object())
             for (const auto& entry : read.at("entries"))
                 found.insert(entry.at("id"));
         return found;
@@ -320,7 +269,7 @@ TEST_F(PanelClipboardTest, killedInTheMiddleOfAStormItLosesNothingThatWasSaved) 
         } while (std::chrono::steady_clock::now() < end);
         ::kill(program->pid(), SIGKILL);
         program.reset();
-        ASSERT_TRUE(document().is_object() || saved.empty()) << "round " << round;
+        ASSERT_TRUE(history().is_object() || saved.empty()) << "round " << round;
         EXPECT_THAT(saved, IsSubsetOf(ids())) << "round " << round;
         saved.merge(ids());
     }
@@ -329,7 +278,7 @@ TEST_F(PanelClipboardTest, killedInTheMiddleOfAStormItLosesNothingThatWasSaved) 
     startWatching();
     EXPECT_EQ(clipGroups({"list"}).at("history_size"), saved.size());
     std::set<std::string> named;
-    const auto kept = document();
+    const auto kept = history();
     for (const auto& entry : kept.at("entries"))
         for (const auto* key : {"imageFile", "fullFile"})
             if (entry.contains(key))

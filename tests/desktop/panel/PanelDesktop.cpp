@@ -1,20 +1,10 @@
 #include "tests/desktop/panel/PanelDesktop.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
 
 namespace tessarine {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-std::string variable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
 
 template <typename Event> const Event& as(const void* event) {
     return *static_cast<const Event*>(event);
@@ -23,17 +13,8 @@ template <typename Event> const Event& as(const void* event) {
 } // namespace
 
 PanelDesktop::PanelDesktop()
-    : environment{{"HOME", folder.path("/home")},
-                  {"LC_ALL", "C.UTF-8"}, // the toolkit knows Compose and dead keys by the locale
-                  {"XDG_DATA_DIRS", folder.path("/data")},
-                  {"XDG_RUNTIME_DIR", folder.path("/runtime")},
-                  {"DISPLAY", variable("DISPLAY")},
-                  {"DBUS_SESSION_BUS_ADDRESS", variable("DBUS_SESSION_BUS_ADDRESS")}},
+    : ProgramOnDesktop({{"DISPLAY", variable("DISPLAY")}}),
       clipboard_(xcb_generate_id(neighbour.xcb())) {
-    install("zebra", "Zebra Writer");
-    install("zeal", "Zeal");
-    // A launcher that runs on this machine by chance, or another test's, must not decide the chord.
-    prefer(R"({"tookHotkeyDeliberately": true})");
     xcb_create_window(neighbour.xcb(),
                       XCB_COPY_FROM_PARENT,
                       clipboard_,
@@ -52,60 +33,14 @@ PanelDesktop::PanelDesktop()
 
 PanelDesktop::~PanelDesktop() = default;
 
-void PanelDesktop::install(const std::string& id, const std::string& name) const {
-    folder.write("/data/applications/" + id + ".desktop",
-                 "[Desktop Entry]\nType=Application\nIcon=x\nName=" + name +
-                     "\nExec=/usr/bin/touch " + folder.path("/started-" + id) + "\n");
-}
-
-bool PanelDesktop::started(const std::string& id) const {
-    return waitUntil(patience, [&] { return fs::exists(folder.path("/started-" + id)); });
-}
-
-bool PanelDesktop::hasStarted(const std::string& id) const {
-    return fs::remove(folder.path("/started-" + id));
-}
-
-void PanelDesktop::prefer(const std::string& json) const {
-    folder.write("/home/.config/tessarine/preferences.json", json);
-}
-
-void PanelDesktop::start(const std::string& invitation) {
-    fs::remove(logPath());
-    program = std::make_unique<Program>(std::vector<std::string>{}, environment);
-    ASSERT_TRUE(program->waitForError(invitation));
-    // The log is written a moment after, and begun anew: what is counted later is all of this run.
-    ASSERT_TRUE(becomes(1, " launched "));
-}
-
 void PanelDesktop::summon(const std::string& chord) {
     const int before = logged(shown);
     keys("key " + chord);
     ASSERT_TRUE(becomes(before + 1, shown));
 }
 
-void PanelDesktop::run(const std::string& command) {
-    ASSERT_EQ(std::system(command.c_str()), 0) << command;
-}
-
 void PanelDesktop::keys(const std::string& words) const {
     run("DISPLAY=" + environment.at("DISPLAY") + " xdotool " + words);
-}
-
-std::string PanelDesktop::logPath() const {
-    return folder.path("/home/.local/share/tessarine/tessarine.log");
-}
-
-int PanelDesktop::logged(const std::string& text) const {
-    std::ifstream log(logPath());
-    int count = 0;
-    for (std::string line; std::getline(log, line);)
-        count += line.find(text) != std::string::npos ? 1 : 0;
-    return count;
-}
-
-bool PanelDesktop::becomes(int count, const std::string& text) const {
-    return waitUntil(patience, [&] { return logged(text) == count; });
 }
 
 std::optional<X11Neighbour::Window> PanelDesktop::panelWindow() {
