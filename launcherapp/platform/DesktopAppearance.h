@@ -2,7 +2,9 @@
 
 #include "launcherapp/platform/Subscription.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace tessarine {
 
@@ -18,7 +20,7 @@ enum class Motion {
 };
 
 /// What the user's desktop is set to look like. Main thread only. What is not known yet, or not
-/// told on this desktop, reads as `none` and `full`; a question never waits.
+/// told on this desktop, reads as `none`, `full` and nothing; a question never waits.
 class DesktopAppearance {
 public:
     virtual ~DesktopAppearance() = default;
@@ -26,7 +28,10 @@ public:
     virtual ColorScheme colorScheme() const = 0;
     virtual Motion motion() const = 0;
 
-    /// Calls `changed` after either has changed.
+    /// The colour that the user wants to see used for what stands out: 0xRRGGBB.
+    virtual std::optional<std::uint32_t> accent() const = 0;
+
+    /// Calls `changed` after any of them has changed.
     virtual Subscription onChange(std::function<void()> changed) = 0;
 };
 

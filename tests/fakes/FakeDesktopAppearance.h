@@ -14,6 +14,8 @@ public:
 
     Motion motion() const override { return motion_; }
 
+    std::optional<std::uint32_t> accent() const override { return accent_; }
+
     Subscription onChange(std::function<void()> changed) override {
         return observers_.add(std::move(changed));
     }
@@ -24,7 +26,13 @@ public:
         observers_.tell();
     }
 
+    void setAccent(std::optional<std::uint32_t> accent) {
+        accent_ = accent;
+        observers_.tell();
+    }
+
 private:
+    std::optional<std::uint32_t> accent_;
     ColorScheme scheme_ = ColorScheme::none;
     Motion motion_ = Motion::full;
     Observers<> observers_;

@@ -106,6 +106,33 @@ TEST_F(AppearanceTest, isToldOnlyWhenAnotherPaletteHolds) {
     EXPECT_EQ(appearance.palette(), Palettes::palette(AppearancePreset::nocturne));
 }
 
+TEST_F(AppearanceTest, aPresetThatNobodyChoseWearsTheDesktopsAccent) {
+    const auto unchosen = services.prefs.preset.byDefault();
+    services.prefs.preset.set(unchosen);
+    desktop.set(ColorScheme::dark);
+    const int before = changes;
+    desktop.setAccent(0xFFB0C0);
+    EXPECT_EQ(changes, before + 1);
+    EXPECT_EQ(appearance.palette().accent, Color::fromRgb(0xFFB0C0)) << "it can be read as it is";
+    desktop.set(ColorScheme::light);
+    EXPECT_EQ(appearance.palette(), Palettes::palette(AppearancePreset::mint)) << "chosen";
+    desktop.set(ColorScheme::dark);
+    desktop.setAccent(std::nullopt);
+    EXPECT_EQ(appearance.palette(), Palettes::palette(unchosen));
+}
+
+TEST(PaletteAccent, whateverTheUserLikesCanBeRead) {
+    for (const auto preset : Palettes::presets()) {
+        for (std::uint32_t rgb = 0; rgb <= 0xFFFFFF; rgb += 0x123457) {
+            const auto accent = Color::fromRgb(rgb);
+            for (const auto& pair : Palettes::pairs(Palettes::withAccent(preset, accent)))
+                EXPECT_TRUE(pair.passes())
+                    << Palettes::name(preset) << " with " << rgb << ": " << pair.foreground
+                    << " on " << pair.background << ": " << pair.ratio;
+        }
+    }
+}
+
 TEST_F(AppearanceTest, anOverrideIsStoredNowhere) {
     int writes = 0;
     const auto watch = services.prefs.onChange([&](std::string_view) { ++writes; });

@@ -20,7 +20,7 @@ bool isOf(Palette::Tone tone, AppearancePreset preset) {
 
 Appearance::Appearance(Prefs& prefs, DesktopAppearance& desktop, Diagnostics& diagnostics)
     : prefs_(prefs), desktop_(desktop), diagnostics_(diagnostics), shown_(preset()),
-      prefsChanges_(prefs.onChange([this](std::string_view key) {
+      palette_(worn()), prefsChanges_(prefs.onChange([this](std::string_view key) {
           if (key == prefs_.preset.key())
               check(Palette::Tone::dark);
           if (key == prefs_.lightPreset.key())
@@ -74,8 +74,18 @@ Subscription Appearance::onChange(std::function<void()> changed) {
     return observers_.add(std::move(changed));
 }
 
+/// Whoever has chosen a preset has chosen its accent too.
+Palette Appearance::worn() const {
+    const auto accent = desktop_.accent();
+    const bool isDefault =
+        shown_ == prefs_.preset.byDefault() || shown_ == prefs_.lightPreset.byDefault();
+    return accent && isDefault && !override_ ? Palettes::withAccent(shown_, Color::fromRgb(*accent))
+                                             : Palettes::palette(shown_);
+}
+
 void Appearance::reconsider() {
-    if (std::exchange(shown_, preset()) != preset())
+    shown_ = preset();
+    if (const auto before = std::exchange(palette_, worn()); before != palette_)
         observers_.tell();
 }
 

@@ -25,7 +25,8 @@ public:
 
     AppearancePreset preset() const;
 
-    const Palette& palette() const { return Palettes::palette(preset()); }
+    /// That of the preset; the default ones wear the desktop's accent, where it tells one.
+    const Palette& palette() const { return palette_; }
 
     /// Shows another preset for as long as it is set: for pictures alone, it is stored nowhere.
     void setOverride(std::optional<AppearancePreset> preset);
@@ -36,6 +37,7 @@ public:
 private:
     AppearancePreset chosen(Palette::Tone tone) const;
     void check(Palette::Tone tone);
+    Palette worn() const;
     void reconsider();
 
     const Prefs& prefs_;
@@ -43,6 +45,7 @@ private:
     Diagnostics& diagnostics_;
     std::optional<AppearancePreset> override_;
     AppearancePreset shown_;
+    Palette palette_;
     Subscription prefsChanges_;
     Subscription desktopChanges_;
     Observers<> observers_;

@@ -149,6 +149,21 @@ const Palette& Palettes::palette(AppearancePreset preset) {
     return palettes[static_cast<std::size_t>(preset)];
 }
 
+Palette Palettes::withAccent(AppearancePreset preset, Color accent) {
+    auto seed = seeds[static_cast<std::size_t>(preset)];
+    const auto text = Color::fromRgb(seed.text);
+    constexpr int steps = 20;
+    for (int step = 0; step < steps; ++step) {
+        const auto nearer = between(accent, text, static_cast<double>(step) / steps);
+        seed.accent =
+            static_cast<std::uint32_t>(nearer.red << 16 | nearer.green << 8 | nearer.blue);
+        const auto result = made(seed);
+        if (std::ranges::all_of(pairs(result), &Pair::passes))
+            return result;
+    }
+    return palette(preset);
+}
+
 std::string_view Palettes::name(AppearancePreset preset) {
     return StoredNames<AppearancePreset>::names[static_cast<std::size_t>(preset)];
 }

@@ -62,6 +62,10 @@ std::span<const AppearancePreset> presets();
 
 const Palette& palette(AppearancePreset preset);
 
+/// The preset with another accent, as far towards its text's colour as it takes to read what is
+/// drawn in it and on it.
+Palette withAccent(AppearancePreset preset, Color accent);
+
 /// As stored and as `--skin` takes it: "ink".
 std::string_view name(AppearancePreset preset);
 

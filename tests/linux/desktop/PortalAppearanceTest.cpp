@@ -79,7 +79,7 @@ TEST(PortalAppearance, readsTheDesktopAndFollowsIt) {
     ASSERT_TRUE(spinUntil([&] { return changes == 2; }));
     EXPECT_EQ(desktop.colorScheme(), ColorScheme::light);
 
-    portal.change(appearance, QStringLiteral("accent-color"), 2U); // none of ours
+    portal.change(appearance, QStringLiteral("contrast"), 1U); // none of ours
     portal.change(
         QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("enable-animations"), false);
     ASSERT_TRUE(spinUntil([&] { return changes == 3; }));
@@ -88,6 +88,38 @@ TEST(PortalAppearance, readsTheDesktopAndFollowsIt) {
     portal.change(appearance, QStringLiteral("color-scheme"), 77U); // of a later portal
     ASSERT_TRUE(spinUntil([&] { return changes == 4; }));
     EXPECT_EQ(desktop.colorScheme(), ColorScheme::none);
+}
+
+TEST(PortalAppearance, theAccentIsThreePartsOfOne) {
+    Portal portal;
+    ASSERT_TRUE(portal.owns);
+    PortalAppearance desktop;
+    ASSERT_TRUE(spinUntil([&] { return portal.asked == 1; }));
+    const auto color = [](double red, double green, double blue) {
+        QDBusArgument structure;
+        structure.beginStructure();
+        structure << red << green << blue;
+        structure.endStructure();
+        return QVariant::fromValue(structure);
+    };
+
+    const struct {
+        QVariant value;
+        std::optional<std::uint32_t> accent;
+        const char* reason;
+    } cases[] = {
+        {color(0.2, 1, 0), 0x33FF00, "a colour"},
+        {color(-1, -1, -1), std::nullopt, "a user without one"},
+        {color(0, 0, 1), 0x0000FF, "another"},
+        {color(0, 0, 255), std::nullopt, "no part of one"},
+        {color(1, 0, 0), 0xFF0000, "a third"},
+        {QStringLiteral("blue"), std::nullopt, "a word"},
+    };
+
+    for (const auto& [value, accent, reason] : cases) {
+        portal.change(appearance, QStringLiteral("accent-color"), value);
+        EXPECT_TRUE(spinUntil([&] { return desktop.accent() == accent; })) << reason;
+    }
 }
 
 TEST(PortalAppearance, anAnswerOfAnotherShapeIsNoAnswer) {

@@ -13,6 +13,9 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
+#include <array>
+#include <cmath>
+#include <tuple>
 #include <utility>
 
 namespace tessarine {
@@ -25,10 +28,33 @@ const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 const auto appearance = QStringLiteral("org.freedesktop.appearance");
 const auto colorSchemeKey = QStringLiteral("color-scheme");
+const auto accentKey = QStringLiteral("accent-color");
 const auto reducedMotionKey = QStringLiteral("reduced-motion");
 // Portals older than the key above pass on GNOME's own, which other desktops have copied.
 const auto gnomeInterface = QStringLiteral("org.gnome.desktop.interface");
 const auto animationsKey = QStringLiteral("enable-animations");
+
+/// Three parts of sRGB, each from 0 to 1; the portal asks that any other number be taken for no
+/// colour at all.
+std::optional<std::uint32_t> colorIn(const QVariant& value) {
+    if (value.userType() != qMetaTypeId<QDBusArgument>())
+        return std::nullopt;
+    const auto structure = value.value<QDBusArgument>();
+    if (structure.currentSignature() != QLatin1String("(ddd)"))
+        return std::nullopt;
+    std::array<double, 3> parts{};
+    structure.beginStructure();
+    for (auto& part : parts)
+        structure >> part;
+    structure.endStructure();
+    std::uint32_t color = 0;
+    for (const double part : parts) {
+        if (!(part >= 0 && part <= 1))
+            return std::nullopt;
+        color = color << 8 | static_cast<std::uint32_t>(std::lround(part * 255));
+    }
+    return color;
+}
 
 using Settings = QMap<QString, QVariantMap>;
 
@@ -76,18 +102,23 @@ void PortalAppearance::Listener::answered(QDBusPendingCallWatcher* watcher) {
 void PortalAppearance::Listener::note(const QString& group,
                                       const QString& key,
                                       const QVariant& value) {
-    const auto before = std::pair(owner_.colorScheme_, owner_.motion_);
+    const auto all = [this] {
+        return std::tuple(owner_.colorScheme_, owner_.motion_, owner_.accent_);
+    };
+    const auto before = all();
     if (group == appearance && key == colorSchemeKey) {
         const auto scheme = value.toUInt();
         owner_.colorScheme_ = scheme == 1   ? ColorScheme::dark
                               : scheme == 2 ? ColorScheme::light
                                             : ColorScheme::none;
+    } else if (group == appearance && key == accentKey) {
+        owner_.accent_ = colorIn(value);
     } else if (group == appearance && key == reducedMotionKey) {
         owner_.motion_ = value.toUInt() == 1 ? Motion::reduced : Motion::full;
     } else if (group == gnomeInterface && key == animationsKey) {
         owner_.motion_ = value.toBool() ? Motion::full : Motion::reduced;
     }
-    if (before != std::pair(owner_.colorScheme_, owner_.motion_))
+    if (before != all())
         owner_.observers_.tell();
 }
 

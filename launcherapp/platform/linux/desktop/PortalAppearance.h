@@ -22,6 +22,8 @@ public:
 
     Motion motion() const override { return motion_; }
 
+    std::optional<std::uint32_t> accent() const override { return accent_; }
+
     Subscription onChange(std::function<void()> changed) override;
 
 private:
@@ -29,6 +31,7 @@ private:
 
     ColorScheme colorScheme_ = ColorScheme::none;
     Motion motion_ = Motion::full;
+    std::optional<std::uint32_t> accent_;
     Observers<> observers_;
     std::function<void(const std::string&)> problem_;
     std::unique_ptr<Listener> listener_;
