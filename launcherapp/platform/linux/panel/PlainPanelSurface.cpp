@@ -1,9 +1,9 @@
 #include "launcherapp/platform/linux/panel/PlainPanelSurface.h"
 
 #include "launcherapp/platform/linux/panel/QtGeometry.h"
+#include "launcherapp/platform/linux/panel/QtScreens.h"
 
 #include <QGuiApplication>
-#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <utility>
@@ -74,13 +74,7 @@ bool PlainPanelSurface::mixes() const {
 }
 
 std::vector<Screen> PlainPanelSurface::screens() const {
-    std::vector<Screen> result;
-    for (const auto* screen : QGuiApplication::screens())
-        result.push_back({.name = screen->name().toStdString(),
-                          .frame = QtGeometry::rectangle(screen->geometry()),
-                          .workArea = QtGeometry::rectangle(screen->availableGeometry()),
-                          .isMain = screen == QGuiApplication::primaryScreen()});
-    return result;
+    return qtScreens();
 }
 
 std::optional<Point> PlainPanelSurface::pointer() const {
