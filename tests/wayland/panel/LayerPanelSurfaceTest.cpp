@@ -2,18 +2,26 @@
 
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
+#include "tests/fakes/RectanglePrinting.h"
 #include "tests/linux/EventLoop.h"
 #include "tests/wayland/TestKeyboard.h"
+#include "tests/wayland/TestPointer.h"
+#include "tests/wayland/panel/SwayDesktop.h"
+#include "tests/wayland/panel/Terminal.h"
 
 #include <gmock/gmock.h>
-#include <linux/input-event-codes.h>
 
 #include <QLineEdit>
-#include <QProcess>
 #include <QVBoxLayout>
+#include <csignal>
+#include <linux/input-event-codes.h>
 
 namespace tessarine {
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Rectangle place{.x = 300, .y = 200, .width = 400, .height = 200};
 
 class LayerPanelSurfaceTest : public testing::Test {
 protected:
@@ -22,20 +30,36 @@ protected:
         layout->addWidget(&field);
         widget.setStyleSheet(QStringLiteral("background: #ffeecc"));
         window.setEvents({.lostKeyboard = [this] { ++losses; },
+                          .moved = [this](Rectangle to) { moves.push_back(to); },
                           .painted = [this] { ++paints; },
                           .screensChanged = [this] { ++screenChanges; }});
         window.keyArrives = [this](std::uint32_t code) { arrived.push_back(code); };
-        window.setFrame({.x = 300, .y = 200, .width = 400, .height = 200});
+        window.setFrame(place);
+        moves.clear();
     }
 
     void TearDown() override { window.hide(); }
 
+    void showAndWait() {
+        const int before = paints;
+        window.show();
+        ASSERT_TRUE(spinUntil([&] { return paints > before; }));
+        ASSERT_TRUE(window.hasKeyboard());
+    }
+
     std::string typed() { return field.text().toStdString(); }
 
+    /// Where the panel's background is to be seen.
+    static std::optional<Rectangle> seen() {
+        return extent(screenshot(), QColor(QStringLiteral("#ffeecc")));
+    }
+
     TestKeyboard keyboard;
+    TestPointer pointer;
     int losses = 0;
     int paints = 0;
     int screenChanges = 0;
+    std::vector<Rectangle> moves;
     std::vector<std::uint32_t> arrived;
     QWidget widget;
     QLineEdit field;
@@ -53,7 +77,6 @@ TEST_F(LayerPanelSurfaceTest, takesKeysThatAreTypedBlindRightAfterTheShow) {
         EXPECT_EQ(paints, before + 1);
         EXPECT_EQ(arrived.size(), text.size());
         EXPECT_EQ(arrived.front(), KEY_F + 8U);
-        QProcess::execute(QStringLiteral("grim"), {QStringLiteral("/tmp/hP.png")});
         window.hide();
         EXPECT_FALSE(window.isVisible());
         EXPECT_FALSE(window.hasKeyboard());
@@ -61,6 +84,108 @@ TEST_F(LayerPanelSurfaceTest, takesKeysThatAreTypedBlindRightAfterTheShow) {
         arrived.clear();
     }
     EXPECT_EQ(losses, 0);
+}
+
+TEST_F(LayerPanelSurfaceTest, givesTheKeysBackToTheWindowThatHadThem) {
+    const Terminal terminal;
+    ASSERT_TRUE(terminal.waitUntilUp());
+    ASSERT_TRUE(waitForFocus("foot"));
+    std::string lines;
+    for (const std::string text : {"one", "two"}) {
+        SCOPED_TRACE(text);
+        showAndWait();
+        keyboard.type("panel");
+        EXPECT_TRUE(spinUntil([&] { return typed() == "panel"; }));
+        window.hide();
+        keyboard.type(text + "\n"); // at once: who pastes does not wait either
+        lines += text + "\n";
+        EXPECT_TRUE(spinUntil([&] { return terminal.lines() == lines; })) << terminal.lines();
+        field.clear();
+    }
+    EXPECT_EQ(losses, 0);
+}
+
+TEST_F(LayerPanelSurfaceTest, standsWhereItIsPutAndGrowsWithoutAJump) {
+    widget.setContentsMargins(20, 20, 20, 20);
+    window.setFrame(place);
+    showAndWait();
+    EXPECT_EQ(window.displayedHeight(), place.height);
+    auto taller = place;
+    taller.height = 350;
+    window.setFrame(taller);
+    const Rectangle withShadow{.x = 280, .y = 180, .width = 440, .height = 390};
+    EXPECT_TRUE(spinUntil([&] { return seen() == withShadow; })) << testing::PrintToString(seen());
+    taller.x = 100;
+    window.setFrame(taller);
+    EXPECT_TRUE(spinUntil([&] { return seen() && seen()->x == 80; }));
+    EXPECT_TRUE(window.hasKeyboard());
+    EXPECT_EQ(losses, 0);
+}
+
+TEST_F(LayerPanelSurfaceTest, isDraggedByItsBackground) {
+    showAndWait();
+    spinFor(100); // what catches the clicks outside has come up
+    pointer.move(320, 220);
+    pointer.press();
+    for (const int step : {20, 40, 60, 80}) {
+        pointer.move(320 + step, 220 + step / 2);
+        spinFor(20);
+    }
+    pointer.release();
+    ASSERT_TRUE(spinUntil([&] { return !moves.empty(); }));
+    EXPECT_EQ(moves.back(), (Rectangle{.x = 380, .y = 240, .width = 400, .height = 200}));
+    EXPECT_TRUE(spinUntil([&] { return seen() == moves.back(); })) << testing::PrintToString(seen());
+    EXPECT_EQ(losses, 0);
+}
+
+TEST_F(LayerPanelSurfaceTest, aClickOutsideTakesItAwayAndOneInsideDoesNot) {
+    showAndWait();
+    spinFor(100); // what catches the clicks outside has come up
+    pointer.click(500, 250);
+    spinFor(100);
+    EXPECT_EQ(losses, 0);
+    pointer.click(100, 700);
+    EXPECT_TRUE(spinUntil([&] { return losses == 1; }));
+}
+
+TEST_F(LayerPanelSurfaceTest, isGoneWithItsOutputAndComesUpOnTheOther) {
+    ASSERT_TRUE(sway("create_output"));
+    ASSERT_TRUE(spinUntil([&] { return window.screens().size() == 2; }));
+    spinUntil([&] { return window.screens()[1].frame.width > 0; });
+    ASSERT_TRUE(sway("focus output HEADLESS-2"));
+    const auto active = window.pointer();
+    ASSERT_TRUE(active);
+    const auto screens = window.screens();
+    const auto other = std::ranges::find(screens, "HEADLESS-2", &Screen::name);
+    ASSERT_NE(other, screens.end());
+    EXPECT_TRUE(other->frame.contains(*active));
+    auto there = place;
+    there.x += other->frame.x;
+    window.setFrame(there);
+    showAndWait();
+    const int before = screenChanges;
+    ASSERT_TRUE(sway("output HEADLESS-2 disable"));
+    EXPECT_TRUE(spinUntil([&] { return losses == 1 && screenChanges > before; }));
+    EXPECT_EQ(window.displayedHeight(), std::nullopt);
+    window.hide();
+    EXPECT_TRUE(spinUntil([&] { return window.screens().size() == 1; }));
+    window.setFrame(place);
+    showAndWait();
+    keyboard.type("x");
+    EXPECT_TRUE(spinUntil([&] { return typed() == "x"; }));
+}
+
+TEST_F(LayerPanelSurfaceTest, aCompositorThatStandsStillCostsAMomentAndNoMore) {
+    const auto process = qEnvironmentVariableIntValue("COMPOSITOR_PROCESS");
+    ASSERT_EQ(::kill(process, SIGSTOP), 0);
+    const auto begun = std::chrono::steady_clock::now();
+    window.show();
+    window.hide();
+    const auto took = std::chrono::steady_clock::now() - begun;
+    ::kill(process, SIGCONT);
+    EXPECT_LT(took, 1s);
+    EXPECT_FALSE(window.isVisible());
+    showAndWait();
 }
 
 } // namespace

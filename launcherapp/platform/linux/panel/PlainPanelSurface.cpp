@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/linux/panel/QtGeometry.h"
 #include "launcherapp/platform/linux/panel/QtScreens.h"
+#include "launcherapp/platform/linux/panel/wayland/QtWayland.h"
 
 #include <QGuiApplication>
 #include <QWidget>
@@ -21,7 +22,11 @@ void PlainPanelSurface::prepare(QWidget& widget, Events events) {
 }
 
 void PlainPanelSurface::setFrame(const Rectangle& frame) {
-    widget_->setGeometry(QtGeometry::rounded(frame));
+    const auto rect = QtGeometry::rounded(frame);
+    // Tiling compositors let a window float whose size can't change.
+    if (QtWayland::isThere())
+        widget_->setFixedSize(rect.size());
+    widget_->setGeometry(rect);
 }
 
 void PlainPanelSurface::show() {
