@@ -11,8 +11,9 @@ namespace tessarine {
 class Terminal {
 public:
     Terminal() {
-        const auto script = "touch " + folder_.path("/up") + "; while read -r line; do echo \"$line\" >>" +
-                            folder_.path("/lines") + "; done";
+        const auto script = "touch " + folder_.path("/up") +
+                            "; while read -r line; do echo \"$line\" >>" + folder_.path("/lines") +
+                            "; done";
         process_.start(QStringLiteral("foot"),
                        {QStringLiteral("--override=font=monospace:size=10"),
                         QStringLiteral("sh"),
