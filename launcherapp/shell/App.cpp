@@ -249,6 +249,7 @@ void App::Parts::makeServices() {
                                       .work = doors.work,
                                       .diagnostics = diagnostics,
                                       .windows = *doors.windows,
+                                      .tokens = *doors.tokens,
                                       .pasteText =
                                           [this](std::function<void(std::string)> got) {
                                               clipboard->readText(std::move(got));
