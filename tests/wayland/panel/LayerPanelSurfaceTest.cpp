@@ -122,6 +122,22 @@ TEST_F(LayerPanelSurfaceTest, standsWhereItIsPutAndGrowsWithoutAJump) {
     EXPECT_EQ(losses, 0);
 }
 
+TEST_F(LayerPanelSurfaceTest, isDraggedByItsBackground) {
+    showAndWait();
+    spinFor(100); // what catches the clicks outside has come up
+    pointer.move(320, 220);
+    pointer.press();
+    for (const int step : {20, 40, 60, 80}) {
+        pointer.move(320 + step, 220 + step / 2);
+        spinFor(20);
+    }
+    pointer.release();
+    ASSERT_TRUE(spinUntil([&] { return !moves.empty(); }));
+    EXPECT_EQ(moves.back(), (Rectangle{.x = 380, .y = 240, .width = 400, .height = 200}));
+    EXPECT_TRUE(spinUntil([&] { return seen() == moves.back(); }));
+    EXPECT_EQ(losses, 0);
+}
+
 TEST_F(LayerPanelSurfaceTest, aClickOutsideTakesItAwayAndOneInsideDoesNot) {
     showAndWait();
     spinFor(100); // what catches the clicks outside has come up
@@ -143,6 +159,25 @@ TEST_F(LayerPanelSurfaceTest, aCompositorThatStandsStillCostsAMomentAndNoMore) {
     EXPECT_LT(took, 1s);
     EXPECT_FALSE(window.isVisible());
     showAndWait();
+}
+
+/// Sharpness is for the eye; this is the size.
+TEST_F(LayerPanelSurfaceTest, hasItsSizeAtAFractionalScale) {
+    ASSERT_TRUE(sway("output HEADLESS-1 scale 1.5"));
+    ASSERT_TRUE(spinUntil([&] { return window.screens().front().frame.width < 1000; }));
+    window.setFrame({.x = 100, .y = 100, .width = 400, .height = 200});
+    showAndWait();
+    EXPECT_EQ(window.displayedHeight(), 200);
+    const auto pixels = seen();
+    ASSERT_TRUE(pixels);
+    // The picture of the screen is cut to whole logical pixels, and may lose a row by that.
+    EXPECT_NEAR(pixels->x, 150, 1);
+    EXPECT_NEAR(pixels->y, 150, 1);
+    EXPECT_NEAR(pixels->width, 600, 1);
+    EXPECT_NEAR(pixels->height, 300, 1);
+    window.hide();
+    sway("output HEADLESS-1 scale 1");
+    EXPECT_TRUE(spinUntil([&] { return window.screens().front().frame.width == 1280; }));
 }
 
 /// On the two outputs of with-nested-sway.

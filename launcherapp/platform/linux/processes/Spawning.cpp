@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/processes/Spawning.h"
 
 #include "launcherapp/platform/linux/processes/OwnVariables.h"
+
 #include <fmt/format.h>
 
 #include <QFileInfo>

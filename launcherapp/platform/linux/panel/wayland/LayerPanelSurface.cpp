@@ -65,7 +65,13 @@ void LayerPanelSurface::prepare(QWidget& widget, Events events) {
 
 void LayerPanelSurface::setFrame(const Rectangle& frame) {
     frame_ = frame;
-    widget_->setGeometry(QtGeometry::rounded(frame));
+    const auto rect = QtGeometry::rounded(frame);
+    // While a button is down, wlroots tells where the pointer is in the surface as if the surface
+    // stood where it was pressed; Qt's window stands there too, then, and a drag adds up.
+    if (role_ && QGuiApplication::mouseButtons() != Qt::NoButton)
+        widget_->resize(rect.size());
+    else
+        widget_->setGeometry(rect);
     if (role_)
         putInPlace();
 }
@@ -79,7 +85,7 @@ void LayerPanelSurface::show() {
     widget_->show();
     drawNow();
     // Told in one go with the drawing, so that keys and whoever asks find it so.
-    connection_.roundTrip();
+    hasFirstFrame_ = connection_.roundTrip();
     hadKeyboard_ = hasKeyboard();
     QMetaObject::invokeMethod(
         &lifetime_, [this] { watchOutside(); }, Qt::QueuedConnection);
@@ -167,6 +173,7 @@ void LayerPanelSurface::watchOutside() {
 
 void LayerPanelSurface::hide() {
     hadKeyboard_ = false;
+    hasFirstFrame_ = false;
     outside_.clear();
     // Before its surface, which goes with the window.
     const bool wasUp = std::exchange(role_, nullptr) != nullptr;
@@ -206,6 +213,8 @@ void LayerPanelSurface::loseLater() {
 }
 
 void LayerPanelSurface::finishDrawing() {
+    if (std::exchange(hasFirstFrame_, false))
+        return;
     // Requests are carried out in their order, so an answer comes after what was drawn.
     connection_.roundTrip();
 }

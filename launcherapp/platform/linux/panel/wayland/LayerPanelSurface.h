@@ -69,8 +69,9 @@ private:
     QPointer<QScreen> screen_; ///< that it is up on
     Events events_;
     Rectangle frame_;
-    bool hadKeyboard_ = false; ///< since it came up
-    QObject lifetime_;         ///< of what is posted
+    bool hadKeyboard_ = false;   ///< since it came up
+    bool hasFirstFrame_ = false; ///< the compositor has it, and nobody has asked yet
+    QObject lifetime_;           ///< of what is posted
 };
 
 } // namespace tessarine
