@@ -1,6 +1,7 @@
 // What a warm show takes from the call until the panel is drawn, as the program itself counts it on
 // every use, to more digits than its log has. Run on a display, whose round trips are part of it.
-// Bar: 2 ms in the median. An empty window that is shown and drawn goes before it, as the limit.
+// Bar: 2 ms in the median on X11; on Wayland 6 ms until the compositor has the first frame. An
+// empty window that is shown and drawn goes before it, as the limit.
 
 #include "benchmarks/StolenTime.h"
 #include "launcherapp/operations/Diagnostics.h"
@@ -9,9 +10,13 @@
 #include "launcherapp/panel/PanelController.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/platform/linux/desktop/NoWindowList.h"
+#include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/desktop/X11WindowList.h"
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
+#include "launcherapp/platform/linux/panel/wayland/QtWayland.h"
+#include "launcherapp/platform/linux/processes/ProcessEnvironment.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "tests/fakes/FakeChords.h"
 #include "tests/panel/FakePanelServices.h"
@@ -21,6 +26,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -31,15 +37,26 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr int rounds = 200;
-constexpr double medianBar = 2; ///< milliseconds
-constexpr auto rest = 20ms;     ///< after each step, so that nothing of it is left to the next
+
+/// Milliseconds.
+double medianBar() {
+    return QtWayland::isThere() ? 6 : 2;
+}
+
+std::unique_ptr<WindowList> windowList() {
+    if (QtWayland::isThere())
+        return std::make_unique<NoWindowList>("the bench asks for none");
+    return std::make_unique<X11WindowList>();
+}
+
+constexpr auto rest = 20ms; ///< after each step, so that nothing of it is left to the next
 
 /// The panel over a real window, everything else in memory.
 struct Panel : FakePanelServices {
     QtMainQueue queue;
     LauncherPanel panel{view()};
     QtPanelWindow window{panel, panel.field(), makePanelSurface()};
-    X11WindowList windows;
+    std::unique_ptr<WindowList> windows = windowList();
     FakeChords chords{services.diagnostics};
     StageMarks stages;
     Updater updater;
@@ -48,7 +65,7 @@ struct Panel : FakePanelServices {
                                 .prefs = services.prefs,
                                 .model = model,
                                 .window = window,
-                                .windows = windows,
+                                .windows = *windows,
                                 .hotkey = chords.hotkey,
                                 .stages = stages,
                                 .updater = updater}};
@@ -139,17 +156,18 @@ bool run() {
     runFor(rest);
     const auto median = measure("inside show, warm", [&] { return showOnce(panel); });
     if (median)
-        std::printf("of the bar %.2f\n", *median / medianBar);
-    return median && *median <= medianBar;
+        std::printf("of the bar %.2f\n", *median / medianBar());
+    return median && *median <= medianBar();
 }
 
 } // namespace
 } // namespace tessarine
 
 int main(int argc, char** argv) {
-    const QApplication application(argc, argv);
-    if (QGuiApplication::platformName() != QStringLiteral("xcb")) {
-        std::puts("NOT MEASURED: there is no X11 display");
+    const auto application = tessarine::makeQtApplication(
+        argc, argv, tessarine::QtSurface::windows, tessarine::processEnvironment());
+    if (!qobject_cast<QApplication*>(application.get())) {
+        std::puts("NOT MEASURED: there is no display");
         return 2;
     }
     return tessarine::run() ? 0 : 1;

@@ -2,8 +2,6 @@
 
 #include "LauncherCore/catalog/LaunchPlan.h"
 
-#include <fmt/format.h>
-
 #include <memory>
 #include <utility>
 
@@ -12,16 +10,17 @@ namespace tessarine {
 /// What is left to try once the bus has failed, or from the start.
 struct AppLauncher::Attempt {
     LaunchPlan plan;
-    std::string name;      ///< for the session's process manager
-    std::string startupID; ///< empty where windows can't be told by one
+    std::string name;  ///< for the session's process manager
+    std::string token; ///< empty where the desktop gives none
 };
 
 AppLauncher::AppLauncher(MainQueue& queue,
                          ProcessLauncher& processes,
                          ApplicationBus& bus,
+                         ActivationTokens& tokens,
                          const Environment& environment)
-    : queue_(queue), processes_(processes), bus_(bus), terminalVariable_(environment.terminal),
-      hasX11_(environment.hasX11) {}
+    : queue_(queue), processes_(processes), bus_(bus), tokens_(tokens),
+      terminalVariable_(environment.terminal) {}
 
 void AppLauncher::launch(const InstalledApp& application,
                          const std::vector<std::string>& uris,
@@ -34,14 +33,14 @@ void AppLauncher::launch(const InstalledApp& application,
         });
     const Attempt attempt{.plan = LaunchPlans::plan(application, uris, terminal),
                           .name = application.bundleID,
-                          .startupID = nextStartupID(activation)};
+                          .token = tokens_.take(activation).value_or("")};
     if (!attempt.plan.busName) {
         queue_.post([this, attempt, done = std::move(done)] { done(startCommands(attempt)); });
         return;
     }
     bus_.activate({.busName = *attempt.plan.busName,
                    .uris = attempt.plan.uris,
-                   .activationToken = attempt.startupID},
+                   .activationToken = attempt.token},
                   busTimeout,
                   [this, attempt, done = std::move(done)](std::optional<std::string> problem) {
                       if (problem && !attempt.plan.commands.empty())
@@ -54,8 +53,11 @@ std::optional<std::string> AppLauncher::startCommands(const Attempt& attempt) {
     if (!attempt.plan.problem.empty())
         return attempt.plan.problem;
     ProcessSpec spec{.workingDirectory = attempt.plan.workingDirectory, .name = attempt.name};
-    if (!attempt.startupID.empty())
-        spec.environment["DESKTOP_STARTUP_ID"] = attempt.startupID;
+    // Which of the two a program reads is its toolkit's affair, not the desktop's.
+    for (const auto* variable : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"}) {
+        if (!attempt.token.empty())
+            spec.environment[variable] = attempt.token;
+    }
     std::optional<std::string> problem;
     for (const auto& command : attempt.plan.commands) {
         spec.arguments = command;
@@ -67,18 +69,6 @@ std::optional<std::string> AppLauncher::startCommands(const Attempt& attempt) {
         }
     }
     return problem;
-}
-
-std::string AppLauncher::nextStartupID(Activation activation) {
-    if (!hasX11_)
-        return {};
-    // The time tells the window manager that the user asked just now, so that the window may take
-    // the focus; zero that it may not. X servers count it in milliseconds of the same clock.
-    const auto milliseconds =
-        std::chrono::duration_cast<std::chrono::milliseconds>(queue_.uptime()).count();
-    const auto serverTime =
-        activation == Activation::foreground ? static_cast<std::uint32_t>(milliseconds) : 0;
-    return fmt::format("tessarine-{}-{}_TIME{}", milliseconds, ++launches_, serverTime);
 }
 
 } // namespace tessarine

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "LauncherCore/catalog/AppRegistry.h"
+#include "launcherapp/platform/ActivationTokens.h"
 #include "launcherapp/platform/ApplicationBus.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/ProcessLauncher.h"
 
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -21,16 +21,17 @@ public:
     /// How long an application may take to answer on the bus before its Exec key is used.
     static constexpr Seconds busTimeout{5.0};
 
-    /// Whether what starts is to come to the front.
-    enum class Activation { foreground, background };
+    using Activation = tessarine::Activation;
 
     AppLauncher(MainQueue& queue,
                 ProcessLauncher& processes,
                 ApplicationBus& bus,
+                ActivationTokens& tokens,
                 const Environment& environment);
 
     /// Starts `application`, opening `uris` (file URIs and URLs; none just starts it). `done` is
-    /// called once, later, with nothing on success, else with the problem in words.
+    /// called once, later, with nothing on success, else with the problem in words. Its window
+    /// comes to the front by the token that was prepared before the panel went away.
     void launch(const InstalledApp& application,
                 const std::vector<std::string>& uris,
                 std::function<void(std::optional<std::string> problem)> done,
@@ -39,14 +40,12 @@ public:
 private:
     struct Attempt;
     std::optional<std::string> startCommands(const Attempt& attempt);
-    std::string nextStartupID(Activation activation);
 
     MainQueue& queue_;
     ProcessLauncher& processes_;
     ApplicationBus& bus_;
+    ActivationTokens& tokens_;
     std::string terminalVariable_;
-    bool hasX11_;
-    std::uint64_t launches_ = 0;
 };
 
 } // namespace tessarine

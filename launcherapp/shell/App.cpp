@@ -4,6 +4,7 @@
 #include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/modes/RenderModes.h"
 #include "launcherapp/platform/linux/desktop/DesktopApplication.h"
+#include "launcherapp/platform/linux/desktop/LostDisplay.h"
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/files/RunFolder.h"
@@ -102,6 +103,7 @@ public:
     Parts(CommandLine arguments, Environment startEnvironment, Seconds launched);
 
     StartUp::Hooks hooks();
+    void outliveDisplay(char** argv);
     int end(int status);
 
 private:
@@ -143,6 +145,7 @@ private:
     std::optional<CommandModeServices> running;
     std::optional<ClipboardModeServices> copying;
     std::optional<ModeContext> modes;
+    std::optional<LostDisplay> loss;
 };
 
 App::Parts::Parts(CommandLine arguments, Environment startEnvironment, Seconds launched)
@@ -249,6 +252,7 @@ void App::Parts::makeServices() {
                                       .work = doors.work,
                                       .diagnostics = diagnostics,
                                       .windows = *doors.windows,
+                                      .tokens = *doors.tokens,
                                       .pasteText =
                                           [this](std::function<void(std::string)> got) {
                                               clipboard->readText(std::move(got));
@@ -412,6 +416,15 @@ void App::Parts::scheduleModes() {
     Modes::schedule(*modes);
 }
 
+void App::Parts::outliveDisplay(char** argv) {
+    if (!isResident || !presence)
+        return;
+    loss.emplace(argv, [this] {
+        diagnostics.log("the display is gone: starting anew, to wait for it");
+        end(1);
+    });
+}
+
 /// Saves and log lines that wait use services that go before the queues do, so they are done first.
 /// A walk of a slow disk or a scan is not waited for: it only makes what the next start makes anew.
 int App::Parts::end(int status) {
@@ -433,9 +446,10 @@ App::App(CommandLine commandLine, Environment environment, Seconds launchedAt)
 
 App::~App() = default;
 
-int App::run() {
+int App::run(char** argv) {
     const EndSignals signals([] { QCoreApplication::exit(0); });
     StartUp::run(parts_->hooks());
+    parts_->outliveDisplay(argv);
     const int status = QCoreApplication::exec();
     return parts_->end(status);
 }

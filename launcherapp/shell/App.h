@@ -20,7 +20,9 @@ public:
     ~App();
 
     /// Starts the services and runs until the program is told to end. Returns the exit status.
-    int run();
+    /// `argv` is what the process was started with; by it a resident program starts itself anew
+    /// when its compositor dies.
+    int run(char** argv);
 
 private:
     class Parts;

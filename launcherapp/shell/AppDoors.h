@@ -15,6 +15,7 @@
 #include "launcherapp/platform/linux/files/ProcMountTable.h"
 #include "launcherapp/platform/linux/files/QtFileTypes.h"
 #include "launcherapp/platform/linux/network/QtHttpClient.h"
+#include "launcherapp/platform/linux/panel/wayland/WaylandActivationTokens.h"
 #include "launcherapp/platform/linux/processes/LocalDictionary.h"
 #include "launcherapp/platform/linux/processes/PipeProgramReader.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
@@ -22,6 +23,7 @@
 #include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
 #include "launcherapp/platform/linux/watching/InotifyDirectoryWatcher.h"
 #include "launcherapp/platform/linux/watching/InotifyTreeWatcher.h"
+#include "launcherapp/platform/linux/x11/X11ActivationTokens.h"
 
 #include <memory>
 #include <optional>
@@ -33,7 +35,7 @@ struct AppDoors {
     explicit AppDoors(const Environment& environment)
         : processes(environment), programs(queue, environment), icons(environment),
           windows(windowList(environment)), control(windowControl(environment)),
-          copies(environment) {}
+          tokens(activationTokens(environment)), copies(environment) {}
 
     QtMainQueue queue;
     ThreadPoolWorkQueues work{queue};
@@ -45,6 +47,7 @@ struct AppDoors {
     ThemeIcons icons;
     std::unique_ptr<WindowList> windows;
     std::unique_ptr<WindowControl> control;
+    std::unique_ptr<ActivationTokens> tokens;
     std::shared_ptr<Accessibility> accessibility = std::make_shared<AtspiAccessibility>();
     FileResidentCopies copies;
     LocalDictionary dictionary{processes};
@@ -56,6 +59,12 @@ struct AppDoors {
     QtHttpClient web;
 
 private:
+    static std::unique_ptr<ActivationTokens> activationTokens(const Environment& environment) {
+        if (QtWayland::isThere())
+            return std::make_unique<WaylandActivationTokens>();
+        return std::make_unique<X11ActivationTokens>(environment);
+    }
+
     static std::unique_ptr<WindowList> windowList(const Environment& environment) {
         if (environment.hasX11)
             return std::make_unique<X11WindowList>(

@@ -80,7 +80,7 @@ public:
     DemonstrationWindows cannedWindows{*doors.windows};
     DemonstrationControl cannedControl{cannedWindows};
     RunningApps running{windows()};
-    AppLauncher launcher{doors.queue, doors.processes, doors.bus, environment};
+    AppLauncher launcher{doors.queue, doors.processes, doors.bus, *doors.tokens, environment};
     AppCatalog catalog;
     std::shared_ptr<IndexWalker> walker;
     MountedVolumes volumes{doors.mounts, prefs, *walker, diagnostics};

@@ -10,6 +10,7 @@
 #include "launcherapp/panel/PanelController.h"
 #include "launcherapp/panel/view/LauncherPanel.h"
 #include "launcherapp/panel/view/QueryField.h"
+#include "launcherapp/platform/ActivationTokens.h"
 #include "launcherapp/platform/HotkeyRegistrar.h"
 #include "launcherapp/platform/linux/desktop/SessionWatch.h"
 #include "launcherapp/platform/linux/desktop/StatusItem.h"
@@ -38,6 +39,7 @@ public:
         };
         view.field().pasteText = services.pasteText;
         window.keyArrives = [this](std::uint32_t scanCode) { view.field().keyArrives(scanCode); };
+        window.goesAway = [this] { services.tokens.prepare(); };
         window.drawsHidden = [this] { view.warm(); };
         window.mixesChanged = [this] { blend(); };
         blend();

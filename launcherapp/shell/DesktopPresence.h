@@ -14,6 +14,7 @@ class Hotkey;
 class MainQueue;
 class PanelController;
 class WindowList;
+class ActivationTokens;
 class WorkQueues;
 
 /// What the user sees of the program on the desktop: the panel, the keys that summon it, and the
@@ -26,6 +27,7 @@ public:
         WorkQueues& work;
         Diagnostics& diagnostics;
         WindowList& windows;
+        ActivationTokens& tokens;
         /// The clipboard's text, for the panel's field; `got` is called once, later, or never.
         std::function<void(std::function<void(std::string text)> got)> pasteText;
         std::function<void()> openSettings;

@@ -1,4 +1,5 @@
 #include "LauncherCore/text/Folding.h"
+#include "launcherapp/platform/linux/desktop/LostDisplay.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/processes/ProcessEnvironment.h"
 #include "launcherapp/shell/App.h"
@@ -32,9 +33,14 @@ int runProgram(int argc, char** argv, Seconds launchedAt) {
     const auto surface = Modes::draws(commandLine)        ? QtSurface::pictures
                          : Modes::showsPanel(commandLine) ? QtSurface::windows
                                                           : QtSurface::none;
+    if (!LostDisplay::awaitReturn()) {
+        std::fputs("Tessarine: the compositor went away, and did not come back within a minute\n",
+                   stderr);
+        return 1;
+    }
     const auto application = makeQtApplication(argc, argv, surface, environment);
     try {
-        return App(std::move(commandLine), std::move(environment), launchedAt).run();
+        return App(std::move(commandLine), std::move(environment), launchedAt).run(argv);
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "Tessarine: %s\n", error.what());
         return 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/fakes/FakeActivationTokens.h"
 #include "tests/fakes/FakeApplicationBus.h"
 #include "tests/fakes/FakeDirectoryWatcher.h"
 #include "tests/fakes/FakeIcons.h"
@@ -24,6 +25,7 @@ struct FakePlatform {
     FakeProcessLauncher processes;
     FakeProgramReader programs{queue};
     FakeApplicationBus bus{queue};
+    FakeActivationTokens tokens;
     FakeWindowList windows;
     FakeIcons icons;
     FakeResidentCopies copies{time};

@@ -43,7 +43,8 @@ struct FakeServices {
                            diagnostics};
     Prefs prefs{defaults, environment};
     RunningApps running{platform.windows};
-    AppLauncher launcher{platform.queue, platform.processes, platform.bus, environment};
+    AppLauncher launcher{
+        platform.queue, platform.processes, platform.bus, platform.tokens, environment};
     AppCatalog catalog{{.queue = platform.queue,
                         .work = platform.work,
                         .files = platform.files,

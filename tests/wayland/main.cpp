@@ -11,7 +11,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     qputenv("QT_QPA_PLATFORM", "wayland");
-    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1"); // as the program has it
+    for (const auto* name :
+         {"QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "QT_WAYLAND_DISABLE_FIXED_POSITIONS"})
+        qputenv(name, "1"); // as the program has it
     const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

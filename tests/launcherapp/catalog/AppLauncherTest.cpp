@@ -33,8 +33,8 @@ protected:
     }
 
     FakePlatform platform;
-    Environment environment{.hasX11 = true};
-    AppLauncher launcher{platform.queue, platform.processes, platform.bus, environment};
+    AppLauncher launcher{
+        platform.queue, platform.processes, platform.bus, platform.tokens, Environment{}};
     Seconds took{0};
 };
 
@@ -48,9 +48,16 @@ TEST_F(AppLauncherTest, startsTheProgramWithItsSurroundings) {
     EXPECT_THAT(first.arguments, ElementsAre("app", "--x", "/f"));
     EXPECT_EQ(first.workingDirectory, "/elsewhere");
     EXPECT_EQ(first.name, "a");
-    const auto& id = first.environment.at("DESKTOP_STARTUP_ID");
-    EXPECT_THAT(id, testing::MatchesRegex("tessarine-[0-9]+-[0-9]+_TIME[0-9]+"));
-    EXPECT_NE(platform.processes.started[1].environment.at("DESKTOP_STARTUP_ID"), id);
+    EXPECT_EQ(first.environment.at("DESKTOP_STARTUP_ID"), "token-1");
+    EXPECT_EQ(first.environment.at("XDG_ACTIVATION_TOKEN"), "token-1");
+    EXPECT_EQ(platform.processes.started[1].environment.at("XDG_ACTIVATION_TOKEN"), "token-2");
+}
+
+TEST_F(AppLauncherTest, withoutATokenNothingIsSaidOfOne) {
+    platform.tokens.gives = false;
+    launch({.bundleID = "a", .exec = "app"});
+    ASSERT_EQ(platform.processes.started.size(), 1u);
+    EXPECT_THAT(platform.processes.started[0].environment, IsEmpty());
 }
 
 TEST_F(AppLauncherTest, asksTheBusFirst) {
@@ -59,7 +66,7 @@ TEST_F(AppLauncherTest, asksTheBusFirst) {
     EXPECT_EQ(launch(app, {"x:y"}), std::nullopt);
     ASSERT_EQ(platform.bus.requests.size(), 1u);
     EXPECT_THAT(platform.bus.requests[0].uris, ElementsAre("x:y"));
-    EXPECT_NE(platform.bus.requests[0].activationToken, "");
+    EXPECT_EQ(platform.bus.requests[0].activationToken, "token-1");
     EXPECT_THAT(platform.processes.started, IsEmpty());
 }
 

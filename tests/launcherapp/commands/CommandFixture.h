@@ -88,8 +88,11 @@ struct CommandFixture {
     Types& types = *shared;
     Manager manager;
     SlowBus bus{services.platform};
-    AppLauncher launcher{
-        services.platform.queue, services.platform.processes, bus, Environment{.hasX11 = true}};
+    AppLauncher launcher{services.platform.queue,
+                         services.platform.processes,
+                         bus,
+                         services.platform.tokens,
+                         Environment{}};
     FileOpener opener{{.queue = services.platform.queue,
                        .catalog = services.catalog,
                        .launcher = launcher,

@@ -168,7 +168,8 @@ protected:
     AppLauncher launcher{services.platform.queue,
                          services.platform.processes,
                          services.platform.bus,
-                         Environment{.hasX11 = true}};
+                         services.platform.tokens,
+                         Environment{}};
     FileOpener opener{{.queue = services.platform.queue,
                        .catalog = services.catalog,
                        .launcher = launcher,

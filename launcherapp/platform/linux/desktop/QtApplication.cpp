@@ -1,11 +1,17 @@
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 
+#include "launcherapp/platform/linux/processes/OwnVariables.h"
+#include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+
 #include <xcb/xcb.h>
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QIcon>
 #include <QLocale>
+#include <algorithm>
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
@@ -58,20 +64,74 @@ bool x11Answers() {
     return answers;
 }
 
+/// The same of a compositor; one that stands still costs `WaylandConnection::patience`.
+bool waylandAnswers() {
+    return WaylandConnection().answers();
+}
+
+/// Qt also ends the process when it lacks the plugin that it is told to take.
+bool hasWaylandPlugin() {
+    const auto folders = QCoreApplication::libraryPaths();
+    return std::ranges::any_of(folders, [](const QString& folder) {
+        return QFileInfo::exists(folder + QStringLiteral("/platforms/libqwayland-generic.so"));
+    });
+}
+
+/// Qt's name for the display to be on; nothing without one that answers. What the user asked for is
+/// taken where it is to be had.
+std::optional<QByteArray> displayPlatform(const Environment& environment) {
+    const auto wanted = qgetenv(platformVariable);
+    const bool wantsWayland = wanted.startsWith("wayland");
+    if ((wanted.isEmpty() || wantsWayland) && environment.hasWayland && waylandAnswers()) {
+        if (hasWaylandPlugin())
+            return "wayland";
+        std::fputs("Tessarine: the package qt6-wayland is missing, so there are no windows of "
+                   "Wayland\n",
+                   stderr);
+    }
+    if (environment.hasX11 && x11Answers())
+        return wanted.isEmpty() || wantsWayland ? QByteArray("xcb") : wanted;
+    return std::nullopt;
+}
+
+/// Says it for this process alone: what it starts is to see the display that there is.
+std::unique_ptr<QCoreApplication> madeOn(const QByteArray& platform, int& argc, char** argv) {
+    const bool isSet = qEnvironmentVariableIsSet(platformVariable);
+    const auto before = qgetenv(platformVariable);
+    qputenv(platformVariable, platform);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    isSet ? qputenv(platformVariable, before) : qunsetenv(platformVariable);
+    return application;
+}
+
+/// Qt reads both with each window: that one may be left without a role of an ordinary window, and
+/// that windows keep the place that they are told.
+void allowLayers() {
+    for (const auto* name :
+         {"QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "QT_WAYLAND_DISABLE_FIXED_POSITIONS"}) {
+        if (!qEnvironmentVariableIsSet(name))
+            qputenv(name, QByteArray(ownVariableValue.data(), ownVariableValue.size()));
+    }
+}
+
 std::unique_ptr<QCoreApplication>
 made(int& argc, char** argv, QtSurface surface, const Environment& environment) {
-    if (surface != QtSurface::none && environment.hasX11 && x11Answers())
-        return std::make_unique<QApplication>(argc, argv);
-    if (surface == QtSurface::pictures) {
-        // For this process alone: what it starts is to see the display that there is.
-        const bool isSet = qEnvironmentVariableIsSet(platformVariable);
-        const auto before = qgetenv(platformVariable);
-        qputenv(platformVariable, "offscreen");
-        auto application = std::make_unique<QApplication>(argc, argv);
-        isSet ? qputenv(platformVariable, before) : qunsetenv(platformVariable);
-        return application;
+    if (surface == QtSurface::none)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    if (const auto platform = displayPlatform(environment)) {
+        if (platform == "wayland")
+            allowLayers();
+        return madeOn(*platform, argc, argv);
     }
+    if (surface == QtSurface::pictures)
+        return madeOn("offscreen", argc, argv);
     return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+/// They are of this program's own start: what it starts later would come forward in its name.
+void forgetOwnActivation() {
+    for (const auto* name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
+        qunsetenv(name);
 }
 
 QString desktopFile() {
@@ -102,6 +162,7 @@ std::unique_ptr<QCoreApplication>
 makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment) {
     const Utf8LocaleWhileStarting locale;
     auto application = made(argc, argv, surface, environment);
+    forgetOwnActivation();
     identify(environment);
     return application;
 }

@@ -18,7 +18,9 @@ enum class QtSurface {
 bool readsRightToLeft(const Environment& environment);
 
 /// The application object that Qt needs one of, made before anything else of Qt. Falls back to
-/// `QtSurface::none` when no display can be reached. It goes on when its last window closes, since
+/// `QtSurface::none` when no display can be reached. Wayland is taken before X11, unless the user's
+/// QT_QPA_PLATFORM says otherwise; where Qt lacks its part for it, a line on standard error says
+/// what is missing. It goes on when its last window closes, since
 /// a panel is mostly hidden. `argc` and `argv` must outlive it.
 std::unique_ptr<QCoreApplication>
 makeQtApplication(int& argc, char** argv, QtSurface surface, const Environment& environment);

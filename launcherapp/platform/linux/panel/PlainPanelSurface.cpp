@@ -1,9 +1,10 @@
 #include "launcherapp/platform/linux/panel/PlainPanelSurface.h"
 
 #include "launcherapp/platform/linux/panel/QtGeometry.h"
+#include "launcherapp/platform/linux/panel/QtScreens.h"
+#include "launcherapp/platform/linux/panel/wayland/QtWayland.h"
 
 #include <QGuiApplication>
-#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <utility>
@@ -21,7 +22,11 @@ void PlainPanelSurface::prepare(QWidget& widget, Events events) {
 }
 
 void PlainPanelSurface::setFrame(const Rectangle& frame) {
-    widget_->setGeometry(QtGeometry::rounded(frame));
+    const auto rect = QtGeometry::rounded(frame);
+    // Tiling compositors let a window float whose size can't change.
+    if (QtWayland::isThere())
+        widget_->setFixedSize(rect.size());
+    widget_->setGeometry(rect);
 }
 
 void PlainPanelSurface::show() {
@@ -74,13 +79,7 @@ bool PlainPanelSurface::mixes() const {
 }
 
 std::vector<Screen> PlainPanelSurface::screens() const {
-    std::vector<Screen> result;
-    for (const auto* screen : QGuiApplication::screens())
-        result.push_back({.name = screen->name().toStdString(),
-                          .frame = QtGeometry::rectangle(screen->geometry()),
-                          .workArea = QtGeometry::rectangle(screen->availableGeometry()),
-                          .isMain = screen == QGuiApplication::primaryScreen()});
-    return result;
+    return qtScreens();
 }
 
 std::optional<Point> PlainPanelSurface::pointer() const {

@@ -231,6 +231,8 @@ void QtPanelWindow::show() {
 }
 
 void QtPanelWindow::hide() {
+    if (isVisible())
+        tell(goesAway);
     watch_->hide();
 }
 

@@ -47,6 +47,9 @@ public:
     /// Called with the press of each key before any part of Qt has seen it.
     std::function<void(std::uint32_t scanCode)> keyArrives;
 
+    /// Called before a panel that is up is taken away, while it has the keyboard still.
+    std::function<void()> goesAway;
+
     /// Called before each hidden drawing.
     std::function<void()> drawsHidden;
 

@@ -1,5 +1,7 @@
 #include "launcherapp/platform/linux/processes/Spawning.h"
 
+#include "launcherapp/platform/linux/processes/OwnVariables.h"
+
 #include <fmt/format.h>
 
 #include <QFileInfo>
@@ -47,13 +49,13 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
-/// The user's own variables with some set on top.
+/// The user's own variables, without those of this process alone, and with some set on top.
 std::vector<std::string> surroundings(const std::map<std::string, std::string>& changes) {
     auto variables = changes;
     for (char** entry = environ; *entry; ++entry) {
         const std::string_view line = *entry;
         const auto equals = line.find('=');
-        if (equals != std::string_view::npos)
+        if (equals != std::string_view::npos && line.substr(equals + 1) != ownVariableValue)
             variables.try_emplace(std::string(line.substr(0, equals)), line.substr(equals + 1));
     }
     std::vector<std::string> result;

@@ -1,10 +1,8 @@
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
 
-#include <wayland-client.h>
+#include "launcherapp/platform/linux/wayland/WaylandDispatch.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <poll.h>
+#include <wayland-client.h>
 
 namespace tessarine {
 
@@ -43,7 +41,7 @@ int WaylandConnection::descriptor() const {
 }
 
 bool WaylandConnection::dispatchWhatCame() {
-    return display_ && dispatchUntil(Clock::now());
+    return display_ && dispatchWayland(display_.get(), Clock::now());
 }
 
 void WaylandConnection::flush() {
@@ -58,30 +56,12 @@ bool WaylandConnection::roundTrip(std::chrono::milliseconds limit) {
     auto* const callback = wl_display_sync(display_.get());
     wl_callback_add_listener(callback, &doneListener, &isDone);
     const auto end = Clock::now() + limit;
-    while (!isDone && dispatchUntil(end)) {
+    while (!isDone && dispatchWayland(display_.get(), end)) {
         if (Clock::now() >= end)
             break;
     }
     wl_callback_destroy(callback);
     return isDone;
-}
-
-/// Dispatches once, having waited for something until `end` at most. False when it is broken.
-bool WaylandConnection::dispatchUntil(Clock::time_point end) {
-    while (wl_display_prepare_read(display_.get()) != 0) {
-        if (wl_display_dispatch_pending(display_.get()) < 0)
-            return false;
-    }
-    wl_display_flush(display_.get());
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-    pollfd wanted{.fd = descriptor(), .events = POLLIN, .revents = 0};
-    const int ready = ::poll(&wanted, 1, static_cast<int>(std::max<std::int64_t>(left, 0)));
-    if (ready <= 0) {
-        wl_display_cancel_read(display_.get());
-        return ready == 0 || errno == EINTR;
-    }
-    return wl_display_read_events(display_.get()) == 0 &&
-           wl_display_dispatch_pending(display_.get()) >= 0;
 }
 
 } // namespace tessarine

@@ -51,8 +51,6 @@ private:
         void operator()(wl_display* display) const;
     };
 
-    bool dispatchUntil(std::chrono::steady_clock::time_point end);
-
     std::unique_ptr<wl_display, Close> display_;
     std::unique_ptr<WaylandRegistry> registry_;
     bool answered_ = false;

@@ -1,0 +1,253 @@
+#include "launcherapp/platform/linux/panel/wayland/LayerPanelSurface.h"
+
+#include "launcherapp/platform/linux/panel/QtGeometry.h"
+#include "launcherapp/platform/linux/panel/QtScreens.h"
+#include "launcherapp/platform/linux/wayland/LayerShell.h"
+
+#include <qpa/qwindowsysteminterface.h>
+#include <wayland-client.h>
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// What compositors' rules call the panel by.
+constexpr auto layerName = "tessarine";
+
+/// In the first version of the protocol; later ones know it as "exclusive".
+constexpr std::uint32_t takesKeyboard = 1;
+
+} // namespace
+
+LayerPanelSurface::LayerPanelSurface()
+    : seat_(connection_,
+            {.focusMoved =
+                 [this](wl_surface*) {
+                     if (!hasKeyboard() && std::exchange(hadKeyboard_, false))
+                         loseLater();
+                     else if (hasKeyboard())
+                         hadKeyboard_ = true;
+                 },
+             .keyPressed =
+                 [this](std::uint32_t scanCode) {
+                     if (events_.keyArrives && hasKeyboard())
+                         events_.keyArrives(scanCode);
+                 },
+             .buttonPressed =
+                 [this](wl_surface* surface) {
+                     if (std::ranges::any_of(outside_, [surface](const auto& each) {
+                             return each.surface->surface() == surface;
+                         }))
+                         loseLater();
+                 }}) {}
+
+LayerPanelSurface::~LayerPanelSurface() = default;
+
+bool LayerPanelSurface::isOffered() {
+    return QtWayland::isThere() &&
+           QtWayland().registry().find(zwlr_layer_shell_v1_interface.name).has_value();
+}
+
+void LayerPanelSurface::prepare(QWidget& widget, Events events) {
+    widget_ = &widget;
+    events_ = std::move(events);
+    // The hint keeps Qt from giving the surface a role of an ordinary window.
+    widget.setWindowFlags(widget.windowFlags() | Qt::Window | Qt::FramelessWindowHint |
+                          Qt::BypassWindowManagerHint);
+}
+
+void LayerPanelSurface::setFrame(const Rectangle& frame) {
+    frame_ = frame;
+    const auto rect = QtGeometry::rounded(frame);
+    // While a button is down, wlroots tells where the pointer is in the surface as if the surface
+    // stood where it was pressed; Qt's window stands there too, then, and a drag adds up.
+    if (role_ && QGuiApplication::mouseButtons() != Qt::NoButton)
+        widget_->resize(rect.size());
+    else
+        widget_->setGeometry(rect);
+    if (role_)
+        putInPlace();
+}
+
+void LayerPanelSurface::show() {
+    if (!widget_ || role_)
+        return;
+    hadKeyboard_ = false;
+    if (!takePlace())
+        return loseLater();
+    widget_->show();
+    drawNow();
+    // Told in one go with the drawing, so that keys and whoever asks find it so.
+    hasFirstFrame_ = connection_.roundTrip();
+    hadKeyboard_ = hasKeyboard();
+    QMetaObject::invokeMethod(
+        &lifetime_, [this] { watchOutside(); }, Qt::QueuedConnection);
+}
+
+/// Makes the surface and asks for its place; false when the compositor gives it none.
+bool LayerPanelSurface::takePlace() {
+    screen_ = screenOfFrame();
+    if (!screen_ || !transparent_.shell)
+        return false;
+    widget_->winId();
+    auto& window = *widget_->windowHandle();
+    window.setScreen(screen_);
+    window.create();
+    widget_->setGeometry(QtGeometry::rounded(frame_));
+    auto* const surface = QtWayland::surface(window);
+    if (!surface)
+        return false;
+    role_ = std::make_unique<LayerRole>(
+        transparent_.shell,
+        surface,
+        QtWayland::output(*screen_),
+        layerName,
+        LayerRole::Events{.configured = {}, .closed = [this] { loseLater(); }});
+    zwlr_layer_surface_v1_set_anchor(
+        role_->wishes(), ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
+    zwlr_layer_surface_v1_set_keyboard_interactivity(role_->wishes(), takesKeyboard);
+    shapeInput();
+    putInPlace();
+    connection_.waitUntil([this] { return role_->isConfigured() || role_->isClosed(); });
+    if (role_->isConfigured() && !role_->isClosed())
+        return true;
+    hide();
+    return false;
+}
+
+/// The compositor draws the surface in the size that it has, so a new one follows without a jump.
+void LayerPanelSurface::putInPlace() {
+    if (!screen_)
+        return; // it has left, and the panel is about to go
+    const auto frame = QtGeometry::rounded(frame_);
+    const auto at = frame.topLeft() - screen_->geometry().topLeft();
+    zwlr_layer_surface_v1_set_size(role_->wishes(),
+                                   static_cast<std::uint32_t>(std::max(frame.width(), 1)),
+                                   static_cast<std::uint32_t>(std::max(frame.height(), 1)));
+    zwlr_layer_surface_v1_set_margin(role_->wishes(), at.y(), 0, 0, at.x());
+    wl_surface_commit(QtWayland::surface(*widget_->windowHandle()));
+    shapeInput();
+}
+
+/// Qt would draw when its event loop runs again: the keyboard comes only with the first picture.
+void LayerPanelSurface::drawNow() {
+    QWindowSystemInterface::flushWindowSystemEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+/// The shadow is there to be seen alone: what is pressed in it is what lies below.
+void LayerPanelSurface::shapeInput() {
+    widget_->windowHandle()->setMask(widget_->contentsRect());
+    leaveOutPanel();
+}
+
+void LayerPanelSurface::leaveOutPanel() {
+    const auto panel = widget_->contentsRect().translated(QtGeometry::rounded(frame_).topLeft());
+    for (const auto& [screen, surface] : outside_) {
+        if (!screen)
+            continue;
+        const auto at = panel.topLeft() - screen->geometry().topLeft();
+        surface->leaveOut(at.x(), at.y(), panel.width(), panel.height());
+    }
+}
+
+/// The compositor tells of no click that isn't on one of our surfaces, so there is one everywhere.
+/// They come after the panel, which is waited for, and so lie above it with a hole for it.
+void LayerPanelSurface::watchOutside() {
+    if (!role_ || !outside_.empty() || !transparent_.canBeMade() || !transparent_.viewporter)
+        return;
+    for (auto* const screen : QGuiApplication::screens()) {
+        if (auto* const output = QtWayland::output(*screen))
+            outside_.push_back({.screen = screen,
+                                .surface = std::make_unique<TransparentSurface>(
+                                    transparent_, output, TransparentSurface::Size::output)});
+    }
+    leaveOutPanel();
+}
+
+void LayerPanelSurface::hide() {
+    hadKeyboard_ = false;
+    hasFirstFrame_ = false;
+    outside_.clear();
+    // Before its surface, which goes with the window.
+    const bool wasUp = std::exchange(role_, nullptr) != nullptr;
+    if (!widget_)
+        return;
+    widget_->hide();
+    if (auto* const window = widget_->windowHandle())
+        window->destroy();
+    // Who pastes into the window in front does so over another connection, and would else find the
+    // keyboard still here.
+    if (wasUp)
+        finishDrawing();
+}
+
+bool LayerPanelSurface::hasKeyboard() const {
+    auto* const focus = seat_.keyboardFocus();
+    return focus && role_ && widget_ && widget_->windowHandle() &&
+           QtWayland::surface(*widget_->windowHandle()) == focus;
+}
+
+/// The compositor shows it as it was drawn, as long as it shows it.
+std::optional<double> LayerPanelSurface::displayedHeight() const {
+    if (!widget_ || !widget_->isVisible() || !role_ || role_->isClosed())
+        return std::nullopt;
+    return widget_->height();
+}
+
+/// The compositor may be telling it in the middle of what Qt does with the window.
+void LayerPanelSurface::loseLater() {
+    QMetaObject::invokeMethod(
+        &lifetime_,
+        [this] {
+            if (events_.lostKeyboard)
+                events_.lostKeyboard();
+        },
+        Qt::QueuedConnection);
+}
+
+void LayerPanelSurface::finishDrawing() {
+    if (std::exchange(hasFirstFrame_, false))
+        return;
+    // Requests are carried out in their order, so an answer comes after what was drawn.
+    connection_.roundTrip();
+}
+
+bool LayerPanelSurface::startDrag() {
+    return false;
+}
+
+bool LayerPanelSurface::mixes() const {
+    return true;
+}
+
+std::vector<Screen> LayerPanelSurface::screens() const {
+    return qtScreens();
+}
+
+std::optional<Point> LayerPanelSurface::pointer() const {
+    if (QGuiApplication::screens().size() < 2 || !transparent_.canBeMade())
+        return std::nullopt;
+    // A surface without a wish is put on the active output, which is told with its first picture.
+    const TransparentSurface probe(transparent_, nullptr, TransparentSurface::Size::pixel);
+    connection_.waitUntil([&probe] { return probe.output() || probe.isClosed(); });
+    const auto* const screen = QtWayland::screen(probe.output());
+    if (!screen)
+        return std::nullopt;
+    const auto middle = screen->geometry().center();
+    return Point{.x = static_cast<double>(middle.x()), .y = static_cast<double>(middle.y())};
+}
+
+QScreen* LayerPanelSurface::screenOfFrame() const {
+    auto* const found = QGuiApplication::screenAt(QtGeometry::rounded(frame_).center());
+    auto* const screen = found ? found : QGuiApplication::primaryScreen();
+    return screen && QtWayland::output(*screen) ? screen : nullptr;
+}
+
+} // namespace tessarine

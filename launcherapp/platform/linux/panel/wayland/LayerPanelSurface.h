@@ -1,0 +1,77 @@
+#pragma once
+
+#include "launcherapp/platform/linux/panel/PanelSurface.h"
+#include "launcherapp/platform/linux/panel/wayland/LayerRole.h"
+#include "launcherapp/platform/linux/panel/wayland/QtWayland.h"
+#include "launcherapp/platform/linux/panel/wayland/TransparentSurface.h"
+#include "launcherapp/platform/linux/panel/wayland/WaylandSeat.h"
+
+#include <QObject>
+#include <QPointer>
+#include <memory>
+#include <vector>
+
+class QScreen;
+class QWidget;
+
+namespace tessarine {
+
+/// The panel on Wayland compositors with a layer shell: above full-screen windows, with the
+/// keyboard for itself while it is up. Its surface goes with each hide, and the compositor gives
+/// the keyboard back to the window that had it. A click outside takes the panel away and is spent
+/// on that. Main thread only, with Qt connected to such a compositor.
+class LayerPanelSurface : public PanelSurface {
+public:
+    LayerPanelSurface();
+    ~LayerPanelSurface() override;
+    LayerPanelSurface(const LayerPanelSurface&) = delete;
+    LayerPanelSurface& operator=(const LayerPanelSurface&) = delete;
+
+    /// Whether Qt's compositor has a layer shell.
+    static bool isOffered();
+
+    void prepare(QWidget& widget, Events events) override;
+    void setFrame(const Rectangle& frame) override;
+    void show() override;
+    void hide() override;
+    bool hasKeyboard() const override;
+    std::optional<double> displayedHeight() const override;
+    void finishDrawing() override;
+    bool startDrag() override;
+    bool mixes() const override;
+    std::vector<Screen> screens() const override;
+
+    /// The middle of the screen that is the compositor's active one, where there are several: it
+    /// doesn't tell the pointer itself.
+    std::optional<Point> pointer() const override;
+
+private:
+    struct Outside {
+        QPointer<QScreen> screen;
+        std::unique_ptr<TransparentSurface> surface;
+    };
+
+    bool takePlace();
+    void putInPlace();
+    void drawNow();
+    void shapeInput();
+    void watchOutside();
+    void leaveOutPanel();
+    void loseLater();
+    QScreen* screenOfFrame() const;
+
+    QtWayland connection_;
+    TransparentSurfaces transparent_{connection_};
+    WaylandSeat seat_;
+    std::unique_ptr<LayerRole> role_; ///< while it is up
+    std::vector<Outside> outside_;    ///< while it is up
+    QPointer<QWidget> widget_;
+    QPointer<QScreen> screen_; ///< that it is up on
+    Events events_;
+    Rectangle frame_;
+    bool hadKeyboard_ = false;   ///< since it came up
+    bool hasFirstFrame_ = false; ///< the compositor has it, and nobody has asked yet
+    QObject lifetime_;           ///< of what is posted
+};
+
+} // namespace tessarine
