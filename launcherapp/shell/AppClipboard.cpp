@@ -6,7 +6,7 @@
 #include "launcherapp/platform/linux/input/NoKeyInjector.h"
 #include "launcherapp/platform/linux/input/X11KeyInjector.h"
 #include "launcherapp/platform/linux/pasteboard/NoPasteboard.h"
-#include "launcherapp/platform/linux/pasteboard/X11Pasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/x11/X11Pasteboard.h"
 #include "launcherapp/shell/AppServices.h"
 
 #include <cstddef>

@@ -4,7 +4,6 @@
 #include "tests/linux/pasteboard/PasteboardFixture.h"
 
 #include <csignal>
-#include <filesystem>
 
 namespace tessarine {
 namespace {
@@ -93,22 +92,6 @@ TEST_F(X11PasteboardTest, agreesWithTheDisplayOnWhoWasLast) {
     const auto count = board.changeCount();
     spinFor(50);
     EXPECT_EQ(board.changeCount(), count);
-}
-
-/// How often the clipboard's thread has gone to sleep.
-long sleeps() {
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::string name;
-        std::getline(std::ifstream(task.path() / "comm"), name);
-        if (name != "pasteboard")
-            continue;
-        std::ifstream status(task.path() / "status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.starts_with("voluntary_ctxt_switches:"))
-                return std::stol(line.substr(line.find(':') + 1));
-        }
-    }
-    return -1;
 }
 
 TEST_F(X11PasteboardTest, sleepsWhileNothingHappens) {
