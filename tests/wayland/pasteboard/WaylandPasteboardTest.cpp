@@ -2,6 +2,10 @@
 #include "tests/wayland/pasteboard/WaylandOwner.h"
 #include "tests/wayland/pasteboard/WaylandPasteboardFixture.h"
 
+#include <ext-data-control-v1.h>
+#include <wayland-client.h>
+#include <wlr-data-control-unstable-v1.h>
+
 #include <fcntl.h>
 
 namespace tessarine {
@@ -165,6 +169,35 @@ TEST_F(WaylandPasteboardTest, servesManyAtOnceAndOutlivesThoseThatTakeNothing) {
     spinFor(400);
     EXPECT_LT(slowly(pipes[3]).size(), large.size());
     EXPECT_EQ(pasteElsewhere(QStringLiteral("a/large")).size(), large.size());
+}
+
+/// What a protocol's interface looks like on the wire, without the versions that it tells.
+std::vector<std::string> wire(const wl_interface& interface) {
+    std::vector<std::string> messages;
+    const auto add = [&](const wl_message* each, int count) {
+        for (const auto* const end = each + count; each != end; ++each) {
+            const std::string_view signature = each->signature;
+            messages.push_back(std::string(each->name) + " " +
+                               std::string(signature.substr(std::min(
+                                   signature.find_first_not_of("0123456789"), signature.size()))));
+        }
+        messages.emplace_back("|");
+    };
+    add(interface.methods, interface.method_count);
+    add(interface.events, interface.event_count);
+    return messages;
+}
+
+// No compositor at hand offers the heir, which is spoken to as its forebear is.
+TEST(WaylandPasteboardProtocol, isTheSameOnTheWireByBothNames) {
+    EXPECT_EQ(wire(ext_data_control_manager_v1_interface),
+              wire(zwlr_data_control_manager_v1_interface));
+    EXPECT_EQ(wire(ext_data_control_device_v1_interface),
+              wire(zwlr_data_control_device_v1_interface));
+    EXPECT_EQ(wire(ext_data_control_source_v1_interface),
+              wire(zwlr_data_control_source_v1_interface));
+    EXPECT_EQ(wire(ext_data_control_offer_v1_interface),
+              wire(zwlr_data_control_offer_v1_interface));
 }
 
 TEST(WaylandPasteboardCompositor, oneThatDiesEndsEverything) {

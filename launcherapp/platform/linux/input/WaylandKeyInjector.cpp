@@ -43,11 +43,9 @@ public:
     bool paste(PasteChord chord) {
         if (!usual_)
             usual_ = TextKeymap::usual();
-        if (!usual_ || !ability().available)
+        if (!usual_ || !ability().available || !layOut(*usual_))
             return false;
-        VirtualKeyboard keyboard(display_);
-        if (!keyboard.layOut(usual_->text()))
-            return false;
+        auto& keyboard = *keyboard_;
         const bool withShift = chord == PasteChord::terminal;
         // X11 programs behind the compositor go by the keys, all others by the modifiers.
         keyboard.press(KEY_LEFTCTRL);
@@ -73,10 +71,9 @@ private:
     struct Typing {
         std::u32string characters;
         std::function<void(bool typed)> done;
-        std::size_t typed = 0;                          ///< characters of it
-        std::unique_ptr<VirtualKeyboard> keyboard = {}; ///< null before it begins
-        std::optional<TextKeymap> keymap = {};          ///< for what comes next
-        std::size_t keymapEnd = 0;                      ///< it does until here
+        std::size_t typed = 0;                 ///< characters of it
+        std::optional<TextKeymap> keymap = {}; ///< for what comes next
+        std::size_t keymapEnd = 0;             ///< it does until here
     };
 
     template <typename Task> void later(Seconds delay, Task task) {
@@ -84,6 +81,18 @@ private:
             if (!alive.expired())
                 task();
         });
+    }
+
+    /// Plugs the keyboard in where it isn't yet.
+    bool layOut(const TextKeymap& keymap) {
+        if (!keyboard_ || !keyboard_->isPluggedIn()) {
+            keyboard_.emplace(display_);
+            layout_.clear();
+        }
+        if (layout_ == keymap.text())
+            return true;
+        layout_ = keyboard_->layOut(keymap.text()) ? keymap.text() : "";
+        return !layout_.empty();
     }
 
     /// So that what the compositor tells doesn't pile up, and its end is heard of.
@@ -96,7 +105,6 @@ private:
         auto& typing = waiting_.front();
         if (typing.characters.size() > longestText || !ability().available)
             return end(false);
-        typing.keyboard = std::make_unique<VirtualKeyboard>(display_);
         typeTurn();
     }
 
@@ -106,14 +114,16 @@ private:
         if (typing.typed == typing.keymapEnd && typing.typed < characters.size()) {
             typing.keymap =
                 TextKeymap::forBeginning(std::u32string_view(characters).substr(typing.typed));
-            if (!typing.keymap || !typing.keyboard->layOut(typing.keymap->text()))
+            if (!typing.keymap)
                 return end(false);
             typing.keymapEnd += typing.keymap->length();
         }
+        if (typing.keymap && !layOut(*typing.keymap)) // a paste may have come between
+            return end(false);
         const auto turnEnd =
             std::min(typing.keymapEnd, typing.typed + TypedText::charactersPerTurn);
         for (; typing.typed < turnEnd; ++typing.typed)
-            typing.keyboard->tap(typing.keymap->key(characters[typing.typed]));
+            keyboard_->tap(typing.keymap->key(characters[typing.typed]));
         if (!display_.roundTrip())
             return end(false);
         if (typing.typed == characters.size())
@@ -124,7 +134,6 @@ private:
     void end(bool typed) {
         auto typing = std::move(waiting_.front());
         waiting_.pop_front();
-        typing.keyboard.reset();
         if (!waiting_.empty())
             later(Seconds{0}, [this] { begin(); });
         typing.done(typed); // last: it may end all this
@@ -135,6 +144,8 @@ private:
     bool wasConnected_ = false;
     std::optional<QSocketNotifier> notifier_;
     std::optional<TextKeymap> usual_;                        ///< made when it is first needed
+    std::optional<VirtualKeyboard> keyboard_;                ///< plugged in when it is first needed
+    std::string layout_;                                     ///< the keymap that it has now
     std::deque<Typing> waiting_;                             ///< the first is being typed
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it
 };

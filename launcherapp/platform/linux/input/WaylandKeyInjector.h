@@ -15,9 +15,9 @@ namespace tessarine {
 /// Whatever the user's keyboard has held or locked counts for nothing meanwhile, and counts again
 /// with its next key; nothing has to be let go of.
 ///
-/// The keyboard is plugged in for one chord or one text, with a layout of its own, and unplugged
-/// after it: one that stayed would be shown as the layout in use by whatever shows that, and the
-/// next window would be given its keymap. Main thread only.
+/// The keyboard is plugged in when it is first needed, with a layout of its own, and stays: for
+/// each that comes, sway takes the focus from the window that has it and gives it back, which
+/// breaks off a paste that the window is still at. Main thread only.
 class WaylandKeyInjector : public KeyInjector {
 public:
     static constexpr std::size_t longestText = TypedText::longest;

@@ -16,7 +16,7 @@ bool VirtualKeyboard::isOffered(const WaylandRegistry& registry) {
 }
 
 VirtualKeyboard::VirtualKeyboard(WaylandConnection& connection)
-    : connection_(connection),
+    : connection_(connection), seatGlobal_(connection.registry().find(wl_seat_interface.name)),
       seat_(connection.registry().bindFirst<wl_seat>(wl_seat_interface, 1)),
       manager_(connection.registry().bindFirst<zwp_virtual_keyboard_manager_v1>(
           zwp_virtual_keyboard_manager_v1_interface, 1)) {
@@ -32,6 +32,10 @@ VirtualKeyboard::~VirtualKeyboard() {
     if (seat_)
         wl_seat_destroy(seat_);
     connection_.flush();
+}
+
+bool VirtualKeyboard::isPluggedIn() const {
+    return keyboard_ && connection_.registry().find(wl_seat_interface.name) == seatGlobal_;
 }
 
 bool VirtualKeyboard::layOut(const std::string& keymap) {

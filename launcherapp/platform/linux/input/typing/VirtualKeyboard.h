@@ -3,6 +3,7 @@
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 struct wl_seat;
@@ -22,11 +23,15 @@ public:
 
     static bool isOffered(const WaylandRegistry& registry);
 
+    /// The compositor may take the focus from the window that has it and give it back.
     explicit VirtualKeyboard(WaylandConnection& connection);
     /// Sends all that was asked for.
     ~VirtualKeyboard();
     VirtualKeyboard(const VirtualKeyboard&) = delete;
     VirtualKeyboard& operator=(const VirtualKeyboard&) = delete;
+
+    /// False when its seat has gone.
+    bool isPluggedIn() const;
 
     /// Comes before any key. False when the compositor takes no keyboard now, or there is no memory
     /// to hand the keymap over in.
@@ -43,6 +48,7 @@ private:
     void set(std::uint32_t key, std::uint32_t state);
 
     WaylandConnection& connection_;
+    std::optional<WaylandRegistry::Global> seatGlobal_;
     wl_seat* seat_;
     zwp_virtual_keyboard_manager_v1* manager_;
     zwp_virtual_keyboard_v1* keyboard_ = nullptr; ///< null where the compositor takes none
