@@ -6,10 +6,13 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -85,6 +88,23 @@ protected:
             }
         }
         return -1;
+    }
+
+    /// Writes again and again while `rival` does on a thread of its own until it is over. Neither
+    /// waits for the other, so that every order comes about.
+    void writeAgainst(const std::function<void(const std::atomic<bool>& isOver)>& rival) {
+        std::atomic<bool> isOver = false;
+        std::thread thread([&] { rival(isOver); });
+        std::uint64_t last = 0;
+        for (int i = 0; i < 300; ++i) {
+            const auto count = board.write({.items = {item("a/b", std::to_string(i))}});
+            EXPECT_GT(count, last);
+            last = count;
+            if (i % 20 == 0)
+                spinFor(1);
+        }
+        isOver = true;
+        thread.join();
     }
 
     QtMainQueue queue;
