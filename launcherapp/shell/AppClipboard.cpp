@@ -4,9 +4,9 @@
 #include "launcherapp/clipboard/PasteboardTypes.h"
 #include "launcherapp/platform/linux/desktop/QtPictureCodec.h"
 #include "launcherapp/platform/linux/input/NoKeyInjector.h"
-#include "launcherapp/platform/linux/input/X11KeyInjector.h"
+#include "launcherapp/platform/linux/input/SessionKeyInjector.h"
 #include "launcherapp/platform/linux/pasteboard/NoPasteboard.h"
-#include "launcherapp/platform/linux/pasteboard/X11Pasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/SessionPasteboard.h"
 #include "launcherapp/shell/AppServices.h"
 
 #include <cstddef>
@@ -16,8 +16,6 @@ namespace tessarine {
 
 namespace {
 
-constexpr std::string_view noDisplay = "there is no X11 display, and the clipboard of Wayland is "
-                                       "not read yet";
 constexpr std::string_view leftAlone = "this run leaves the clipboard alone";
 /// The field takes the beginning of it, as one line. Nobody means to search for more.
 constexpr std::size_t longestPaste = std::size_t{16} << 20;
@@ -25,9 +23,7 @@ constexpr std::size_t longestPaste = std::size_t{16} << 20;
 std::unique_ptr<Pasteboard> pasteboard(AppServices& services, AppClipboard::Board wanted) {
     if (wanted == AppClipboard::Board::none)
         return std::make_unique<NoPasteboard>(services.doors.queue, std::string(leftAlone));
-    if (!services.environment.hasX11)
-        return std::make_unique<NoPasteboard>(services.doors.queue, std::string(noDisplay));
-    return std::make_unique<X11Pasteboard>(services.doors.queue);
+    return pasteboard(services.doors.queue, services.environment);
 }
 
 std::unique_ptr<KeyInjector> injector(AppServices& services, AppClipboard::Board wanted) {

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/pasteboard/PasteboardCalls.h"
+#include "launcherapp/platform/linux/pasteboard/x11/PasteboardCalls.h"
 
 #include "tests/linux/pasteboard/ForeignOwner.h"
 

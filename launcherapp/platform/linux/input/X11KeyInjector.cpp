@@ -1,9 +1,6 @@
 #include "launcherapp/platform/linux/input/X11KeyInjector.h"
 
-#include "LauncherCore/text/Scalars.h"
-#include "launcherapp/platform/Environment.h"
-#include "launcherapp/platform/linux/input/NoKeyInjector.h"
-#include "launcherapp/platform/linux/input/X11InputDevices.h"
+#include "launcherapp/platform/linux/input/typing/TypedText.h"
 #include "launcherapp/platform/linux/input/typing/X11KeyMap.h"
 #include "launcherapp/platform/linux/input/typing/X11TestKeys.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
@@ -15,7 +12,6 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -26,29 +22,6 @@ namespace {
 using KeyCode = X11TestKeys::KeyCode;
 
 constexpr KeyCode usualV = 55; ///< where a US keyboard has it
-/// So that a window that is slow with its keys isn't flooded: 3,200 characters a second.
-constexpr std::size_t charactersPerTurn = 32;
-constexpr Seconds betweenTurns{0.01};
-
-/// The characters to type, each kind of line break as one line feed.
-std::u32string typedCharacters(std::string_view text) {
-    std::u32string characters;
-    char32_t before = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        const auto scalar = Scalars::at(text, i);
-        i += scalar.bytes;
-        const auto value = scalar.value;
-        const bool isBreak = value == U'\r' || value == U'\n' || value == U'\u0085' ||
-                             value == U'\u2028' || value == U'\u2029';
-        const bool isControl = value < 0x20 || (value >= 0x7f && value < 0xa0);
-        if (isBreak && !(value == U'\n' && before == U'\r'))
-            characters += U'\n';
-        else if (value == U'\t' || !(isBreak || isControl))
-            characters += value;
-        before = value;
-    }
-    return characters;
-}
 
 } // namespace
 
@@ -88,7 +61,7 @@ public:
     }
 
     void type(const std::string& text, std::function<void(bool typed)> done) {
-        waiting_.push_back({typedCharacters(text), std::move(done)});
+        waiting_.push_back({TypedText::characters(text), std::move(done)});
         if (waiting_.size() == 1)
             later(Seconds{0}, [this] { begin(); });
     }
@@ -187,7 +160,7 @@ private:
         const auto locks = keys_.locks();
         auto layout = locks.layout;
         keys_.setLocks({.modifiers = 0, .layout = layout});
-        const auto turnEnd = std::min(typing.roundEnd, typing.typed + charactersPerTurn);
+        const auto turnEnd = std::min(typing.roundEnd, typing.typed + TypedText::charactersPerTurn);
         for (; typing.typed < turnEnd; ++typing.typed)
             layout = typeCharacter(typing.characters[typing.typed], layout);
         keys_.setLocks(locks);
@@ -198,7 +171,7 @@ private:
             return end(true);
         typing.modifiers.clear(); // the user lets go of them meanwhile, which nobody would notice
         if (typing.typed < typing.roundEnd)
-            return later(betweenTurns, [this] { typeTurn(); });
+            return later(TypedText::betweenTurns, [this] { typeTurn(); });
         if (spareKeyOf_.empty())
             return beginRound();
         later(afterNewMeanings, [this, isDone] {
@@ -272,18 +245,6 @@ bool X11KeyInjector::paste(PasteChord chord) {
 
 void X11KeyInjector::type(const std::string& text, std::function<void(bool typed)> done) {
     keyboard_->type(text, std::move(done));
-}
-
-std::unique_ptr<KeyInjector> keyInjector(MainQueue& queue, const Environment& environment) {
-    constexpr std::string_view wayland =
-        "only X11 sessions let programs press keys in other windows, and this is none";
-    if (environment.hasWayland || !environment.hasX11)
-        return std::make_unique<NoKeyInjector>(queue, std::string(wayland));
-    // A program that was kept off the compositor sees its display for X11 programs alone.
-    const X11Connection display;
-    if (display.answers() && isWaylandsDisplay(display.xcb()))
-        return std::make_unique<NoKeyInjector>(queue, std::string(wayland));
-    return std::make_unique<X11KeyInjector>(queue);
 }
 
 } // namespace tessarine

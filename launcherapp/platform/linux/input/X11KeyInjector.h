@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/KeyInjector.h"
 #include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/linux/input/typing/TypedText.h"
 
 #include <cstddef>
 #include <functional>
@@ -9,8 +10,6 @@
 #include <string>
 
 namespace tessarine {
-
-struct Environment;
 
 /// Presses keys through the test extension of an X11 display, on a connection of its own. Whatever
 /// is locked, as Caps Lock is, counts for nothing and is as before afterwards. Modifiers that the
@@ -21,8 +20,7 @@ struct Environment;
 /// its meaning for the moment, which every program of the display hears of. Main thread only.
 class X11KeyInjector : public KeyInjector {
 public:
-    /// Takes some seconds to type; a longer text is refused whole, since nobody could stop it.
-    static constexpr std::size_t longestText = 10000; // characters of Unicode
+    static constexpr std::size_t longestText = TypedText::longest;
 
     /// Programs read the keyboard anew before the first key with a new meaning comes, and must have
     /// taken the last before that meaning goes.
@@ -48,8 +46,5 @@ private:
     class Keyboard;
     std::unique_ptr<Keyboard> keyboard_;
 };
-
-/// That of the session: none but X11 lets programs press keys in other programs' windows.
-std::unique_ptr<KeyInjector> keyInjector(MainQueue& queue, const Environment& environment);
 
 } // namespace tessarine

@@ -81,6 +81,11 @@ void PasteboardMailbox::lose(std::string reason) {
     ability_ = Ability::missing(std::move(reason));
 }
 
+void PasteboardMailbox::regain() {
+    const std::lock_guard lock(mutex_);
+    ability_ = {};
+}
+
 void PasteboardMailbox::wakeUp() const {
     (void)::eventfd_write(wake_.number(), 1);
 }

@@ -71,6 +71,9 @@ public:
     /// There is no clipboard any more, or none that can be watched.
     void lose(std::string reason);
 
+    /// There is one again.
+    void regain();
+
 private:
     void publish() { count_.store(counter_.value(), std::memory_order_release); }
 

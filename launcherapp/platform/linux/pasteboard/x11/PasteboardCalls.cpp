@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/pasteboard/PasteboardCalls.h"
+#include "launcherapp/platform/linux/pasteboard/x11/PasteboardCalls.h"
 
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
@@ -12,8 +12,6 @@ namespace {
 /// Of a list of targets, which is four bytes for each: far more than any program offers.
 constexpr std::size_t mostTargetBytes = 65536;
 
-constexpr auto somethingElse = "something else lies on the clipboard now";
-
 PasteboardOffer offerOf(const OwnedContent& content) {
     PasteboardOffer offer{.count = content.count};
     for (const auto& item : content.items)
@@ -23,23 +21,11 @@ PasteboardOffer offerOf(const OwnedContent& content) {
 
 PasteboardReading readingOf(const OwnedContent& content, const ReadRequest& request) {
     const auto item = std::ranges::find(content.items, request.type, &OwnedContent::Item::name);
-    if (item == content.items.end())
-        return {.problem = "the clipboard holds no such type"};
-    if (item->bytes->size() > request.limitBytes)
-        return {.outcome = PasteboardReading::Outcome::tooLarge};
-    return {.outcome = PasteboardReading::Outcome::complete, .bytes = *item->bytes};
+    return readingFromMemory(item == content.items.end() ? nullptr : item->bytes.get(),
+                             request.limitBytes);
 }
 
 } // namespace
-
-void refuse(const PasteboardCalls::Call& call,
-            const PasteboardNews& news,
-            const std::string& problem) {
-    if (const auto* offer = std::get_if<OfferRequest>(&call))
-        news.offered(offer->call, std::nullopt);
-    else
-        news.read(std::get<ReadRequest>(call).call, {.problem = problem});
-}
 
 PasteboardCalls::PasteboardCalls(const Services& services, TransferLimits limits)
     : services_(services), reading_(services.display, services.atoms, limits) {}
@@ -62,7 +48,7 @@ void PasteboardCalls::endWhatIsOver() {
     if (!current_ || current_->count == services_.mailbox.count())
         return;
     reading_.abandon();
-    tell({.problem = somethingElse});
+    tell({.problem = somethingElseThere});
 }
 
 void PasteboardCalls::goOn(const Board& board, Time now) {
@@ -78,7 +64,7 @@ void PasteboardCalls::goOn(const Board& board, Time now) {
         const auto call = std::move(waiting_.front());
         waiting_.pop_front();
         if (isStale)
-            refuse(call, services_.news, somethingElse);
+            refuse(call, services_.news, somethingElseThere);
         else if (!toldAtOnce(call, board))
             begin(call, board, now);
     }

@@ -1,30 +1,21 @@
 #pragma once
 
-#include "launcherapp/platform/linux/pasteboard/ClipboardOwnership.h"
-#include "launcherapp/platform/linux/pasteboard/PasteboardMailbox.h"
-#include "launcherapp/platform/linux/pasteboard/SelectionReading.h"
+#include "launcherapp/platform/linux/pasteboard/PasteboardNews.h"
+#include "launcherapp/platform/linux/pasteboard/x11/ClipboardOwnership.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionReading.h"
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <optional>
 #include <string>
-#include <variant>
 
 namespace tessarine {
-
-/// What the worker tells, on its own thread. The call is the request's.
-struct PasteboardNews {
-    std::function<void(std::uint64_t call, std::optional<PasteboardOffer> offer)> offered;
-    std::function<void(std::uint64_t call, PasteboardReading reading)> read;
-    std::function<void(std::uint64_t count)> abandoned;
-};
 
 /// What has been asked about the clipboard, one after the other, each answered once. What lies
 /// there of our own is told from memory. One thread; what is referred to must outlive this.
 class PasteboardCalls {
 public:
-    using Call = std::variant<OfferRequest, ReadRequest>;
+    using Call = PasteboardCall;
     using Time = TransferClock::time_point;
 
     /// What the display has told of the clipboard so far.
@@ -74,10 +65,5 @@ private:
     std::deque<Call> waiting_;
     std::optional<Current> current_;
 };
-
-/// Answers a call that nothing can be told for.
-void refuse(const PasteboardCalls::Call& call,
-            const PasteboardNews& news,
-            const std::string& problem);
 
 } // namespace tessarine

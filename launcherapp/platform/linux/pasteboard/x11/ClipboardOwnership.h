@@ -1,7 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/linux/pasteboard/PasteboardMailbox.h"
-#include "launcherapp/platform/linux/pasteboard/SelectionService.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionService.h"
 
 #include <cstdint>
 #include <optional>

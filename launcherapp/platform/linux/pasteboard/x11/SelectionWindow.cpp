@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/pasteboard/SelectionWindow.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionWindow.h"
 
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 

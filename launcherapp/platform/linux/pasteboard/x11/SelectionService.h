@@ -1,7 +1,7 @@
 #pragma once
 
-#include "launcherapp/platform/linux/pasteboard/SelectionAtoms.h"
 #include "launcherapp/platform/linux/pasteboard/TransferLimits.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionAtoms.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "launcherapp/platform/linux/pasteboard/SelectionReading.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionReading.h"
 
 #include "launcherapp/platform/linux/XcbOwned.h"
-#include "launcherapp/platform/linux/pasteboard/SelectionWindow.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionWindow.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <xcb/xcb.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "launcherapp/platform/linux/pasteboard/PasteboardCalls.h"
 #include "launcherapp/platform/linux/pasteboard/PasteboardMailbox.h"
+#include "launcherapp/platform/linux/pasteboard/PasteboardNews.h"
 #include "launcherapp/platform/linux/pasteboard/TransferLimits.h"
 
 namespace tessarine {

@@ -1,6 +1,7 @@
-#include "launcherapp/platform/linux/pasteboard/ClipboardOwnership.h"
+#include "launcherapp/platform/linux/pasteboard/x11/ClipboardOwnership.h"
 
-#include "launcherapp/platform/linux/pasteboard/SelectionWindow.h"
+#include "launcherapp/platform/linux/pasteboard/OfferedTypes.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionWindow.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <xcb/xcb.h>
@@ -26,10 +27,12 @@ void ClipboardOwnership::begin(const WriteRequest& request) {
     for (const auto& [type, bytes] : request.content.items)
         claim_->content.items.push_back(
             {.type = display_.atom(type), .name = type, .bytes = bytes});
-    if (request.content.isSecret)
+    if (request.content.isSecret) {
+        auto mark = secretMark();
         claim_->content.items.push_back({.type = atoms_.passwordManagerHint,
-                                         .name = std::string(passwordManagerHintName),
-                                         .bytes = std::make_shared<const std::string>("secret")});
+                                         .name = std::move(mark.type),
+                                         .bytes = std::move(mark.bytes)});
+    }
     askMoment();
 }
 

@@ -3,15 +3,11 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tessarine {
 
 class X11Connection;
-
-/// Marks what no other program is to keep, with the content "secret".
-inline constexpr std::string_view passwordManagerHintName = "x-kde-passwordManagerHint";
 
 /// The names that programs use when they hand something over (ICCCM 2).
 struct SelectionAtoms {
@@ -38,8 +34,8 @@ struct SelectionAtoms {
 std::vector<SelectionAtoms::Atom> offeredTypes(std::span<const char> property,
                                                const SelectionAtoms& atoms);
 
-/// Their names, in one round trip. What the display doesn't know is left out, and names that aren't
-/// printable ASCII or longer than 255 characters (the bound of a media type with its subtype).
+/// Their names, in one round trip. What the display doesn't know is left out, and names that no
+/// type has.
 std::vector<std::string> atomNames(const X11Connection& display,
                                    std::span<const SelectionAtoms::Atom> atoms);
 

@@ -1,27 +1,16 @@
-#include "launcherapp/platform/linux/pasteboard/SelectionAtoms.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionAtoms.h"
 
 #include "launcherapp/platform/linux/XcbOwned.h"
+#include "launcherapp/platform/linux/pasteboard/OfferedTypes.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <xcb/xcb.h>
 
-#include <algorithm>
 #include <cstring>
 #include <set>
 #include <string_view>
 
 namespace tessarine {
-
-namespace {
-
-constexpr std::size_t longestName = 255;
-
-bool isTypeName(std::string_view name) {
-    return !name.empty() && name.size() <= longestName &&
-           std::ranges::all_of(name, [](char c) { return c >= ' ' && c <= '~'; });
-}
-
-} // namespace
 
 SelectionAtoms::SelectionAtoms(const X11Connection& display)
     : clipboard(display.atom("CLIPBOARD")), targets(display.atom("TARGETS")),

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/pasteboard/SelectionService.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionService.h"
 
 #include "launcherapp/platform/linux/XcbOwned.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "launcherapp/platform/Pasteboard.h"
-#include "launcherapp/platform/linux/pasteboard/SelectionAtoms.h"
 #include "launcherapp/platform/linux/pasteboard/TransferLimits.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionAtoms.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,9 @@
-#include "launcherapp/platform/linux/pasteboard/PasteboardWorker.h"
+#include "launcherapp/platform/linux/pasteboard/x11/PasteboardWorker.h"
 
 #include "launcherapp/platform/linux/XcbOwned.h"
-#include "launcherapp/platform/linux/pasteboard/ClipboardOwnership.h"
-#include "launcherapp/platform/linux/pasteboard/SelectionService.h"
+#include "launcherapp/platform/linux/pasteboard/x11/ClipboardOwnership.h"
+#include "launcherapp/platform/linux/pasteboard/x11/PasteboardCalls.h"
+#include "launcherapp/platform/linux/pasteboard/x11/SelectionService.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 #include "launcherapp/platform/linux/x11/X11Extension.h"
 
@@ -211,22 +212,6 @@ void Worker::sleep() const {
     pollfd doors[] = {{.fd = xcb_get_file_descriptor(display_.xcb()), .events = POLLIN},
                       {.fd = mailbox_.wakeDescriptor(), .events = POLLIN}};
     ::poll(doors, std::size(doors), millisecondsToSleep());
-}
-
-/// Until the mailbox is closed.
-void refuseRequests(PasteboardMailbox& mailbox,
-                    const PasteboardNews& news,
-                    const std::string& problem) {
-    while (const auto requests = mailbox.take()) {
-        for (const auto& request : *requests) {
-            if (const auto* offer = std::get_if<OfferRequest>(&request))
-                refuse(*offer, news, problem);
-            else if (const auto* read = std::get_if<ReadRequest>(&request))
-                refuse(*read, news, problem);
-        }
-        pollfd door{.fd = mailbox.wakeDescriptor(), .events = POLLIN};
-        ::poll(&door, 1, forever);
-    }
 }
 
 } // namespace

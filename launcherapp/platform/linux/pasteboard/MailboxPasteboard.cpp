@@ -1,14 +1,10 @@
-#include "launcherapp/platform/linux/pasteboard/X11Pasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/MailboxPasteboard.h"
 
 #include "launcherapp/platform/Observers.h"
-#include "launcherapp/platform/linux/pasteboard/PasteboardWorker.h"
-
-#include <xcb/xcb.h>
 
 #include <csignal>
 #include <map>
 #include <pthread.h>
-#include <sys/socket.h>
 #include <utility>
 
 namespace tessarine {
@@ -37,7 +33,7 @@ void nameThread() {
 } // namespace
 
 /// Who waits for what, on the main thread alone.
-struct X11Pasteboard::Callers {
+struct MailboxPasteboard::Callers {
     std::map<std::uint64_t, std::function<void(std::optional<PasteboardOffer> offer)>> offers;
     std::map<std::uint64_t, std::function<void(PasteboardReading reading)>> readings;
     Observers<std::uint64_t> abandonments;
@@ -47,9 +43,9 @@ struct X11Pasteboard::Callers {
     news(MainQueue& queue, std::weak_ptr<Callers> callers, const PasteboardMailbox& mailbox);
 };
 
-PasteboardNews X11Pasteboard::Callers::news(MainQueue& queue,
-                                            std::weak_ptr<Callers> callers,
-                                            const PasteboardMailbox& mailbox) {
+PasteboardNews MailboxPasteboard::Callers::news(MainQueue& queue,
+                                                std::weak_ptr<Callers> callers,
+                                                const PasteboardMailbox& mailbox) {
     return {.offered =
                 [&queue, callers](std::uint64_t call, std::optional<PasteboardOffer> offer) {
                     queue.post([callers, call, offer = std::move(offer)] {
@@ -81,53 +77,56 @@ PasteboardNews X11Pasteboard::Callers::news(MainQueue& queue,
                 }};
 }
 
-X11Pasteboard::X11Pasteboard(MainQueue& queue, TransferLimits limits)
-    : callers_(std::make_shared<Callers>()) {
-    if (!display_.answers())
-        mailbox_.lose("there is no X11 display");
-    thread_ = std::thread([this, limits, news = Callers::news(queue, callers_, mailbox_)] {
-        nameThread();
-        runPasteboardWorker(display_, mailbox_, limits, news);
-    });
+MailboxPasteboard::MailboxPasteboard() : callers_(std::make_shared<Callers>()) {}
+
+MailboxPasteboard::~MailboxPasteboard() = default;
+
+void MailboxPasteboard::start(MainQueue& queue,
+                              std::function<void(const PasteboardNews& news)> work) {
+    thread_ =
+        std::thread([work = std::move(work), news = Callers::news(queue, callers_, mailbox_)] {
+            nameThread();
+            work(news);
+        });
 }
 
-X11Pasteboard::~X11Pasteboard() {
+void MailboxPasteboard::close() {
     callers_.reset();
     mailbox_.close();
-    // The thread may be waiting for a display that has stopped; a connection at its end lets it go.
-    if (display_.answers())
-        ::shutdown(xcb_get_file_descriptor(display_.xcb()), SHUT_RD);
+}
+
+void MailboxPasteboard::join() {
     thread_.join();
 }
 
-Ability X11Pasteboard::ability() const {
+Ability MailboxPasteboard::ability() const {
     return mailbox_.ability();
 }
 
-std::uint64_t X11Pasteboard::changeCount() const {
+std::uint64_t MailboxPasteboard::changeCount() const {
     return mailbox_.count();
 }
 
-void X11Pasteboard::offer(std::function<void(std::optional<PasteboardOffer> offer)> done) {
+void MailboxPasteboard::offer(std::function<void(std::optional<PasteboardOffer> offer)> done) {
     const auto call = ++lastCall_;
     callers_->offers.emplace(call, std::move(done));
     mailbox_.ask(OfferRequest{call});
 }
 
-void X11Pasteboard::read(std::uint64_t count,
-                         const std::string& type,
-                         std::size_t limitBytes,
-                         std::function<void(PasteboardReading reading)> done) {
+void MailboxPasteboard::read(std::uint64_t count,
+                             const std::string& type,
+                             std::size_t limitBytes,
+                             std::function<void(PasteboardReading reading)> done) {
     const auto call = ++lastCall_;
     callers_->readings.emplace(call, std::move(done));
     mailbox_.ask(ReadRequest{.call = call, .count = count, .type = type, .limitBytes = limitBytes});
 }
 
-std::uint64_t X11Pasteboard::write(PasteboardContent content) {
+std::uint64_t MailboxPasteboard::write(PasteboardContent content) {
     return mailbox_.write(std::move(content));
 }
 
-Subscription X11Pasteboard::onAbandoned(std::function<void(std::uint64_t count)> gone) {
+Subscription MailboxPasteboard::onAbandoned(std::function<void(std::uint64_t count)> gone) {
     return callers_->abandonments.add(std::move(gone));
 }
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "launcherapp/platform/Pasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/PasteboardMailbox.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace tessarine {
+
+/// What a pasteboard's worker tells, on its own thread. The call is the request's.
+struct PasteboardNews {
+    std::function<void(std::uint64_t call, std::optional<PasteboardOffer> offer)> offered;
+    std::function<void(std::uint64_t call, PasteboardReading reading)> read;
+    std::function<void(std::uint64_t count)> abandoned;
+};
+
+/// A request that is answered.
+using PasteboardCall = std::variant<OfferRequest, ReadRequest>;
+
+/// Why a call fails that is about what lay there before.
+inline constexpr auto somethingElseThere = "something else lies on the clipboard now";
+
+/// Answers a call that nothing can be told for.
+void refuse(const PasteboardCall& call, const PasteboardNews& news, const std::string& problem);
+
+/// Answers all calls so until the mailbox is closed.
+void refuseRequests(PasteboardMailbox& mailbox,
+                    const PasteboardNews& news,
+                    const std::string& problem);
+
+/// Of our own content, which nobody has to be asked for; null for a type that it doesn't have.
+PasteboardReading readingFromMemory(const std::string* bytes, std::size_t limitBytes);
+
+} // namespace tessarine

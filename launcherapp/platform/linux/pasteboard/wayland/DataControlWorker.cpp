@@ -1,0 +1,210 @@
+#include "launcherapp/platform/linux/pasteboard/wayland/DataControlWorker.h"
+
+#include "launcherapp/platform/linux/pasteboard/wayland/ClipboardClaim.h"
+#include "launcherapp/platform/linux/pasteboard/wayland/ContentWriters.h"
+#include "launcherapp/platform/linux/pasteboard/wayland/DataControl.h"
+#include "launcherapp/platform/linux/pasteboard/wayland/OfferCalls.h"
+#include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+
+#include <wayland-client.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <poll.h>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+constexpr auto displayGone = "the Wayland display is gone";
+constexpr auto noSeat = "this Wayland session has no seat, and so no clipboard";
+
+/// Works while the compositor is there.
+class Worker {
+public:
+    Worker(WaylandConnection& display,
+           PasteboardMailbox& mailbox,
+           TransferLimits limits,
+           const PasteboardNews& news)
+        : display_(display), mailbox_(mailbox), news_(news), control_(display), writers_(limits),
+          calls_({.control = control_, .mailbox = mailbox, .news = news}, limits) {}
+
+    /// Until the mailbox is closed, or the compositor is gone.
+    void run();
+
+    void refuseAll(const std::string& problem) { calls_.refuseAll(problem); }
+
+private:
+    bool takeRequests();
+    void claim(WriteRequest request);
+    void lookForSeat();
+    void take(DataControl::Selected& event);
+    void take(DataControl::Wanted& event);
+    void take(const DataControl::Cancelled& event);
+    void take(const DataControl::Confirmed& event);
+    void settle();
+    void sleep(bool isAllSent) const;
+
+    WaylandConnection& display_;
+    PasteboardMailbox& mailbox_;
+    const PasteboardNews& news_;
+    DataControl control_;
+    ContentWriters writers_;
+    OfferCalls calls_;
+    OfferCalls::Board board_;
+    std::optional<ClipboardClaim> claim_; ///< our write on its way to the compositor
+    std::optional<ClipboardClaim> owned_; ///< what of ours is there
+    bool hasSeat_ = true;                 ///< as the ability has it
+    std::uint64_t beginning_ = 0;         ///< the question whose answer ends what was there before
+    TransferClock::time_point now_;
+};
+
+void Worker::run() {
+    lookForSeat();
+    beginning_ = control_.confirm();
+    while (true) {
+        now_ = TransferClock::now();
+        if (!takeRequests() || !display_.dispatchWhatCame())
+            return;
+        for (auto& event : control_.take())
+            std::visit([this](auto& each) { take(each); }, event);
+        lookForSeat();
+        writers_.goOn(now_);
+        calls_.goOn(board_, now_);
+        const bool isAllSent = wl_display_flush(display_.display()) >= 0;
+        if (!isAllSent && errno != EAGAIN)
+            return;
+        sleep(isAllSent);
+    }
+}
+
+bool Worker::takeRequests() {
+    auto requests = mailbox_.take();
+    if (!requests)
+        return false;
+    for (auto& request : *requests) {
+        if (auto* write = std::get_if<WriteRequest>(&request))
+            claim(std::move(*write));
+        else if (auto* read = std::get_if<ReadRequest>(&request))
+            calls_.add(std::move(*read), now_);
+        else
+            calls_.add(std::get<OfferRequest>(request), now_);
+    }
+    return true;
+}
+
+void Worker::claim(WriteRequest request) {
+    claim_ = ClipboardClaim::of(std::move(request), control_);
+    if (claim_->isCancelled)
+        settle(); // the seat has gone in the same moment
+}
+
+void Worker::lookForSeat() {
+    const bool hasSeat = control_.hasSeat();
+    if (std::exchange(hasSeat_, hasSeat) == hasSeat)
+        return;
+    if (hasSeat)
+        return mailbox_.regain();
+    mailbox_.lose(noSeat);
+    owned_.reset();
+    board_.offer.reset();
+    board_.content = nullptr;
+    if (const auto count = mailbox_.othersChange())
+        board_.count = *count;
+}
+
+void Worker::take(DataControl::Selected& event) {
+    const bool wasAnothers = board_.offer != nullptr;
+    board_.offer = std::move(event.offer);
+    // While our own is on its way, the confirmation tells whose this is.
+    if (beginning_ != 0 || claim_)
+        return;
+    owned_.reset();
+    board_.content = nullptr;
+    const auto count = mailbox_.othersChange();
+    if (!count)
+        return;
+    board_.count = *count;
+    if (wasAnothers && !board_.offer)
+        news_.abandoned(*count - 1);
+}
+
+void Worker::take(DataControl::Wanted& event) {
+    for (const auto* ours : {&claim_, &owned_}) {
+        if (!*ours || (*ours)->source != event.source)
+            continue;
+        if (const auto* item = (*ours)->item(event.type))
+            writers_.add(item->bytes, std::move(event.into), now_);
+        return;
+    }
+}
+
+void Worker::take(const DataControl::Cancelled& event) {
+    if (claim_ && claim_->source == event.source)
+        claim_->isCancelled = true;
+    if (owned_ && owned_->source == event.source) {
+        owned_.reset();
+        board_.content = nullptr;
+    }
+}
+
+void Worker::take(const DataControl::Confirmed& event) {
+    calls_.confirmed(event.question);
+    if (event.question == beginning_)
+        beginning_ = 0;
+    if (claim_ && claim_->question == event.question)
+        settle();
+    if (beginning_ == 0 && board_.count == 0)
+        board_.count = PasteboardMailbox::firstCount;
+}
+
+/// The compositor has done with our write, one way or the other.
+void Worker::settle() {
+    const auto count = claim_->content.count;
+    if (claim_->isCancelled) {
+        if (const auto after = mailbox_.refused(count))
+            board_.count = *after;
+        claim_.reset();
+        return;
+    }
+    owned_ = std::exchange(claim_, std::nullopt);
+    board_ = {.count = count, .offer = nullptr, .content = &*owned_};
+    mailbox_.arrived(count);
+}
+
+void Worker::sleep(bool isAllSent) const {
+    constexpr int forever = -1;
+    auto doors = writers_.doors();
+    calls_.addDoors(doors);
+    const short display = isAllSent ? POLLIN : POLLIN | POLLOUT;
+    doors.push_back({.fd = display_.descriptor(), .events = display, .revents = 0});
+    doors.push_back({.fd = mailbox_.wakeDescriptor(), .events = POLLIN, .revents = 0});
+    const auto none = TransferClock::time_point::max();
+    const auto next =
+        std::min(calls_.deadline().value_or(none), writers_.deadline().value_or(none));
+    int patience = forever;
+    if (next != none) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - TransferClock::now());
+        patience = static_cast<int>(std::max<std::int64_t>(left.count(), 0));
+    }
+    ::poll(doors.data(), doors.size(), patience);
+}
+
+} // namespace
+
+void runDataControlWorker(WaylandConnection& display,
+                          PasteboardMailbox& mailbox,
+                          TransferLimits limits,
+                          const PasteboardNews& news) {
+    if (mailbox.ability().available) {
+        Worker worker(display, mailbox, limits, news);
+        worker.run();
+        mailbox.lose(displayGone);
+        worker.refuseAll(displayGone);
+    }
+    refuseRequests(mailbox, news, mailbox.ability().reason);
+}
+
+} // namespace tessarine

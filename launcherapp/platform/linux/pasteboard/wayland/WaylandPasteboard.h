@@ -1,0 +1,37 @@
+#pragma once
+
+#include "launcherapp/platform/MainQueue.h"
+#include "launcherapp/platform/linux/pasteboard/MailboxPasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/TransferLimits.h"
+#include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+
+namespace tessarine {
+
+/// The clipboard of a Wayland compositor by its data-control protocol, which needs no focus, on a
+/// connection and a thread of its own, so that the main thread waits neither for other programs nor
+/// for the compositor. The primary selection is left alone. What is there before this is made has
+/// the count 1.
+///
+/// The compositor tells in one and the same way of an owner that has ended and of one that empties
+/// the clipboard on purpose. Both count as abandoned here: a copy that is put back though somebody
+/// emptied the clipboard can be emptied again, one that is gone with its program cannot be had
+/// back. A secret is not at stake, as it is never kept to be put back.
+///
+/// The ability goes when the compositor does, for good, and with the seat, until there is one
+/// again.
+class WaylandPasteboard : public MailboxPasteboard {
+public:
+    /// Connects to the compositor, and waits for it no longer than WaylandConnection's patience;
+    /// where it doesn't answer, or has no such protocol, the ability is missing. Throws
+    /// std::system_error when there is no descriptor or no thread to be had.
+    explicit WaylandPasteboard(MainQueue& queue, TransferLimits limits = {});
+
+    /// At once, whatever is under way; what was asked for is not called any more, and what we own
+    /// goes with us.
+    ~WaylandPasteboard() override;
+
+private:
+    WaylandConnection display_; ///< the thread's alone once it runs
+};
+
+} // namespace tessarine
