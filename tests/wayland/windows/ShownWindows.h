@@ -70,4 +70,12 @@ inline bool sway(const std::string& order) {
                              {QStringLiteral("-q"), QString::fromStdString(order)}) == 0;
 }
 
+/// Sway's containers and who has the focus, as text.
+inline std::string swayTree() {
+    QProcess program;
+    program.start(QStringLiteral("swaymsg"), {QStringLiteral("-rt"), QStringLiteral("get_tree")});
+    program.waitForFinished();
+    return program.readAllStandardOutput().toStdString();
+}
+
 } // namespace tessarine
