@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
 
+#include "launcherapp/platform/linux/wayland/windows/HyprlandIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/IpcWindowControl.h"
 #include "launcherapp/platform/linux/wayland/windows/IpcWindowList.h"
 #include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
@@ -16,6 +17,15 @@ namespace {
 std::unique_ptr<CompositorIpc> compositorIpc() {
     if (auto path = qEnvironmentVariable("SWAYSOCK").toStdString(); !path.empty()) {
         if (auto ipc = std::make_unique<SwayIpc>(path); ipc->ability().available)
+            return ipc;
+    }
+    const auto hyprland = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE").toStdString();
+    if (hyprland.empty())
+        return nullptr;
+    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
+    for (const auto& folder : {runtime, std::string("/tmp")}) { // older versions in the second
+        auto ipc = std::make_unique<HyprlandIpc>(folder + "/hypr/" + hyprland);
+        if (ipc->ability().available)
             return ipc;
     }
     return nullptr;
