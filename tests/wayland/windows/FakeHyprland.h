@@ -1,17 +1,15 @@
 #pragma once
 
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
+#include "tests/wayland/windows/ListeningSocket.h"
 
 #include <algorithm>
-#include <cstring>
 #include <functional>
 #include <mutex>
 #include <optional>
 #include <poll.h>
-#include <stdexcept>
 #include <string>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <thread>
 #include <vector>
 
@@ -23,8 +21,8 @@ public:
     /// `answer` gives what a request is answered with, in that thread; nothing for never.
     FakeHyprland(const std::string& folder,
                  std::function<std::optional<std::string>(const std::string& request)> answer)
-        : answer_(std::move(answer)), requests_(listen(folder + "/.socket.sock")),
-          events_(listen(folder + "/.socket2.sock")),
+        : answer_(std::move(answer)), requests_(listeningSocket(folder + "/.socket.sock")),
+          events_(listeningSocket(folder + "/.socket2.sock")),
           thread_([this](const std::stop_token& stop) { serve(stop); }) {}
 
     /// To all who listen.
@@ -41,17 +39,6 @@ public:
     }
 
 private:
-    static FileDescriptor listen(const std::string& path) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::memcpy(address.sun_path, path.data(), path.size());
-        FileDescriptor made(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        if (::bind(made.number(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-            ::listen(made.number(), 10) != 0)
-            throw std::runtime_error("no socket");
-        return made;
-    }
-
     void serve(const std::stop_token& stop) {
         while (!stop.stop_requested()) {
             pollfd wanted[]{{.fd = requests_.number(), .events = POLLIN, .revents = 0},
