@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/Ability.h"
+#include "launcherapp/platform/WindowControl.h"
 #include "launcherapp/platform/linux/wayland/windows/WindowScene.h"
 
 #include <chrono>
@@ -17,7 +18,7 @@ class CompositorIpc {
 public:
     /// Longest wait for an answer that somebody waits for: one takes a millisecond mostly. After
     /// one that didn't come nobody waits any more until it has.
-    static constexpr std::chrono::milliseconds patience{250};
+    static constexpr auto patience = WindowControl::longestRestore;
 
     virtual ~CompositorIpc() = default;
 

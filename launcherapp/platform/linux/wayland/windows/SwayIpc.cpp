@@ -125,8 +125,7 @@ void SwayIpc::read() {
 
 void SwayIpc::note(std::uint32_t type, std::string_view payload) {
     if ((type & eventBit) != 0) {
-        if (type != windowEvent || !isMinor(payload))
-            askForTree();
+        noteEvent(type, payload);
         return;
     }
     if (asked_.empty())
@@ -135,6 +134,20 @@ void SwayIpc::note(std::uint32_t type, std::string_view payload) {
     asked_.pop_front();
     if (answer)
         answer(payload);
+}
+
+/// The focus changes often, and a tree of five hundred windows takes ten milliseconds to read.
+void SwayIpc::noteEvent(std::uint32_t type, std::string_view event) {
+    if (!told_ || (type == windowEvent && isMinor(event)))
+        return;
+    const auto focused = type == windowEvent ? SwayTree::focused(event) : std::nullopt;
+    const auto* window = focused ? latest_.find(*focused) : nullptr;
+    if (!window || window->window.hidden || isTreeAsked_) {
+        askForTree();
+        return;
+    }
+    latest_.active = focused;
+    told_(latest_);
 }
 
 /// At most one is under way: many windows that come at once are told in two trees.
@@ -147,8 +160,10 @@ void SwayIpc::askForTree() {
         isTreeAsked_ = false;
         if (isTreeOld_)
             askForTree();
-        if (auto read = SwayTree::read(json); read && told_)
-            told_(*std::move(read));
+        if (auto read = SwayTree::read(json)) {
+            latest_ = *std::move(read);
+            told_(latest_);
+        }
     });
 }
 

@@ -41,6 +41,7 @@ private:
     void order(std::uint64_t window, std::string_view command);
     void read();
     void note(std::uint32_t type, std::string_view payload);
+    void noteEvent(std::uint32_t type, std::string_view event);
     void askForTree();
 
     LocalSocket socket_;
@@ -50,6 +51,7 @@ private:
     std::shared_ptr<const std::optional<std::string>> late_;
     std::unique_ptr<QSocketNotifier> notifier_;
     std::function<void(WindowScene scene)> told_;
+    WindowScene latest_; ///< that was told
     bool isTreeAsked_ = false;
     bool isTreeOld_ = false; ///< something has happened since it was asked for
 };

@@ -172,4 +172,16 @@ std::optional<WindowScene> SwayTree::read(std::string_view json) {
     return std::move(reading.scene);
 }
 
+std::optional<std::uint64_t> SwayTree::focused(std::string_view event) {
+    auto json = Json::parse(event, nullptr, false);
+    JsonFields fields(json);
+    auto* const container =
+        text(fields, "change") == "focus" ? fields.member("container") : nullptr;
+    if (!container)
+        return std::nullopt;
+    JsonFields window(*container);
+    const auto id = number(window, "id");
+    return id > 0 ? std::optional(static_cast<std::uint64_t>(id)) : std::nullopt;
+}
+
 } // namespace tessarine
