@@ -13,8 +13,9 @@ namespace tessarine {
 
 /// Moves, closes and kills the windows of other programs. A window is the id of `AppWindow`; one
 /// that has gone is no error, and nothing happens. Rectangles, those of the screens included, are
-/// in the display's own pixels. Main thread only. A call waits for the display's answer: mostly
-/// less than a millisecond, and longer only while another program has the display to itself.
+/// in the display's own pixels, under Wayland in the compositor's logical ones. Main thread only. A
+/// call waits for the display's answer: mostly less than a millisecond, and longer only while
+/// another program has the display to itself.
 class WindowControl {
 public:
     /// Longest wait for a window manager, and the program, to make a window an ordinary one: two
@@ -34,8 +35,8 @@ public:
     /// the program itself gives it, and without a shadow. Nothing when the window is gone.
     virtual std::optional<Rectangle> frame(std::uint64_t window) const = 0;
 
-    /// Makes a minimised, maximised, full-screen or rolled-up window an ordinary one, and waits
-    /// until it is, at most `longestRestore`.
+    /// Makes a minimised, maximised, full-screen, rolled-up or tiled window an ordinary one, which
+    /// has a place of its own, and waits until it is, at most `longestRestore`.
     virtual void restore(std::uint64_t window) = 0;
 
     /// Gives the frame of an ordinary window another size. The window may round it to what suits

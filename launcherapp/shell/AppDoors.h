@@ -23,19 +23,21 @@
 #include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
 #include "launcherapp/platform/linux/watching/InotifyDirectoryWatcher.h"
 #include "launcherapp/platform/linux/watching/InotifyTreeWatcher.h"
+#include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
 #include "launcherapp/platform/linux/x11/X11ActivationTokens.h"
+#include "launcherapp/shell/ProductInfo.h"
 
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace tessarine {
 
 /// The program's doors to the world. Main thread only; `App` has the one there is.
 struct AppDoors {
     explicit AppDoors(const Environment& environment)
-        : processes(environment), programs(queue, environment), icons(environment),
-          windows(windowList(environment)), control(windowControl(environment)),
-          tokens(activationTokens(environment)), copies(environment) {}
+        : AppDoors(environment, windowDoors(environment)) {}
 
     QtMainQueue queue;
     ThreadPoolWorkQueues work{queue};
@@ -59,26 +61,33 @@ struct AppDoors {
     QtHttpClient web;
 
 private:
+    AppDoors(const Environment& environment, WindowDoors made)
+        : processes(environment), programs(queue, environment), icons(environment),
+          windows(std::move(made.list)), control(std::move(made.control)),
+          tokens(activationTokens(environment)), copies(environment) {}
+
     static std::unique_ptr<ActivationTokens> activationTokens(const Environment& environment) {
         if (QtWayland::isThere())
             return std::make_unique<WaylandActivationTokens>();
         return std::make_unique<X11ActivationTokens>(environment);
     }
 
-    static std::unique_ptr<WindowList> windowList(const Environment& environment) {
+    /// Those of the Wayland compositor, else of the X11 display, which has some of a compositor's
+    /// windows at least.
+    static WindowDoors windowDoors(const Environment& environment) {
+        std::optional<std::string> gap;
+        if (environment.hasWayland) {
+            if (auto doors = waylandWindowDoors(std::string(ProductInfo::bundleID)))
+                return *std::move(doors);
+            gap = "this Wayland compositor doesn't tell other programs of its windows";
+        }
         if (environment.hasX11)
-            return std::make_unique<X11WindowList>(
-                environment.hasWayland ? std::optional("windows of Wayland are not read yet")
-                                       : std::nullopt);
-        return std::make_unique<NoWindowList>("there is no X11 display, and windows of Wayland "
-                                              "are not read yet");
-    }
-
-    static std::unique_ptr<WindowControl> windowControl(const Environment& environment) {
-        if (environment.hasX11)
-            return std::make_unique<X11WindowControl>();
-        return std::make_unique<NoWindowControl>("there is no X11 display, and windows of Wayland "
-                                                 "can't be moved yet");
+            return {.list = std::make_unique<X11WindowList>(gap),
+                    .control = std::make_unique<X11WindowControl>()};
+        const auto reason = gap.value_or("there is no display");
+        return {.list = std::make_unique<NoWindowList>(reason),
+                .control = std::make_unique<NoWindowControl>(
+                    gap ? "this Wayland compositor lets no program move windows" : reason)};
     }
 };
 

@@ -370,10 +370,8 @@ std::optional<AppWindow> X11WindowList::active() const {
     return display_->active();
 }
 
-/// Another program may have got the process's number since, but hardly another copy of the same.
 bool X11WindowList::stillRuns(const AppWindow& window) const {
-    return window.processID != 0 && !window.executable.empty() &&
-           ProcessFacts::executable(window.processID) == window.executable;
+    return ProcessFacts::stillRuns(window.processID, window.executable);
 }
 
 Subscription X11WindowList::onActiveChanged(std::function<void()> changed) {

@@ -25,4 +25,8 @@ std::string ProcessFacts::applicationID(std::int64_t process) {
     return {};
 }
 
+bool ProcessFacts::stillRuns(std::int64_t process, const std::string& executable) {
+    return process != 0 && !executable.empty() && ProcessFacts::executable(process) == executable;
+}
+
 } // namespace tessarine

@@ -13,4 +13,8 @@ std::string executable(std::int64_t process);
 /// see SystemdScope::applicationID. Empty when the name tells none.
 std::string applicationID(std::int64_t process);
 
+/// Whether the process still runs the program of that path; false for process 0 and an empty path.
+/// Another program may have got the process's number since, but hardly another copy of the same.
+bool stillRuns(std::int64_t process, const std::string& executable);
+
 } // namespace tessarine::ProcessFacts

@@ -1,0 +1,210 @@
+#include "launcherapp/platform/linux/wayland/windows/HyprlandIpc.h"
+
+#include "launcherapp/platform/linux/wayland/windows/HyprlandScene.h"
+
+#include <fmt/format.h>
+
+#include <QSocketNotifier>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Those after which windows are others, or elsewhere. Some more are told for what is nobody's
+/// concern here, titles among them.
+constexpr std::array<std::string_view, 8> changes{"openwindow",
+                                                  "closewindow",
+                                                  "activewindowv2",
+                                                  "movewindow",
+                                                  "workspace",
+                                                  "focusedmon",
+                                                  "activespecial",
+                                                  "monitorremoved"};
+/// Longest part of an event that is kept: a title of any length is cut far below.
+constexpr std::size_t longestEvent = 65536;
+
+std::string named(std::uint64_t window) {
+    return fmt::format("address:{:#x}", window);
+}
+
+} // namespace
+
+/// One request, whose answer ends with its connection.
+struct HyprlandIpc::Question {
+    LocalSocket socket;
+    std::string answer;
+
+    bool isAnswered() {
+        answer += socket.takeWhatCame();
+        return !socket.isOpen();
+    }
+};
+
+/// What makes a scene, asked without waiting.
+struct HyprlandIpc::SceneQuestion {
+    std::array<std::unique_ptr<Question>, 2> parts; ///< windows, monitors
+    std::array<std::unique_ptr<QSocketNotifier>, 2> notifiers;
+};
+
+HyprlandIpc::HyprlandIpc(std::string folder)
+    : folder_(std::move(folder)), events_(folder_ + "/.socket2.sock") {}
+
+HyprlandIpc::~HyprlandIpc() = default;
+
+Ability HyprlandIpc::ability() {
+    readEvents();
+    if (!events_.isOpen())
+        return Ability::missing("the connection to Hyprland was lost");
+    if (late_ && !late_->isAnswered())
+        return Ability::missing("Hyprland doesn't answer");
+    late_.reset();
+    return {};
+}
+
+std::unique_ptr<HyprlandIpc::Question> HyprlandIpc::ask(std::string_view request) const {
+    auto question = std::make_unique<Question>();
+    question->socket = LocalSocket(folder_ + "/.socket.sock");
+    question->socket.send(request);
+    return question;
+}
+
+std::optional<std::string> HyprlandIpc::await(const std::string& request) {
+    if (!ability().available)
+        return std::nullopt;
+    auto question = ask(request);
+    const auto end = Clock::now() + patience;
+    while (!question->isAnswered()) {
+        if (!question->socket.wait(end)) {
+            late_ = std::move(question);
+            return std::nullopt;
+        }
+    }
+    return std::move(question->answer);
+}
+
+std::optional<WindowScene> HyprlandIpc::scene() {
+    const auto clients = await("j/clients");
+    const auto monitors = clients ? await("j/monitors") : std::nullopt;
+    return monitors ? HyprlandScene::read(*clients, *monitors) : std::nullopt;
+}
+
+void HyprlandIpc::follow(std::function<void(WindowScene scene)> told) {
+    if (!events_.isOpen())
+        return;
+    told_ = std::move(told);
+    notifier_ = std::make_unique<QSocketNotifier>(events_.descriptor(), QSocketNotifier::Read);
+    QObject::connect(
+        notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { readEvents(); });
+    askForScene();
+}
+
+void HyprlandIpc::takeWhatCame() {
+    readEvents();
+    finishScene();
+}
+
+/// Takes whole lines, "name>>data" each.
+void HyprlandIpc::readEvents() {
+    unread_ += events_.takeWhatCame();
+    if (!events_.isOpen() && notifier_)
+        notifier_->setEnabled(false); // a closed socket would wake the loop for ever
+    bool isChanged = false;
+    for (auto end = unread_.find('\n'); end != std::string::npos; end = unread_.find('\n')) {
+        const auto name = std::string_view(unread_).substr(0, std::min(end, unread_.find(">>")));
+        isChanged = isChanged || std::ranges::count(changes, name) > 0;
+        unread_.erase(0, end + 1);
+    }
+    if (unread_.size() > longestEvent)
+        unread_.clear();
+    if (isChanged && told_)
+        askForScene();
+}
+
+/// At most one is under way: many windows that come at once are told in two scenes.
+void HyprlandIpc::askForScene() {
+    isSceneOld_ = asked_ != nullptr;
+    if (asked_)
+        return;
+    asked_ = std::make_unique<SceneQuestion>();
+    asked_->parts = {ask("j/clients"), ask("j/monitors")};
+    for (std::size_t i = 0; i < asked_->parts.size(); ++i) {
+        const auto& socket = asked_->parts[i]->socket;
+        if (!socket.isOpen())
+            continue;
+        auto& notifier = asked_->notifiers[i];
+        notifier = std::make_unique<QSocketNotifier>(socket.descriptor(), QSocketNotifier::Read);
+        QObject::connect(
+            notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] { finishScene(); });
+    }
+}
+
+/// Tells the scene once both its parts are there.
+void HyprlandIpc::finishScene() {
+    if (!asked_)
+        return;
+    bool isWhole = true;
+    for (std::size_t i = 0; i < asked_->parts.size(); ++i) {
+        const bool isThere = asked_->parts[i]->isAnswered();
+        isWhole = isWhole && isThere;
+        if (isThere && asked_->notifiers[i])
+            asked_->notifiers[i]->setEnabled(false);
+    }
+    if (!isWhole)
+        return;
+    const auto done = std::move(asked_);
+    // One of them may have called this, and goes when it is over.
+    for (auto& notifier : done->notifiers) {
+        if (notifier)
+            notifier.release()->deleteLater();
+    }
+    if (std::exchange(isSceneOld_, false))
+        askForScene();
+    auto read = HyprlandScene::read(done->parts[0]->answer, done->parts[1]->answer);
+    if (read)
+        told_(*std::move(read));
+}
+
+void HyprlandIpc::activate(std::uint64_t window) {
+    await("dispatch focuswindow " + named(window));
+}
+
+void HyprlandIpc::unhide(const WindowScene::Window& window) {
+    if (window.window.hidden)
+        activate(window.window.id); // which shows its workspace
+}
+
+void HyprlandIpc::makeOrdinary(const WindowScene::Window& window) {
+    unhide(window);
+    if (window.isFullScreen) {
+        // Both orders are for the active window alone; older versions know the second.
+        activate(window.window.id);
+        if (await("dispatch fullscreenstate 0 0").value_or("ok") != "ok")
+            await("dispatch fullscreen 0");
+    }
+    if (window.isTiled)
+        await("dispatch setfloating " + named(window.window.id));
+}
+
+void HyprlandIpc::place(const WindowScene::Window& window, const Rectangle& frame) {
+    const auto name = named(window.window.id);
+    await(fmt::format("[[BATCH]]dispatch resizewindowpixel exact {} {},{};"
+                      "dispatch movewindowpixel exact {} {},{}",
+                      std::lround(frame.width),
+                      std::lround(frame.height),
+                      name,
+                      std::lround(frame.x),
+                      std::lround(frame.y),
+                      name));
+}
+
+void HyprlandIpc::close(std::uint64_t window) {
+    await("dispatch closewindow " + named(window));
+}
+
+} // namespace tessarine

@@ -1,0 +1,51 @@
+#include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
+
+#include "launcherapp/platform/linux/wayland/windows/HyprlandIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/IpcWindowControl.h"
+#include "launcherapp/platform/linux/wayland/windows/IpcWindowList.h"
+#include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ToplevelDoors.h"
+
+#include <QString>
+#include <utility>
+
+namespace tessarine {
+
+namespace {
+
+/// One that can be asked; null when there is none.
+std::unique_ptr<CompositorIpc> compositorIpc() {
+    if (auto path = qEnvironmentVariable("SWAYSOCK").toStdString(); !path.empty()) {
+        if (auto ipc = std::make_unique<SwayIpc>(path); ipc->ability().available)
+            return ipc;
+    }
+    const auto hyprland = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE").toStdString();
+    if (hyprland.empty())
+        return nullptr;
+    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
+    for (const auto& folder : {runtime, std::string("/tmp")}) { // older versions in the second
+        auto ipc = std::make_unique<HyprlandIpc>(folder + "/hypr/" + hyprland);
+        if (ipc->ability().available)
+            return ipc;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::optional<WindowDoors> waylandWindowDoors(const std::string& ownApplicationID) {
+    // The list and the control have a connection each: one waits for no answer of the other's.
+    if (auto ipc = compositorIpc()) {
+        if (auto second = compositorIpc())
+            return WindowDoors{.list = std::make_unique<IpcWindowList>(std::move(ipc)),
+                               .control = std::make_unique<IpcWindowControl>(std::move(second))};
+    }
+    auto connection = std::make_unique<WaylandConnection>();
+    if (!ForeignToplevels::areTold(*connection))
+        return std::nullopt;
+    auto toplevels = std::make_shared<ForeignToplevels>(std::move(connection), ownApplicationID);
+    return WindowDoors{.list = std::make_unique<ToplevelWindowList>(toplevels),
+                       .control = std::make_unique<ToplevelWindowControl>(toplevels)};
+}
+
+} // namespace tessarine
