@@ -69,6 +69,10 @@ public:
     /// The panel's chord, for the invitation.
     Invitation::Chord chord() const;
 
+    /// Calls `known` when the desktop has said whether the panel gets its chord: at once where no
+    /// answer is waited for. Once.
+    void whenChordIsKnown(std::function<void()> known);
+
 private:
     class OnScreen;
     class Parts;
