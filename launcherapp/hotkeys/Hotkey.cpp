@@ -53,11 +53,16 @@ void Hotkey::settled(std::uint32_t id, const HotkeyOutcome& outcome) {
     const auto wanted = bindings_.find(id);
     if (wanted == bindings_.end())
         return;
-    if (isGranted(outcome))
-        return hold(wanted->second, id, outcome);
-    held_.erase(id);
-    statuses_[id] = refusal(wanted->second, outcome);
-    statusChanges_.tell();
+    if (isGranted(outcome)) {
+        hold(wanted->second, id, outcome);
+    } else {
+        held_.erase(id);
+        statuses_[id] = refusal(wanted->second, outcome);
+        statusChanges_.tell();
+    }
+    if (outcome.kind != Kind::asked)
+        services_.diagnostics.log(
+            fmt::format("hotkey of the {}: {}", HotkeyIDs::name(id), status(id)));
 }
 
 void Hotkey::pressed(const HotkeyRegistrar::Press& press) {

@@ -57,6 +57,8 @@ constexpr Seconds userPatience{2};
 constexpr std::string_view toldOfDesktopKey = "toldOfDesktopKey";
 constexpr std::string_view desktopKeyWorks = "desktopKeyWorks";
 
+constexpr auto desktopKeyInWords = "The key of your desktop's settings";
+
 /// For whoever asks what the desktop can do: its portal may have to be started first.
 constexpr std::chrono::milliseconds portalPatience{2000};
 
@@ -370,6 +372,10 @@ void App::Parts::inviteToPanel() {
         chord.state = Invitation::Chord::State::desktopOwn;
     const auto key =
         isKeyless ? DesktopKeys::forPanel(DesktopLook::display(environment)) : DesktopKey();
+    if (chord.state == Invitation::Chord::State::desktopOwn)
+        presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
+    else if (isKeyless)
+        presence->setKeyless({.keys = {}, .advice = key.where + ": " + key.line});
     invite(Invitation::withPanel(chord, key, startedFrom()));
     if (chord.state != Invitation::Chord::State::none || kind.isDemonstration ||
         services->defaults.value<bool>(toldOfDesktopKey).value_or(false))
@@ -386,8 +392,10 @@ void App::Parts::inviteToPanel() {
 /// Who calls an action may be a menu too, but a key is what calls it where there is no other.
 void App::Parts::noteDesktopKey() {
     if (presence->chord().state == Invitation::Chord::State::none &&
-        !services->defaults.value<bool>(desktopKeyWorks).value_or(false))
+        !services->defaults.value<bool>(desktopKeyWorks).value_or(false)) {
         services->defaults.set(desktopKeyWorks, true);
+        presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
+    }
 }
 
 void App::Parts::takeBusName() {

@@ -109,10 +109,13 @@ public:
     /// The copy state joins when the clipboard's history is there.
     void refreshStatusItem() {
         const auto& hotkey = onScreen->hotkey;
-        const auto keys = hotkey.keysInWords();
-        statusItem.refresh({.key = keys.value_or(""),
-                            .problem = keys ? std::string() : hotkey.statusInWords(),
-                            .copy = {}});
+        const bool isAsked = hotkey.isAsked();
+        const auto keys = hotkey.keysInWords().value_or(isAsked ? std::string() : keyless.keys);
+        auto problem = hotkey.statusInWords();
+        if (!isAsked && !keyless.advice.empty())
+            problem += "; " + keyless.advice;
+        statusItem.refresh(
+            {.key = keys, .problem = keys.empty() ? problem : std::string(), .copy = {}});
     }
 
     void tellKnownChord() {
@@ -126,6 +129,7 @@ public:
     StatusItem statusItem;
     std::optional<OnScreen> onScreen;
     Subscription hotkeyChanges;
+    Keyless keyless;
     std::function<void()> chordKnown; ///< who waits for the desktop's answer
 };
 
@@ -196,6 +200,11 @@ Invitation::Chord DesktopPresence::chord() const {
                                         : none,
             .keys = keys.value_or(""),
             .status = hotkey.statusInWords()};
+}
+
+void DesktopPresence::setKeyless(Keyless keyless) {
+    parts_->keyless = std::move(keyless);
+    parts_->refreshStatusItem();
 }
 
 void DesktopPresence::whenChordIsKnown(std::function<void()> known) {

@@ -201,6 +201,8 @@ TEST_F(HotkeyTest, aDesktopThatAsksItsUserIsWaitedFor) {
     registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered}); // it is back
     EXPECT_EQ(hotkey.keysInWords(), "Super+Space");
     EXPECT_EQ(changes, 3);
+    EXPECT_THAT(services.log(),
+                HasSubstr("hotkey of the panel: could not register ⌘Space (the portal has gone)"));
 
     hotkey.remove(1);
     EXPECT_EQ(registrar.releases, 1);
