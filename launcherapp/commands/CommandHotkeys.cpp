@@ -93,8 +93,12 @@ void CommandHotkeys::take(const CommandSpec& command) {
     }
     // Never one that was given back: a press of it may still be on its way.
     const auto id = nextID_++;
+    hotkey->describe(id, {.name = "command " + command.id, .description = command.name});
     if (hotkey->add(chord->binding(), id, [this, command] { fire(command); })) {
-        registered_[command.id] = *chord;
+        if (hotkey->binding(id))
+            registered_[command.id] = *chord;
+        else
+            failed_[command.id] = reason(*chord, id); // until the desktop gives it
         taken_.push_back({.id = id, .command = command.id, .chord = *chord});
         return;
     }

@@ -13,6 +13,25 @@
 
 namespace tessarine {
 
+namespace {
+
+using Kind = HotkeyOutcome::Kind;
+
+/// Or will be, if the user is willing.
+bool isGranted(const HotkeyOutcome& outcome) {
+    return outcome.kind == Kind::registered || outcome.kind == Kind::asked;
+}
+
+std::string granted(const std::string& chord, const HotkeyOutcome& outcome) {
+    if (outcome.kind == Kind::asked)
+        return "waiting for the desktop's leave to use " + chord;
+    if (outcome.trigger.empty())
+        return "registered " + chord;
+    return fmt::format("registered {}; the desktop has it as {}", chord, outcome.trigger);
+}
+
+} // namespace
+
 Hotkey::Hotkey(Services services) : services_(services) {
     services_.registrar.setEvents(
         {.pressed = [this](const HotkeyRegistrar::Press& press) { pressed(press); },
@@ -20,7 +39,30 @@ Hotkey::Hotkey(Services services) : services_(services) {
              [this] {
                  reassertAll("keyboard changed");
                  keysChanges_.tell();
-             }});
+             },
+         .settled = [this](std::uint32_t id,
+                           const HotkeyOutcome& outcome) { settled(id, outcome); }});
+}
+
+void Hotkey::describe(std::uint32_t id, HotkeyPurpose purpose) {
+    purposes_[id] = std::move(purpose);
+}
+
+/// The desktop keeps the wish that it refuses: it may be granted later, by itself.
+void Hotkey::settled(std::uint32_t id, const HotkeyOutcome& outcome) {
+    const auto wanted = bindings_.find(id);
+    if (wanted == bindings_.end())
+        return;
+    if (isGranted(outcome)) {
+        hold(wanted->second, id, outcome);
+    } else {
+        held_.erase(id);
+        statuses_[id] = refusal(wanted->second, outcome);
+        statusChanges_.tell();
+    }
+    if (outcome.kind != Kind::asked)
+        services_.diagnostics.log(
+            fmt::format("hotkey of the {}: {}", HotkeyIDs::name(id), status(id)));
 }
 
 void Hotkey::pressed(const HotkeyRegistrar::Press& press) {
@@ -53,20 +95,24 @@ bool Hotkey::add(const HotkeyBinding& binding,
         actions_[id] = *std::move(action);
     if (take(binding, id))
         return true;
-    bindings_.erase(id);
+    if (!desktopChooses())
+        bindings_.erase(id); // nobody will give it later
     return false;
 }
 
 bool Hotkey::addIfFree(const HotkeyBinding& binding, std::uint32_t id) {
-    if (grab(binding, id).kind != HotkeyOutcome::Kind::registered)
+    const auto outcome = grab(binding, id);
+    if (!isGranted(outcome))
         return false;
-    hold(binding, id);
+    hold(binding, id, outcome);
     return true;
 }
 
 void Hotkey::remove(std::uint32_t id) {
-    letGo(id);
+    held_.erase(id);
+    services_.registrar.release(id); // also one that was refused, and may be wished for still
     actions_.erase(id);
+    purposes_.erase(id);
     const bool wasBound = bindings_.erase(id) > 0;
     const bool wasTold = statuses_.erase(id) > 0;
     if (wasBound || wasTold)
@@ -77,8 +123,8 @@ void Hotkey::remove(std::uint32_t id) {
 /// would be lost, and another program might have the chord.
 bool Hotkey::take(const HotkeyBinding& binding, std::uint32_t id) {
     const auto outcome = grab(binding, id);
-    if (outcome.kind == HotkeyOutcome::Kind::registered) {
-        hold(binding, id);
+    if (isGranted(outcome)) {
+        hold(binding, id, outcome);
         return true;
     }
     letGo(id);
@@ -90,23 +136,26 @@ bool Hotkey::take(const HotkeyBinding& binding, std::uint32_t id) {
 
 HotkeyOutcome Hotkey::grab(const HotkeyBinding& binding, std::uint32_t id) {
     const auto refused = [](std::string reason) {
-        return HotkeyOutcome{.kind = HotkeyOutcome::Kind::refused, .reason = std::move(reason)};
+        return HotkeyOutcome{.kind = Kind::refused, .reason = std::move(reason)};
     };
     if (binding.carbonModifiers == 0 && !VirtualKeys::isFunctionKey(binding.keyCode))
         return refused("without a modifier no other program would get that key");
     // The desktop would grant it twice, and whoever came later would never hear of a press.
-    for (const auto other : held_) {
+    for (const auto& [other, hold] : held_) {
         if (other != id && bindings_.at(other) == binding)
             return refused(fmt::format("it is the {} hotkey", HotkeyIDs::name(other)));
     }
+    const auto described = purposes_.find(id);
+    services_.registrar.describe(
+        id, described == purposes_.end() ? HotkeyIDs::purpose(id) : described->second);
     return services_.registrar.grab(id, binding);
 }
 
-void Hotkey::hold(const HotkeyBinding& binding, std::uint32_t id) {
+void Hotkey::hold(const HotkeyBinding& binding, std::uint32_t id, const HotkeyOutcome& outcome) {
     bindings_[id] = binding;
-    held_.insert(id);
-    statuses_[id] = {.line = "registered " + HotkeyNames::display(binding),
-                     .inWords = "registered " + HotkeyNames::onKeyboard(binding)};
+    held_[id] = {.kind = outcome.kind, .trigger = outcome.trigger};
+    statuses_[id] = {.line = granted(HotkeyNames::display(binding), outcome),
+                     .inWords = granted(HotkeyNames::onKeyboard(binding), outcome)};
     statusChanges_.tell();
 }
 
@@ -117,7 +166,7 @@ void Hotkey::letGo(std::uint32_t id) {
 
 Hotkey::Status Hotkey::refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const {
     const auto says = [&](const std::string& chord) {
-        if (outcome.kind == HotkeyOutcome::Kind::heldByAnother)
+        if (outcome.kind == Kind::heldByAnother)
             return fmt::format("{} is held by another app ({}); not registered", chord, suspects());
         return fmt::format("could not register {} ({})", chord, outcome.reason);
     };
@@ -159,7 +208,23 @@ std::string Hotkey::statusInWords(std::uint32_t id) const {
 }
 
 std::optional<HotkeyBinding> Hotkey::binding(std::uint32_t id) const {
-    return held_.contains(id) ? std::optional(bindings_.at(id)) : std::nullopt;
+    const auto found = held_.find(id);
+    return found == held_.end() || found->second.kind != Kind::registered
+               ? std::nullopt
+               : std::optional(bindings_.at(id));
+}
+
+std::optional<std::string> Hotkey::keysInWords(std::uint32_t id) const {
+    const auto chord = binding(id);
+    if (!chord)
+        return std::nullopt;
+    const auto& trigger = held_.at(id).trigger;
+    return trigger.empty() ? HotkeyNames::onKeyboard(*chord) : trigger;
+}
+
+bool Hotkey::isAsked(std::uint32_t id) const {
+    const auto found = held_.find(id);
+    return found != held_.end() && found->second.kind == Kind::asked;
 }
 
 } // namespace tessarine

@@ -10,7 +10,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -32,8 +31,13 @@ public:
     Hotkey(const Hotkey&) = delete;
     Hotkey& operator=(const Hotkey&) = delete;
 
+    /// Says what the chord of `id` is for, before it is asked for: the desktop may list it to the
+    /// user. The program's own need none.
+    void describe(std::uint32_t id, HotkeyPurpose purpose);
+
     /// Takes the chord for `id`, in place of one it has. An absent action keeps the present one.
-    /// False when the desktop refuses; `status` then says why, and `id` holds no chord.
+    /// False when the desktop refuses; `status` then says why, and `id` holds no chord. True also
+    /// while the desktop asks its user: `isAsked`.
     bool add(const HotkeyBinding& binding,
              std::uint32_t id,
              std::optional<std::function<void()>> action);
@@ -55,8 +59,19 @@ public:
     /// The same line for people: with the names of their keyboard's keys.
     std::string statusInWords(std::uint32_t id = HotkeyIDs::panel) const;
 
-    /// The chord that `id` holds; nothing while it holds none.
+    /// The chord that `id` holds; nothing while it holds none or the desktop is still asked. On a
+    /// desktop that chooses the keys it is what was asked for: `keysInWords` says what it became.
     std::optional<HotkeyBinding> binding(std::uint32_t id) const;
+
+    /// The keys that `id` is summoned by, for people: "Super+Space", or what the desktop calls
+    /// them; nothing while it holds none.
+    std::optional<std::string> keysInWords(std::uint32_t id = HotkeyIDs::panel) const;
+
+    /// Whether the desktop has yet to say whether `id` gets its chord.
+    bool isAsked(std::uint32_t id = HotkeyIDs::panel) const;
+
+    /// Whether the desktop chooses the keys, so that another chord is no way out of a refusal.
+    bool desktopChooses() const { return services_.registrar.choosesKeys(); }
 
     /// When the key of the last press handled went down, by the main queue's uptime; nothing
     /// before the first.
@@ -83,18 +98,26 @@ private:
         std::string inWords;
     };
 
+    /// A chord that is ours, or that the desktop is asked for.
+    struct Hold {
+        HotkeyOutcome::Kind kind = HotkeyOutcome::Kind::registered;
+        std::string trigger; ///< see HotkeyOutcome
+    };
+
     void pressed(const HotkeyRegistrar::Press& press);
+    void settled(std::uint32_t id, const HotkeyOutcome& outcome);
     bool take(const HotkeyBinding& binding, std::uint32_t id);
     void letGo(std::uint32_t id);
     HotkeyOutcome grab(const HotkeyBinding& binding, std::uint32_t id);
-    void hold(const HotkeyBinding& binding, std::uint32_t id);
+    void hold(const HotkeyBinding& binding, std::uint32_t id, const HotkeyOutcome& outcome);
     Status refusal(const HotkeyBinding& binding, const HotkeyOutcome& outcome) const;
     std::string suspects() const;
 
     Services services_;
     std::map<std::uint32_t, std::function<void()>> actions_;
     std::map<std::uint32_t, HotkeyBinding> bindings_; ///< those to take again at a reassert
-    std::set<std::uint32_t> held_;                    ///< which of them are ours now
+    std::map<std::uint32_t, Hold> held_;              ///< which of them are ours now, or may be
+    std::map<std::uint32_t, HotkeyPurpose> purposes_; ///< of those that are not the program's own
     std::map<std::uint32_t, Status> statuses_;
     std::optional<Seconds> lastPressEventTime_;
     Observers<> statusChanges_;

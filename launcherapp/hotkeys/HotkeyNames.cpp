@@ -44,6 +44,19 @@ std::string HotkeyIDs::name(std::uint32_t id) {
     }
 }
 
+HotkeyPurpose HotkeyIDs::purpose(std::uint32_t id) {
+    switch (id) {
+    case panel:
+        return {.name = name(id), .description = "Show or hide the panel"};
+    case clipboard:
+        return {.name = name(id), .description = "Show what was copied"};
+    case voice:
+        return {.name = name(id), .description = "Search by voice"};
+    default:
+        return {.name = name(id), .description = name(id)};
+    }
+}
+
 std::string HotkeyNames::display(const HotkeyBinding& binding) {
     return Chord::of(binding).glyphs() + VirtualKeys::label(binding.keyCode);
 }

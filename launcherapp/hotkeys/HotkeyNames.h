@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LauncherCore/commands/HotkeyBinding.h"
+#include "launcherapp/platform/HotkeyRegistrar.h"
 
 #include <cstdint>
 #include <string>
@@ -16,6 +17,9 @@ inline constexpr std::uint32_t firstCommand = 4; ///< and above: commands of the
 
 /// "panel", "clipboard", "voice" or "command 17".
 std::string name(std::uint32_t id);
+
+/// What the desktop's list of shortcuts calls the program's own; a command's by its number alone.
+HotkeyPurpose purpose(std::uint32_t id);
 } // namespace HotkeyIDs
 
 /// How chords read. Pure; any thread.

@@ -14,13 +14,25 @@ namespace tessarine {
 struct HotkeyOutcome {
     enum class Kind {
         registered,
+        asked,         ///< the desktop asks its user first: `Events::settled` tells the answer
         heldByAnother, ///< some other program has it
         refused,       ///< anything else: `reason` says what
     };
     Kind kind = Kind::registered;
-    std::string reason; ///< in words; empty for a registered one
+    std::string reason; ///< in words; empty for one that is registered or asked for
+    /// What a desktop that chooses the keys itself calls those of a registered chord; empty where
+    /// they are the ones asked for.
+    std::string trigger = {};
 
     bool operator==(const HotkeyOutcome&) const = default;
+};
+
+/// What a chord is for, as a desktop lists it among its shortcuts.
+struct HotkeyPurpose {
+    std::string name;        ///< the same at each start: what the user chose goes by it
+    std::string description; ///< in words, for the user
+
+    bool operator==(const HotkeyPurpose&) const = default;
 };
 
 /// Chords that reach the program wherever the keyboard is. Main thread only.
@@ -37,6 +49,9 @@ public:
         /// The chords' keys are others now, as after a change of the keyboard's layout: what was
         /// taken stands for the old ones until it is taken again.
         std::function<void()> keysChanged;
+        /// What became of a chord that was asked for, and again whenever that changes: the user
+        /// may give it other keys, and the desktop may take it away and give it back.
+        std::function<void(std::uint32_t id, const HotkeyOutcome& outcome)> settled;
     };
 
     virtual ~HotkeyRegistrar() = default;
@@ -44,11 +59,20 @@ public:
     /// Set once, before the first chord.
     virtual void setEvents(Events events) = 0;
 
+    /// Whether the desktop chooses the keys with its user, so that asking for others instead of
+    /// those that were refused is of no use.
+    virtual bool choosesKeys() const { return false; }
+
+    /// Says what the next chord of `id` is for. Displays that know keys alone have no use for it.
+    virtual void describe(std::uint32_t /*id*/, const HotkeyPurpose& /*purpose*/) {}
+
     /// Takes the chord for `id`, in place of one that it holds and that it keeps when this one is
-    /// not to be had. Waits for the display's answer.
+    /// not to be had. Waits for the display's answer, but not for a user's: that one is told later.
+    /// Asking for the same again asks nobody; the outcome is what is known of it.
     virtual HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) = 0;
 
-    /// Gives the chord of `id` back; nothing happens when it holds none.
+    /// Gives the chord of `id` back, or takes the wish for it back; nothing happens when it has
+    /// none.
     virtual void release(std::uint32_t id) = 0;
 
     /// The chord that a press of a key makes, by the numbers that the display gives the key and

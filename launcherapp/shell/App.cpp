@@ -4,15 +4,18 @@
 #include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/modes/RenderModes.h"
 #include "launcherapp/platform/linux/desktop/DesktopApplication.h"
+#include "launcherapp/platform/linux/desktop/DesktopNotice.h"
 #include "launcherapp/platform/linux/desktop/LostDisplay.h"
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/files/RunFolder.h"
 #include "launcherapp/platform/linux/processes/EndSignals.h"
+#include "launcherapp/platform/linux/surroundings/DesktopLook.h"
 #include "launcherapp/shell/AppClipboard.h"
 #include "launcherapp/shell/AppCommands.h"
 #include "launcherapp/shell/AppServices.h"
 #include "launcherapp/shell/Demonstration.h"
+#include "launcherapp/shell/DesktopKey.h"
 #include "launcherapp/shell/DesktopPresence.h"
 #include "launcherapp/shell/FreshRows.h"
 #include "launcherapp/shell/Invitation.h"
@@ -30,6 +33,7 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -46,6 +50,18 @@ namespace {
 /// How long the end of the program waits for background work. Saves take much less; a walk or a
 /// scan that is cut off is made anew by the next start.
 constexpr Seconds lastPatience{0.5};
+
+/// How long nothing is said to the user while the desktop asks for the panel's key.
+constexpr Seconds userPatience{2};
+
+// What the program remembers about keys, among the preferences.
+constexpr std::string_view toldOfDesktopKey = "toldOfDesktopKey";
+constexpr std::string_view desktopKeyWorks = "desktopKeyWorks";
+
+constexpr auto desktopKeyInWords = "The key of your desktop's settings";
+
+/// For whoever asks what the desktop can do: its portal may have to be started first.
+constexpr std::chrono::milliseconds portalPatience{2000};
 
 void printLine(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
@@ -112,6 +128,8 @@ private:
     void makeCommands();
     void makePanel();
     void registerHotkeys();
+    void inviteToPanel();
+    void noteDesktopKey();
     void takeBusName();
     void keepRowsFresh();
     void startClipboard();
@@ -342,7 +360,46 @@ void App::Parts::registerHotkeys() {
         return;
     }
     presence->registerHotkey();
-    invite(Invitation::withPanel(presence->chord(), startedFrom()));
+    presence->whenChordIsKnown([this] { inviteToPanel(); });
+    doors.queue.postAfter(userPatience, [this] {
+        if (presence->chord().state == Invitation::Chord::State::asked)
+            inviteToPanel();
+    });
+}
+
+/// Where no key is the program's, the desktop may have one of its own that calls it; until one has,
+/// the user is told how to make one: each time in a terminal, and once on the screen.
+void App::Parts::inviteToPanel() {
+    auto chord = presence->chord();
+    const bool isKeyless = chord.state == Invitation::Chord::State::none;
+    if (isKeyless && services->defaults.value<bool>(desktopKeyWorks).value_or(false))
+        chord.state = Invitation::Chord::State::desktopOwn;
+    const auto key =
+        isKeyless ? DesktopKeys::forPanel(DesktopLook::display(environment)) : DesktopKey();
+    if (chord.state == Invitation::Chord::State::desktopOwn)
+        presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
+    else if (isKeyless)
+        presence->setKeyless({.keys = {}, .advice = key.where + ": " + key.line});
+    invite(Invitation::withPanel(chord, key, startedFrom()));
+    if (chord.state != Invitation::Chord::State::none || kind.isDemonstration ||
+        services->defaults.value<bool>(toldOfDesktopKey).value_or(false))
+        return;
+    const auto notice = Invitation::noKeyYet(chord, key);
+    DesktopNotice::show(
+        notice.title, notice.text, [this](const std::optional<std::string>& problem) {
+            if (problem)
+                return diagnostics.log("hotkey: how to make one could not be shown: " + *problem);
+            services->defaults.set(toldOfDesktopKey, true);
+        });
+}
+
+/// Who calls an action may be a menu too, but a key is what calls it where there is no other.
+void App::Parts::noteDesktopKey() {
+    if (presence->chord().state == Invitation::Chord::State::none &&
+        !services->defaults.value<bool>(desktopKeyWorks).value_or(false)) {
+        services->defaults.set(desktopKeyWorks, true);
+        presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
+    }
 }
 
 void App::Parts::takeBusName() {
@@ -355,7 +412,10 @@ void App::Parts::takeBusName() {
         DesktopApplication::Handlers{
             // Whoever starts it a second time wants to see it, and the panel is what there is.
             .activate = ofPanel([this] { presence->bringUp(); }),
-            .actions = {{"toggle", ofPanel([this] { presence->panel()->toggle(); })},
+            .actions = {{"toggle", ofPanel([this] {
+                             presence->panel()->toggle();
+                             noteDesktopKey();
+                         })},
                         {"clipboard", ofPanel([this] { presence->panel()->toggleClipboard(); })},
                         {"settings", [this] { services->openSettings(); }}},
             .problem = [this](const std::string& line) { diagnostics.log(line); }});
@@ -408,6 +468,10 @@ void App::Parts::scheduleModes() {
         .commands = &*running,
         .clipboard = &*copying,
         .panel = &look->modes,
+        .desktop =
+            [this] {
+                return DesktopLook::withBus(DesktopLook::display(environment), portalPatience);
+            },
         .freshModel = [this] { return std::make_unique<SearchModel>(services->modelServices()); },
         .print = printLine,
         .printError =

@@ -19,6 +19,7 @@
 #include "launcherapp/platform/linux/panel/PanelSurface.h"
 #include "launcherapp/platform/linux/panel/QtPanelWindow.h"
 #include "launcherapp/query/SearchModel.h"
+#include "launcherapp/shell/ProductInfo.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -67,7 +68,8 @@ public:
     QtPanelWindow window{view, view.field(), makePanelSurface()};
     SessionWatch session{services.work};
     LinuxRivalLaunchers rivals{services.queue, services.work, session};
-    std::unique_ptr<HotkeyRegistrar> registrar = hotkeyRegistrar(services.queue);
+    std::unique_ptr<HotkeyRegistrar> registrar =
+        hotkeyRegistrar(services.queue, std::string(ProductInfo::bundleID));
     Hotkey hotkey{{.registrar = *registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
     StageMarks stages; // no watch for stalls runs yet
     Updater updater;   // and nothing is updated
@@ -109,16 +111,28 @@ public:
     /// The copy state joins when the clipboard's history is there.
     void refreshStatusItem() {
         const auto& hotkey = onScreen->hotkey;
-        const auto chord = hotkey.binding(HotkeyIDs::panel);
-        statusItem.refresh({.key = chord ? HotkeyNames::onKeyboard(*chord) : std::string(),
-                            .problem = chord ? std::string() : hotkey.statusInWords(),
-                            .copy = {}});
+        const bool isAsked = hotkey.isAsked();
+        const auto keys = hotkey.keysInWords().value_or(isAsked ? std::string() : keyless.keys);
+        auto problem = hotkey.statusInWords();
+        if (!isAsked && !keyless.advice.empty())
+            problem += "; " + keyless.advice;
+        statusItem.refresh(
+            {.key = keys, .problem = keys.empty() ? problem : std::string(), .copy = {}});
+    }
+
+    void tellKnownChord() {
+        if (!chordKnown || onScreen->hotkey.isAsked())
+            return;
+        const auto known = std::exchange(chordKnown, nullptr);
+        known();
     }
 
     Services services;
     StatusItem statusItem;
     std::optional<OnScreen> onScreen;
     Subscription hotkeyChanges;
+    Keyless keyless;
+    std::function<void()> chordKnown; ///< who waits for the desktop's answer
 };
 
 DesktopPresence::DesktopPresence(Services services)
@@ -133,7 +147,10 @@ void DesktopPresence::installStatusItem() {
 PanelController& DesktopPresence::makePanel(PanelViewServices view) {
     auto& parts = *parts_;
     auto& onScreen = parts.onScreen.emplace(parts.services, view);
-    parts.hotkeyChanges = onScreen.hotkey.onChange([&parts] { parts.refreshStatusItem(); });
+    parts.hotkeyChanges = onScreen.hotkey.onChange([&parts] {
+        parts.refreshStatusItem();
+        parts.tellKnownChord();
+    });
     return onScreen.panel;
 }
 
@@ -177,9 +194,24 @@ std::string DesktopPresence::voiceStatus() const {
 }
 
 Invitation::Chord DesktopPresence::chord() const {
-    const auto binding = parts_->onScreen->hotkey.binding(HotkeyIDs::panel);
-    return {.keys = binding ? std::optional(HotkeyNames::onKeyboard(*binding)) : std::nullopt,
-            .status = parts_->onScreen->hotkey.statusInWords()};
+    using enum Invitation::Chord::State;
+    const auto& hotkey = parts_->onScreen->hotkey;
+    const auto keys = hotkey.keysInWords();
+    return {.state = keys               ? held
+                     : hotkey.isAsked() ? asked
+                                        : none,
+            .keys = keys.value_or(""),
+            .status = hotkey.statusInWords()};
+}
+
+void DesktopPresence::setKeyless(Keyless keyless) {
+    parts_->keyless = std::move(keyless);
+    parts_->refreshStatusItem();
+}
+
+void DesktopPresence::whenChordIsKnown(std::function<void()> known) {
+    parts_->chordKnown = std::move(known);
+    parts_->tellKnownChord();
 }
 
 } // namespace tessarine

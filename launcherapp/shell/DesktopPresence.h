@@ -71,6 +71,18 @@ public:
     /// The panel's chord, for the invitation.
     Invitation::Chord chord() const;
 
+    /// What the tray says while the program holds no chord.
+    struct Keyless {
+        std::string keys;   ///< that the desktop itself calls the program by; empty for none
+        std::string advice; ///< how to make one, in a line; empty for nothing to say
+    };
+
+    void setKeyless(Keyless keyless);
+
+    /// Calls `known` when the desktop has said whether the panel gets its chord: at once where no
+    /// answer is waited for. Once.
+    void whenChordIsKnown(std::function<void()> known);
+
 private:
     class OnScreen;
     class Parts;

@@ -1,7 +1,7 @@
 #include "launcherapp/shell/Invitation.h"
 
 #include "launcherapp/platform/Environment.h"
-#include "launcherapp/shell/ProductInfo.h"
+#include "launcherapp/shell/DesktopKey.h"
 
 #include <fmt/format.h>
 
@@ -19,15 +19,31 @@ std::string ended(std::string text, StartedFrom startedFrom) {
 
 } // namespace
 
-std::string Invitation::withPanel(const Chord& chord, StartedFrom startedFrom) {
-    if (chord.keys)
-        return ended(fmt::format("Tessarine is running. {} brings it up.", *chord.keys),
+std::string
+Invitation::withPanel(const Chord& chord, const DesktopKey& desktopKey, StartedFrom startedFrom) {
+    switch (chord.state) {
+    case Chord::State::held:
+        return ended(fmt::format("Tessarine is running. {} brings it up.", chord.keys),
                      startedFrom);
-    return ended(fmt::format("Tessarine is running, and no key brings it up: {}. To have one, bind "
-                             "a key of your desktop's to\n    gapplication action {} toggle",
+    case Chord::State::asked:
+        return ended(fmt::format("Tessarine is running, {}.", chord.status), startedFrom);
+    case Chord::State::desktopOwn:
+        return ended("Tessarine is running. The key that you gave it in your desktop's settings "
+                     "brings it up.",
+                     startedFrom);
+    case Chord::State::none:
+        break;
+    }
+    return ended(fmt::format("Tessarine is running, and no key brings it up: {}. To have one, {}",
                              chord.status,
-                             ProductInfo::bundleID),
+                             DesktopKeys::advice(desktopKey)),
                  startedFrom);
+}
+
+Invitation::Notice Invitation::noKeyYet(const Chord& chord, const DesktopKey& desktopKey) {
+    return {.title = "No key brings Tessarine up yet",
+            .text =
+                fmt::format("{}. To have one, {}", chord.status, DesktopKeys::advice(desktopKey))};
 }
 
 std::string Invitation::withoutPanel(const Environment& environment, StartedFrom startedFrom) {

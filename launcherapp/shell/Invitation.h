@@ -1,10 +1,10 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 namespace tessarine {
 
+struct DesktopKey;
 struct Environment;
 
 /// What a user who just started the program is told: how to bring it up, and what is missing.
@@ -14,13 +14,29 @@ namespace Invitation {
 /// Whether whoever started the program looks at a terminal that it goes down with.
 enum class StartedFrom { desktop, terminal };
 
-/// The panel's chord, as it stands on the keyboard.
+/// What brings the panel up.
 struct Chord {
-    std::optional<std::string> keys; ///< nothing while none is held
-    std::string status;              ///< why
+    enum class State {
+        held,
+        asked,      ///< the desktop asks its user
+        none,       ///< `status` says why
+        desktopOwn, ///< none of the program's, but the desktop's own key has called it before
+    };
+    State state = State::none;
+    std::string keys;   ///< as they stand on the keyboard; empty unless held
+    std::string status; ///< of the chord, in words
 };
 
-std::string withPanel(const Chord& chord, StartedFrom startedFrom);
+/// `desktopKey` is told where there is no other.
+std::string withPanel(const Chord& chord, const DesktopKey& desktopKey, StartedFrom startedFrom);
+
+/// The same for a notification of the desktop's, which is shown once: its title and its text.
+struct Notice {
+    std::string title;
+    std::string text;
+};
+
+Notice noKeyYet(const Chord& chord, const DesktopKey& desktopKey);
 
 std::string withoutPanel(const Environment& environment, StartedFrom startedFrom);
 

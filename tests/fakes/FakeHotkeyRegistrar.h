@@ -25,8 +25,17 @@ public:
                 return {.kind = HotkeyOutcome::Kind::heldByAnother, .reason = "held"};
         }
         held[id] = binding;
-        return {};
+        return isChoosing ? HotkeyOutcome{.kind = HotkeyOutcome::Kind::asked} : HotkeyOutcome{};
     }
+
+    bool choosesKeys() const override { return isChoosing; }
+
+    void describe(std::uint32_t id, const HotkeyPurpose& purpose) override {
+        purposes[id] = purpose;
+    }
+
+    /// The desktop's user has decided.
+    void settle(std::uint32_t id, const HotkeyOutcome& outcome) { events_.settled(id, outcome); }
 
     void release(std::uint32_t id) override { releases += static_cast<int>(held.erase(id)); }
 
@@ -48,6 +57,8 @@ public:
     std::vector<HotkeyBinding> heldByOthers;
     std::string problem; ///< why no chord can be taken; empty when it can
     std::map<std::uint32_t, HotkeyBinding> held;
+    bool isChoosing = false; ///< a desktop that asks its user first, and tells by `settle`
+    std::map<std::uint32_t, HotkeyPurpose> purposes;
     int grabs = 0;
     int releases = 0; ///< of chords that were held
 

@@ -5,6 +5,7 @@
 #include "launcherapp/shell/ProductInfo.h"
 #include "launcherapp/shell/modes/ClipboardModes.h"
 #include "launcherapp/shell/modes/CommandModes.h"
+#include "launcherapp/shell/modes/DesktopModes.h"
 #include "launcherapp/shell/modes/IndexModes.h"
 #include "launcherapp/shell/modes/PanelModes.h"
 #include "launcherapp/shell/modes/QueryModes.h"
@@ -81,6 +82,7 @@ constexpr auto residentModes = std::to_array<Mode>({
     {"--render-shortcuts", next, Seconds{1.5}, {}, drawing<&PanelModes::renderShortcuts>},
     {"--render-settings", next, Seconds{1.5}, settings},
     {"--pasteboard-types", none, {}, {}, ClipboardModes::pasteboardTypes},
+    {"--desktop-abilities", none, {}, {}, DesktopModes::abilities},
     {"--settings-sync-probe", none, {}, settingsSync},
     {"--sync-probe", none, {}, clipboardSync},
     {"--selftest-keychain", none, {}, clipboardSync},
@@ -266,6 +268,7 @@ bool Modes::isHeadlessRun(const CommandLine& commandLine) {
     constexpr auto beginnings =
         std::to_array<std::string_view>({"--selftest", "--render", "--bench", "--menubar-"});
     constexpr auto words = std::to_array<std::string_view>({"--search",
+                                                            "--desktop-abilities",
                                                             "--doctor",
                                                             "--watch-stalls",
                                                             "--copied-toast-live",

@@ -22,6 +22,7 @@ class Prefs;
 class SearchModel;
 struct ClipboardModeServices;
 struct CommandModeServices;
+struct DesktopSurroundings;
 struct IndexModeServices;
 struct PanelModes;
 struct SelftestResult;
@@ -43,6 +44,7 @@ struct ModeContext {
     const CommandModeServices* commands = nullptr;            ///< null where none run
     const ClipboardModeServices* clipboard = nullptr;         ///< null where there is none
     const PanelModes* panel = nullptr;                        ///< null where nothing can be drawn
+    std::function<DesktopSurroundings()> desktop;             ///< looks and waits, a second or two
     std::function<std::unique_ptr<SearchModel>()> freshModel; ///< wired as `model`, never used
     std::function<void(std::string_view line)> print;         ///< one line to standard output
     std::function<void(std::string_view text)> printError;    ///< to standard error, as it is

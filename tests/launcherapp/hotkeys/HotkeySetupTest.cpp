@@ -66,6 +66,16 @@ TEST_F(HotkeySetupTest, leavesItsChordToAnotherLauncherUntilToldOtherwise) {
     EXPECT_EQ(hotkey.binding(1), commandSpace);
 }
 
+TEST_F(HotkeySetupTest, asksADesktopThatChoosesForTheUsersChordAlone) {
+    registrar.isChoosing = true;
+    registrar.problem = "declined";
+    rivals.names = {"KRunner"}; // the desktop's user decides between them
+    setup.registerHotkey();
+    setup.retry();
+    EXPECT_EQ(hotkey.status(), "could not register ⌘Space (declined)");
+    EXPECT_EQ(setup.chordIsLeftTo(), std::nullopt);
+}
+
 TEST_F(HotkeySetupTest, aChordOfTheUsersOwnIsNobodyElses) {
     rivals.names = {"KRunner"};
     prefs.hotkey.set(controlF5);

@@ -182,6 +182,42 @@ TEST_F(HotkeyTest, aReassertTakesAllOfThemAgain) {
                           "command 17=ok\n"));
 }
 
+TEST_F(HotkeyTest, aDesktopThatAsksItsUserIsWaitedFor) {
+    registrar.isChoosing = true;
+    EXPECT_TRUE(hotkey.add(commandSpace, 1, [this] { ++fired; }));
+    EXPECT_EQ(registrar.purposes[1].name, "panel");
+    EXPECT_TRUE(hotkey.isAsked());
+    EXPECT_EQ(hotkey.binding(1), std::nullopt); // no key that anybody could be told of
+    EXPECT_EQ(hotkey.status(), "waiting for the desktop's leave to use ⌘Space");
+
+    int changes = 0;
+    const auto watch = hotkey.onChange([&] { ++changes; });
+    registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered, .trigger = "Meta+Space"});
+    EXPECT_EQ(hotkey.status(), "registered ⌘Space; the desktop has it as Meta+Space");
+    EXPECT_EQ(hotkey.keysInWords(), "Meta+Space");
+    registrar.settle(1, {.kind = HotkeyOutcome::Kind::refused, .reason = "the portal has gone"});
+    EXPECT_EQ(hotkey.status(), "could not register ⌘Space (the portal has gone)");
+    EXPECT_EQ(hotkey.keysInWords(), std::nullopt);
+    registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered}); // it is back
+    EXPECT_EQ(hotkey.keysInWords(), "Super+Space");
+    EXPECT_EQ(changes, 3);
+    EXPECT_THAT(services.log(),
+                HasSubstr("hotkey of the panel: could not register ⌘Space (the portal has gone)"));
+
+    hotkey.remove(1);
+    EXPECT_EQ(registrar.releases, 1);
+    registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered}); // was on its way
+    EXPECT_EQ(hotkey.status(), "not registered");
+}
+
+TEST_F(HotkeyTest, whatADesktopRefusesItMayGiveLater) {
+    registrar.isChoosing = true;
+    registrar.problem = "no portal";
+    EXPECT_FALSE(hotkey.add(commandSpace, 1, [this] { ++fired; }));
+    registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered});
+    EXPECT_EQ(hotkey.binding(1), commandSpace);
+}
+
 TEST_F(HotkeyTest, whatWasRefusedAtOnceIsNotAskedForAgain) {
     registrar.heldByOthers = {commandSpace};
     hotkey.add(commandSpace, 4, [] {}); // its owner forgets it, and may give the id to another

@@ -1,6 +1,8 @@
 #include "launcherapp/shell/Invitation.h"
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/shell/DesktopKey.h"
 
 #include <gmock/gmock.h>
 
@@ -8,20 +10,50 @@ namespace tessarine {
 namespace {
 
 using enum Invitation::StartedFrom;
+using State = Invitation::Chord::State;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 const Environment x11{.hasX11 = true};
 const Environment wayland{.hasWayland = true};
 const Environment both{.hasX11 = true, .hasWayland = true};
 constexpr auto byTheDesktop = "gapplication action com.corvane.tessarine toggle";
 
+const DesktopKey swayKey = DesktopKeys::forPanel({.hasWayland = true, .hasSway = true});
+
 TEST(Invitation, namesAKeyThatWorks) {
-    EXPECT_EQ(Invitation::withPanel({.keys = "Super+Space", .status = "registered"}, desktop),
-              "Tessarine is running. Super+Space brings it up.");
-    const auto refused = Invitation::withPanel({.keys = {}, .status = "it is held"}, desktop);
-    EXPECT_THAT(refused, HasSubstr("no key brings it up: it is held"));
-    EXPECT_THAT(refused, HasSubstr(byTheDesktop));
+    EXPECT_EQ(
+        Invitation::withPanel({.state = State::held, .keys = "Super+Space", .status = "registered"},
+                              swayKey,
+                              desktop),
+        "Tessarine is running. Super+Space brings it up.");
+    EXPECT_THAT(
+        Invitation::withPanel(
+            {.state = State::desktopOwn, .keys = {}, .status = "no portal"}, swayKey, desktop),
+        Not(HasSubstr("no portal"))); // the user has done what was told
+}
+
+TEST(Invitation, saysWhichLineGivesTheDesktopsOwnKey) {
+    const Invitation::Chord none{.state = State::none, .keys = {}, .status = "no portal"};
+    EXPECT_THAT(Invitation::withPanel(none, swayKey, desktop),
+                AllOf(HasSubstr("no key brings it up: no portal"),
+                      HasSubstr("~/.config/sway/config"),
+                      HasSubstr(byTheDesktop)));
+    EXPECT_THAT(Invitation::noKeyYet(none, swayKey).text,
+                AllOf(HasSubstr("no portal"), HasSubstr(byTheDesktop)));
+
+    const std::pair<DesktopSurroundings, const char*> cases[] = {
+        {{.desktops = {"sway"}}, "bindsym Mod4+space exec gapplication"},
+        {{.hasHyprland = true}, "bind = SUPER, SPACE, exec, gapplication"},
+        {{.desktops = {"river"}}, "riverctl map normal Super Space spawn 'gapplication"},
+        {{.desktops = {"ubuntu", "GNOME"}}, "gapplication"},
+        {{.desktops = {"KDE"}}, "gapplication"},
+        {{}, "gapplication"},
+    };
+    for (const auto& [surroundings, line] : cases)
+        EXPECT_THAT(DesktopKeys::forPanel(surroundings).line, StartsWith(line));
 }
 
 TEST(Invitation, saysWhatIsMissingWithoutAPanel) {

@@ -1,9 +1,12 @@
 #include "launcherapp/platform/linux/input/X11HotkeyRegistrar.h"
 
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/input/FreezeLimit.h"
 #include "launcherapp/platform/linux/input/NoHotkeyRegistrar.h"
+#include "launcherapp/platform/linux/input/PressTime.h"
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
 #include "launcherapp/platform/linux/input/X11Keyboard.h"
+#include "launcherapp/platform/linux/input/portal/PortalHotkeyRegistrar.h"
 
 #include <xcb/xcb.h>
 
@@ -43,20 +46,6 @@ xcb_connection_t* qtConnection() {
     const auto* x11 =
         application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     return x11 ? x11->connection() : nullptr;
-}
-
-/// When the key went down. A display on this machine counts milliseconds by the same clock as the
-/// main queue, in 32 bits; any other's clock tells nothing, and then the event's arrival stands in.
-Seconds pressedAt(xcb_timestamp_t time, Seconds now) {
-    using std::chrono::milliseconds;
-    constexpr std::int32_t rounding = 10;      // its clock may be ahead by a tick
-    constexpr std::int32_t longestWay = 30000; // an event that waited longer is no press any more
-    const auto nowMilliseconds =
-        static_cast<std::uint32_t>(std::chrono::floor<milliseconds>(now).count());
-    const auto age = static_cast<std::int32_t>(nowMilliseconds - time);
-    if (age < -rounding || age > longestWay)
-        return now;
-    return now - milliseconds(std::max(age, 0));
 }
 
 /// What one chord is on this keyboard.
@@ -391,15 +380,19 @@ std::optional<HotkeyBinding> X11HotkeyRegistrar::chord(std::uint32_t key,
     return keys_->keyboard().binding(key, state);
 }
 
-std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue) {
+std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue,
+                                                 const std::string& applicationID) {
     auto* connection = qtConnection();
     // Qt takes the display that a Wayland compositor keeps for X11 programs where it has nothing
     // to speak Wayland with.
-    if (!connection || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-        isWaylandsDisplay(connection))
-        return std::make_unique<NoHotkeyRegistrar>(
-            "only X11 sessions let programs take keys, and this is none");
-    return std::make_unique<X11HotkeyRegistrar>(queue);
+    const bool isX11 = connection && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+                       !isWaylandsDisplay(connection);
+    if (isX11)
+        return std::make_unique<X11HotkeyRegistrar>(queue);
+    if (sessionBusAddress())
+        return std::make_unique<PortalHotkeyRegistrar>(queue, applicationID);
+    return std::make_unique<NoHotkeyRegistrar>(
+        "outside of X11 the desktop is asked for keys on the session bus, and there is none");
 }
 
 } // namespace tessarine

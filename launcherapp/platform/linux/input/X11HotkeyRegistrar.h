@@ -3,6 +3,7 @@
 #include "launcherapp/platform/HotkeyRegistrar.h"
 
 #include <memory>
+#include <string>
 
 namespace tessarine {
 
@@ -30,8 +31,10 @@ private:
     std::unique_ptr<Keys> keys_;
 };
 
-/// The registrar of the display that Qt runs on; one that refuses, with its reason, where the
-/// session is not X11's, even if Qt runs on an X11 display inside it.
-std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue);
+/// The registrar of the display that Qt runs on. Where the session is not X11's, even if Qt runs on
+/// an X11 display inside it, the one that asks the desktop's portal, which knows the program as
+/// `applicationID`; without a session bus one that refuses, with its reason.
+std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue,
+                                                 const std::string& applicationID);
 
 } // namespace tessarine

@@ -1,0 +1,243 @@
+#include "launcherapp/platform/DesktopTable.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace tessarine {
+
+namespace {
+
+using enum DesktopCell::State;
+using Surroundings = DesktopSurroundings;
+
+const DesktopCell fine;
+
+DesktopCell absentAs(std::string reason) {
+    return {.state = absent, .reason = std::move(reason)};
+}
+
+DesktopCell degradedAs(std::string reason) {
+    return {.state = degraded, .reason = std::move(reason)};
+}
+
+bool offersAny(const Surroundings& desktop, std::initializer_list<const char*> interfaces) {
+    return std::ranges::any_of(interfaces,
+                               [&](const char* each) { return desktop.globals.contains(each); });
+}
+
+bool offersFrom(const Surroundings& desktop, std::string_view beginning) {
+    return std::ranges::any_of(
+        desktop.globals, [&](const std::string& each) { return each.starts_with(beginning); });
+}
+
+/// Where X11 alone, or Wayland, decides.
+bool isX11(const Surroundings& desktop) {
+    return !desktop.hasWayland && desktop.hasX11;
+}
+
+DesktopCell panel(const Surroundings& desktop) {
+    if (isX11(desktop) || offersAny(desktop, {"zwlr_layer_shell_v1"}))
+        return fine;
+    return degradedAs("this desktop lets no program put a panel above the windows, so it comes up "
+                      "as an ordinary window");
+}
+
+DesktopCell hotkey(const Surroundings& desktop) {
+    if (isX11(desktop) || desktop.portals.contains("GlobalShortcuts"))
+        return fine;
+    if (!desktop.hasSessionBus)
+        return absentAs("there is no session bus, so no key of the desktop's can reach the "
+                        "program");
+    return degradedAs("this desktop's portal gives programs no keys: bind a key of the desktop's "
+                      "own to the program, as it says at its start");
+}
+
+DesktopCell clipboardHistory(const Surroundings& desktop) {
+    if (isX11(desktop) ||
+        offersAny(desktop, {"ext_data_control_manager_v1", "zwlr_data_control_manager_v1"}))
+        return fine;
+    return absentAs("this desktop lets no program see what is copied in another");
+}
+
+DesktopCell typing(const Surroundings& desktop) {
+    if (isX11(desktop) || offersAny(desktop, {"zwp_virtual_keyboard_manager_v1"}))
+        return fine;
+    return absentAs("this desktop lets no program press keys: what is chosen is copied, and Ctrl+V "
+                    "pastes it");
+}
+
+/// Without a list of its own, the display for X11 programs still has theirs.
+DesktopCell runningApplications(const Surroundings& desktop) {
+    const bool hasOwnWay = desktop.hasSway || desktop.hasHyprland;
+    if (isX11(desktop) || hasOwnWay || offersAny(desktop, {"zwlr_foreign_toplevel_manager_v1"}))
+        return fine;
+    if (desktop.hasX11)
+        return degradedAs("this desktop tells no program which windows are open, so only those of "
+                          "X11 programs are seen");
+    return absentAs("this desktop tells no program which windows are open");
+}
+
+DesktopCell windowVerbs(const Surroundings& desktop) {
+    if (isX11(desktop) || desktop.hasSway || desktop.hasHyprland)
+        return fine;
+    return absentAs("this desktop lets no program move the windows of others");
+}
+
+DesktopCell activationTokens(const Surroundings& desktop) {
+    if (isX11(desktop) || offersAny(desktop, {"xdg_activation_v1"}))
+        return fine;
+    return absentAs("this desktop has no way to pass the focus on to what is started");
+}
+
+DesktopCell appearance(const Surroundings& desktop) {
+    if (desktop.portals.contains("Settings"))
+        return fine;
+    return degradedAs("no settings portal tells light or dark, so the program's own setting "
+                      "decides");
+}
+
+struct Line {
+    DesktopAbility ability;
+    std::string_view name;
+    DesktopCell (*decide)(const Surroundings& desktop);
+};
+
+constexpr std::array lines{
+    Line{DesktopAbility::panel, "panel", panel},
+    Line{DesktopAbility::hotkey, "hotkey", hotkey},
+    Line{DesktopAbility::clipboardHistory, "clipboard history", clipboardHistory},
+    Line{DesktopAbility::typing, "pasting and typing", typing},
+    Line{DesktopAbility::runningApplications, "running applications", runningApplications},
+    Line{DesktopAbility::windowVerbs, "window verbs", windowVerbs},
+    Line{DesktopAbility::activationTokens, "activation tokens", activationTokens},
+    Line{DesktopAbility::appearance, "appearance", appearance},
+};
+
+const Line& lineOf(DesktopAbility ability) {
+    return *std::ranges::find(lines, ability, &Line::ability);
+}
+
+const std::set<std::string> commonGlobals{"wl_compositor", "wl_seat", "xdg_activation_v1"};
+
+std::set<std::string> withCommon(std::set<std::string> globals) {
+    globals.insert(commonGlobals.begin(), commonGlobals.end());
+    return globals;
+}
+
+} // namespace
+
+/// KWin offers some of the protocols that wlroots has brought up, so it is looked for first; and
+/// wlroots' desktops offer an old one of KWin's for the borders of windows.
+DesktopFamily DesktopTable::family(const DesktopSurroundings& surroundings) {
+    if (!surroundings.hasWayland)
+        return surroundings.hasX11 ? DesktopFamily::x11 : DesktopFamily::none;
+    if (offersFrom(surroundings, "org_kde_plasma_") ||
+        surroundings.busNames.contains("org.kde.KWin"))
+        return DesktopFamily::kwin;
+    if (offersFrom(surroundings, "gtk_shell") ||
+        surroundings.busNames.contains("org.gnome.Mutter.DisplayConfig"))
+        return DesktopFamily::mutter;
+    if (offersFrom(surroundings, "zwlr_"))
+        return DesktopFamily::wlroots;
+    return DesktopFamily::otherWayland;
+}
+
+DesktopCell DesktopTable::cell(const DesktopSurroundings& surroundings, DesktopAbility ability) {
+    if (family(surroundings) == DesktopFamily::none)
+        return absentAs("there is no display");
+    if (surroundings.hasWayland && surroundings.globals.empty() && !surroundings.hasX11)
+        return absentAs("the Wayland compositor does not answer");
+    return lineOf(ability).decide(surroundings);
+}
+
+std::string DesktopTable::reason(const DesktopSurroundings& surroundings, DesktopAbility ability) {
+    const auto told = cell(surroundings, ability);
+    return told.reason.empty()
+               ? fmt::format("{} should work on {}, and the desktop does not answer",
+                             name(ability),
+                             name(family(surroundings)))
+               : told.reason;
+}
+
+std::string_view DesktopTable::name(DesktopFamily family) {
+    switch (family) {
+    case DesktopFamily::x11:
+        return "X11";
+    case DesktopFamily::wlroots:
+        return "wlroots";
+    case DesktopFamily::kwin:
+        return "KWin";
+    case DesktopFamily::mutter:
+        return "Mutter";
+    case DesktopFamily::otherWayland:
+        return "another Wayland compositor";
+    case DesktopFamily::none:
+        break;
+    }
+    return "no display";
+}
+
+std::string_view DesktopTable::name(DesktopAbility ability) {
+    return lineOf(ability).name;
+}
+
+std::string DesktopTable::inWords(const DesktopCell& cell) {
+    switch (cell.state) {
+    case works:
+        break;
+    case degraded:
+        return "degraded: " + cell.reason;
+    case absent:
+        return "absent: " + cell.reason;
+    }
+    return "works";
+}
+
+DesktopSurroundings DesktopTable::usual(DesktopFamily family) {
+    const std::set<std::string> allPortals{"GlobalShortcuts", "Settings"};
+    switch (family) {
+    case DesktopFamily::x11:
+        return {.hasX11 = true, .hasSessionBus = true, .portals = allPortals};
+    case DesktopFamily::wlroots:
+        return {.hasX11 = true,
+                .hasWayland = true,
+                .hasSessionBus = true,
+                .hasSway = true,
+                .desktops = {"sway"},
+                .globals = withCommon({"zwlr_layer_shell_v1",
+                                       "zwlr_data_control_manager_v1",
+                                       "zwp_virtual_keyboard_manager_v1",
+                                       "zwlr_foreign_toplevel_manager_v1"}),
+                .portals = {"Settings"}};
+    case DesktopFamily::kwin:
+        return {.hasX11 = true,
+                .hasWayland = true,
+                .hasSessionBus = true,
+                .desktops = {"KDE"},
+                .globals = withCommon(
+                    {"zwlr_layer_shell_v1", "ext_data_control_manager_v1", "org_kde_plasma_shell"}),
+                .portals = allPortals};
+    case DesktopFamily::mutter:
+        return {.hasX11 = true,
+                .hasWayland = true,
+                .hasSessionBus = true,
+                .desktops = {"GNOME"},
+                .globals = withCommon({"gtk_shell1"}),
+                .portals = allPortals};
+    case DesktopFamily::otherWayland:
+    case DesktopFamily::none:
+        break;
+    }
+    return {};
+}
+
+std::vector<std::string> DesktopTable::column(const DesktopSurroundings& surroundings) {
+    std::vector<std::string> text{fmt::format("desktop: {}", name(family(surroundings)))};
+    for (const auto each : abilities)
+        text.push_back(fmt::format("{}: {}", name(each), inWords(cell(surroundings, each))));
+    return text;
+}
+
+} // namespace tessarine

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <array>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarine {
+
+/// What draws the windows, as far as it matters to what programs may do.
+enum class DesktopFamily {
+    x11,
+    wlroots, ///< sway, Hyprland, river, labwc, Wayfire and others that speak the wlr protocols
+    kwin,
+    mutter,
+    otherWayland,
+    none, ///< no display
+};
+
+enum class DesktopAbility {
+    panel,
+    hotkey,
+    clipboardHistory,
+    typing, ///< and pasting
+    runningApplications,
+    windowVerbs,
+    activationTokens,
+    appearance,
+};
+
+/// What was found of the running desktop. A value.
+struct DesktopSurroundings {
+    bool hasX11 = false;     ///< an X11 display, a compositor's own for X11 programs too
+    bool hasWayland = false; ///< a Wayland session
+    bool hasSessionBus = false;
+    bool hasSway = false;              ///< SWAYSOCK is set
+    bool hasHyprland = false;          ///< HYPRLAND_INSTANCE_SIGNATURE is set
+    std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
+    std::set<std::string> globals;     ///< interfaces of the compositor; none if it is silent
+    std::set<std::string> busNames;    ///< that are owned on the session bus
+    std::set<std::string> portals;     ///< of the desktop portal's interfaces those that answer
+
+    bool operator==(const DesktopSurroundings&) const = default;
+};
+
+/// How it stands with one ability.
+struct DesktopCell {
+    enum class State { works, degraded, absent };
+    State state = State::works;
+    std::string reason; ///< a phrase for the user, without a full stop; empty where it works
+
+    bool operator==(const DesktopCell&) const = default;
+};
+
+/// What each desktop can do, and why not: the one place that decides it for the rows, the doors
+/// and the documentation. Pure; any thread.
+namespace DesktopTable {
+
+inline constexpr std::array abilities{DesktopAbility::panel,
+                                      DesktopAbility::hotkey,
+                                      DesktopAbility::clipboardHistory,
+                                      DesktopAbility::typing,
+                                      DesktopAbility::runningApplications,
+                                      DesktopAbility::windowVerbs,
+                                      DesktopAbility::activationTokens,
+                                      DesktopAbility::appearance};
+
+DesktopFamily family(const DesktopSurroundings& surroundings);
+
+DesktopCell cell(const DesktopSurroundings& surroundings, DesktopAbility ability);
+
+/// Why an ability is degraded or absent; of one that works, why what should have worked does not:
+/// for a door that found the desktop otherwise than it promised.
+std::string reason(const DesktopSurroundings& surroundings, DesktopAbility ability);
+
+/// "X11", "wlroots", "KWin", "Mutter", "another Wayland compositor", "no display".
+std::string_view name(DesktopFamily family);
+
+/// "clipboard history".
+std::string_view name(DesktopAbility ability);
+
+/// "works", "degraded: REASON", "absent: REASON".
+std::string inWords(const DesktopCell& cell);
+
+/// A desktop of the family as it is commonly installed, and of its newest version: what the
+/// documentation tells of. For `none` and others nothing is there.
+DesktopSurroundings usual(DesktopFamily family);
+
+/// The running desktop's column: its name, then a line for each ability.
+std::vector<std::string> column(const DesktopSurroundings& surroundings);
+
+} // namespace DesktopTable
+} // namespace tessarine

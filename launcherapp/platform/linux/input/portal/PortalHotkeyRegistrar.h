@@ -1,0 +1,45 @@
+#pragma once
+
+#include "launcherapp/platform/HotkeyRegistrar.h"
+
+#include <memory>
+#include <string>
+
+namespace tessarine {
+
+class MainQueue;
+
+/// Chords by the desktop portal's global shortcuts, for desktops where programs can't take keys
+/// themselves. The desktop asks its user, and may give other keys than those wished for. All that
+/// is asked for within one turn of the event loop is one question, as a set of shortcuts can't
+/// grow: what is asked for or given back later makes the portal take the whole set anew. A wish
+/// that the desktop could not grant is kept; it is asked again when the portal comes back, and by a
+/// repeated `grab` at most once a minute, but not after its user has declined. Main thread only,
+/// with Qt's event loop.
+class PortalHotkeyRegistrar : public HotkeyRegistrar {
+public:
+    /// `applicationID` is the name of the program's desktop entry, by which the desktop remembers
+    /// the shortcuts. Waits for the session bus's greeting, and for nothing else.
+    PortalHotkeyRegistrar(MainQueue& queue, std::string applicationID);
+    ~PortalHotkeyRegistrar() override;
+    PortalHotkeyRegistrar(const PortalHotkeyRegistrar&) = delete;
+    PortalHotkeyRegistrar& operator=(const PortalHotkeyRegistrar&) = delete;
+
+    void setEvents(Events events) override;
+
+    bool choosesKeys() const override { return true; }
+
+    void describe(std::uint32_t id, const HotkeyPurpose& purpose) override;
+    HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) override;
+    void release(std::uint32_t id) override;
+
+    /// Nothing: what keys mean is the compositor's knowledge, told to the window that has the
+    /// keyboard.
+    std::optional<HotkeyBinding> chord(std::uint32_t key, std::uint32_t state) const override;
+
+private:
+    class Wishes;
+    std::shared_ptr<Wishes> wishes_; ///< shared with what is posted
+};
+
+} // namespace tessarine

@@ -1,0 +1,94 @@
+#include "launcherapp/platform/linux/surroundings/DesktopLook.h"
+
+#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
+#include "launcherapp/platform/linux/portal/DesktopPortal.h"
+#include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QStringList>
+#include <array>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+namespace tessarine {
+
+namespace {
+
+constexpr auto portalInterfaces = std::to_array<const char*>({"GlobalShortcuts", "Settings"});
+
+bool isSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value && *value != '\0';
+}
+
+QDBusMessage namesCall() {
+    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                          QStringLiteral("/org/freedesktop/DBus"),
+                                          QStringLiteral("org.freedesktop.DBus"),
+                                          QStringLiteral("ListNames"));
+}
+
+/// A portal has an interface where the desktop has given it what stands behind it.
+QDBusMessage versionCall(const char* interface) {
+    auto message = QDBusMessage::createMethodCall(DesktopPortal::service(),
+                                                  DesktopPortal::path(),
+                                                  QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                  QStringLiteral("Get"));
+    message << QStringLiteral("org.freedesktop.portal.") + QLatin1String(interface)
+            << QStringLiteral("version");
+    return message;
+}
+
+/// Nothing but what came in time.
+QDBusMessage answerTo(QDBusPendingCall& call) {
+    call.waitForFinished();
+    return call.reply();
+}
+
+} // namespace
+
+DesktopSurroundings DesktopLook::display(const Environment& environment) {
+    DesktopSurroundings found{.hasX11 = environment.hasX11,
+                              .hasWayland = environment.hasWayland,
+                              .hasSessionBus = sessionBusAddress().has_value(),
+                              .hasSway = isSet("SWAYSOCK"),
+                              .hasHyprland = isSet("HYPRLAND_INSTANCE_SIGNATURE"),
+                              .desktops = environment.desktops};
+    if (!environment.hasWayland)
+        return found;
+    const WaylandConnection compositor;
+    if (!compositor.answers())
+        return found;
+    for (const auto& global : compositor.registry().globals())
+        found.globals.insert(global.interface);
+    return found;
+}
+
+DesktopSurroundings DesktopLook::withBus(DesktopSurroundings surroundings,
+                                         std::chrono::milliseconds patience) {
+    const auto bus = sessionBus();
+    surroundings.hasSessionBus = bus.has_value();
+    if (!bus)
+        return surroundings;
+    const auto limit = static_cast<int>(patience.count());
+    // All are asked before the first answer is waited for, so that the limit is one for all.
+    auto names = bus->asyncCall(namesCall(), limit);
+    std::vector<std::pair<const char*, QDBusPendingCall>> versions;
+    for (const auto* interface : portalInterfaces)
+        versions.emplace_back(interface, bus->asyncCall(versionCall(interface), limit));
+    const auto owned = answerTo(names);
+    for (const auto& name : owned.arguments().value(0).toStringList())
+        surroundings.busNames.insert(name.toStdString());
+    for (auto& [interface, call] : versions) {
+        const auto answer = answerTo(call);
+        if (answer.type() == QDBusMessage::ReplyMessage)
+            surroundings.portals.insert(interface);
+    }
+    return surroundings;
+}
+
+} // namespace tessarine

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "launcherapp/platform/DesktopTable.h"
+
+#include <chrono>
+
+namespace tessarine {
+
+struct Environment;
+
+/// Finding out what the running desktop has, for the table of abilities. Main thread only.
+namespace DesktopLook {
+
+/// What the environment and the compositor tell: enough for every ability but the hotkey and the
+/// appearance, which are the portal's. Waits for the compositor, a millisecond
+/// ordinarily, `WaylandConnection::patience` at worst; without a Wayland session for nobody.
+DesktopSurroundings display(const Environment& environment);
+
+/// The same with what the session bus and the desktop's portal tell. What is not answered within
+/// `patience` in all counts as not there; the portal may have to be started first.
+DesktopSurroundings withBus(DesktopSurroundings surroundings, std::chrono::milliseconds patience);
+
+} // namespace DesktopLook
+} // namespace tessarine

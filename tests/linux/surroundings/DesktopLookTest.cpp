@@ -1,0 +1,83 @@
+#include "launcherapp/platform/linux/surroundings/DesktopLook.h"
+
+#include "launcherapp/platform/Environment.h"
+#include "tests/linux/BusObject.h"
+
+#include <gmock/gmock.h>
+
+#include <QDBusVariant>
+#include <QThread>
+#include <chrono>
+
+namespace tessarine {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A portal that has one interface, in a thread of its own as who asks stands still.
+class OnePortal : public QDBusVirtualObject {
+public:
+    bool isSilent = false;
+
+    QString introspect(const QString&) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (isSilent)
+            return true;
+        const bool has = message.arguments()[0].toString().endsWith(QLatin1String("Settings"));
+        return bus.send(has ? message.createReply(QVariant::fromValue(QDBusVariant(2U)))
+                            : message.createErrorReply(QDBusError::InvalidArgs, {}));
+    }
+};
+
+class DesktopLookTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(
+            bus.registerVirtualObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal));
+        ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+        portal.moveToThread(&thread);
+        thread.start();
+    }
+
+    ~DesktopLookTest() override {
+        thread.quit();
+        thread.wait();
+        bus.unregisterService(QStringLiteral("org.freedesktop.portal.Desktop"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("look"));
+    }
+
+    QThread thread;
+    OnePortal portal;
+    QDBusConnection bus =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("look"));
+};
+
+TEST_F(DesktopLookTest, tellsWhatTheBusAndThePortalHave) {
+    const auto found = DesktopLook::withBus({}, milliseconds(5000));
+    EXPECT_TRUE(found.hasSessionBus);
+    EXPECT_THAT(found.busNames, Contains("org.freedesktop.portal.Desktop"));
+    EXPECT_THAT(found.portals, ElementsAre("Settings"));
+}
+
+TEST_F(DesktopLookTest, doesNotWaitLongForAPortalThatHangs) {
+    portal.isSilent = true;
+    const auto began = std::chrono::steady_clock::now();
+    const auto found = DesktopLook::withBus({}, milliseconds(100));
+    EXPECT_THAT(found.portals, IsEmpty());
+    EXPECT_LT(std::chrono::steady_clock::now() - began, milliseconds(2000));
+}
+
+TEST(DesktopLook, aCompositorThatIsNotThereIsSilent) {
+    qputenv("WAYLAND_DISPLAY", "no-such-compositor");
+    const auto found = DesktopLook::display({.hasX11 = true, .hasWayland = true});
+    qunsetenv("WAYLAND_DISPLAY");
+    EXPECT_TRUE(found.hasWayland);
+    EXPECT_THAT(found.globals, IsEmpty());
+}
+
+} // namespace
+} // namespace tessarine
