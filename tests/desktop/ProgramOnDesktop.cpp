@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <sstream>
+#include <stdexcept>
 
 namespace tessarine {
 
@@ -36,6 +38,8 @@ ProgramOnDesktop::ProgramOnDesktop(const Program::Variables& display)
 
 ProgramOnDesktop::~ProgramOnDesktop() {
     endOthers();
+    if (HasFailure())
+        std::cout << "The program's log:\n" << textOf(support("tessarine.log"));
 }
 
 void ProgramOnDesktop::install(const std::string& id, const std::string& name) const {
@@ -59,9 +63,9 @@ void ProgramOnDesktop::prefer(const std::string& json) const {
 void ProgramOnDesktop::start(const std::string& invitation) {
     fs::remove(support("tessarine.log"));
     program = std::make_unique<Program>(std::vector<std::string>{}, environment);
-    ASSERT_TRUE(program->waitForError(invitation));
     // The log is written a moment after, and begun anew: what is counted later is all of this run.
-    ASSERT_TRUE(becomes(1, " launched "));
+    if (!program->waitForError(invitation) || !becomes(1, " launched "))
+        throw std::runtime_error("the program did not start as it should");
 }
 
 void ProgramOnDesktop::run(const std::string& command) {

@@ -33,7 +33,7 @@ protected:
     /// The text of the file of preferences, a JSON object. Before the start.
     void prefer(const std::string& json) const;
 
-    /// Starts the program and waits until it says this.
+    /// Starts the program and waits until it says this; throws std::runtime_error when it doesn't.
     void start(const std::string& invitation = "Super+Space brings it up");
 
     static void run(const std::string& command);

@@ -79,6 +79,7 @@ void LayerPanelSurface::setFrame(const Rectangle& frame) {
 void LayerPanelSurface::show() {
     if (!widget_ || role_)
         return;
+    ++shows_;
     hadKeyboard_ = false;
     if (!takePlace())
         return loseLater();
@@ -201,12 +202,13 @@ std::optional<double> LayerPanelSurface::displayedHeight() const {
     return widget_->height();
 }
 
-/// The compositor may be telling it in the middle of what Qt does with the window.
+/// The compositor may be telling it in the middle of what Qt does with the window. By the time that
+/// it is told the user may have asked for the panel anew.
 void LayerPanelSurface::loseLater() {
     QMetaObject::invokeMethod(
         &lifetime_,
-        [this] {
-            if (events_.lostKeyboard)
+        [this, lost = shows_] {
+            if (lost == shows_ && events_.lostKeyboard)
                 events_.lostKeyboard();
         },
         Qt::QueuedConnection);

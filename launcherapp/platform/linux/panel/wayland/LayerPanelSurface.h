@@ -71,6 +71,7 @@ private:
     Rectangle frame_;
     bool hadKeyboard_ = false;   ///< since it came up
     bool hasFirstFrame_ = false; ///< the compositor has it, and nobody has asked yet
+    unsigned shows_ = 0;         ///< so many were asked for
     QObject lifetime_;           ///< of what is posted
 };
 
