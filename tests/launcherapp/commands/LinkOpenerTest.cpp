@@ -69,13 +69,12 @@ TEST(LinkOpener, whoHoldsTheCallerIsTold) {
 
 TEST(LinkOpener, linksInTheBackgroundTakeNoFocus) {
     CommandFixture fixture;
-    fixture.services.platform.time.advance(Seconds{1});
     fixture.links.open({"https://a.example"}, Activation::background);
     fixture.links.open({"https://a.example"}, Activation::foreground);
     fixture.settle();
     ASSERT_THAT(fixture.bus.requests, SizeIs(2));
     EXPECT_THAT(fixture.bus.requests[0].activationToken, EndsWith("_TIME0"));
-    EXPECT_THAT(fixture.bus.requests[1].activationToken, EndsWith("_TIME1000"));
+    EXPECT_THAT(fixture.bus.requests[1].activationToken, Not(EndsWith("_TIME0")));
 }
 
 TEST(LinkOpener, filesOpenByTheirTypeWithoutAWaitForTheDisk) {
