@@ -115,10 +115,12 @@ TEST_P(WindowDoorsTest, whatCantBeDoneIsToldInWords) {
     const auto window = open("org.example.own");
     if (GetParam() == Way::ipc) {
         EXPECT_EQ(doors.control->ability(), Ability{});
+        EXPECT_EQ(doors.control->killing(), Ability{});
         EXPECT_FALSE(window.own); // another process that calls itself so
     } else {
         EXPECT_THAT(doors.control->ability().reason, HasSubstr("lets no program move windows"));
         EXPECT_TRUE(window.own);
+        EXPECT_THAT(doors.control->killing().reason, HasSubstr("doesn't tell whose process"));
         EXPECT_FALSE(doors.control->kill(window.id));
     }
 }
