@@ -86,8 +86,7 @@ void PortalRequest::responded(const QDBusMessage& message) {
     case 1:
         return finish({.kind = Answer::Kind::declined});
     default:
-        return finish(
-            {.kind = Answer::Kind::failed, .problem = "the desktop's portal could not ask for it"});
+        return finish({.kind = Answer::Kind::refused});
     }
 }
 

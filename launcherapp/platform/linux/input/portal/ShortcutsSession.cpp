@@ -121,9 +121,9 @@ void ShortcutsSession::endAs(const PortalRequest::Answer& answer) {
     case PortalRequest::Answer::Kind::failed:
         return end(End::failed, answer.problem);
     case PortalRequest::Answer::Kind::missing:
-        return end(End::failed, "this desktop's portal gives programs no keys");
+        return end(End::refused, "this desktop's portal gives programs no keys");
     case PortalRequest::Answer::Kind::refused:
-        return end(End::failed, "the desktop's portal does not grant it");
+        return end(End::refused, "the desktop's portal does not grant it");
     case PortalRequest::Answer::Kind::declined:
         return end(End::declined, {});
     }
