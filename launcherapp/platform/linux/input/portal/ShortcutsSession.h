@@ -35,7 +35,8 @@ public:
         /// There are no shortcuts, or none any more; with the reason in words, but of what the user
         /// declined. The last event.
         std::function<void(End end, const std::string& reason)> ended;
-        /// A shortcut went down; `time` is the display's, in milliseconds.
+        /// A shortcut went down; `time` is the display's, in milliseconds. Its activation token is
+        /// there during the call: see SummonsToken.
         std::function<void(const std::string& name, std::uint32_t time)> activated;
         std::function<void(const std::string& name)> deactivated;
     };
