@@ -112,7 +112,9 @@ void AppCatalog::launch(const CatalogApp& app) {
 void AppCatalog::launch(const InstalledApp& application,
                         std::function<void(std::optional<std::string>)> done) {
     requireMainThread(doors_.queue);
-    if (const auto running = doors_.running.running(application.bundleID)) {
+    // A window that a desktop can't be asked about may be gone, or not come when it is called.
+    if (const auto running = doors_.running.running(application.bundleID);
+        running && doors_.running.ability().available) {
         doors_.running.unhide(*running);
         // One that the session bus activates knows better which of its windows to show.
         if (!application.busActivatable) {

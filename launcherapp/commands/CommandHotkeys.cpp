@@ -94,16 +94,16 @@ void CommandHotkeys::take(const CommandSpec& command) {
     // Never one that was given back: a press of it may still be on its way.
     const auto id = nextID_++;
     hotkey->describe(id, {.name = "command " + command.id, .description = command.name});
-    if (hotkey->add(chord->binding(), id, [this, command] { fire(command); })) {
-        if (hotkey->binding(id))
-            registered_[command.id] = *chord;
-        else
-            failed_[command.id] = reason(*chord, id); // until the desktop gives it
+    const bool isTaken = hotkey->add(chord->binding(), id, [this, command] { fire(command); });
+    if (hotkey->binding(id))
+        registered_[command.id] = *chord;
+    else
+        failed_[command.id] = reason(*chord, id);
+    // A desktop that chooses the keys may list what it refuses, for its user to give it some.
+    if (isTaken || hotkey->desktopChooses())
         taken_.push_back({.id = id, .command = command.id, .chord = *chord});
-        return;
-    }
-    failed_[command.id] = reason(*chord, id);
-    hotkey->remove(id);
+    else
+        hotkey->remove(id);
 }
 
 /// A change of the keyboard, or another program, may take a chord away and give it back.
@@ -113,7 +113,10 @@ void CommandHotkeys::refresh() {
     bool isChanged = false;
     for (const auto& each : taken_) {
         const bool isHeld = services_.hotkey()->binding(each.id).has_value();
-        if (isHeld == registered_.contains(each.command))
+        auto why = isHeld ? std::string() : reason(each.chord, each.id);
+        const auto told = failed_.find(each.command);
+        if (isHeld == registered_.contains(each.command) &&
+            (told == failed_.end() || told->second == why))
             continue;
         isChanged = true;
         if (isHeld) {
@@ -121,7 +124,7 @@ void CommandHotkeys::refresh() {
             failed_.erase(each.command);
         } else {
             registered_.erase(each.command);
-            failed_[each.command] = reason(each.chord, each.id);
+            failed_[each.command] = std::move(why);
         }
     }
     if (isChanged)

@@ -183,7 +183,9 @@ const WindowManager::Offer& WindowManager::offer() {
     const auto now = services_.queue.uptime();
     if (!offeredAt_ || now - *offeredAt_ >= AppCatalog::runningLifetime) {
         offeredAt_ = now;
-        offer_ = {.ability = services_.running.ability(), .apps = runningApps("")};
+        offer_ = {.ability = services_.running.ability(),
+                  .killing = services_.control.killing(),
+                  .apps = runningApps("")};
     }
     return offer_;
 }

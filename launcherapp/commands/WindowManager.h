@@ -53,10 +53,11 @@ public:
     std::vector<QuittableApp> runningApps(std::string_view query,
                                           Certainty certainty = Certainty::sure) const;
 
-    /// What keystrokes are answered with: all of `runningApps`, and whether the desktop tells them,
-    /// as they were `AppCatalog::runningLifetime` ago at most.
+    /// What keystrokes are answered with: all of `runningApps`, whether the desktop tells them, and
+    /// whether it lets them be ended by force, as it was `AppCatalog::runningLifetime` ago at most.
     struct Offer {
         Ability ability;
+        Ability killing;
         std::vector<QuittableApp> apps;
     };
 

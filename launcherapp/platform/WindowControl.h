@@ -49,6 +49,9 @@ public:
     /// Asks the window to close, as its close button would: its program may ask the user first.
     virtual void close(std::uint64_t window) = 0;
 
+    /// Whether programs can be ended with `kill`. Asks nobody while they can.
+    virtual Ability killing() const { return {}; }
+
     /// Ends the window's program at once, with what is unsaved and all its windows. False when it
     /// can't be ended, is this program, or has no such window on the desktop.
     virtual bool kill(std::uint64_t window) = 0;

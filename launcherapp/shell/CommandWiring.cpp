@@ -105,25 +105,27 @@ WindowRowSources CommandWiring::windowSources() {
         return ability.available ? std::nullopt : std::optional(ability.reason);
     };
     using Force = WindowManager::Force;
-    return {.keywords = services_.prefs.keywords(),
-            .movingProblem =
-                [this, problem] {
-                    return problem(services_.windows.ability(services_.model.previousApp));
-                },
-            .apply =
-                [this](WindowVerb verb) {
-                    hidePanel();
-                    services_.windows.apply(verb, services_.model.previousApp);
-                },
-            .quittingProblem = [problem,
-                                &windows =
-                                    services_.windows] { return problem(windows.offer().ability); },
-            .quittingGap = [&list = services_.list] { return list.gap(); },
-            .runningApps = [&windows = services_.windows]() -> std::span<const QuittableApp> {
-                return windows.offer().apps;
+    return {
+        .keywords = services_.prefs.keywords(),
+        .movingProblem =
+            [this, problem] {
+                return problem(services_.windows.ability(services_.model.previousApp));
             },
-            .quit = [this](const QuittableApp& app) { quit(app, Force::no); },
-            .forceQuit = [this](const QuittableApp& app) { quit(app, Force::yes); }};
+        .apply =
+            [this](WindowVerb verb) {
+                hidePanel();
+                services_.windows.apply(verb, services_.model.previousApp);
+            },
+        .quittingProblem =
+            [problem, &windows = services_.windows] { return problem(windows.offer().ability); },
+        .killingProblem =
+            [problem, &windows = services_.windows] { return problem(windows.offer().killing); },
+        .quittingGap = [&list = services_.list] { return list.gap(); },
+        .runningApps = [&windows = services_.windows]() -> std::span<const QuittableApp> {
+            return windows.offer().apps;
+        },
+        .quit = [this](const QuittableApp& app) { quit(app, Force::no); },
+        .forceQuit = [this](const QuittableApp& app) { quit(app, Force::yes); }};
 }
 
 void CommandWiring::quit(const QuittableApp& app, WindowManager::Force force) {

@@ -2,6 +2,7 @@
 #include "launcherapp/platform/linux/desktop/LostDisplay.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 #include "launcherapp/platform/linux/processes/ProcessEnvironment.h"
+#include "launcherapp/platform/linux/wayland/CompositorVariables.h"
 #include "launcherapp/shell/App.h"
 #include "launcherapp/shell/modes/Modes.h"
 
@@ -38,6 +39,7 @@ int runProgram(int argc, char** argv, Seconds launchedAt) {
                    stderr);
         return 1;
     }
+    CompositorVariables::renew();
     const auto application = makeQtApplication(argc, argv, surface, environment);
     try {
         return App(std::move(commandLine), std::move(environment), launchedAt).run(argv);

@@ -55,6 +55,8 @@ public:
 
     void close(std::uint64_t window) override { closed.push_back(window); }
 
+    Ability killing() const override { return killable; }
+
     bool kill(std::uint64_t window) override {
         const auto found = windows.find(window);
         if (found == windows.end() || !found->second.canBeKilled)
@@ -64,6 +66,7 @@ public:
     }
 
     Ability supported;
+    Ability killable;
     std::vector<Screen> monitors;
     std::map<std::uint64_t, Window> windows;
     std::vector<std::uint64_t> closed;

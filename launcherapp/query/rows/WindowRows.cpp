@@ -86,9 +86,16 @@ ResultRow quitRow(const QuitVerb& verb, const QuittableApp& app, std::string det
     };
 }
 
+std::optional<std::string> problemOf(const WindowRowSources& sources, const QuitVerb& verb) {
+    auto problem = answerOf(sources.quittingProblem);
+    if (!problem && verb.keyword == BuiltinKeyword::forceQuit)
+        problem = answerOf(sources.killingProblem);
+    return problem;
+}
+
 std::vector<ResultRow>
 quitRows(const WindowRowSources& sources, const QuitVerb& verb, std::string_view argument) {
-    if (auto problem = answerOf(sources.quittingProblem))
+    if (auto problem = problemOf(sources, verb))
         return {hint(std::string(verb.idPrefix),
                      Keywords::info(verb.keyword).name,
                      *std::move(problem),

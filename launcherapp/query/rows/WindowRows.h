@@ -26,7 +26,8 @@ struct WindowRowSources {
     Problem movingProblem;
     std::function<void(WindowVerb verb)> apply;
     Problem quittingProblem;
-    Problem quittingGap; ///< why some that run may be missing among those below
+    Problem killingProblem; ///< why what runs can be quit, but not by force
+    Problem quittingGap;    ///< why some that run may be missing among those below
     /// Running applications, in the order of their rows.
     std::function<std::span<const QuittableApp>()> runningApps;
     std::function<void(const QuittableApp& app)> quit;

@@ -170,6 +170,16 @@ TEST_F(AppCatalogTest, launchingWhatRunsBringsItForward) {
     EXPECT_THAT(platform.processes.started, IsEmpty());
 }
 
+TEST_F(AppCatalogTest, whatCantBeBroughtForwardIsLaunched) {
+    services.install("files", "Files");
+    services.startCatalog();
+    platform.windows.open = {{.id = 1, .className = "files"}};
+    platform.windows.supported = Ability::missing("the desktop doesn't answer");
+    catalog.launch(app("Files"));
+    platform.time.settle();
+    EXPECT_EQ(platform.processes.started.size(), 1u);
+}
+
 TEST_F(AppCatalogTest, whatTheBusActivatesIsAskedEvenWhenItRuns) {
     services.install("org.x.Bus", "Bus", "DBusActivatable=true\n");
     services.startCatalog();

@@ -345,6 +345,23 @@ TEST(CommandStore, afterAMoveTheNewFolderIsWatched) {
     EXPECT_THAT(fixture.names(), ElementsAre("Beta"));
 }
 
+TEST(CommandHotkeys, whatADesktopThatChoosesRefusesItMayGiveLater) {
+    Store fixture;
+    fixture.registrar.isChoosing = true;
+    fixture.registrar.problem = "choose one there";
+    fixture.hotkeys.sync(
+        {{.id = "one", .name = "One", .kind = CommandKind::open, .hotkey = "cmd+1"}});
+    EXPECT_THAT(fixture.hotkeys.failed(), ElementsAre(Pair("one", HasSubstr("choose one there"))));
+    using Kind = HotkeyOutcome::Kind;
+    fixture.registrar.settle(HotkeyIDs::firstCommand,
+                             {.kind = Kind::refused, .reason = "the portal has gone"});
+    EXPECT_THAT(fixture.hotkeys.failed(),
+                ElementsAre(Pair("one", HasSubstr("the portal has gone"))));
+    fixture.registrar.settle(HotkeyIDs::firstCommand, {.kind = Kind::registered});
+    EXPECT_THAT(fixture.hotkeys.failed(), testing::IsEmpty());
+    EXPECT_THAT(fixture.hotkeys.registered(), ElementsAre(Pair("one", *Chord::parse("cmd+1"))));
+}
+
 TEST(CommandHotkeys, aPressOnItsWayRunsNoOtherCommand) {
     Store fixture;
     const CommandSpec first{

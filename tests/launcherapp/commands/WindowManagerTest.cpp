@@ -255,6 +255,9 @@ TEST_F(QuitTest, asksTheDesktopOnceASecondForKeystrokes) {
     close(2);
     manager.quit({.name = "Browser", .bundleID = "browser"}, WindowManager::Force::no);
     EXPECT_THAT(manager.offer().apps, IsEmpty()) << "what was quit is not offered again";
+    control.killable = Ability::missing("no processes");
+    services.platform.time.advance(AppCatalog::runningLifetime);
+    EXPECT_EQ(manager.offer().killing, control.killable);
 }
 
 TEST_F(QuitTest, endsNoWindowThatOnlyLooksLikeTheApplications) {

@@ -46,10 +46,7 @@ protected:
         qunsetenv("SWAYSOCK");
         qputenv("HYPRLAND_INSTANCE_SIGNATURE", "instance");
         qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(folder.path()));
-        hyprland = std::make_unique<FakeHyprland>(
-            folder.path("/hypr/instance"), [this](const std::string& request) {
-                return isSilent ? std::nullopt : std::optional(answer(request));
-            });
+        start();
         auto made = waylandWindowDoors("");
         ASSERT_TRUE(made);
         doors = *std::move(made);
@@ -59,6 +56,13 @@ protected:
         qputenv("SWAYSOCK", socket);
         qunsetenv("HYPRLAND_INSTANCE_SIGNATURE");
         qputenv("XDG_RUNTIME_DIR", runtime);
+    }
+
+    void start() {
+        hyprland = std::make_unique<FakeHyprland>(
+            folder.path("/hypr/instance"), [this](const std::string& request) {
+                return isSilent ? std::nullopt : std::optional(answer(request));
+            });
     }
 
     std::string answer(const std::string& request) const {
@@ -166,8 +170,31 @@ TEST_F(HyprlandTest, silenceAndTheEndAreToldInWords) {
     hyprland.reset();
     EXPECT_THAT(doors.control->ability().reason, HasSubstr("lost"));
     EXPECT_THAT(doors.list->ability().reason, HasSubstr("lost"));
+    EXPECT_THAT(doors.list->windows(), IsEmpty());
+    EXPECT_FALSE(doors.list->active());
     doors.list->activate(first);
     spinFor(50);
+}
+
+TEST_F(HyprlandTest, aLostConnectionIsMadeAgain) {
+    ASSERT_THAT(doors.list->windows(), SizeIs(3));
+    int changes = 0;
+    const auto subscription = doors.list->onActiveChanged([&] { ++changes; });
+    spinFor(50);
+    changes = 0;
+    hyprland.reset();
+    EXPECT_TRUE(spinUntil([&] { return changes == 1; })) << "nobody has asked";
+    EXPECT_THAT(doors.list->windows(), IsEmpty());
+    start();
+    EXPECT_TRUE(spinUntil([&] { return changes == 2; })) << "nobody has asked";
+    EXPECT_THAT(doors.list->windows(), SizeIs(3));
+    EXPECT_EQ(doors.list->ability(), Ability{});
+    doors.list->activate(first);
+    EXPECT_TRUE(spinUntil([&] { return doors.control->ability() == Ability{}; }));
+    doors.control->close(first);
+    EXPECT_THAT(orders(),
+                ElementsAre("dispatch focuswindow address:0x55d0c8a4b2c0",
+                            "dispatch closewindow address:0x55d0c8a4b2c0"));
 }
 
 } // namespace

@@ -91,6 +91,8 @@ TEST(SwayIpc, whatIsNoAnswerEndsTheConnection) {
         const auto socket = listeningSocket(folder.path("/socket"));
         SwayIpc ipc(folder.path("/socket"));
         FileDescriptor other(::accept(socket.number(), nullptr, nullptr));
+        int ends = 0;
+        ipc.follow([&](const WindowScene& scene) { ends += scene.windows.empty() ? 1 : 0; });
         ASSERT_EQ(ipc.ability(), Ability{});
         ::send(other.number(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
         EXPECT_EQ(ipc.ability().available, !endsIt);
@@ -98,6 +100,7 @@ TEST(SwayIpc, whatIsNoAnswerEndsTheConnection) {
         EXPECT_THAT(ipc.ability().reason, HasSubstr("lost"));
         EXPECT_FALSE(ipc.scene());
         ipc.activate(3);
+        EXPECT_EQ(ends, 1); // the windows of before are no windows
     }
 }
 

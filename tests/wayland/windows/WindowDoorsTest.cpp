@@ -1,4 +1,6 @@
+#include "launcherapp/platform/linux/wayland/CompositorVariables.h"
 #include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
+#include "tests/wayland/CompositorOfItsOwn.h"
 #include "tests/wayland/TestKeyboard.h"
 #include "tests/wayland/windows/ShownWindows.h"
 #include "tests/wayland/windows/StandInPanel.h"
@@ -21,13 +23,19 @@ enum class Way { ipc, taskBar };
 class WindowDoorsTest : public testing::TestWithParam<Way> {
 protected:
     void SetUp() override {
+        connect();
+        qputenv("SWAYSOCK", socket);
+        ASSERT_TRUE(spinUntil([&] { return doors.list->windows().empty(); }));
+    }
+
+    void TearDown() override { qputenv("SWAYSOCK", socket); }
+
+    void connect() {
         if (GetParam() == Way::taskBar)
             qunsetenv("SWAYSOCK");
         auto made = waylandWindowDoors("org.example.own");
-        qputenv("SWAYSOCK", socket);
         ASSERT_TRUE(made);
         doors = *std::move(made);
-        ASSERT_TRUE(spinUntil([&] { return doors.list->windows().empty(); }));
     }
 
     std::vector<std::string> names() {
@@ -115,10 +123,12 @@ TEST_P(WindowDoorsTest, whatCantBeDoneIsToldInWords) {
     const auto window = open("org.example.own");
     if (GetParam() == Way::ipc) {
         EXPECT_EQ(doors.control->ability(), Ability{});
+        EXPECT_EQ(doors.control->killing(), Ability{});
         EXPECT_FALSE(window.own); // another process that calls itself so
     } else {
         EXPECT_THAT(doors.control->ability().reason, HasSubstr("lets no program move windows"));
         EXPECT_TRUE(window.own);
+        EXPECT_THAT(doors.control->killing().reason, HasSubstr("doesn't tell whose process"));
         EXPECT_FALSE(doors.control->kill(window.id));
     }
 }
@@ -138,6 +148,29 @@ TEST_P(WindowDoorsTest, aCompositorThatStandsStillStopsNobody) {
     ::kill(process, SIGCONT);
     EXPECT_LT(took, 500);
     EXPECT_TRUE(spinUntil([&] { return doors.list->windows().empty(); }));
+}
+
+TEST_P(WindowDoorsTest, aCompositorThatDiesTakesItsWindowsAlong) {
+    const CompositorOfItsOwn dying;
+    CompositorVariables::renew();
+    connect();
+    const auto window = open("org.example.first");
+    dying.kill();
+    EXPECT_TRUE(spinUntil([&] { return doors.list->windows().empty(); }));
+    EXPECT_THAT(doors.list->ability().reason, HasSubstr("lost"));
+    EXPECT_FALSE(doors.list->active());
+    doors.list->activate(window.id);
+    doors.list->unhide(window.id);
+    doors.control->close(window.id);
+    EXPECT_FALSE(doors.control->kill(window.id));
+    EXPECT_FALSE(doors.control->ability().available);
+    spinFor(50);
+    if (GetParam() == Way::taskBar)
+        return;                  // Qt has the program start anew
+    qputenv("SWAYSOCK", socket); // of one that is there
+    EXPECT_TRUE(spinUntil([&] { return doors.list->ability() == Ability{}; }));
+    EXPECT_TRUE(spinUntil([&] { return doors.control->ability() == Ability{}; }));
+    EXPECT_FALSE(doors.control->screens().empty());
 }
 
 TEST(WindowDoors, withoutACompositorThereAreNone) {

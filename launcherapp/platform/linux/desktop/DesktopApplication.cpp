@@ -1,7 +1,9 @@
 #include "launcherapp/platform/linux/desktop/DesktopApplication.h"
 
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
+#include "launcherapp/platform/linux/desktop/SummonsToken.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -114,6 +116,9 @@ private:
             return;
         }
         connection.send(message.createReply());
+        // The platform data comes last, whichever the method.
+        const SummonsToken token(
+            SummonsToken::inPlatformData(qdbus_cast<QVariantMap>(message.arguments().constLast())));
         if (const auto& act = std::get<std::function<void()>>(action))
             act();
     }

@@ -27,6 +27,8 @@ public:
 
     void close(std::uint64_t) override {}
 
+    Ability killing() const override { return ability_; }
+
     bool kill(std::uint64_t) override { return false; }
 
 private:

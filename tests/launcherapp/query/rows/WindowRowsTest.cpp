@@ -30,12 +30,14 @@ protected:
     int listings = 0;
     std::optional<std::string> movingProblem;
     std::optional<std::string> quittingProblem;
+    std::optional<std::string> killingProblem;
     std::optional<std::string> quittingGap;
     WindowRowSources sources{
         .keywords = keywords,
         .movingProblem = [this] { return movingProblem; },
         .apply = [this](WindowVerb verb) { done.emplace_back(WindowVerbs::name(verb)); },
         .quittingProblem = [this] { return quittingProblem; },
+        .killingProblem = [this] { return killingProblem; },
         .quittingGap = [this] { return quittingGap; },
         .runningApps = [this]() -> std::span<const QuittableApp> {
             ++listings;
@@ -78,6 +80,12 @@ TEST_F(WindowRowsTest, whatTheDesktopCannotDoIsSaidBeforeReturn) {
     EXPECT_EQ(quit.subtitle, *quittingProblem);
 
     quittingProblem.reset();
+    killingProblem = "this desktop doesn't tell whose process a window is";
+    EXPECT_EQ(rows("kill Edit").at(0).kind, RowKind::hint);
+    EXPECT_EQ(rows("kill Edit").at(0).subtitle, *killingProblem);
+    EXPECT_EQ(run("quit Edit").id, "quit:org.e"); // which asks a window alone
+
+    killingProblem.reset();
     quittingGap = "windows of some kind are not read";
     const auto some = rows("kill Edit");
     ASSERT_THAT(some, SizeIs(2));

@@ -71,7 +71,9 @@ public:
         return respond(message, bus);
     }
 
-    void activate(const char* name, quint64 time = 0) { tellKey("Activated", name, time); }
+    void activate(const char* name, quint64 time = 0, const QVariantMap& options = {}) {
+        tellKey("Activated", name, time, options);
+    }
 
     void deactivate(const char* name) { tellKey("Deactivated", name, 0); }
 
@@ -146,14 +148,12 @@ private:
         return true;
     }
 
-    void tellKey(const char* signal, const char* name, quint64 time) {
+    void
+    tellKey(const char* signal, const char* name, quint64 time, const QVariantMap& options = {}) {
         tell(QLatin1String(desktop),
              shortcutsInterface,
              signal,
-             {QVariant::fromValue(QDBusObjectPath(session)),
-              QLatin1String(name),
-              time,
-              QVariantMap()});
+             {QVariant::fromValue(QDBusObjectPath(session)), QLatin1String(name), time, options});
     }
 
     QDBusConnection bus_ =

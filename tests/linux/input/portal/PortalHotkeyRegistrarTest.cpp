@@ -24,6 +24,20 @@ constexpr std::uint32_t panel = 1;
 constexpr std::uint32_t clipboard = 2;
 constexpr auto bindPanel = "BindShortcuts panel=LOGO+space";
 
+/// A main thread that a test makes hurry where it would wait for minutes.
+class HurriedQueue : public QtMainQueue {
+public:
+    void postAfter(Seconds delay, Task task) override {
+        const bool isLong = delay >= Seconds(1);
+        if (isLong)
+            waits.push_back(delay.count());
+        QtMainQueue::postAfter(isLong && hurries ? Seconds(0.01) : delay, std::move(task));
+    }
+
+    bool hurries = false;
+    std::vector<double> waits; ///< those for seconds
+};
+
 class PortalHotkeyRegistrarTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -51,7 +65,7 @@ protected:
         return outcomes[panel];
     }
 
-    QtMainQueue queue;
+    HurriedQueue queue;
     PortalHotkeyRegistrar registrar{queue, "com.corvane.tessarine"};
     std::vector<HotkeyRegistrar::Press> presses;
     std::map<std::uint32_t, HotkeyOutcome> outcomes;
@@ -162,6 +176,40 @@ TEST_F(PortalHotkeyRegistrarTest, saysInWordsWhyThereAreNone) {
     }
     EXPECT_EQ(registrar.grab(panel, {.keyCode = 200, .carbonModifiers = 0x100}).kind,
               Kind::refused); // portals know keys by names
+}
+
+TEST_F(PortalHotkeyRegistrarTest, asksAgainLaterForWhatFailedAndNotForWhatWasDeclined) {
+    FakePortal portal;
+    queue.hurries = true;
+    portal.answers = FakePortal::Answers::nonsense;
+    registrar.grab(panel, superSpace);
+    ASSERT_TRUE(spinUntil([&] { return queue.waits.size() >= 3; }));
+    EXPECT_THAT(std::vector(queue.waits.begin(), queue.waits.begin() + 3),
+                ElementsAre(60, 120, 240));
+    portal.answers = FakePortal::Answers::list;
+    ASSERT_TRUE(settles(panel, Kind::registered)); // by itself
+    portal.closeSession();
+    ASSERT_TRUE(settles(panel, Kind::refused));
+    EXPECT_EQ(queue.waits.back(), 60); // not as long as the failures before
+    ASSERT_TRUE(settles(panel, Kind::registered));
+
+    const auto waits = queue.waits.size();
+    portal.user = FakePortal::User::declines;
+    registrar.grab(clipboard, superShiftV);
+    ASSERT_TRUE(settles(clipboard, Kind::refused));
+    portal.user = FakePortal::User::allows;
+    spinFor(50);
+    EXPECT_EQ(queue.waits.size(), waits);
+    EXPECT_EQ(outcomes[clipboard].kind, Kind::refused);
+}
+
+TEST_F(PortalHotkeyRegistrarTest, theFirstWishesAreOneQuestionThoughTheyComeOneAfterTheOther) {
+    FakePortal portal;
+    registrar.grab(panel, superSpace);
+    spinFor(20); // as long as it takes to read a file of commands
+    registrar.grab(clipboard, superShiftV);
+    ASSERT_TRUE(settles(clipboard, Kind::registered));
+    EXPECT_THAT(portal.calls, Contains(HasSubstr("BindShortcuts")).Times(1));
 }
 
 TEST_F(PortalHotkeyRegistrarTest, readsBackWhatAPortalBindsWithoutSaying) {

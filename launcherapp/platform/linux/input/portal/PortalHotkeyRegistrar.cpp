@@ -22,7 +22,12 @@ namespace tessarine {
 
 namespace {
 
-constexpr Seconds askAgain{60};    ///< between two questions for what could not be had
+/// Between two questions for what could not be had: twice as long after each, up to the longest.
+constexpr Seconds askAgain{60};
+constexpr Seconds longestUntilAsked{3600};
+/// The program's own wishes come in one turn of the loop, those of the user's commands when their
+/// file has been read. The desktop is asked for all of them in one window.
+constexpr Seconds gathering{0.3};
 constexpr Seconds introduction{5}; ///< for a portal to take the program's name down
 /// A portal may tell a held key over and over: keyboards wait 0.2 to 0.6 s before the first
 /// repetition. One that tells no release must not make the key dead, so this is all there is.
@@ -120,12 +125,27 @@ private:
     void bindSoon() {
         if (std::exchange(isBindingSoon_, true))
             return;
-        queue_.post([weak = weak_from_this()] {
+        queue_.postAfter(isGathered_ ? Seconds(0) : gathering, [weak = weak_from_this()] {
             if (const auto self = weak.lock()) {
                 self->isBindingSoon_ = false;
+                self->isGathered_ = true;
                 self->bind();
             }
         });
+    }
+
+    void askLater() {
+        if (std::exchange(isAskingLater_, true))
+            return;
+        queue_.postAfter(untilAsked_, [weak = weak_from_this()] {
+            const auto self = weak.lock();
+            if (!self)
+                return;
+            self->isAskingLater_ = false;
+            if (self->lostAt_)
+                self->bind();
+        });
+        untilAsked_ = std::min(untilAsked_ * 2, longestUntilAsked);
     }
 
     std::vector<PortalShortcut> wanted() const {
@@ -148,6 +168,7 @@ private:
         drop();
         inSession_ = std::move(shortcuts);
         lostAt_.reset();
+        hasComeUp_ = false;
         if (inSession_.empty())
             return;
         settleAll([](const Wish&) { return asked; });
@@ -203,6 +224,7 @@ private:
 
     void bound(const PortalTriggers& triggers) {
         triggers_ = triggers;
+        untilAsked_ = askAgain;
         settleAll([this](const Wish& wish) { return given(wish.shortcut).value_or(asked); });
     }
 
@@ -225,6 +247,13 @@ private:
             declined_ = inSession_;
         drop();
         lose(end == ShortcutsSession::End::declined ? declinedReason : reason);
+        if (end != ShortcutsSession::End::failed)
+            return;
+        // The question may have been too early for a portal that was being started.
+        if (std::exchange(hasComeUp_, false))
+            bindSoon();
+        else
+            askLater();
     }
 
     void lose(const std::string& reason) {
@@ -234,14 +263,17 @@ private:
 
     void ownerChanged(const QString& before, const QString& after) {
         // The first owner may be the portal that our own question starts.
-        if (before.isEmpty() && !lostAt_)
+        if (before.isEmpty() && !lostAt_) {
+            hasComeUp_ = true;
             return;
+        }
         drop();
         isIntroduced_ = false;
-        if (after.isEmpty())
-            lose("the desktop's portal has gone");
-        else
-            bindSoon();
+        hasComeUp_ = false;
+        if (!after.isEmpty())
+            return bindSoon();
+        lose("the desktop's portal has gone");
+        askLater();
     }
 
     template <typename Outcome> void settleAll(const Outcome& outcomeOf) {
@@ -282,6 +314,10 @@ private:
     std::map<std::string, Seconds> down_;    ///< when a key that is down was told last
     std::optional<Seconds> lostAt_;          ///< when the last question was lost, or its answer
     std::vector<PortalShortcut> declined_;   ///< by the user: not to be asked again
+    Seconds untilAsked_ = askAgain;          ///< after the next loss
+    bool hasComeUp_ = false;                 ///< the portal has, since it was asked
+    bool isAskingLater_ = false;
+    bool isGathered_ = false; ///< the first wishes have
     bool isIntroduced_ = false;
     bool isBindingSoon_ = false;
     int round_ = 0; ///< one for each set, so that an answer for an older one is known

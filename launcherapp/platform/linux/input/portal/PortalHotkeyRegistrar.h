@@ -11,11 +11,12 @@ class MainQueue;
 
 /// Chords by the desktop portal's global shortcuts, for desktops where programs can't take keys
 /// themselves. The desktop asks its user, and may give other keys than those wished for. All that
-/// is asked for within one turn of the event loop is one question, as a set of shortcuts can't
-/// grow: what is asked for or given back later makes the portal take the whole set anew. A wish
-/// that the desktop could not grant is kept; it is asked again when the portal comes back, and by a
-/// repeated `grab` at most once a minute, but not after its user has declined. Main thread only,
-/// with Qt's event loop.
+/// is asked for within one turn of the event loop, or the first 0.3 seconds, is one question, as a
+/// set of shortcuts can't grow: what is asked for or given back later makes the portal take the
+/// whole set anew. A wish that the desktop could not grant is kept; it is asked again when the
+/// portal comes back, and after a failure a minute later, then at ever longer intervals up to an
+/// hour, and by a repeated `grab` at most once a minute, but not after its user has declined. Main
+/// thread only, with Qt's event loop.
 class PortalHotkeyRegistrar : public HotkeyRegistrar {
 public:
     /// `applicationID` is the name of the program's desktop entry, by which the desktop remembers

@@ -1,7 +1,9 @@
 #include "launcherapp/platform/linux/input/portal/ShortcutsSession.h"
 
+#include "launcherapp/platform/linux/desktop/SummonsToken.h"
 #include "launcherapp/platform/linux/portal/DesktopPortal.h"
 
+#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QVariant>
 #include <utility>
@@ -121,9 +123,9 @@ void ShortcutsSession::endAs(const PortalRequest::Answer& answer) {
     case PortalRequest::Answer::Kind::failed:
         return end(End::failed, answer.problem);
     case PortalRequest::Answer::Kind::missing:
-        return end(End::failed, "this desktop's portal gives programs no keys");
+        return end(End::refused, "this desktop's portal gives programs no keys");
     case PortalRequest::Answer::Kind::refused:
-        return end(End::failed, "the desktop's portal does not grant it");
+        return end(End::refused, "the desktop's portal does not grant it");
     case PortalRequest::Answer::Kind::declined:
         return end(End::declined, {});
     }
@@ -141,9 +143,13 @@ bool ShortcutsSession::isOurs(const QDBusMessage& message, const char* signature
 }
 
 void ShortcutsSession::activated(const QDBusMessage& message) {
-    if (isOurs(message, "osta{sv}") && events_.activated)
-        events_.activated(message.arguments()[1].toString().toStdString(),
-                          static_cast<std::uint32_t>(message.arguments()[2].toULongLong()));
+    if (!isOurs(message, "osta{sv}") || !events_.activated)
+        return;
+    const auto arguments = message.arguments();
+    const SummonsToken token(
+        SummonsToken::inShortcutOptions(qdbus_cast<QVariantMap>(arguments[3])));
+    events_.activated(arguments[1].toString().toStdString(),
+                      static_cast<std::uint32_t>(arguments[2].toULongLong()));
 }
 
 void ShortcutsSession::deactivated(const QDBusMessage& message) {

@@ -24,17 +24,19 @@ class ShortcutsSession : public QObject {
 public:
     enum class End {
         declined, ///< by the user
-        failed,
+        refused,  ///< by the portal, which would do so again
+        failed,   ///< as it may not the next time
     };
 
     /// None may delete the session; all are called later.
     struct Events {
         /// What the desktop has given, and again whenever the user changes it.
         std::function<void(const PortalTriggers& triggers)> bound;
-        /// There are no shortcuts, or none any more; with the reason in words of a failure. The
-        /// last event.
+        /// There are no shortcuts, or none any more; with the reason in words, but of what the user
+        /// declined. The last event.
         std::function<void(End end, const std::string& reason)> ended;
-        /// A shortcut went down; `time` is the display's, in milliseconds.
+        /// A shortcut went down; `time` is the display's, in milliseconds. Its activation token is
+        /// there during the call: see SummonsToken.
         std::function<void(const std::string& name, std::uint32_t time)> activated;
         std::function<void(const std::string& name)> deactivated;
     };

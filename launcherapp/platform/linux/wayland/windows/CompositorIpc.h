@@ -25,11 +25,15 @@ public:
     /// Whether it can be asked, and if not, why. Waits for nothing.
     virtual Ability ability() = 0;
 
+    /// False once the connection has been found lost, which it stays.
+    virtual bool isConnected() const = 0;
+
     /// Asks, and waits at most `patience`; nothing when it doesn't answer.
     virtual std::optional<WindowScene> scene() = 0;
 
-    /// Calls `told` from the event loop with what each change has led to, until this goes. To be
-    /// called once.
+    /// Calls `told` with what each change has led to, until this goes: from the event loop, or
+    /// while anything here is called. A lost connection is told as a scene without anything, once.
+    /// To be called once.
     virtual void follow(std::function<void(WindowScene scene)> told) = 0;
 
     /// Takes what has been told already, and calls `told` of `follow` with it. Waits for nothing.

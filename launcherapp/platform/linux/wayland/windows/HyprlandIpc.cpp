@@ -112,8 +112,8 @@ void HyprlandIpc::takeWhatCame() {
 /// Takes whole lines, "name>>data" each.
 void HyprlandIpc::readEvents() {
     unread_ += events_.takeWhatCame();
-    if (!events_.isOpen() && notifier_)
-        notifier_->setEnabled(false); // a closed socket would wake the loop for ever
+    if (!events_.isOpen())
+        return noteLoss();
     bool isChanged = false;
     for (auto end = unread_.find('\n'); end != std::string::npos; end = unread_.find('\n')) {
         const auto name = std::string_view(unread_).substr(0, std::min(end, unread_.find(">>")));
@@ -124,6 +124,16 @@ void HyprlandIpc::readEvents() {
         unread_.clear();
     if (isChanged && told_)
         askForScene();
+}
+
+/// What nobody keeps up is told no longer, nor what is still being answered.
+void HyprlandIpc::noteLoss() {
+    if (!notifier_)
+        return;
+    notifier_->setEnabled(false);       // a closed socket would wake the loop for ever
+    notifier_.release()->deleteLater(); // it may be the one that tells
+    asked_.reset();
+    told_({});
 }
 
 /// At most one is under way: many windows that come at once are told in two scenes.

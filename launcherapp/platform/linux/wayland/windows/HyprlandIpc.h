@@ -22,6 +22,9 @@ public:
     HyprlandIpc& operator=(const HyprlandIpc&) = delete;
 
     Ability ability() override;
+
+    bool isConnected() const override { return events_.isOpen(); }
+
     std::optional<WindowScene> scene() override;
     void follow(std::function<void(WindowScene scene)> told) override;
     void takeWhatCame() override;
@@ -38,6 +41,7 @@ private:
     std::unique_ptr<Question> ask(std::string_view request) const;
     std::optional<std::string> await(const std::string& request);
     void readEvents();
+    void noteLoss();
     void askForScene();
     void finishScene();
 

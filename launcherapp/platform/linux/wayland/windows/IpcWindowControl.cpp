@@ -100,6 +100,10 @@ void IpcWindowControl::close(std::uint64_t window) {
     compositor_->close(window);
 }
 
+Ability IpcWindowControl::killing() const {
+    return ability();
+}
+
 bool IpcWindowControl::kill(std::uint64_t window) {
     const auto found = find(window);
     if (!found)

@@ -24,6 +24,7 @@ public:
     void resize(std::uint64_t window, double width, double height) override;
     void move(std::uint64_t window, const Point& topLeft) override;
     void close(std::uint64_t window) override;
+    Ability killing() const override;
     bool kill(std::uint64_t window) override;
 
 private:

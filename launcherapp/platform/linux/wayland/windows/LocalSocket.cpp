@@ -33,6 +33,15 @@ LocalSocket::LocalSocket(const std::string& path) {
         socket_ = std::move(made);
 }
 
+std::optional<pid_t> LocalSocket::listener() const {
+    ucred other{};
+    socklen_t size = sizeof other;
+    if (!isOpen() || ::getsockopt(descriptor(), SOL_SOCKET, SO_PEERCRED, &other, &size) != 0 ||
+        other.pid == 0)
+        return std::nullopt;
+    return other.pid;
+}
+
 void LocalSocket::send(std::string_view bytes) {
     if (!isOpen())
         return;

@@ -3,8 +3,10 @@
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace tessarine {
 
@@ -22,6 +24,10 @@ public:
 
     /// To wait on. Not to be asked of a closed one.
     int descriptor() const { return socket_.number(); }
+
+    /// The process that listens there, or did when this was connected; nothing for a closed one,
+    /// and for a process that is not to be seen from here.
+    std::optional<pid_t> listener() const;
 
     /// What the other end has no room for now goes with the next call of anything here.
     void send(std::string_view bytes);

@@ -104,8 +104,6 @@ void SwayIpc::takeWhatCame() {
 /// Takes whole messages, the answers to the callers' questions in their order.
 void SwayIpc::read() {
     unread_ += socket_.takeWhatCame();
-    if (!socket_.isOpen() && notifier_)
-        notifier_->setEnabled(false); // a closed socket would wake the loop for ever
     while (unread_.size() >= headerSize) {
         Sizes sizes{};
         std::memcpy(sizes.data(), unread_.data() + magic.size(), sizeof sizes);
@@ -113,14 +111,24 @@ void SwayIpc::read() {
         if (!unread_.starts_with(magic) || length > longest) {
             socket_ = LocalSocket();
             unread_.clear();
-            return;
+            break;
         }
         if (unread_.size() < headerSize + length)
-            return;
+            break;
         const auto payload = unread_.substr(headerSize, length);
         unread_.erase(0, headerSize + length);
         note(type, payload);
     }
+    noteLoss();
+}
+
+/// After all that was told before the end: what nobody keeps up is told no longer.
+void SwayIpc::noteLoss() {
+    if (socket_.isOpen() || !notifier_)
+        return;
+    notifier_->setEnabled(false);       // a closed socket would wake the loop for ever
+    notifier_.release()->deleteLater(); // it may be the one that tells
+    told_({});
 }
 
 void SwayIpc::note(std::uint32_t type, std::string_view payload) {

@@ -24,6 +24,9 @@ public:
     SwayIpc& operator=(const SwayIpc&) = delete;
 
     Ability ability() override;
+
+    bool isConnected() const override { return socket_.isOpen(); }
+
     std::optional<WindowScene> scene() override;
     void follow(std::function<void(WindowScene scene)> told) override;
     void takeWhatCame() override;
@@ -40,6 +43,7 @@ private:
     std::optional<std::string> await(std::uint32_t type, std::string_view payload);
     void order(std::uint64_t window, std::string_view command);
     void read();
+    void noteLoss();
     void note(std::uint32_t type, std::string_view payload);
     void noteEvent(std::uint32_t type, std::string_view event);
     void askForTree();

@@ -47,6 +47,10 @@ public:
 
     void close(std::uint64_t window) override { toplevels_->close(window); }
 
+    Ability killing() const override {
+        return Ability::missing("this Wayland compositor doesn't tell whose process a window is");
+    }
+
 private:
     std::shared_ptr<ForeignToplevels> toplevels_;
 };

@@ -3,6 +3,7 @@
 #include "launcherapp/platform/linux/wayland/windows/HyprlandIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/IpcWindowControl.h"
 #include "launcherapp/platform/linux/wayland/windows/IpcWindowList.h"
+#include "launcherapp/platform/linux/wayland/windows/ReturningIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ToplevelDoors.h"
 
@@ -37,8 +38,11 @@ std::optional<WindowDoors> waylandWindowDoors(const std::string& ownApplicationI
     // The list and the control have a connection each: one waits for no answer of the other's.
     if (auto ipc = compositorIpc()) {
         if (auto second = compositorIpc())
-            return WindowDoors{.list = std::make_unique<IpcWindowList>(std::move(ipc)),
-                               .control = std::make_unique<IpcWindowControl>(std::move(second))};
+            return WindowDoors{
+                .list = std::make_unique<IpcWindowList>(
+                    std::make_unique<ReturningIpc>(std::move(ipc), compositorIpc)),
+                .control = std::make_unique<IpcWindowControl>(
+                    std::make_unique<ReturningIpc>(std::move(second), compositorIpc))};
     }
     auto connection = std::make_unique<WaylandConnection>();
     if (!ForeignToplevels::areTold(*connection))

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace tessarine {
+
+/// The variables by which compositors tell programs where to ask them, beside WAYLAND_DISPLAY. They
+/// name one process of the compositor's: when it has died and come back they are wrong, while the
+/// display has its old name; and what the session bus starts may lack them.
+namespace CompositorVariables {
+
+/// Makes SWAYSOCK and HYPRLAND_INSTANCE_SIGNATURE name the compositor that has the display, for
+/// this program and those it starts. One that names nobody alive is taken out. Without a Wayland
+/// compositor nothing is changed. Waits for nobody. To be called before there are other threads.
+void renew();
+
+} // namespace CompositorVariables
+} // namespace tessarine

@@ -1,0 +1,67 @@
+#include "launcherapp/platform/linux/wayland/CompositorVariables.h"
+
+#include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
+#include "tests/linux/EventLoop.h"
+#include "tests/wayland/CompositorOfItsOwn.h"
+#include "tests/wayland/windows/ListeningSocket.h"
+
+#include <gtest/gtest.h>
+
+namespace tessarine {
+namespace {
+
+class CompositorVariablesTest : public testing::Test {
+protected:
+    void TearDown() override {
+        qputenv("SWAYSOCK", socket);
+        qunsetenv("HYPRLAND_INSTANCE_SIGNATURE");
+    }
+
+    const QByteArray socket = qgetenv("SWAYSOCK");
+};
+
+TEST_F(CompositorVariablesTest, aLivingCompositorIsFoundByItsDisplay) {
+    const CompositorOfItsOwn other;
+    const QByteArray cases[] = {
+        "/run/sway-ipc.1000.1.sock", // of one that has died
+        "",                          // the session bus was never told
+        socket,                      // of another that lives
+    };
+    for (const auto& before : cases) {
+        SCOPED_TRACE(before.toStdString());
+        qputenv("SWAYSOCK", before);
+        qputenv("HYPRLAND_INSTANCE_SIGNATURE", "dead");
+        CompositorVariables::renew();
+        EXPECT_NE(qgetenv("SWAYSOCK"), socket);
+        EXPECT_TRUE(SwayIpc(qgetenv("SWAYSOCK").toStdString()).ability().available);
+        EXPECT_FALSE(qEnvironmentVariableIsSet("HYPRLAND_INSTANCE_SIGNATURE"));
+        EXPECT_EQ(waylandWindowDoors("")->control->ability(), Ability{});
+    }
+}
+
+TEST_F(CompositorVariablesTest, whatNamesTheRightOneOrAnyoneAloneIsLeft) {
+    CompositorVariables::renew();
+    EXPECT_EQ(qgetenv("SWAYSOCK"), socket);
+    const ScratchFolder folder;
+    folder.folder("/hypr/wrapped");
+    const auto listening = listeningSocket(folder.path("/hypr/wrapped/.socket2.sock"));
+    const auto runtime = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(folder.path()));
+    qputenv("HYPRLAND_INSTANCE_SIGNATURE", "wrapped");
+    CompositorVariables::renew();
+    EXPECT_EQ(qgetenv("HYPRLAND_INSTANCE_SIGNATURE"), "wrapped");
+    qputenv("XDG_RUNTIME_DIR", runtime);
+}
+
+TEST_F(CompositorVariablesTest, withoutADisplayNothingIsChanged) {
+    const auto display = qgetenv("WAYLAND_DISPLAY");
+    qputenv("WAYLAND_DISPLAY", "nobody-listens-here");
+    qputenv("SWAYSOCK", "/run/sway-ipc.1000.1.sock");
+    CompositorVariables::renew();
+    EXPECT_EQ(qgetenv("SWAYSOCK"), "/run/sway-ipc.1000.1.sock");
+    qputenv("WAYLAND_DISPLAY", display);
+}
+
+} // namespace
+} // namespace tessarine
