@@ -120,6 +120,7 @@ public:
 
     StartUp::Hooks hooks();
     void outliveDisplay(char** argv);
+    bool finishWork();
     int end(int status);
 
 private:
@@ -483,21 +484,25 @@ void App::Parts::scheduleModes() {
 void App::Parts::outliveDisplay(char** argv) {
     if (!isResident || !presence)
         return;
-    loss.emplace(argv, [this] {
-        diagnostics.log("the display is gone: starting anew, to wait for it");
-        end(1);
+    loss.emplace(argv, [this](const std::string& words) {
+        diagnostics.log(words);
+        finishWork(); // what still runs ends with the process
     });
 }
 
 /// Saves and log lines that wait use services that go before the queues do, so they are done first.
 /// A walk of a slow disk or a scan is not waited for: it only makes what the next start makes anew.
-int App::Parts::end(int status) {
+bool App::Parts::finishWork() {
     const auto walks = services->index.roots();
     for (const auto& root : walks)
         services->walker->abort(root);
     if (isResident)
         clipboard->end();
-    if (!doors.work.finish(lastPatience)) {
+    return doors.work.finish(lastPatience);
+}
+
+int App::Parts::end(int status) {
+    if (!finishWork()) {
         // What still runs uses what would be destroyed now.
         std::fflush(nullptr);
         std::_Exit(status);

@@ -161,6 +161,22 @@ TEST_F(LayerPanelSurfaceTest, aCompositorThatStandsStillCostsAMomentAndNoMore) {
     showAndWait();
 }
 
+/// As with a seat of a pointer alone, until a keyboard is plugged in.
+TEST(LayerPanelWithoutKeyboard, staysUpAndTellsOfTheOneThatComes) {
+    QLineEdit field;
+    QtPanelWindow window(field, field, makePanelSurface());
+    int losses = 0;
+    int comings = 0;
+    window.setEvents({.lostKeyboard = [&] { ++losses; }, .keyboardCame = [&] { ++comings; }});
+    window.setFrame(place);
+    window.show();
+    EXPECT_FALSE(window.hasKeyboard());
+    TestKeyboard keyboard;
+    EXPECT_TRUE(spinUntil([&] { return comings == 1; }));
+    window.hide();
+    EXPECT_EQ(losses, 0);
+}
+
 /// Sharpness is for the eye; this is the size.
 TEST_F(LayerPanelSurfaceTest, hasItsSizeAtAFractionalScale) {
     ASSERT_TRUE(sway("output HEADLESS-1 scale 1.5"));
@@ -204,6 +220,27 @@ protected:
                                   QString::fromStdString(command)}) == 0;
     }
 };
+
+TEST_F(LayerPanelOutputsTest, itChangesOutputsWhileItIsUpAndKeepsTheKeys) {
+    showAndWait();
+    keyboard.type("a");
+    ASSERT_TRUE(spinUntil([&] { return typed() == "a"; }));
+    for (const auto& [name, text] : {std::pair{"WL-2", "ab"}, std::pair{"WL-1", "abc"}}) {
+        SCOPED_TRACE(name);
+        const auto there = [&, output = name] {
+            auto frame = place;
+            frame.x = named(output).frame.x + 100; // all of it fits, and the output may move yet
+            return frame;
+        };
+        window.setFrame(there());
+        EXPECT_TRUE(window.hasKeyboard());
+        keyboard.type({std::string(text).back()});
+        EXPECT_TRUE(spinUntil([&] { return typed() == text; }));
+        EXPECT_TRUE(spinUntil([&] { return seen() == there(); }))
+            << testing::PrintToString(seen()) << testing::PrintToString(there());
+    }
+    EXPECT_EQ(losses, 0);
+}
 
 TEST_F(LayerPanelOutputsTest, theActiveOutputIsToldAndItsLeavingSurvived) {
     for (const std::string name : {"WL-1", "WL-2"}) {

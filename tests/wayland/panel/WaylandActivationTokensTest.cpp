@@ -33,6 +33,15 @@ protected:
         field.clear();
     }
 
+    /// What a launch gets that the compositor has no time for: a token that was there before.
+    static std::optional<std::string> takenFromStock(WaylandActivationTokens& from) {
+        const auto process = qEnvironmentVariableIntValue("COMPOSITOR_PROCESS");
+        ::kill(process, SIGSTOP);
+        auto token = from.take(Activation::foreground);
+        ::kill(process, SIGCONT);
+        return token;
+    }
+
     TestKeyboard keyboard;
     QLineEdit field;
     WaylandActivationTokens tokens;
@@ -48,6 +57,18 @@ TEST_F(WaylandActivationTokensTest, eachLaunchFromThePanelHasOneOfItsOwn) {
     EXPECT_THAT(second, Optional(SizeIs(testing::Gt(0U))));
     EXPECT_NE(first, second);
     EXPECT_EQ(tokens.take(Activation::background), std::nullopt);
+}
+
+TEST_F(WaylandActivationTokensTest, aTokenThatNobodyTookInTimeIsNoLaterLaunchs) {
+    WaylandActivationTokens brief(0ms);
+    window.goesAway = [&] {
+        tokens.prepare();
+        brief.prepare();
+    };
+    useThePanel();
+    spinFor(100); // the answers to both are here
+    EXPECT_THAT(takenFromStock(tokens), Optional(SizeIs(testing::Gt(0U))));
+    EXPECT_EQ(takenFromStock(brief), std::nullopt);
 }
 
 TEST_F(WaylandActivationTokensTest, aCompositorThatStandsStillCostsALaunchItsTokenAlone) {

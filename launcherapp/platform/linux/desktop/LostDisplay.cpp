@@ -1,6 +1,5 @@
 #include "launcherapp/platform/linux/desktop/LostDisplay.h"
 
-#include "launcherapp/platform/linux/processes/OwnVariables.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
 
 #include <QCoreApplication>
@@ -8,9 +7,11 @@
 #include <QThread>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <linux/close_range.h>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -22,7 +23,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Tells the new program that it is one that lost its display.
+/// Tells the new program that it is one that lost its display, and when that happened.
 constexpr auto variable = "TESSARINE_AWAITS_DISPLAY";
 
 /// A compositor that crashed and is started again by its session is back in seconds; whoever logs
@@ -33,17 +34,23 @@ constexpr auto pause = 250ms;
 /// For the main thread to get to it and to save; it mostly takes some milliseconds.
 constexpr auto savePatience = 5s;
 
+/// Deaths further apart have nothing to do with each other.
+constexpr auto deathsCount = 60s;
+
 struct LastMoments {
     char** argv = nullptr;
-    std::function<void()> save;
+    std::function<void(const std::string&)> save;
     QtMessageHandler before = nullptr; ///< whom the messages go to in the end
 };
 
 /// Qt calls a bare function, so what it needs stands here.
 LastMoments lastMoments;
 
-void startAnew(char** argv) {
-    ::setenv(variable, std::string(ownVariableValue).c_str(), 1);
+/// As the program before this one told it.
+std::string earlierDeaths;
+
+void startAnew(char** argv, const std::string& deaths) {
+    ::setenv(variable, deaths.c_str(), 1);
     ::close_range(STDERR_FILENO + 1, std::numeric_limits<unsigned>::max(), CLOSE_RANGE_CLOEXEC);
     sigset_t none;
     ::sigemptyset(&none);
@@ -51,28 +58,40 @@ void startAnew(char** argv) {
     ::execv("/proc/self/exe", argv);
 }
 
-void saveAndStartAnew() {
-    if (const auto save = std::exchange(lastMoments.save, nullptr)) {
-        save();
-        startAnew(lastMoments.argv);
-    }
+void saveAndStartAnew(const std::string& reason) {
+    const auto save = std::exchange(lastMoments.save, nullptr);
+    if (!save)
+        return;
+    const auto now = std::chrono::duration_cast<std::chrono::seconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
+    const auto deaths = LostDisplay::deaths(earlierDeaths, now);
+    save("the display is gone (" + reason + "): " +
+         (deaths ? "starting anew, to wait for it"
+                 : "ending, as that happened too often within a minute"));
+    if (deaths)
+        startAnew(lastMoments.argv, *deaths);
+    std::_Exit(1); // what Qt would do in a moment
 }
 
 void hear(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    lastMoments.before(type, context, message);
+    if (lastMoments.before)
+        lastMoments.before(type, context, message);
     if (!message.startsWith(QLatin1String("The Wayland connection ")))
         return;
     auto* const application = QCoreApplication::instance();
     if (QThread::currentThread() == application->thread())
-        return saveAndStartAnew();
+        return saveAndStartAnew(message.toStdString());
     // Qt's thread for the connection says it, and ends the process as soon as this returns.
-    QMetaObject::invokeMethod(application, saveAndStartAnew, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        application,
+        [reason = message.toStdString()] { saveAndStartAnew(reason); },
+        Qt::QueuedConnection);
     std::this_thread::sleep_for(savePatience);
 }
 
 } // namespace
 
-LostDisplay::LostDisplay(char** argv, std::function<void()> save) {
+LostDisplay::LostDisplay(char** argv, std::function<void(const std::string&)> save) {
     lastMoments = {.argv = argv, .save = std::move(save), .before = nullptr};
     lastMoments.before = qInstallMessageHandler(hear);
 }
@@ -83,8 +102,10 @@ LostDisplay::~LostDisplay() {
 }
 
 bool LostDisplay::awaitReturn() {
-    if (!std::getenv(variable))
+    const char* const deaths = std::getenv(variable);
+    if (!deaths)
         return true;
+    earlierDeaths = deaths;
     ::unsetenv(variable);
     const auto end = std::chrono::steady_clock::now() + patience;
     while (!WaylandConnection().answers()) {
@@ -93,6 +114,21 @@ bool LostDisplay::awaitReturn() {
         std::this_thread::sleep_for(pause);
     }
     return true;
+}
+
+std::optional<std::string> LostDisplay::deaths(std::string_view earlier, std::chrono::seconds now) {
+    std::istringstream times{std::string(earlier)};
+    std::string result;
+    std::size_t count = 1;
+    for (std::int64_t time = 0; times >> time;) {
+        if (now - std::chrono::seconds(time) >= deathsCount)
+            continue;
+        result += std::to_string(time) + ' ';
+        ++count;
+    }
+    if (count > mostDeaths)
+        return std::nullopt;
+    return result + std::to_string(now.count());
 }
 
 } // namespace tessarine

@@ -40,8 +40,8 @@ public:
     /// Moves and resizes the widget.
     virtual void setFrame(const Rectangle& frame) = 0;
 
-    /// Brings the widget up above everything and takes the keyboard; while another holds it, this
-    /// tries again every 10 ms, a hundred times, and doesn't wait for that.
+    /// Brings the widget up above everything and takes the keyboard. While another holds it, this
+    /// goes on for a second and doesn't wait for that.
     virtual void show() = 0;
     /// Takes it away and gives the keyboard back to whoever has the focus, who has it on return.
     virtual void hide() = 0;

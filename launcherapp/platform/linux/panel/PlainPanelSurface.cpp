@@ -4,12 +4,19 @@
 #include "launcherapp/platform/linux/panel/QtScreens.h"
 #include "launcherapp/platform/linux/panel/wayland/QtWayland.h"
 
+#include <qpa/qwindowsysteminterface.h>
+
 #include <QGuiApplication>
 #include <QWidget>
 #include <QWindow>
 #include <utility>
 
 namespace tessarine {
+
+PlainPanelSurface::PlainPanelSurface()
+    : wayland_(QtWayland::isThere() ? std::make_unique<QtWayland>() : nullptr) {}
+
+PlainPanelSurface::~PlainPanelSurface() = default;
 
 void PlainPanelSurface::prepare(QWidget& widget, Events events) {
     widget_ = &widget;
@@ -24,7 +31,7 @@ void PlainPanelSurface::prepare(QWidget& widget, Events events) {
 void PlainPanelSurface::setFrame(const Rectangle& frame) {
     const auto rect = QtGeometry::rounded(frame);
     // Tiling compositors let a window float whose size can't change.
-    if (QtWayland::isThere())
+    if (wayland_)
         widget_->setFixedSize(rect.size());
     widget_->setGeometry(rect);
 }
@@ -36,6 +43,13 @@ void PlainPanelSurface::show() {
     widget_->show();
     widget_->raise();
     widget_->activateWindow();
+    // The compositor gives a place, then gets a picture, then makes the window the active one, and
+    // Qt would answer each when its event loop runs again. Keys that are typed stay where they are.
+    if (wayland_)
+        wayland_->waitUntil([this] {
+            QWindowSystemInterface::flushWindowSystemEvents(QEventLoop::ExcludeUserInputEvents);
+            return hasKeyboard();
+        });
     focusMoved();
 }
 
@@ -68,7 +82,10 @@ void PlainPanelSurface::focusMoved() {
         events_.lostKeyboard();
 }
 
-void PlainPanelSurface::finishDrawing() {}
+void PlainPanelSurface::finishDrawing() {
+    if (wayland_)
+        wayland_->roundTrip();
+}
 
 bool PlainPanelSurface::startDrag() {
     return widget_->windowHandle()->startSystemMove();

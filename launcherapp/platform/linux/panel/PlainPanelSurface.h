@@ -4,15 +4,24 @@
 
 #include <QObject>
 #include <QPointer>
+#include <memory>
 
 class QWidget;
 
 namespace tessarine {
 
+class QtWayland;
+
 /// The panel as an ordinary undecorated window, on displays that offer nothing better: it becomes
-/// the active window while it is up, and stands where the display puts it. Main thread only.
+/// the active window while it is up, and stands where the display puts it. One that the display
+/// doesn't make active stays up, since a click gives it the keyboard. Main thread only.
 class PlainPanelSurface : public PanelSurface {
 public:
+    PlainPanelSurface();
+    ~PlainPanelSurface() override;
+    PlainPanelSurface(const PlainPanelSurface&) = delete;
+    PlainPanelSurface& operator=(const PlainPanelSurface&) = delete;
+
     void prepare(QWidget& widget, Events events) override;
     void setFrame(const Rectangle& frame) override;
     void show() override;
@@ -28,6 +37,7 @@ public:
 private:
     void focusMoved();
 
+    std::unique_ptr<QtWayland> wayland_; ///< null where Qt has no such connection
     QPointer<QWidget> widget_;
     Events events_;
     bool hadKeyboard_ = false; ///< at some time since it came up

@@ -157,8 +157,10 @@ private:
     void endDrag() {
         heldAt_.reset();
         // Told once, since whoever listens keeps the place in a file.
-        if (std::exchange(dragged_, false))
-            tell(events.moved, frame);
+        if (!std::exchange(dragged_, false))
+            return;
+        surface->setFrame(withShadow()); // it may have come to another screen
+        tell(events.moved, frame);
     }
 
     void watchScreens() {

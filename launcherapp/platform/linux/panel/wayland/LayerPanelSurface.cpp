@@ -24,17 +24,14 @@ constexpr auto layerName = "tessarine";
 /// In the first version of the protocol; later ones know it as "exclusive".
 constexpr std::uint32_t takesKeyboard = 1;
 
+/// How long another surface may keep the keyboard after a show: a lock, or another overlay.
+constexpr std::chrono::seconds keyboardLimit{1};
+
 } // namespace
 
 LayerPanelSurface::LayerPanelSurface()
     : seat_(connection_,
-            {.focusMoved =
-                 [this](wl_surface*) {
-                     if (!hasKeyboard() && std::exchange(hadKeyboard_, false))
-                         loseLater();
-                     else if (hasKeyboard())
-                         hadKeyboard_ = true;
-                 },
+            {.focusMoved = [this](wl_surface*) { focusMoved(); },
              .keyPressed =
                  [this](std::uint32_t scanCode) {
                      if (events_.keyArrives && hasKeyboard())
@@ -46,7 +43,11 @@ LayerPanelSurface::LayerPanelSurface()
                              return each.surface->surface() == surface;
                          }))
                          loseLater();
-                 }}) {}
+                 }}) {
+    keyboardPatience_.setSingleShot(true);
+    keyboardPatience_.setInterval(keyboardLimit);
+    QObject::connect(&keyboardPatience_, &QTimer::timeout, [this] { giveUpKeyboard(); });
+}
 
 LayerPanelSurface::~LayerPanelSurface() = default;
 
@@ -72,15 +73,30 @@ void LayerPanelSurface::setFrame(const Rectangle& frame) {
         widget_->resize(rect.size());
     else
         widget_->setGeometry(rect);
-    if (role_)
+    if (isToChangeScreens())
+        comeUp();
+    else if (role_)
         putInPlace();
 }
 
+/// A surface is seen on its own output alone. Not while it is dragged: the drag would end with the
+/// surface that it began on.
+bool LayerPanelSurface::isToChangeScreens() const {
+    if (!role_ || role_->isClosed() || !screen_ || QGuiApplication::mouseButtons() != Qt::NoButton)
+        return false;
+    auto* const wanted = screenOfFrame();
+    return wanted && wanted != screen_;
+}
+
 void LayerPanelSurface::show() {
-    if (!widget_ || role_)
-        return;
+    if (widget_ && !role_)
+        comeUp();
+}
+
+/// From nothing, or from another screen. That the keyboard leaves the surface that goes is no loss.
+void LayerPanelSurface::comeUp() {
     ++shows_;
-    hadKeyboard_ = false;
+    takeAway();
     if (!takePlace())
         return loseLater();
     widget_->show();
@@ -88,6 +104,8 @@ void LayerPanelSurface::show() {
     // Told in one go with the drawing, so that keys and whoever asks find it so.
     hasFirstFrame_ = connection_.roundTrip();
     hadKeyboard_ = hasKeyboard();
+    if (!hadKeyboard_)
+        keyboardPatience_.start();
     QMetaObject::invokeMethod(
         &lifetime_, [this] { watchOutside(); }, Qt::QueuedConnection);
 }
@@ -172,17 +190,22 @@ void LayerPanelSurface::watchOutside() {
     leaveOutPanel();
 }
 
-void LayerPanelSurface::hide() {
+void LayerPanelSurface::takeAway() {
+    keyboardPatience_.stop();
     hadKeyboard_ = false;
     hasFirstFrame_ = false;
     outside_.clear();
-    // Before its surface, which goes with the window.
-    const bool wasUp = std::exchange(role_, nullptr) != nullptr;
+    role_.reset(); // before its surface, which goes with the window
     if (!widget_)
         return;
     widget_->hide();
     if (auto* const window = widget_->windowHandle())
         window->destroy();
+}
+
+void LayerPanelSurface::hide() {
+    const bool wasUp = role_ != nullptr;
+    takeAway();
     // Who pastes into the window in front does so over another connection, and would else find the
     // keyboard still here.
     if (wasUp)
@@ -193,6 +216,30 @@ bool LayerPanelSurface::hasKeyboard() const {
     auto* const focus = seat_.keyboardFocus();
     return focus && role_ && widget_ && widget_->windowHandle() &&
            QtWayland::surface(*widget_->windowHandle()) == focus;
+}
+
+void LayerPanelSurface::focusMoved() {
+    if (!hasKeyboard()) {
+        if (std::exchange(hadKeyboard_, false))
+            loseLater();
+        return;
+    }
+    hadKeyboard_ = true;
+    if (!keyboardPatience_.isActive())
+        return;
+    keyboardPatience_.stop();
+    if (events_.keyboardCame)
+        events_.keyboardCame();
+}
+
+/// A panel that takes no key can't be left by Escape either. Where nobody could type anyhow, it
+/// waits for the pointer.
+void LayerPanelSurface::giveUpKeyboard() {
+    if (!role_ || !seat_.hasKeyboard())
+        return;
+    if (events_.keyboardRefused)
+        events_.keyboardRefused();
+    loseLater();
 }
 
 /// The compositor shows it as it was drawn, as long as it shows it.

@@ -8,6 +8,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <memory>
 #include <vector>
 
@@ -51,12 +52,17 @@ private:
         std::unique_ptr<TransparentSurface> surface;
     };
 
+    void comeUp();
+    void takeAway();
+    bool isToChangeScreens() const;
     bool takePlace();
     void putInPlace();
     void drawNow();
     void shapeInput();
     void watchOutside();
     void leaveOutPanel();
+    void focusMoved();
+    void giveUpKeyboard();
     void loseLater();
     QScreen* screenOfFrame() const;
 
@@ -72,6 +78,7 @@ private:
     bool hadKeyboard_ = false;   ///< since it came up
     bool hasFirstFrame_ = false; ///< the compositor has it, and nobody has asked yet
     unsigned shows_ = 0;         ///< so many were asked for
+    QTimer keyboardPatience_;    ///< runs while it is up and the keyboard hasn't come yet
     QObject lifetime_;           ///< of what is posted
 };
 

@@ -30,9 +30,9 @@ struct WaylandActivationTokens::Listener {
     static constexpr xdg_activation_token_v1_listener functions{.done = done};
 };
 
-WaylandActivationTokens::WaylandActivationTokens()
-    : activation_(
-          connection_.registry().bindFirst<xdg_activation_v1>(xdg_activation_v1_interface, 1)) {}
+WaylandActivationTokens::WaylandActivationTokens(std::chrono::milliseconds keepsFor)
+    : keepsFor_(keepsFor), activation_(connection_.registry().bindFirst<xdg_activation_v1>(
+                               xdg_activation_v1_interface, 1)) {}
 
 WaylandActivationTokens::~WaylandActivationTokens() {
     forget();
@@ -47,6 +47,7 @@ void WaylandActivationTokens::prepare() {
 }
 
 void WaylandActivationTokens::ask() {
+    askedAt_ = std::chrono::steady_clock::now();
     asked_ = xdg_activation_v1_get_activation_token(activation_);
     xdg_activation_token_v1_add_listener(asked_, &Listener::functions, this);
     if (const auto serial = seat_.lastSerial(); serial && seat_.seat())
@@ -59,6 +60,8 @@ void WaylandActivationTokens::ask() {
 std::optional<std::string> WaylandActivationTokens::take(Activation activation) {
     if (activation == Activation::background || !activation_)
         return std::nullopt;
+    if (std::chrono::steady_clock::now() - askedAt_ >= keepsFor_)
+        forget();
     if (!asked_)
         ask(); // for what a chord launches without the panel
     connection_.waitUntil([this] { return answer_.has_value(); }, patience);

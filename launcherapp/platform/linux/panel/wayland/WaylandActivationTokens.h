@@ -19,7 +19,11 @@ public:
     /// How long a launch waits for its token.
     static constexpr std::chrono::milliseconds patience{100};
 
-    WaylandActivationTokens();
+    /// How long a token waits for the launch that it was asked for: what is launched later has
+    /// another occasion, and compositors let a token die.
+    static constexpr std::chrono::milliseconds freshness{5000};
+
+    explicit WaylandActivationTokens(std::chrono::milliseconds keepsFor = freshness);
     ~WaylandActivationTokens() override;
     WaylandActivationTokens(const WaylandActivationTokens&) = delete;
     WaylandActivationTokens& operator=(const WaylandActivationTokens&) = delete;
@@ -34,10 +38,12 @@ private:
     void ask();
     void forget();
 
+    const std::chrono::milliseconds keepsFor_;
     QtWayland connection_;
     WaylandSeat seat_{connection_};
     xdg_activation_v1* activation_; ///< null where the compositor has none
     xdg_activation_token_v1* asked_ = nullptr;
+    std::chrono::steady_clock::time_point askedAt_;
     std::optional<std::string> answer_; ///< to what was asked
 };
 

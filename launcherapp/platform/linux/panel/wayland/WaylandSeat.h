@@ -35,6 +35,9 @@ public:
     /// Null where there is none.
     wl_seat* seat() const { return seat_; }
 
+    /// Whether anybody could type: a seat may have a pointer or a touch screen alone.
+    bool hasKeyboard() const { return keyboard_ != nullptr; }
+
     /// The surface of this program that has the keyboard; null when none has.
     wl_surface* keyboardFocus() const { return keyboardFocus_; }
 
