@@ -35,14 +35,15 @@ TEST_F(SummonsTokenTest, isThereWhileACallOfTheDesktopsIsHandled) {
                                                       QStringLiteral("org.freedesktop.Application"),
                                                       QLatin1String(method));
         message.setArguments(arguments);
+        const auto before = found.size();
         bus.send(message);
+        EXPECT_TRUE(spinUntil([&] { return found.size() > before; }));
     };
     const QVariantMap token{{QStringLiteral("activation-token"), QStringLiteral("of the call")}};
     const QVariantList noParameter;
     call("ActivateAction", {QStringLiteral("toggle"), noParameter, token});
     call("Activate", {token});
     call("Activate", {QVariantMap()}); // as from a terminal: the one before is worth nothing now
-    ASSERT_TRUE(spinUntil([&] { return found.size() == 3; }));
     EXPECT_THAT(found, ElementsAre("of the call", "of the call", ""));
     EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
 }
