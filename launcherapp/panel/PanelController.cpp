@@ -120,7 +120,7 @@ void PanelController::showBody() {
     if (!services_.model.isAtRest())
         services_.model.reset();
     services_.model.closeMenus(); // of a panel that is up already
-    const auto screens = place();
+    const auto screens = placeAtPointer();
     window.show();
     services_.diagnostics.log(fmt::format("panel show: visible={} key={} frame={} screen={}",
                                           window.isVisible(),
@@ -206,11 +206,16 @@ void PanelController::setHeights(const PanelPlacement::Heights& heights) {
     relayout();
 }
 
+std::vector<Screen> PanelController::placeAtPointer() {
+    pointer_ = services_.window.pointer();
+    return place();
+}
+
 /// Gives the screens that it chose from.
 std::vector<Screen> PanelController::place() {
     rememberDrag();
     auto screens = services_.window.screens();
-    const auto screen = PanelPlacement::screen(screens, services_.window.pointer());
+    const auto screen = PanelPlacement::screen(screens, pointer_);
     if (!screen)
         return screens;
     const auto& prefs = services_.prefs;
@@ -243,7 +248,7 @@ void PanelController::screensChanged() {
     if (isSeen)
         relayout();
     else
-        place();
+        placeAtPointer();
 }
 
 void PanelController::keyboardCame() {
@@ -308,7 +313,9 @@ void PanelController::warm() {
     if (!services_.model.isAtRest())
         services_.model.reset();
     const double rows = milliseconds(started);
-    place(); // in the size of the next show
+    // In the size of the next show, on the screen of the last: some desktops tell where the pointer
+    // is only to a surface that comes up, and nobody has asked for one.
+    place();
     services_.window.drawHidden();
     const double total = milliseconds(started);
     if (total >= slowWarmPass)

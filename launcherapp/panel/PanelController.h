@@ -87,6 +87,7 @@ public:
 private:
     void showBody();
     void relayoutBody();
+    std::vector<Screen> placeAtPointer();
     std::vector<Screen> place();
     void warm();
     void painted();
@@ -105,6 +106,7 @@ private:
     bool isMeasured_ = true;               ///< the last show's time is noted
     std::optional<Seconds> countedPress_;  ///< the last press that says nothing of a later show
     std::optional<Seconds> lastVisibleAt_; ///< when the panel was last seen up
+    std::optional<Point> pointer_;         ///< where it was when it was last asked for
     std::optional<Rectangle> lastFrame_;   ///< as the program put it last
     std::optional<Point> draggedTo_;       ///< not stored yet
     bool placing_ = false;                 ///< the program itself moves the window

@@ -57,7 +57,7 @@ struct AppDoors {
     ProcMountTable mounts;
     InotifyTreeWatcher trees{queue};
     std::shared_ptr<const FileTypes> fileTypes = std::make_shared<QtFileTypes>();
-    DesktopFileManager fileManager{queue};
+    DesktopFileManager fileManager{queue, *tokens};
     QtHttpClient web;
 
 private:

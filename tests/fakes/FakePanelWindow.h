@@ -17,7 +17,10 @@ public:
 
     std::vector<Screen> screens() const override { return monitors; }
 
-    std::optional<Point> pointer() const override { return mouse; }
+    std::optional<Point> pointer() const override {
+        ++timesAskedForPointer;
+        return mouse;
+    }
 
     Rectangle frame() const override { return frame_; }
 
@@ -82,6 +85,7 @@ public:
 
     std::vector<Screen> monitors{
         {.name = "one", .frame = {0, 0, 1280, 800}, .workArea = {0, 0, 1280, 800}, .isMain = true}};
+    mutable int timesAskedForPointer = 0;
     std::optional<Point> mouse;
     Seconds drawing{0};
     Seconds hiddenDrawing{0};

@@ -231,6 +231,16 @@ TEST_F(PanelControllerTest, isWarmedWhileNobodyLooks) {
     EXPECT_THAT(services.log(), Not(HasSubstr("panel warm")));
 }
 
+TEST_F(PanelControllerTest, aWarmPassAsksForNoPointer) {
+    panel.start();
+    time.settle();
+    passInterval();
+    EXPECT_EQ(count("drawHidden"), 2u);
+    EXPECT_EQ(window.timesAskedForPointer, 0); // some desktops tell it by a surface alone
+    panel.show();
+    EXPECT_EQ(window.timesAskedForPointer, 1);
+}
+
 TEST_F(PanelControllerTest, aWarmPassPutsTheModelToRest) {
     panel.start();
     time.settle();

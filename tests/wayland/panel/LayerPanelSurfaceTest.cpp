@@ -161,6 +161,20 @@ TEST_F(LayerPanelSurfaceTest, aCompositorThatStandsStillCostsAMomentAndNoMore) {
     showAndWait();
 }
 
+TEST_F(LayerPanelSurfaceTest, aCompositorThatWasBusyAtTheStartIsAskedAgainAtTheShow) {
+    const auto process = qEnvironmentVariableIntValue("COMPOSITOR_PROCESS");
+    ASSERT_EQ(::kill(process, SIGSTOP), 0);
+    QLineEdit lateField;
+    QtPanelWindow late(lateField, lateField, makePanelSurface());
+    late.setFrame(place);
+    lateField.setStyleSheet(QStringLiteral("background: #ffeecc; border: none"));
+    ::kill(process, SIGCONT);
+    late.show();
+    EXPECT_TRUE(late.hasKeyboard());
+    EXPECT_TRUE(spinUntil([&] { return seen() == place; })) << testing::PrintToString(seen());
+    late.hide();
+}
+
 /// As with a seat of a pointer alone, until a keyboard is plugged in.
 TEST(LayerPanelWithoutKeyboard, staysUpAndTellsOfTheOneThatComes) {
     QLineEdit field;

@@ -12,7 +12,8 @@
 
 namespace tessarine {
 
-DesktopFileManager::DesktopFileManager(MainQueue& queue) : queue_(queue) {}
+DesktopFileManager::DesktopFileManager(MainQueue& queue, ActivationTokens& tokens)
+    : queue_(queue), tokens_(tokens) {}
 
 void DesktopFileManager::reveal(const std::string& path,
                                 Seconds timeout,
@@ -26,7 +27,9 @@ void DesktopFileManager::reveal(const std::string& path,
                                                   QStringLiteral("/org/freedesktop/FileManager1"),
                                                   QStringLiteral("org.freedesktop.FileManager1"),
                                                   QStringLiteral("ShowItems"));
-    message << QStringList{QString::fromStdString(Urls::fileUrl(path))} << QString();
+    const auto token = tokens_.take(Activation::foreground).value_or("");
+    message << QStringList{QString::fromStdString(Urls::fileUrl(path))}
+            << QString::fromStdString(token);
     callBus(*bus, message, timeout, std::move(done));
 }
 

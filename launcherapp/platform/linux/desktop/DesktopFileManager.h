@@ -1,5 +1,6 @@
 #pragma once
 
+#include "launcherapp/platform/ActivationTokens.h"
 #include "launcherapp/platform/FileManager.h"
 
 namespace tessarine {
@@ -8,7 +9,8 @@ namespace tessarine {
 /// freedesktop trash through Qt.
 class DesktopFileManager : public FileManager {
 public:
-    explicit DesktopFileManager(MainQueue& queue);
+    /// What is revealed comes to the front by one of the tokens. Both outlive this.
+    DesktopFileManager(MainQueue& queue, ActivationTokens& tokens);
 
     void reveal(const std::string& path,
                 Seconds timeout,
@@ -17,6 +19,7 @@ public:
 
 private:
     MainQueue& queue_;
+    ActivationTokens& tokens_;
 };
 
 } // namespace tessarine

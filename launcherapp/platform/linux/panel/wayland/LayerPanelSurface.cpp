@@ -51,11 +51,6 @@ LayerPanelSurface::LayerPanelSurface()
 
 LayerPanelSurface::~LayerPanelSurface() = default;
 
-bool LayerPanelSurface::isOffered() {
-    return QtWayland::isThere() &&
-           QtWayland().registry().find(zwlr_layer_shell_v1_interface.name).has_value();
-}
-
 void LayerPanelSurface::prepare(QWidget& widget, Events events) {
     widget_ = &widget;
     events_ = std::move(events);

@@ -28,9 +28,6 @@ public:
     LayerPanelSurface(const LayerPanelSurface&) = delete;
     LayerPanelSurface& operator=(const LayerPanelSurface&) = delete;
 
-    /// Whether Qt's compositor has a layer shell.
-    static bool isOffered();
-
     void prepare(QWidget& widget, Events events) override;
     void setFrame(const Rectangle& frame) override;
     void show() override;

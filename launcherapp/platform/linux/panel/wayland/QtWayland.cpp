@@ -27,9 +27,8 @@ constexpr wl_callback_listener doneListener{.done = noteDone};
 } // namespace
 
 QtWayland::QtWayland()
-    : display_(qtDisplay()), registry_(std::make_unique<WaylandRegistry>(display_, nullptr)) {
-    roundTrip();
-}
+    : display_(qtDisplay()), registry_(std::make_unique<WaylandRegistry>(display_, nullptr)),
+      isTold_(roundTrip()) {}
 
 QtWayland::~QtWayland() = default;
 

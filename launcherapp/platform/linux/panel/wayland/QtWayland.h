@@ -31,7 +31,11 @@ public:
     /// Whether Qt has such a connection.
     static bool isThere();
 
+    /// As far as the compositor told it in time.
     const WaylandRegistry& registry() const { return *registry_; }
+
+    /// Whether it did; one that is busy, as at a log-in, may not have.
+    bool isTold() const { return isTold_; }
 
     /// Waits until `holds` and calls the listeners meanwhile. False when it doesn't within the
     /// limit, or the connection is broken.
@@ -51,6 +55,7 @@ public:
 private:
     wl_display* display_;
     std::unique_ptr<WaylandRegistry> registry_;
+    bool isTold_;
 };
 
 } // namespace tessarine
