@@ -23,13 +23,13 @@ constexpr std::size_t longestPaste = std::size_t{16} << 20;
 std::unique_ptr<Pasteboard> pasteboard(AppServices& services, AppClipboard::Board wanted) {
     if (wanted == AppClipboard::Board::none)
         return std::make_unique<NoPasteboard>(services.doors.queue, std::string(leftAlone));
-    return pasteboard(services.doors.queue, services.environment);
+    return pasteboard(services.doors.queue, services.doors.desktop);
 }
 
 std::unique_ptr<KeyInjector> injector(AppServices& services, AppClipboard::Board wanted) {
     if (wanted == AppClipboard::Board::none)
         return std::make_unique<NoKeyInjector>(services.doors.queue, std::string(leftAlone));
-    return keyInjector(services.doors.queue, services.environment);
+    return keyInjector(services.doors.queue, services.doors.desktop);
 }
 
 /// Where somebody types nobody waits for a file; a run that answers and ends does.

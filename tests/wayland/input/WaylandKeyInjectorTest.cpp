@@ -1,6 +1,6 @@
 #include "launcherapp/platform/linux/input/WaylandKeyInjector.h"
 
-#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/input/SessionKeyInjector.h"
 #include "launcherapp/platform/linux/input/typing/TextKeymap.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"

@@ -212,7 +212,7 @@ TEST(WaylandPasteboardCompositor, oneThatDiesEndsEverything) {
     const auto count = board.changeCount();
     EXPECT_EQ(board.write({}), count);
     WaylandPasteboard late(queue);
-    EXPECT_EQ(late.ability(), Ability::missing("no Wayland compositor answers"));
+    EXPECT_EQ(late.ability(), Ability::missing("the Wayland compositor does not answer"));
 }
 
 TEST(WaylandPasteboardCompositor, oneThatStandsStillHoldsNobodyUp) {

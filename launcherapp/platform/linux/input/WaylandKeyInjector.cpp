@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/input/WaylandKeyInjector.h"
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/input/typing/TextKeymap.h"
 #include "launcherapp/platform/linux/input/typing/VirtualKeyboard.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
@@ -14,6 +15,12 @@
 #include <utility>
 
 namespace tessarine {
+
+namespace {
+
+constexpr std::string_view displayGone = "the Wayland display is gone";
+
+} // namespace
 
 class WaylandKeyInjector::Typist {
 public:
@@ -32,11 +39,10 @@ public:
 
     Ability ability() const {
         if (!isConnected())
-            return Ability::missing(wasConnected_ ? "the Wayland display is gone"
-                                                  : "no Wayland compositor answers");
+            return Ability::missing(
+                std::string(wasConnected_ ? displayGone : DesktopTable::silentCompositor));
         if (!VirtualKeyboard::isOffered(display_.registry()))
-            return Ability::missing("this Wayland compositor lets no program press keys (it has no "
-                                    "virtual-keyboard protocol)");
+            return Ability::missing(std::string(DesktopTable::noKeys));
         return {};
     }
 
