@@ -304,6 +304,7 @@ void App::Parts::makeCommands() {
     };
     commands.emplace(*services,
                      look->desktop,
+                     *clipboard->board,
                      AppCommands::Presence{.hotkey = isResident ? chords : nullptr,
                                            .showPanel = [this](const std::string& query) {
                                                if (auto* panel =
