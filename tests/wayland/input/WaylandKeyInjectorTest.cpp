@@ -11,6 +11,8 @@
 #include <gmock/gmock.h>
 #include <linux/input-event-codes.h>
 
+#include <csignal>
+
 namespace tessarine {
 namespace {
 
@@ -151,6 +153,26 @@ TEST_F(WaylandKeyInjectorTest, endsInTheMiddleOfAText) {
     EXPECT_TRUE(spinUntil([&] { return field.text().ends_with('z'); }));
 }
 
+TEST_F(WaylandKeyInjectorTest, whatWasNotSentIsNotSentLater) {
+    const ForeignField field(Kind::gtk);
+    copy(QStringLiteral("lost"));
+    EXPECT_TRUE(injector.paste(Chord::ordinary)); // plugged in, so that nothing is in the way
+    ASSERT_EQ(field.becomes("lost"), "lost");
+    const auto process = qEnvironmentVariableIntValue("COMPOSITOR_PROCESS");
+    ASSERT_EQ(::kill(process, SIGSTOP), 0);
+    EXPECT_FALSE(injector.paste(Chord::ordinary));
+    std::optional<bool> isWhole;
+    injector.type("late", [&](bool whole) { isWhole = whole; });
+    EXPECT_TRUE(spinUntil([&] { return isWhole.has_value(); }));
+    EXPECT_EQ(isWhole, false);
+    ::kill(process, SIGCONT);
+    ASSERT_TRUE(spinUntil([&] { return injector.ability().available; }));
+    hands.type("z");
+    EXPECT_EQ(field.becomes("lostz"), "lostz");
+    EXPECT_TRUE(injector.paste(Chord::ordinary));
+    EXPECT_EQ(field.becomes("lostzlost"), "lostzlost");
+}
+
 TEST(WaylandKeyInjectorCompositor, oneThatStandsStillOrDiesEndsEverything) {
     QtMainQueue queue;
     CompositorOfItsOwn compositor;
@@ -161,6 +183,7 @@ TEST(WaylandKeyInjectorCompositor, oneThatStandsStillOrDiesEndsEverything) {
     EXPECT_FALSE(injector->paste(Chord::ordinary));
     EXPECT_LT((queue.uptime() - begun).count(), 2);
     compositor.goOn();
+    ASSERT_TRUE(spinUntil([&] { return injector->ability().available; }));
     std::optional<bool> isWhole;
     injector->type("a", [&](bool whole) { isWhole = whole; });
     compositor.kill();
