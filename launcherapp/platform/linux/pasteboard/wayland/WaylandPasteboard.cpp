@@ -7,9 +7,9 @@
 namespace tessarine {
 
 WaylandPasteboard::WaylandPasteboard(MainQueue& queue, TransferLimits limits) {
-    if (!display_.answers())
+    if (!display_->answers())
         mailbox().lose(std::string(DesktopTable::silentCompositor));
-    else if (!DataControl::isOffered(display_.registry()))
+    else if (!DataControl::isOffered(display_->registry()))
         mailbox().lose(std::string(DesktopTable::hiddenClipboard));
     start(queue, [this, limits](const PasteboardNews& news) {
         runDataControlWorker(display_, mailbox(), limits, news);
