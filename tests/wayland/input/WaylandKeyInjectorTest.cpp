@@ -169,8 +169,9 @@ TEST_F(WaylandKeyInjectorTest, whatWasNotSentIsNotSentLater) {
     ASSERT_TRUE(spinUntil([&] { return injector.ability().available; }));
     hands.type("z");
     EXPECT_EQ(field.becomes("lostz"), "lostz");
+    copy(QStringLiteral("end")); // a paste that came late has arrived by now
     EXPECT_TRUE(injector.paste(Chord::ordinary));
-    EXPECT_EQ(field.becomes("lostzlost"), "lostzlost");
+    EXPECT_EQ(field.becomes("lostzend"), "lostzend");
 }
 
 TEST(WaylandKeyInjectorCompositor, oneThatStandsStillOrDiesEndsEverything) {
