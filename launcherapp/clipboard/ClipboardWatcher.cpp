@@ -47,6 +47,7 @@ void ClipboardWatcher::start() {
     lastCount_ = services_.board.changeCount();
     settings_ = services_.prefs.onChange([this](std::string_view key) { settingChanged(key); });
     abandonments_ = services_.board.onAbandoned([this](std::uint64_t count) { abandoned(count); });
+    abilities_ = services_.board.onAbilityChanged([this] { abilityChanged(); });
     if (services_.store.isLoaded())
         return begin();
     services_.store.load([this, run = std::weak_ptr(run_)] {
@@ -61,6 +62,7 @@ void ClipboardWatcher::stop() {
     pruneTimer_.end();
     settings_.end();
     abandonments_.end();
+    abilities_.end();
     examination_.reset();
     run_.reset();
     keptBytes_ = 0;
@@ -111,6 +113,16 @@ void ClipboardWatcher::settingChanged(std::string_view key) {
     examination_.reset();
     if (pruneTimer_.active()) // else it begins once the history is loaded
         watch();
+}
+
+/// What was copied while nothing could be seen is looked at once it can be, if it is still there.
+void ClipboardWatcher::abilityChanged() {
+    if (!pruneTimer_.active() || !services_.prefs.clipboardEnabled() ||
+        services_.board.ability().available == isWatching())
+        return;
+    timer_.end();
+    examination_.reset();
+    watch();
 }
 
 // The resident cost of the feature: one integer a tick until something was copied.
@@ -281,8 +293,9 @@ void ClipboardWatcher::restore(std::uint64_t count) {
                 return;
             // The one change that this makes is known, so the next that differs is a real one.
             lastCount_ = services_.board.write(*std::move(content));
-            services_.diagnostics.log("clipboard: the program that was copied from has ended; its "
-                                      "copy is on the pasteboard again");
+            // Whether that program has ended or only let go, not every desktop tells.
+            services_.diagnostics.log("clipboard: what was copied last was gone from the "
+                                      "pasteboard; it is there again");
         });
 }
 

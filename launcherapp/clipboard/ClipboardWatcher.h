@@ -107,6 +107,7 @@ private:
     void noteWitness();
     void watch();
     void settingChanged(std::string_view key);
+    void abilityChanged();
     void poll();
     ClipSkips::Circumstances circumstancesOf(const ClipSource& front) const;
     void examine(ClipExamination::Change change);
@@ -132,6 +133,7 @@ private:
     Subscription pruneTimer_;
     Subscription settings_;
     Subscription abandonments_;
+    Subscription abilities_;
     Observers<> changes_;
     std::shared_ptr<char> run_; ///< what is under way ends with it; null while stopped
 };

@@ -38,6 +38,9 @@ bool isX11(const Surroundings& desktop) {
 }
 
 DesktopCell panel(const Surroundings& desktop) {
+    if (desktop.hasWayland && desktop.isShownOnX11)
+        return degradedAs("Qt shows it on the display for X11 programs (QT_QPA_PLATFORM says so, "
+                          "or the package qt6-wayland is missing), where it may not get the keys");
     if (isX11(desktop) || offersAny(desktop, {"zwlr_layer_shell_v1"}))
         return fine;
     return degradedAs("this desktop lets no program put a panel above the windows, so it comes up "
@@ -58,20 +61,32 @@ DesktopCell clipboardHistory(const Surroundings& desktop) {
     if (isX11(desktop) ||
         offersAny(desktop, {"ext_data_control_manager_v1", "zwlr_data_control_manager_v1"}))
         return fine;
-    return absentAs("this desktop lets no program see what is copied in another");
+    std::string reason(DesktopTable::hiddenClipboard);
+    if (desktop.hasX11)
+        return degradedAs(reason + ", so only what reaches the display for X11 programs is seen");
+    return absentAs(reason + ", so nothing is recorded, and nothing can be copied from here");
 }
 
 DesktopCell typing(const Surroundings& desktop) {
+    if (isX11(desktop) && desktop.isX11Compositors)
+        return absentAs("this program was kept off the Wayland compositor, and the display that it "
+                        "has for X11 programs reaches no others");
     if (isX11(desktop) || offersAny(desktop, {"zwp_virtual_keyboard_manager_v1"}))
         return fine;
-    return absentAs("this desktop lets no program press keys: what is chosen is copied, and Ctrl+V "
-                    "pastes it");
+    std::string reason(DesktopTable::noKeys);
+    if (clipboardHistory(desktop).state == absent)
+        return absentAs(std::move(reason));
+    return absentAs(reason + ": what is chosen is copied, and Ctrl+V pastes it");
+}
+
+bool tellsTaskBars(const Surroundings& desktop) {
+    return offersAny(desktop, {"zwlr_foreign_toplevel_manager_v1"});
 }
 
 /// Without a list of its own, the display for X11 programs still has theirs.
 DesktopCell runningApplications(const Surroundings& desktop) {
     const bool hasOwnWay = desktop.hasSway || desktop.hasHyprland;
-    if (isX11(desktop) || hasOwnWay || offersAny(desktop, {"zwlr_foreign_toplevel_manager_v1"}))
+    if (isX11(desktop) || hasOwnWay || tellsTaskBars(desktop))
         return fine;
     if (desktop.hasX11)
         return degradedAs("this desktop tells no program which windows are open, so only those of "
@@ -82,10 +97,16 @@ DesktopCell runningApplications(const Surroundings& desktop) {
 DesktopCell windowVerbs(const Surroundings& desktop) {
     if (isX11(desktop) || desktop.hasSway || desktop.hasHyprland)
         return fine;
-    return absentAs("this desktop lets no program move the windows of others");
+    std::string reason(DesktopTable::windowsStay);
+    if (desktop.hasX11 && !tellsTaskBars(desktop))
+        return degradedAs(reason + " but those of X11 programs");
+    return absentAs(std::move(reason));
 }
 
 DesktopCell activationTokens(const Surroundings& desktop) {
+    if (desktop.hasWayland && desktop.isShownOnX11)
+        return degradedAs("Qt is on the display for X11 programs, so they alone come forward when "
+                          "they are started");
     if (isX11(desktop) || offersAny(desktop, {"xdg_activation_v1"}))
         return fine;
     return absentAs("this desktop has no way to pass the focus on to what is started");
@@ -144,11 +165,15 @@ DesktopFamily DesktopTable::family(const DesktopSurroundings& surroundings) {
     return DesktopFamily::otherWayland;
 }
 
+bool DesktopTable::isSilent(const DesktopSurroundings& surroundings) {
+    return surroundings.hasWayland && surroundings.globals.empty();
+}
+
 DesktopCell DesktopTable::cell(const DesktopSurroundings& surroundings, DesktopAbility ability) {
     if (family(surroundings) == DesktopFamily::none)
         return absentAs("there is no display");
-    if (surroundings.hasWayland && surroundings.globals.empty() && !surroundings.hasX11)
-        return absentAs("the Wayland compositor does not answer");
+    if (isSilent(surroundings))
+        return absentAs(std::string(silentCompositor));
     return lineOf(ability).decide(surroundings);
 }
 

@@ -34,7 +34,9 @@ struct DesktopSurroundings {
     bool hasX11 = false;     ///< an X11 display, a compositor's own for X11 programs too
     bool hasWayland = false; ///< a Wayland session
     bool hasSessionBus = false;
-    bool hasSway = false;              ///< SWAYSOCK is set
+    bool isX11Compositors = false;     ///< that X11 display is a Wayland compositor's own
+    bool isShownOnX11 = false;         ///< Qt has this program's windows on the X11 display
+    bool hasSway = false;              ///< sway's own socket takes connections
     bool hasHyprland = false;          ///< HYPRLAND_INSTANCE_SIGNATURE is set
     std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
     std::set<std::string> globals;     ///< interfaces of the compositor; none if it is silent
@@ -57,6 +59,14 @@ struct DesktopCell {
 /// and the documentation. Pure; any thread.
 namespace DesktopTable {
 
+// Reasons that a door finds out itself too, later than the table was asked.
+inline constexpr std::string_view silentCompositor = "the Wayland compositor does not answer";
+inline constexpr std::string_view hiddenClipboard =
+    "this desktop shows the clipboard to the focused program alone";
+inline constexpr std::string_view noKeys = "this desktop lets no program press keys";
+inline constexpr std::string_view windowsStay =
+    "this Wayland compositor lets no program move windows";
+
 inline constexpr std::array abilities{DesktopAbility::panel,
                                       DesktopAbility::hotkey,
                                       DesktopAbility::clipboardHistory,
@@ -67,6 +77,10 @@ inline constexpr std::array abilities{DesktopAbility::panel,
                                       DesktopAbility::appearance};
 
 DesktopFamily family(const DesktopSurroundings& surroundings);
+
+/// Whether there is a Wayland compositor that did not tell in time what it offers: the table then
+/// holds for the moment alone.
+bool isSilent(const DesktopSurroundings& surroundings);
 
 DesktopCell cell(const DesktopSurroundings& surroundings, DesktopAbility ability);
 

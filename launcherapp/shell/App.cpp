@@ -305,6 +305,7 @@ void App::Parts::makeCommands() {
     };
     commands.emplace(*services,
                      look->desktop,
+                     *clipboard->board,
                      AppCommands::Presence{.hotkey = isResident ? chords : nullptr,
                                            .showPanel = [this](const std::string& query) {
                                                if (auto* panel =
@@ -356,8 +357,8 @@ void App::Parts::startClipboard() {
 
 void App::Parts::registerHotkeys() {
     if (!presence) {
-        diagnostics.log("panel: " + Invitation::missingDisplay(environment));
-        invite(Invitation::withoutPanel(environment, startedFrom()));
+        diagnostics.log("panel: " + Invitation::missingDisplay(doors.desktop));
+        invite(Invitation::withoutPanel(doors.desktop, startedFrom()));
         return;
     }
     presence->registerHotkey();
@@ -375,8 +376,7 @@ void App::Parts::inviteToPanel() {
     const bool isKeyless = chord.state == Invitation::Chord::State::none;
     if (isKeyless && services->defaults.value<bool>(desktopKeyWorks).value_or(false))
         chord.state = Invitation::Chord::State::desktopOwn;
-    const auto key =
-        isKeyless ? DesktopKeys::forPanel(DesktopLook::display(environment)) : DesktopKey();
+    const auto key = isKeyless ? DesktopKeys::forPanel(doors.desktop) : DesktopKey();
     if (chord.state == Invitation::Chord::State::desktopOwn)
         presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
     else if (isKeyless)
@@ -406,7 +406,8 @@ void App::Parts::noteDesktopKey() {
 void App::Parts::takeBusName() {
     using Action = DesktopApplication::Action;
     const auto ofPanel = [this](std::function<void()> act) {
-        return presence ? Action(std::move(act)) : Action(Invitation::missingDisplay(environment));
+        return presence ? Action(std::move(act))
+                        : Action(Invitation::missingDisplay(doors.desktop));
     };
     application.emplace(
         std::string(ProductInfo::bundleID),
@@ -469,10 +470,7 @@ void App::Parts::scheduleModes() {
         .commands = &*running,
         .clipboard = &*copying,
         .panel = &look->modes,
-        .desktop =
-            [this] {
-                return DesktopLook::withBus(DesktopLook::display(environment), portalPatience);
-            },
+        .desktop = [this] { return DesktopLook::withBus(doors.desktop, portalPatience); },
         .freshModel = [this] { return std::make_unique<SearchModel>(services->modelServices()); },
         .print = printLine,
         .printError =

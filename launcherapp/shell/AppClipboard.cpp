@@ -2,6 +2,7 @@
 
 #include "launcherapp/clipboard/FrontApp.h"
 #include "launcherapp/clipboard/PasteboardTypes.h"
+#include "launcherapp/platform/linux/desktop/DesktopNotice.h"
 #include "launcherapp/platform/linux/desktop/QtPictureCodec.h"
 #include "launcherapp/platform/linux/input/NoKeyInjector.h"
 #include "launcherapp/platform/linux/input/SessionKeyInjector.h"
@@ -23,13 +24,13 @@ constexpr std::size_t longestPaste = std::size_t{16} << 20;
 std::unique_ptr<Pasteboard> pasteboard(AppServices& services, AppClipboard::Board wanted) {
     if (wanted == AppClipboard::Board::none)
         return std::make_unique<NoPasteboard>(services.doors.queue, std::string(leftAlone));
-    return pasteboard(services.doors.queue, services.environment);
+    return pasteboard(services.doors.queue, services.doors.desktop);
 }
 
 std::unique_ptr<KeyInjector> injector(AppServices& services, AppClipboard::Board wanted) {
     if (wanted == AppClipboard::Board::none)
         return std::make_unique<NoKeyInjector>(services.doors.queue, std::string(leftAlone));
-    return keyInjector(services.doors.queue, services.environment);
+    return keyInjector(services.doors.queue, services.doors.desktop);
 }
 
 /// Where somebody types nobody waits for a file; a run that answers and ends does.
@@ -119,10 +120,22 @@ void AppClipboard::wire() {
                                              .paster = paster,
                                              .images = images,
                                              .typing = [this] { return keys->ability(); },
+                                             .copying = [this] { return board->ability(); },
                                              .home = services.environment.home});
 }
 
+/// The panel has gone by then, so the desktop has to say it.
 void AppClipboard::copyText(const std::string& text) {
+    if (const auto ability = board->ability(); !ability.available) {
+        services.diagnostics.log("clipboard: nothing was copied, " + ability.reason);
+        return DesktopNotice::show("Nothing was copied",
+                                   ability.reason,
+                                   [&log = services.diagnostics](const auto& problem) {
+                                       if (problem)
+                                           log.log("clipboard: that could not be shown: " +
+                                                   *problem);
+                                   });
+    }
     board->write(PasteboardTypes::ofText(text));
 }
 

@@ -45,6 +45,7 @@ public:
     /// Gives the search model its rows. A demonstration has invented ones.
     void wire();
 
+    /// Where the clipboard takes nothing, a notice of the desktop's and the log say why.
     void copyText(const std::string& text);
 
     /// The text that lies on the clipboard, for the panel's own field: `got` is called once, later,

@@ -22,7 +22,8 @@ namespace tessarine {
 namespace {
 
 /// What the machine's actions work through, the user's own session above all.
-SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop) {
+SystemDoors
+systemDoors(AppServices& services, const DesktopAppearance& desktop, Pasteboard& board) {
     auto& doors = services.doors;
     SystemDoors result{
         .queue = doors.queue,
@@ -32,10 +33,9 @@ SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop)
         .mounts = doors.mounts,
         .environment = services.environment,
         .log = [&log = services.diagnostics](const std::string& line) { log.log(line); },
-        .copyImage =
-            [&work = doors.work](const std::string& path, EffectDone done) {
-                copyPicture(work, path, std::move(done));
-            },
+        .copyImage = [&work = doors.work,
+                      &board](const std::string& path,
+                              EffectDone done) { copyPicture(work, board, path, std::move(done)); },
         .folderOpener =
             [&catalog = services.catalog] {
                 const auto* opener = catalog.registry()->handlerForType("inode/directory");
@@ -64,8 +64,8 @@ SystemDoors systemDoors(AppServices& services, const DesktopAppearance& desktop)
 }
 
 /// A demonstration, and a test of the whole program, must not empty a real trash by one wrong key.
-std::unique_ptr<SystemEffects> systemEffects(AppServices& services,
-                                             const DesktopAppearance& desktop) {
+std::unique_ptr<SystemEffects>
+systemEffects(AppServices& services, const DesktopAppearance& desktop, Pasteboard& board) {
     auto& queue = services.doors.queue;
     if (services.run.isDemonstration)
         return std::make_unique<HarmlessEffects>(queue,
@@ -73,7 +73,7 @@ std::unique_ptr<SystemEffects> systemEffects(AppServices& services,
     if (services.environment.isHarmless)
         return std::make_unique<HarmlessEffects>(
             queue, "TESSARINE_HARMLESS is set, so nothing is done to this computer");
-    return std::make_unique<LinuxSystemEffects>(systemDoors(services, desktop));
+    return std::make_unique<LinuxSystemEffects>(systemDoors(services, desktop, board));
 }
 
 /// Those of other programs, as the user knows them.
@@ -94,15 +94,18 @@ std::vector<OpenWindow> openWindows(AppServices& services) {
 
 } // namespace
 
-AppCommands::AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence)
+AppCommands::AppCommands(AppServices& made,
+                         const DesktopAppearance& desktop,
+                         Pasteboard& board,
+                         Presence presence)
     : services(made),
       alerts([&log = made.diagnostics](std::string_view line) { log.log(std::string(line)); }),
-      effects(systemEffects(made, desktop)), windows({.queue = made.doors.queue,
-                                                      .control = made.windowControl(),
-                                                      .windows = made.windows(),
-                                                      .running = made.running,
-                                                      .catalog = made.catalog,
-                                                      .diagnostics = made.diagnostics}),
+      effects(systemEffects(made, desktop, board)), windows({.queue = made.doors.queue,
+                                                             .control = made.windowControl(),
+                                                             .windows = made.windows(),
+                                                             .running = made.running,
+                                                             .catalog = made.catalog,
+                                                             .diagnostics = made.diagnostics}),
       links({.queue = made.doors.queue,
              .work = made.doors.work,
              .catalog = made.catalog,

@@ -24,6 +24,7 @@ namespace tessarine {
 class AppServices;
 class DesktopAppearance;
 class Hotkey;
+class Pasteboard;
 
 /// The services that make and run commands, over the services that every run has; each refers to
 /// those above it. Making them starts none. Main thread only; `App` has the one there is.
@@ -35,7 +36,11 @@ public:
         std::function<void(const std::string& query)> showPanel;
     };
 
-    AppCommands(AppServices& made, const DesktopAppearance& desktop, Presence presence);
+    /// `board` outlives it.
+    AppCommands(AppServices& made,
+                const DesktopAppearance& desktop,
+                Pasteboard& board,
+                Presence presence);
     AppCommands(const AppCommands&) = delete;
     AppCommands& operator=(const AppCommands&) = delete;
 

@@ -4,11 +4,7 @@
 #include "launcherapp/platform/linux/accessibility/AtspiAccessibility.h"
 #include "launcherapp/platform/linux/desktop/DBusApplicationBus.h"
 #include "launcherapp/platform/linux/desktop/DesktopFileManager.h"
-#include "launcherapp/platform/linux/desktop/NoWindowControl.h"
-#include "launcherapp/platform/linux/desktop/NoWindowList.h"
 #include "launcherapp/platform/linux/desktop/ThemeIcons.h"
-#include "launcherapp/platform/linux/desktop/X11WindowControl.h"
-#include "launcherapp/platform/linux/desktop/X11WindowList.h"
 #include "launcherapp/platform/linux/files/FileResidentCopies.h"
 #include "launcherapp/platform/linux/files/PosixDirectoryReader.h"
 #include "launcherapp/platform/linux/files/PosixFileStore.h"
@@ -21,14 +17,14 @@
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "launcherapp/platform/linux/processes/QtProcessLauncher.h"
 #include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
+#include "launcherapp/platform/linux/surroundings/DesktopLook.h"
+#include "launcherapp/platform/linux/surroundings/SessionWindows.h"
 #include "launcherapp/platform/linux/watching/InotifyDirectoryWatcher.h"
 #include "launcherapp/platform/linux/watching/InotifyTreeWatcher.h"
-#include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
 #include "launcherapp/platform/linux/x11/X11ActivationTokens.h"
 #include "launcherapp/shell/ProductInfo.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -37,8 +33,10 @@ namespace tessarine {
 /// The program's doors to the world. Main thread only; `App` has the one there is.
 struct AppDoors {
     explicit AppDoors(const Environment& environment)
-        : AppDoors(environment, windowDoors(environment)) {}
+        : AppDoors(environment, DesktopLook::display(environment)) {}
 
+    /// As it was found at the start; what all doors and rows go by.
+    const DesktopSurroundings desktop;
     QtMainQueue queue;
     ThreadPoolWorkQueues work{queue};
     PosixFileStore files;
@@ -61,33 +59,19 @@ struct AppDoors {
     QtHttpClient web;
 
 private:
-    AppDoors(const Environment& environment, WindowDoors made)
-        : processes(environment), programs(queue, environment), icons(environment),
-          windows(std::move(made.list)), control(std::move(made.control)),
+    AppDoors(const Environment& environment, DesktopSurroundings found)
+        : AppDoors(
+              environment, found, sessionWindowDoors(found, std::string(ProductInfo::bundleID))) {}
+
+    AppDoors(const Environment& environment, DesktopSurroundings found, WindowDoors made)
+        : desktop(std::move(found)), processes(environment), programs(queue, environment),
+          icons(environment), windows(std::move(made.list)), control(std::move(made.control)),
           tokens(activationTokens(environment)), copies(environment) {}
 
     static std::unique_ptr<ActivationTokens> activationTokens(const Environment& environment) {
         if (QtWayland::isThere())
             return std::make_unique<WaylandActivationTokens>();
         return std::make_unique<X11ActivationTokens>(environment);
-    }
-
-    /// Those of the Wayland compositor, else of the X11 display, which has some of a compositor's
-    /// windows at least.
-    static WindowDoors windowDoors(const Environment& environment) {
-        std::optional<std::string> gap;
-        if (environment.hasWayland) {
-            if (auto doors = waylandWindowDoors(std::string(ProductInfo::bundleID)))
-                return *std::move(doors);
-            gap = "this Wayland compositor doesn't tell other programs of its windows";
-        }
-        if (environment.hasX11)
-            return {.list = std::make_unique<X11WindowList>(gap),
-                    .control = std::make_unique<X11WindowControl>()};
-        const auto reason = gap.value_or("there is no display");
-        return {.list = std::make_unique<NoWindowList>(reason),
-                .control = std::make_unique<NoWindowControl>(
-                    gap ? "this Wayland compositor lets no program move windows" : reason)};
     }
 };
 

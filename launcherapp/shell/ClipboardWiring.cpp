@@ -73,6 +73,9 @@ void ClipboardWiring::wireTyping() {
 
 ClipRowSources ClipboardWiring::sources() {
     auto& model = services_.model;
+    const auto typing = services_.typing();
+    const auto copying = services_.copying();
+    const bool isToPaste = services_.prefs.clipAutoPaste();
     return {.history = services_.store.history(),
             .groups = services_.groups,
             .now = services_.queue.now(),
@@ -98,8 +101,10 @@ ClipRowSources ClipboardWiring::sources() {
                     hidePanel();
                     services_.store.clear(newerThan);
                 },
-            .pastes = services_.prefs.clipAutoPaste() && services_.typing().available &&
-                      model.previousApp.has_value()};
+            .pastes =
+                isToPaste && typing.available && copying.available && model.previousApp.has_value(),
+            .onlyCopies = isToPaste ? typing.reason : std::string(),
+            .unusable = copying.reason};
 }
 
 /// The panel goes first, and with it its hold on the keyboard: the keys are for the application.

@@ -28,8 +28,9 @@ public:
         ClipGroupsRuntime& groups;
         ClipboardPaster& paster;
         ClipImages& images;
-        std::function<Ability()> typing; ///< whether keys can be sent on this desktop
-        std::string home;                ///< shown as "~" in paths
+        std::function<Ability()> typing;  ///< whether keys can be sent on this desktop
+        std::function<Ability()> copying; ///< whether anything can be put on its clipboard
+        std::string home;                 ///< shown as "~" in paths
     };
 
     explicit ClipboardWiring(Services services);

@@ -1,6 +1,6 @@
 #include "launcherapp/shell/Invitation.h"
 
-#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/shell/DesktopKey.h"
 
 #include <fmt/format.h>
@@ -46,19 +46,21 @@ Invitation::Notice Invitation::noKeyYet(const Chord& chord, const DesktopKey& de
                 fmt::format("{}. To have one, {}", chord.status, DesktopKeys::advice(desktopKey))};
 }
 
-std::string Invitation::withoutPanel(const Environment& environment, StartedFrom startedFrom) {
+std::string Invitation::withoutPanel(const DesktopSurroundings& desktop, StartedFrom startedFrom) {
     return ended(fmt::format("Tessarine is running, but its panel can't come up: {}. The README "
                              "tells what works without it.",
-                             missingDisplay(environment)),
+                             missingDisplay(desktop)),
                  startedFrom);
 }
 
-std::string Invitation::missingDisplay(const Environment& environment) {
-    if (environment.hasX11)
+std::string Invitation::missingDisplay(const DesktopSurroundings& desktop) {
+    // A compositor that answers was of no use to Qt alone.
+    if (desktop.hasWayland && !DesktopTable::isSilent(desktop))
+        return "Qt can't show it on Wayland, for the package qt6-wayland is missing, or "
+               "QT_QPA_PLATFORM asks for another display";
+    if (!desktop.hasWayland && desktop.hasX11)
         return "the X11 display does not answer";
-    if (environment.hasWayland)
-        return "there is no X11 display, and without one it is not shown on Wayland yet";
-    return "there is no display";
+    return DesktopTable::reason(desktop, DesktopAbility::panel);
 }
 
 } // namespace tessarine

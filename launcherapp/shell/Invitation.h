@@ -5,7 +5,7 @@
 namespace tessarine {
 
 struct DesktopKey;
-struct Environment;
+struct DesktopSurroundings;
 
 /// What a user who just started the program is told: how to bring it up, and what is missing.
 /// Pure; any thread.
@@ -38,10 +38,10 @@ struct Notice {
 
 Notice noKeyYet(const Chord& chord, const DesktopKey& desktopKey);
 
-std::string withoutPanel(const Environment& environment, StartedFrom startedFrom);
+std::string withoutPanel(const DesktopSurroundings& desktop, StartedFrom startedFrom);
 
 /// Why no panel can be shown, for a run in which none can.
-std::string missingDisplay(const Environment& environment);
+std::string missingDisplay(const DesktopSurroundings& desktop);
 
 } // namespace Invitation
 } // namespace tessarine

@@ -83,6 +83,15 @@ public:
         return abandonments_.add(std::move(gone));
     }
 
+    Subscription onAbilityChanged(std::function<void()> changed) override {
+        return abilities_.add(std::move(changed));
+    }
+
+    void setAbility(Ability ability) {
+        supported = std::move(ability);
+        abilities_.tell();
+    }
+
     // What other programs do.
 
     void copy(Items items, Owner owner) {
@@ -161,6 +170,7 @@ private:
     bool isOwn_ = true; ///< or nobody's
     std::uint64_t count_ = 1;
     Observers<std::uint64_t> abandonments_;
+    Observers<> abilities_;
 };
 
 } // namespace tessarine

@@ -1,8 +1,16 @@
 #include "launcherapp/platform/linux/surroundings/DesktopLook.h"
 
 #include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/KeyInjector.h"
+#include "launcherapp/platform/Pasteboard.h"
+#include "launcherapp/platform/linux/input/SessionKeyInjector.h"
+#include "launcherapp/platform/linux/pasteboard/SessionPasteboard.h"
+#include "launcherapp/platform/linux/processes/QtMainQueue.h"
+#include "launcherapp/platform/linux/surroundings/SessionWindows.h"
 
 #include <gmock/gmock.h>
+
+#include <QByteArray>
 
 namespace tessarine {
 namespace {
@@ -17,6 +25,44 @@ TEST(DesktopLook, takesACompositorForWhatItOffers) {
                                DesktopAbility::windowVerbs,
                                DesktopAbility::activationTokens})
         EXPECT_EQ(DesktopTable::cell(found, ability), DesktopCell()) << DesktopTable::name(ability);
+}
+
+TEST(DesktopLook, doesNotBelieveWhatADeadSwayLeftBehind) {
+    const auto socket = qgetenv("SWAYSOCK");
+    qputenv("SWAYSOCK", "/nobody/listens/here");
+    const auto found = DesktopLook::display({.hasWayland = true});
+    qputenv("SWAYSOCK", socket);
+    EXPECT_FALSE(found.hasSway);
+    EXPECT_EQ(DesktopTable::cell(found, DesktopAbility::windowVerbs).state,
+              DesktopCell::State::absent);
+}
+
+/// What is degraded has a door too, to the display for X11 programs.
+bool isPromised(const DesktopSurroundings& desktop, DesktopAbility ability) {
+    return DesktopTable::cell(desktop, ability).state != DesktopCell::State::absent;
+}
+
+// The doors of this machine's sway, and those that the program takes where it offers less.
+TEST(DesktopLook, theDoorsKeepWhatTheTablePromises) {
+    QtMainQueue queue;
+    const auto sway = DesktopLook::display({.hasWayland = true});
+    auto closed = sway; // neither the clipboard nor keys
+    closed.globals = {"wl_compositor", "wl_seat"};
+    for (const auto& desktop : {sway, closed, DesktopSurroundings()}) {
+        SCOPED_TRACE(desktop.globals.size());
+        const std::pair<DesktopAbility, Ability> doors[] = {
+            {DesktopAbility::clipboardHistory, pasteboard(queue, desktop)->ability()},
+            {DesktopAbility::typing, keyInjector(queue, desktop)->ability()},
+        };
+        for (const auto& [ability, door] : doors) {
+            EXPECT_EQ(door.available, isPromised(desktop, ability)) << DesktopTable::name(ability);
+            EXPECT_EQ(door.reason, door.available ? "" : DesktopTable::reason(desktop, ability));
+        }
+    }
+    EXPECT_TRUE(sessionWindowDoors(sway, "").control->ability().available);
+    const auto none = sessionWindowDoors({}, "");
+    EXPECT_EQ(none.list->ability().reason, "there is no display");
+    EXPECT_EQ(none.control->ability().reason, "there is no display");
 }
 
 } // namespace

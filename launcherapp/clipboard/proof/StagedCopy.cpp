@@ -48,6 +48,8 @@ public:
 
     Subscription onAbandoned(std::function<void(std::uint64_t)>) override { return {}; }
 
+    Subscription onAbilityChanged(std::function<void()>) override { return {}; }
+
     static constexpr std::uint64_t count = 1;
     int reads = 0;
 

@@ -70,6 +70,8 @@ std::string title(const ClipboardEntry& entry, std::span<const std::string_view>
 std::string subtitle(const ClipboardEntry& entry,
                      std::span<const std::string_view> files,
                      const ClipRowSources& sources) {
+    if (!sources.unusable.empty())
+        return "can't be copied: " + sources.unusable;
     std::string text;
     if (const auto from = origin(entry))
         text = (entry.fromOtherDevice.value_or(false) ? "from " : "") + *from + " · ";
@@ -226,6 +228,8 @@ std::optional<RowPreview> clippingPreview(const ClipRowSources& sources, const R
     const auto from = origin(*entry);
     preview.facts.push_back((from ? "copied from " + *from + " " : "copied ") +
                             ago(entry->lastSeen, sources.now));
+    if (!sources.onlyCopies.empty())
+        preview.facts.push_back(sources.onlyCopies);
     // Last, since the list of applications is what may grow too long to be shown.
     std::ranges::move(uses(*entry), std::back_inserter(preview.facts));
     return preview;

@@ -34,6 +34,9 @@ struct ClipRowSources {
     std::function<void(std::optional<std::chrono::duration<double>> newerThan)>
         clear;          ///< nothing: all of it
     bool pastes = true; ///< Return will paste; else it copies
+    /// Why it does less than it could, a phrase for the user; empty where nothing hinders it.
+    std::string onlyCopies = {}; ///< the desktop lets it paste nothing; beside the list
+    std::string unusable = {};   ///< nothing can be copied either; on each row
 };
 
 /// How the ids of these rows begin; the id of the clipping follows.

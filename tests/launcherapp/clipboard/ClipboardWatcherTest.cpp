@@ -295,6 +295,17 @@ TEST(ClipboardWatcher, aPasteThatIsMarkedProvesSinceWhenPastesAre) {
     }
 }
 
+TEST(ClipboardWatcher, goesOnWhenTheClipboardComesBack) {
+    Watched fixture;
+    fixture.board.setAbility(Ability::missing("the display is gone"));
+    EXPECT_FALSE(fixture.watcher.isWatching());
+    EXPECT_THAT(fixture.services.log(), HasSubstr("clipboard: not watching, the display is gone"));
+    fixture.board.copyText("copied meanwhile");
+    fixture.board.setAbility({});
+    fixture.poll();
+    EXPECT_THAT(fixture.texts(), ElementsAre("copied meanwhile"));
+}
+
 // On this desktop what was copied goes with the program that it was copied from.
 
 TEST(ClipboardWatcher, aCopyOutlivesTheProgramItCameFrom) {
@@ -321,6 +332,17 @@ TEST(ClipboardWatcher, onlyWhatIsInTheHistoryIsPutBack) {
         {"a secret was copied since",
          [](Watched& fixture) {
              fixture.board.copy({{"UTF8_STRING", "hunter2"}, {secretType, ""}});
+             fixture.poll();
+             fixture.board.quitOwner();
+         }},
+        {"a secret that nobody has looked at yet",
+         [](Watched& fixture) {
+             fixture.board.copy({{"UTF8_STRING", "hunter2"}, {secretType, ""}});
+             fixture.board.quitOwner();
+         }},
+        {"what is in the history is a secret now",
+         [](Watched& fixture) {
+             fixture.board.copy({{"UTF8_STRING", "first"}, {secretType, ""}});
              fixture.poll();
              fixture.board.quitOwner();
          }},

@@ -10,6 +10,7 @@ namespace tessarine {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using State = DesktopCell::State;
 
 constexpr std::array families{
@@ -95,18 +96,39 @@ TEST(DesktopTable, goesByWhatIsThereNotByTheDesktopsName) {
     found.hasSessionBus = false;
     EXPECT_EQ(stateOf(DesktopAbility::hotkey), State::absent);
     found.globals.erase("zwlr_data_control_manager_v1");
-    EXPECT_EQ(stateOf(DesktopAbility::clipboardHistory), State::absent);
+    EXPECT_EQ(stateOf(DesktopAbility::clipboardHistory), State::degraded);
+    found.globals.erase("zwp_virtual_keyboard_manager_v1");
+    EXPECT_THAT(DesktopTable::reason(found, DesktopAbility::typing), HasSubstr("Ctrl+V"));
     found.hasSway = false; // as river, labwc
     EXPECT_EQ(stateOf(DesktopAbility::windowVerbs), State::absent);
     EXPECT_EQ(stateOf(DesktopAbility::runningApplications), State::works);
     found.globals.erase("zwlr_foreign_toplevel_manager_v1");
+    EXPECT_EQ(stateOf(DesktopAbility::windowVerbs), State::degraded);
     EXPECT_EQ(stateOf(DesktopAbility::runningApplications), State::degraded);
+    found.isShownOnX11 = true; // the layer shell is there, and Qt is not on Wayland
+    EXPECT_EQ(stateOf(DesktopAbility::panel), State::degraded);
     found.hasX11 = false;
+    EXPECT_EQ(stateOf(DesktopAbility::clipboardHistory), State::absent);
     EXPECT_EQ(stateOf(DesktopAbility::runningApplications), State::absent);
+    EXPECT_EQ(stateOf(DesktopAbility::windowVerbs), State::absent);
+    // Where nothing can be copied from here, nothing is promised to be.
+    EXPECT_THAT(DesktopTable::reason(found, DesktopAbility::typing), Not(HasSubstr("Ctrl+V")));
+}
 
-    const DesktopSurroundings silent{.hasWayland = true};
-    EXPECT_THAT(DesktopTable::reason(silent, DesktopAbility::panel), HasSubstr("does not answer"));
-    EXPECT_THAT(DesktopTable::reason({}, DesktopAbility::panel), HasSubstr("no display"));
+TEST(DesktopTable, tellsADisplayThatIsOfNoUse) {
+    const struct {
+        DesktopSurroundings found;
+        DesktopAbility ability;
+        const char* words;
+    } cases[] = {
+        {{}, DesktopAbility::panel, "no display"},
+        {{.hasWayland = true}, DesktopAbility::panel, "does not answer"},
+        {{.hasX11 = true, .hasWayland = true}, DesktopAbility::panel, "does not answer"},
+        {{.hasX11 = true, .isX11Compositors = true}, DesktopAbility::typing, "kept off"},
+    };
+
+    for (const auto& [found, ability, words] : cases)
+        EXPECT_THAT(DesktopTable::reason(found, ability), HasSubstr(words));
 }
 
 } // namespace

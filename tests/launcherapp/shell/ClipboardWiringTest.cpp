@@ -67,6 +67,7 @@ protected:
                             .paster = paster,
                             .images = images,
                             .typing = [this] { return keys.ability(); },
+                            .copying = [this] { return clipboard.board.ability(); },
                             .home = "/home/u"}};
 };
 
@@ -196,10 +197,14 @@ TEST_F(ClipboardWiringTest, whereNoKeysCanBeSentReturnSaysThatItCopies) {
     keys.trusted = Ability::missing("no keys here");
     model->recompute();
     EXPECT_EQ(model->rows()[0].primaryLabel, "copy");
+    EXPECT_THAT(model->families.preview(model->rows()[0])->facts, Contains("no keys here"));
     model->runSelected();
     clipboard.time.advance(Seconds{1});
     EXPECT_EQ(clipboard.board.content("UTF8_STRING"), "a");
     EXPECT_THAT(keys.pasted, IsEmpty());
+    clipboard.board.supported = Ability::missing("no clipboard here");
+    model->enterClipboardMode();
+    EXPECT_EQ(model->rows()[0].subtitle, "can't be copied: no clipboard here");
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "launcherapp/shell/Invitation.h"
 
 #include "launcherapp/platform/DesktopTable.h"
-#include "launcherapp/platform/Environment.h"
 #include "launcherapp/shell/DesktopKey.h"
 
 #include <gmock/gmock.h>
@@ -16,9 +15,6 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const Environment x11{.hasX11 = true};
-const Environment wayland{.hasWayland = true};
-const Environment both{.hasX11 = true, .hasWayland = true};
 constexpr auto byTheDesktop = "gapplication action com.corvane.tessarine toggle";
 
 const DesktopKey swayKey = DesktopKeys::forPanel({.hasWayland = true, .hasSway = true});
@@ -57,15 +53,18 @@ TEST(Invitation, saysWhichLineGivesTheDesktopsOwnKey) {
 }
 
 TEST(Invitation, saysWhatIsMissingWithoutAPanel) {
-    const std::pair<Environment, const char*> cases[] = {
+    const std::set<std::string> offered{"wl_compositor"};
+    const std::pair<DesktopSurroundings, const char*> cases[] = {
         {{}, "there is no display"},
-        {x11, "the X11 display does not answer"},
-        {both, "the X11 display does not answer"},
-        {wayland, "there is no X11 display"},
+        {{.hasX11 = true}, "the X11 display does not answer"},
+        {{.hasWayland = true}, "the Wayland compositor does not answer"},
+        {{.hasX11 = true, .hasWayland = true}, "the Wayland compositor does not answer"},
+        {{.hasWayland = true, .globals = offered}, "qt6-wayland"}, // it answers, but not to Qt
+        {{.hasX11 = true, .hasWayland = true, .globals = offered}, "qt6-wayland"},
     };
-    for (const auto& [environment, reason] : cases) {
-        EXPECT_THAT(Invitation::missingDisplay(environment), HasSubstr(reason));
-        EXPECT_THAT(Invitation::withoutPanel(environment, desktop), HasSubstr(reason));
+    for (const auto& [found, reason] : cases) {
+        EXPECT_THAT(Invitation::missingDisplay(found), HasSubstr(reason));
+        EXPECT_THAT(Invitation::withoutPanel(found, desktop), HasSubstr(reason));
     }
 }
 

@@ -1,16 +1,15 @@
 #include "launcherapp/platform/linux/desktop/PictureClipboard.h"
 
+#include "launcherapp/platform/linux/pasteboard/NoPasteboard.h"
+#include "launcherapp/platform/linux/pasteboard/x11/X11Pasteboard.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "launcherapp/platform/linux/processes/ThreadPoolWorkQueues.h"
 #include "tests/linux/EventLoop.h"
 
 #include <gmock/gmock.h>
 
-#include <QClipboard>
 #include <QFile>
-#include <QGuiApplication>
 #include <QImage>
-#include <QMimeData>
 
 namespace tessarine {
 namespace {
@@ -22,7 +21,7 @@ protected:
     std::optional<std::string> copy(const std::string& path) {
         bool isOver = false;
         std::optional<std::string> result;
-        copyPicture(work, path, [&](std::optional<std::string> problem) {
+        copyPicture(work, *board, path, [&](std::optional<std::string> problem) {
             result = std::move(problem);
             isOver = true;
         });
@@ -38,13 +37,23 @@ protected:
         return path;
     }
 
-    static QByteArray clipboard() {
-        return QGuiApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"));
+    /// As another program gets it.
+    QByteArray clipboard() {
+        std::optional<PasteboardReading> reading;
+        X11Pasteboard other(queue);
+        other.offer([&](const std::optional<PasteboardOffer>& offer) {
+            other.read(offer ? offer->count : 0, "image/png", 100000, [&](PasteboardReading read) {
+                reading = std::move(read);
+            });
+        });
+        EXPECT_TRUE(spinUntil([&] { return reading.has_value(); }));
+        return QByteArray::fromStdString(reading->bytes);
     }
 
     ScratchFolder scratch;
     QtMainQueue queue;
     ThreadPoolWorkQueues work{queue};
+    std::unique_ptr<Pasteboard> board = std::make_unique<X11Pasteboard>(queue);
 };
 
 TEST_F(PictureClipboardTest, handsOnThePictureAsItIs) {
@@ -67,6 +76,12 @@ TEST_F(PictureClipboardTest, aBrokenPictureLeavesTheLastOne) {
     EXPECT_THAT(copy(path).value_or(""), HasSubstr("could not be read as a picture"));
     EXPECT_THAT(copy(scratch.path("/none.png")).value_or(""), HasSubstr("No such file"));
     EXPECT_EQ(clipboard(), before);
+}
+
+TEST_F(PictureClipboardTest, saysWhyItCantBeCopied) {
+    board = std::make_unique<NoPasteboard>(queue, "nobody sees the clipboard");
+    EXPECT_THAT(copy(picture("/a.png", "PNG")).value_or(""),
+                HasSubstr("nobody sees the clipboard"));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "launcherapp/platform/linux/input/X11KeyInjector.h"
 
-#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/input/SessionKeyInjector.h"
 #include "launcherapp/platform/linux/input/typing/X11KeyMap.h"
 #include "launcherapp/platform/linux/input/typing/X11TestKeys.h"

@@ -1,6 +1,6 @@
 #include "launcherapp/platform/linux/input/WaylandKeyInjector.h"
 
-#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/input/SessionKeyInjector.h"
 #include "launcherapp/platform/linux/input/typing/TextKeymap.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
@@ -10,6 +10,8 @@
 
 #include <gmock/gmock.h>
 #include <linux/input-event-codes.h>
+
+#include <csignal>
 
 namespace tessarine {
 namespace {
@@ -151,6 +153,27 @@ TEST_F(WaylandKeyInjectorTest, endsInTheMiddleOfAText) {
     EXPECT_TRUE(spinUntil([&] { return field.text().ends_with('z'); }));
 }
 
+TEST_F(WaylandKeyInjectorTest, whatWasNotSentIsNotSentLater) {
+    const ForeignField field(Kind::gtk);
+    copy(QStringLiteral("lost"));
+    EXPECT_TRUE(injector.paste(Chord::ordinary)); // plugged in, so that nothing is in the way
+    ASSERT_EQ(field.becomes("lost"), "lost");
+    const auto process = qEnvironmentVariableIntValue("COMPOSITOR_PROCESS");
+    ASSERT_EQ(::kill(process, SIGSTOP), 0);
+    EXPECT_FALSE(injector.paste(Chord::ordinary));
+    std::optional<bool> isWhole;
+    injector.type("late", [&](bool whole) { isWhole = whole; });
+    EXPECT_TRUE(spinUntil([&] { return isWhole.has_value(); }));
+    EXPECT_EQ(isWhole, false);
+    ::kill(process, SIGCONT);
+    ASSERT_TRUE(spinUntil([&] { return injector.ability().available; }));
+    hands.type("z");
+    EXPECT_EQ(field.becomes("lostz"), "lostz");
+    copy(QStringLiteral("end")); // a paste that came late has arrived by now
+    EXPECT_TRUE(injector.paste(Chord::ordinary));
+    EXPECT_EQ(field.becomes("lostzend"), "lostzend");
+}
+
 TEST(WaylandKeyInjectorCompositor, oneThatStandsStillOrDiesEndsEverything) {
     QtMainQueue queue;
     CompositorOfItsOwn compositor;
@@ -161,6 +184,7 @@ TEST(WaylandKeyInjectorCompositor, oneThatStandsStillOrDiesEndsEverything) {
     EXPECT_FALSE(injector->paste(Chord::ordinary));
     EXPECT_LT((queue.uptime() - begun).count(), 2);
     compositor.goOn();
+    ASSERT_TRUE(spinUntil([&] { return injector->ability().available; }));
     std::optional<bool> isWhole;
     injector->type("a", [&](bool whole) { isWhole = whole; });
     compositor.kill();

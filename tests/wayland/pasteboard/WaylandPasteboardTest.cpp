@@ -212,7 +212,27 @@ TEST(WaylandPasteboardCompositor, oneThatDiesEndsEverything) {
     const auto count = board.changeCount();
     EXPECT_EQ(board.write({}), count);
     WaylandPasteboard late(queue);
-    EXPECT_EQ(late.ability(), Ability::missing("no Wayland compositor answers"));
+    EXPECT_EQ(late.ability(), Ability::missing("the Wayland compositor does not answer"));
+}
+
+TEST(WaylandPasteboardCompositor, oneThatIsLateIsNotGivenUp) {
+    QtMainQueue queue;
+    CompositorOfItsOwn compositor;
+    compositor.stop();
+    WaylandPasteboard board(queue);
+    EXPECT_EQ(board.ability(), Ability::missing("the Wayland compositor does not answer"));
+    int changes = 0;
+    const auto subscription = board.onAbilityChanged([&] { ++changes; });
+    compositor.goOn();
+    ASSERT_TRUE(spinUntil([&] { return board.ability().available && changes == 1; }));
+    const auto count = board.changeCount();
+    EXPECT_EQ(board.write({.items = {{"a/b", std::make_shared<std::string>("x")}}}), count + 1);
+    std::vector<std::string> told;
+    board.read(count + 1, "a/b", 9, [&](const auto& reading) { told.push_back(reading.bytes); });
+    ASSERT_TRUE(spinUntil([&] { return !told.empty(); }));
+    EXPECT_THAT(told, ElementsAre("x"));
+    const WaylandOwner other({"a/b"}, givesNothing);
+    EXPECT_TRUE(spinUntil([&] { return board.changeCount() == count + 2; }));
 }
 
 TEST(WaylandPasteboardCompositor, oneThatStandsStillHoldsNobodyUp) {

@@ -1,17 +1,15 @@
 #include "launcherapp/platform/linux/desktop/PictureClipboard.h"
 
+#include "launcherapp/platform/Pasteboard.h"
 #include "launcherapp/platform/WorkQueues.h"
 
 #include <fmt/format.h>
 
 #include <QBuffer>
 #include <QByteArray>
-#include <QClipboard>
 #include <QFile>
-#include <QGuiApplication>
 #include <QImage>
 #include <QImageReader>
-#include <QMimeData>
 #include <memory>
 #include <utility>
 #include <variant>
@@ -45,25 +43,32 @@ Loaded loaded(const std::string& path) {
     return png;
 }
 
+using Done = std::function<void(std::optional<std::string> problem)>;
+
+void put(Pasteboard& board, const QByteArray& png, const Done& done) {
+    if (const auto ability = board.ability(); !ability.available)
+        return done("the picture can't be copied: " + ability.reason);
+    const auto count =
+        board.write({.items = {{.type = "image/png",
+                                .bytes = std::make_shared<std::string>(png.toStdString())}}});
+    // A display that refuses it says nothing unless it is asked.
+    board.offer([done, count](const std::optional<PasteboardOffer>& offer) {
+        done(offer && offer->count == count
+                 ? std::nullopt
+                 : std::optional<std::string>("the clipboard did not take the picture"));
+    });
+}
+
 } // namespace
 
-void copyPicture(WorkQueues& work,
-                 const std::string& path,
-                 std::function<void(std::optional<std::string> problem)> done) {
+void copyPicture(WorkQueues& work, Pasteboard& board, const std::string& path, Done done) {
     work.run(
         WorkPriority::userInitiated,
         [path] { return loaded(path); },
-        [done = std::move(done)](const Loaded& picture) {
-            auto* const application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+        [&board, done = std::move(done)](const Loaded& picture) {
             if (const auto* problem = std::get_if<std::string>(&picture))
                 return done(*problem);
-            if (!application)
-                return done("there is no display, so there is no clipboard");
-            // An image would be encoded anew, on the main thread, for each program that asks.
-            auto content = std::make_unique<QMimeData>();
-            content->setData(QStringLiteral("image/png"), std::get<QByteArray>(picture));
-            QGuiApplication::clipboard()->setMimeData(content.release());
-            done(std::nullopt);
+            put(board, std::get<QByteArray>(picture), done);
         });
 }
 

@@ -6,12 +6,14 @@
 
 namespace tessarine {
 
+class Pasteboard;
 class WorkQueues;
 
-/// Puts the picture of a file into the clipboard, as PNG, where it stays as long as the program
-/// runs. `done` is called once, later, with nothing on success, else with the problem in words. The
-/// file is read in the background. Main thread only; needs the application object of a display.
+/// Puts the picture of a file on the pasteboard, as PNG. `done` is called once, later: with nothing
+/// once other programs get it there, else with the problem in words. The file is read in the
+/// background. Main thread only; `board` outlives the program's work.
 void copyPicture(WorkQueues& work,
+                 Pasteboard& board,
                  const std::string& path,
                  std::function<void(std::optional<std::string> problem)> done);
 

@@ -7,11 +7,12 @@
 
 namespace tessarine {
 
-struct Environment;
+struct DesktopSurroundings;
 
 /// That of the session: through the Wayland compositor, or through the display of an X11 session;
-/// where neither lets programs press keys in other programs' windows, one that says why. Waits for
+/// where neither lets programs press keys in other programs' windows, one with the reason that the
+/// table of abilities has. Waits for
 /// the display's first answers. Main thread; `queue` outlives it.
-std::unique_ptr<KeyInjector> keyInjector(MainQueue& queue, const Environment& environment);
+std::unique_ptr<KeyInjector> keyInjector(MainQueue& queue, const DesktopSurroundings& desktop);
 
 } // namespace tessarine

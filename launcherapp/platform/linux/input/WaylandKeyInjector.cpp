@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/input/WaylandKeyInjector.h"
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/input/typing/TextKeymap.h"
 #include "launcherapp/platform/linux/input/typing/VirtualKeyboard.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
@@ -15,35 +16,40 @@
 
 namespace tessarine {
 
+namespace {
+
+constexpr std::string_view displayGone = "the Wayland display is gone";
+
+// Between two tries to connect, each of which may take WaylandConnection's patience.
+constexpr Seconds firstReconnection{2};
+constexpr Seconds longestReconnection{60};
+
+} // namespace
+
 class WaylandKeyInjector::Typist {
 public:
-    explicit Typist(MainQueue& queue) : queue_(queue) {
-        wasConnected_ = display_.answers();
-        if (!wasConnected_)
-            return;
-        notifier_.emplace(display_.descriptor(), QSocketNotifier::Read);
-        QObject::connect(&*notifier_, &QSocketNotifier::activated, [this] { listen(); });
-    }
+    explicit Typist(MainQueue& queue) : queue_(queue) { connect(); }
 
     Typist(const Typist&) = delete;
     Typist& operator=(const Typist&) = delete;
 
-    bool isConnected() const { return display_.answers(); }
+    bool isConnected() const { return display_ && display_->answers(); }
 
-    Ability ability() const {
+    /// Where there is no connection it tries to make one, if it hasn't just now.
+    Ability ability() {
+        if (!isConnected() && queue_.uptime() >= nextConnection_)
+            connect();
         if (!isConnected())
-            return Ability::missing(wasConnected_ ? "the Wayland display is gone"
-                                                  : "no Wayland compositor answers");
-        if (!VirtualKeyboard::isOffered(display_.registry()))
-            return Ability::missing("this Wayland compositor lets no program press keys (it has no "
-                                    "virtual-keyboard protocol)");
+            return Ability::missing(std::string(problem_));
+        if (!VirtualKeyboard::isOffered(display_->registry()))
+            return Ability::missing(std::string(DesktopTable::noKeys));
         return {};
     }
 
     bool paste(PasteChord chord) {
         if (!usual_)
             usual_ = TextKeymap::usual();
-        if (!usual_ || !ability().available || !layOut(*usual_))
+        if (!usual_ || !ability().available || !isThere() || !layOut(*usual_))
             return false;
         auto& keyboard = *keyboard_;
         const bool withShift = chord == PasteChord::terminal;
@@ -58,7 +64,7 @@ public:
             keyboard.release(KEY_LEFTSHIFT);
         keyboard.release(KEY_LEFTCTRL);
         keyboard.hold(0);
-        return display_.roundTrip();
+        return isThere();
     }
 
     void type(const std::string& text, std::function<void(bool typed)> done) {
@@ -83,10 +89,46 @@ private:
         });
     }
 
+    void connect() {
+        hangUp();
+        display_ = std::make_unique<WaylandConnection>();
+        if (!isConnected())
+            return wait();
+        problem_ = displayGone; // which is all that may come now
+        reconnection_ = firstReconnection;
+        notifier_.emplace(display_->descriptor(), QSocketNotifier::Read);
+        QObject::connect(&*notifier_, &QSocketNotifier::activated, [this] { listen(); });
+    }
+
+    void wait() {
+        nextConnection_ = queue_.uptime() + reconnection_;
+        reconnection_ = std::min(reconnection_ * 2, longestReconnection);
+    }
+
+    void hangUp() {
+        keyboard_.reset();
+        layout_.clear();
+        notifier_.reset();
+        display_.reset();
+    }
+
+    /// Whether the compositor has seen all keys, or, before there are any, would. One that goes on
+    /// later must not press what was told as not sent: it throws away what it has not read of a
+    /// program that hangs up.
+    bool isThere() {
+        if (display_->roundTrip())
+            return true;
+        if (isConnected())
+            problem_ = DesktopTable::silentCompositor;
+        hangUp();
+        wait();
+        return false;
+    }
+
     /// Plugs the keyboard in where it isn't yet.
     bool layOut(const TextKeymap& keymap) {
         if (!keyboard_ || !keyboard_->isPluggedIn()) {
-            keyboard_.emplace(display_);
+            keyboard_.emplace(*display_);
             layout_.clear();
         }
         if (layout_ == keymap.text())
@@ -97,18 +139,20 @@ private:
 
     /// So that what the compositor tells doesn't pile up, and its end is heard of.
     void listen() {
-        if (!display_.dispatchWhatCame())
+        if (!display_->dispatchWhatCame())
             notifier_->setEnabled(false);
     }
 
     void begin() {
         auto& typing = waiting_.front();
-        if (typing.characters.size() > longestText || !ability().available)
+        if (typing.characters.size() > longestText || !ability().available || !isThere())
             return end(false);
         typeTurn();
     }
 
     void typeTurn() {
+        if (!isConnected()) // a paste may have come between, and hung up
+            return end(false);
         auto& typing = waiting_.front();
         const auto& characters = typing.characters;
         if (typing.typed == typing.keymapEnd && typing.typed < characters.size()) {
@@ -124,7 +168,7 @@ private:
             std::min(typing.keymapEnd, typing.typed + TypedText::charactersPerTurn);
         for (; typing.typed < turnEnd; ++typing.typed)
             keyboard_->tap(typing.keymap->key(characters[typing.typed]));
-        if (!display_.roundTrip())
+        if (!isThere())
             return end(false);
         if (typing.typed == characters.size())
             return end(true);
@@ -140,8 +184,10 @@ private:
     }
 
     MainQueue& queue_;
-    WaylandConnection display_;
-    bool wasConnected_ = false;
+    std::unique_ptr<WaylandConnection> display_;                ///< null after hanging up
+    std::string_view problem_ = DesktopTable::silentCompositor; ///< why there is no connection
+    Seconds reconnection_ = firstReconnection;                  ///< the next pause
+    Seconds nextConnection_{0}; ///< not before, in the queue's uptime
     std::optional<QSocketNotifier> notifier_;
     std::optional<TextKeymap> usual_;                        ///< made when it is first needed
     std::optional<VirtualKeyboard> keyboard_;                ///< plugged in when it is first needed

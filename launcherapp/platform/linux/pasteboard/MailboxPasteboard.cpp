@@ -37,6 +37,7 @@ struct MailboxPasteboard::Callers {
     std::map<std::uint64_t, std::function<void(std::optional<PasteboardOffer> offer)>> offers;
     std::map<std::uint64_t, std::function<void(PasteboardReading reading)>> readings;
     Observers<std::uint64_t> abandonments;
+    Observers<> abilities;
 
     /// How the thread tells them through the queue, as long as they are there.
     static PasteboardNews
@@ -73,6 +74,13 @@ PasteboardNews MailboxPasteboard::Callers::news(MainQueue& queue,
                         const auto shared = callers.lock();
                         if (shared && mailbox.count() == count + 1)
                             shared->abandonments.tell(count);
+                    });
+                },
+            .abilityChanged =
+                [&queue, callers] {
+                    queue.post([callers] {
+                        if (const auto shared = callers.lock())
+                            shared->abilities.tell();
                     });
                 }};
 }
@@ -128,6 +136,10 @@ std::uint64_t MailboxPasteboard::write(PasteboardContent content) {
 
 Subscription MailboxPasteboard::onAbandoned(std::function<void(std::uint64_t count)> gone) {
     return callers_->abandonments.add(std::move(gone));
+}
+
+Subscription MailboxPasteboard::onAbilityChanged(std::function<void()> changed) {
+    return callers_->abilities.add(std::move(changed));
 }
 
 } // namespace tessarine

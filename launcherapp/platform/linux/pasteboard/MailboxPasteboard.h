@@ -29,6 +29,7 @@ public:
               std::function<void(PasteboardReading reading)> done) override;
     std::uint64_t write(PasteboardContent content) override;
     Subscription onAbandoned(std::function<void(std::uint64_t count)> gone) override;
+    Subscription onAbilityChanged(std::function<void()> changed) override;
 
 protected:
     /// Throws std::system_error when no descriptor is left.

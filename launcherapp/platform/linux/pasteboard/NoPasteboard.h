@@ -34,6 +34,8 @@ public:
 
     Subscription onAbandoned(std::function<void(std::uint64_t count)>) override { return {}; }
 
+    Subscription onAbilityChanged(std::function<void()>) override { return {}; }
+
 private:
     MainQueue& queue_;
     Ability ability_;

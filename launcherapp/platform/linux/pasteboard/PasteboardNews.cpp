@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/pasteboard/PasteboardNews.h"
 
 #include <poll.h>
+#include <variant>
 
 namespace tessarine {
 
@@ -11,9 +12,11 @@ void refuse(const PasteboardCall& call, const PasteboardNews& news, const std::s
         news.read(std::get<ReadRequest>(call).call, {.problem = problem});
 }
 
-void refuseRequests(PasteboardMailbox& mailbox,
+bool refuseRequests(PasteboardMailbox& mailbox,
                     const PasteboardNews& news,
-                    const std::string& problem) {
+                    const std::string& problem,
+                    std::optional<std::chrono::steady_clock::time_point> end) {
+    using std::chrono::milliseconds;
     constexpr int forever = -1;
     while (const auto requests = mailbox.take()) {
         for (const auto& request : *requests) {
@@ -21,10 +24,17 @@ void refuseRequests(PasteboardMailbox& mailbox,
                 refuse(*offer, news, problem);
             else if (const auto* read = std::get_if<ReadRequest>(&request))
                 refuse(*read, news, problem);
+            else
+                mailbox.refused(std::get<WriteRequest>(request).count);
         }
+        const auto now = std::chrono::steady_clock::now();
+        if (end && now >= *end)
+            return true;
+        const auto left = end ? std::chrono::ceil<milliseconds>(*end - now).count() : forever;
         pollfd door{.fd = mailbox.wakeDescriptor(), .events = POLLIN, .revents = 0};
-        ::poll(&door, 1, forever);
+        ::poll(&door, 1, static_cast<int>(left));
     }
+    return false;
 }
 
 PasteboardReading readingFromMemory(const std::string* bytes, std::size_t limitBytes) {

@@ -3,6 +3,7 @@
 #include "launcherapp/platform/Pasteboard.h"
 #include "launcherapp/platform/linux/pasteboard/PasteboardMailbox.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -17,6 +18,7 @@ struct PasteboardNews {
     std::function<void(std::uint64_t call, std::optional<PasteboardOffer> offer)> offered;
     std::function<void(std::uint64_t call, PasteboardReading reading)> read;
     std::function<void(std::uint64_t count)> abandoned;
+    std::function<void()> abilityChanged; ///< the mailbox has it
 };
 
 /// A request that is answered.
@@ -28,10 +30,12 @@ inline constexpr auto somethingElseThere = "something else lies on the clipboard
 /// Answers a call that nothing can be told for.
 void refuse(const PasteboardCall& call, const PasteboardNews& news, const std::string& problem);
 
-/// Answers all calls so until the mailbox is closed.
-void refuseRequests(PasteboardMailbox& mailbox,
+/// Answers all calls so, and gives up the writes that were under way, until the mailbox is closed
+/// or the time is over. False once it is closed.
+bool refuseRequests(PasteboardMailbox& mailbox,
                     const PasteboardNews& news,
-                    const std::string& problem);
+                    const std::string& problem,
+                    std::optional<std::chrono::steady_clock::time_point> end = std::nullopt);
 
 /// Of our own content, which nobody has to be asked for; null for a type that it doesn't have.
 PasteboardReading readingFromMemory(const std::string* bytes, std::size_t limitBytes);

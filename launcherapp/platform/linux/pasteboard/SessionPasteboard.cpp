@@ -1,25 +1,22 @@
 #include "launcherapp/platform/linux/pasteboard/SessionPasteboard.h"
 
-#include "launcherapp/platform/Environment.h"
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/pasteboard/NoPasteboard.h"
 #include "launcherapp/platform/linux/pasteboard/wayland/WaylandPasteboard.h"
 #include "launcherapp/platform/linux/pasteboard/x11/X11Pasteboard.h"
 
-#include <string>
-
 namespace tessarine {
 
-std::unique_ptr<Pasteboard> pasteboard(MainQueue& queue, const Environment& environment) {
-    std::string reason = "there is no display";
-    if (environment.hasWayland) {
-        auto wayland = std::make_unique<WaylandPasteboard>(queue);
-        if (wayland->ability().available)
-            return wayland;
-        reason = wayland->ability().reason;
-    }
-    if (environment.hasX11)
+std::unique_ptr<Pasteboard> pasteboard(MainQueue& queue, const DesktopSurroundings& desktop) {
+    constexpr auto ability = DesktopAbility::clipboardHistory;
+    const auto cell = DesktopTable::cell(desktop, ability);
+    // A compositor that is only late is asked again later.
+    if (desktop.hasWayland &&
+        (cell.state == DesktopCell::State::works || DesktopTable::isSilent(desktop)))
+        return std::make_unique<WaylandPasteboard>(queue);
+    if (desktop.hasX11)
         return std::make_unique<X11Pasteboard>(queue);
-    return std::make_unique<NoPasteboard>(queue, reason);
+    return std::make_unique<NoPasteboard>(queue, DesktopTable::reason(desktop, ability));
 }
 
 } // namespace tessarine

@@ -7,13 +7,14 @@
 
 namespace tessarine {
 
-struct Environment;
+struct DesktopSurroundings;
 
-/// That of the session: the Wayland compositor's where it shows the clipboard to programs without
-/// the focus; else that of the X11 display, which a compositor may keep the same for its X11
-/// programs; where neither is, one that says why. Waits for the compositor's first answers. Throws
+/// That of the session, as the table of abilities has it: the Wayland compositor's where it shows
+/// the clipboard to programs without the focus, or has not said yet what it does; else that of the
+/// X11 display, which a compositor may keep the same for its X11 programs; where neither is, one
+/// with the table's reason. Waits for the compositor's first answers. Throws
 /// std::system_error when there is no descriptor or no thread to be had. Main thread; `queue`
 /// outlives it.
-std::unique_ptr<Pasteboard> pasteboard(MainQueue& queue, const Environment& environment);
+std::unique_ptr<Pasteboard> pasteboard(MainQueue& queue, const DesktopSurroundings& desktop);
 
 } // namespace tessarine

@@ -2,12 +2,16 @@
 
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
+#include "launcherapp/platform/linux/input/X11InputDevices.h"
 #include "launcherapp/platform/linux/portal/DesktopPortal.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+#include "launcherapp/platform/linux/wayland/windows/LocalSocket.h"
+#include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
+#include <QGuiApplication>
 #include <QStringList>
 #include <array>
 #include <cstdlib>
@@ -23,6 +27,22 @@ constexpr auto portalInterfaces = std::to_array<const char*>({"GlobalShortcuts",
 bool isSet(const char* variable) {
     const char* const value = std::getenv(variable);
     return value && *value != '\0';
+}
+
+/// The variable outlives the sway that set it.
+bool isSwayThere() {
+    const char* const path = std::getenv("SWAYSOCK");
+    return path && LocalSocket(path).isOpen();
+}
+
+bool isX11Compositors() {
+    const X11Connection display;
+    return display.answers() && isWaylandsDisplay(display.xcb());
+}
+
+bool isQtOnX11() {
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) &&
+           QGuiApplication::platformName() == QLatin1String("xcb");
 }
 
 QDBusMessage namesCall() {
@@ -55,12 +75,18 @@ DesktopSurroundings DesktopLook::display(const Environment& environment) {
     DesktopSurroundings found{.hasX11 = environment.hasX11,
                               .hasWayland = environment.hasWayland,
                               .hasSessionBus = sessionBusAddress().has_value(),
-                              .hasSway = isSet("SWAYSOCK"),
+                              .isShownOnX11 = isQtOnX11(),
+                              .hasSway = isSwayThere(),
                               .hasHyprland = isSet("HYPRLAND_INSTANCE_SIGNATURE"),
                               .desktops = environment.desktops};
+    if (environment.hasX11)
+        found.isX11Compositors = isX11Compositors();
     if (!environment.hasWayland)
         return found;
     const WaylandConnection compositor;
+    // The variable may be left of another session, or the program kept from what it names.
+    if (!compositor.display() && environment.hasX11)
+        found.hasWayland = false;
     if (!compositor.answers())
         return found;
     for (const auto& global : compositor.registry().globals())

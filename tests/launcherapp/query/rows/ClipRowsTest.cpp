@@ -8,6 +8,7 @@
 namespace tessarine {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -118,6 +119,16 @@ TEST_F(ClipRowsTest, aRowSaysWhatWasCopiedWhereAndWhen) {
     EXPECT_THAT(done, ElementsAre("paste e"));
     pastes = false; // Return must not promise what it doesn't do
     EXPECT_EQ(clippingRows(sources(), "", std::nullopt).front().primaryLabel, "copy");
+}
+
+TEST_F(ClipRowsTest, saysBeforeReturnWhatTheDesktopCantDo) {
+    addOneOfEach();
+    auto hindered = sources();
+    hindered.onlyCopies = "no keys, Ctrl+V pastes";
+    EXPECT_THAT(clippingPreview(hindered, row("a"))->facts, Contains("no keys, Ctrl+V pastes"));
+    hindered.unusable = "no clipboard";
+    EXPECT_EQ(clippingRows(hindered, "", std::nullopt).front().subtitle,
+              "can't be copied: no clipboard");
 }
 
 TEST_F(ClipRowsTest, aListIsBoundedAndTheNewestLead) {

@@ -24,17 +24,25 @@ constexpr auto noSeat = "this Wayland session has no seat, and so no clipboard";
 /// Works while the compositor is there.
 class Worker {
 public:
+    /// What lies there has the count `first`.
     Worker(WaylandConnection& display,
            PasteboardMailbox& mailbox,
            TransferLimits limits,
-           const PasteboardNews& news)
-        : display_(display), mailbox_(mailbox), news_(news), control_(display), writers_(limits),
+           const PasteboardNews& news,
+           std::uint64_t first)
+        : display_(display), mailbox_(mailbox), news_(news), first_(first), control_(display),
+          writers_(limits),
           calls_({.control = control_, .mailbox = mailbox, .news = news}, limits) {}
 
-    /// Until the mailbox is closed, or the compositor is gone.
-    void run();
+    /// Until the mailbox is closed, which is told as false, or the compositor is gone.
+    bool run();
 
-    void refuseAll(const std::string& problem) { calls_.refuseAll(problem); }
+    /// Ends what is under way.
+    void giveUp(const std::string& problem) {
+        calls_.refuseAll(problem);
+        if (claim_)
+            mailbox_.refused(claim_->content.count);
+    }
 
 private:
     bool takeRequests();
@@ -50,6 +58,7 @@ private:
     WaylandConnection& display_;
     PasteboardMailbox& mailbox_;
     const PasteboardNews& news_;
+    const std::uint64_t first_;
     DataControl control_;
     ContentWriters writers_;
     OfferCalls calls_;
@@ -61,13 +70,15 @@ private:
     TransferClock::time_point now_;
 };
 
-void Worker::run() {
+bool Worker::run() {
     lookForSeat();
     beginning_ = control_.confirm();
     while (true) {
         now_ = TransferClock::now();
-        if (!takeRequests() || !display_.dispatchWhatCame())
-            return;
+        if (!takeRequests())
+            return false;
+        if (!display_.dispatchWhatCame())
+            return true;
         for (auto& event : control_.take())
             std::visit([this](auto& each) { take(each); }, event);
         lookForSeat();
@@ -75,7 +86,7 @@ void Worker::run() {
         calls_.goOn(board_, now_);
         const bool isAllSent = wl_display_flush(display_.display()) >= 0;
         if (!isAllSent && errno != EAGAIN)
-            return;
+            return true;
         sleep(isAllSent);
     }
 }
@@ -105,9 +116,12 @@ void Worker::lookForSeat() {
     const bool hasSeat = control_.hasSeat();
     if (std::exchange(hasSeat_, hasSeat) == hasSeat)
         return;
-    if (hasSeat)
-        return mailbox_.regain();
+    if (hasSeat) {
+        mailbox_.regain();
+        return news_.abilityChanged();
+    }
     mailbox_.lose(noSeat);
+    news_.abilityChanged();
     owned_.reset();
     board_.offer.reset();
     board_.content = nullptr;
@@ -157,7 +171,7 @@ void Worker::take(const DataControl::Confirmed& event) {
     if (claim_ && claim_->question == event.question)
         settle();
     if (beginning_ == 0 && board_.count == 0)
-        board_.count = PasteboardMailbox::firstCount;
+        board_.count = first_;
 }
 
 /// The compositor has done with our write, one way or the other.
@@ -192,17 +206,47 @@ void Worker::sleep(bool isAllSent) const {
     ::poll(doors.data(), doors.size(), patience);
 }
 
+/// Works as long as the compositor is there. False once the mailbox is closed.
+bool workWhileThere(WaylandConnection& display,
+                    PasteboardMailbox& mailbox,
+                    TransferLimits limits,
+                    const PasteboardNews& news,
+                    std::uint64_t first) {
+    Worker worker(display, mailbox, limits, news, first);
+    const bool isLost = worker.run();
+    mailbox.lose(displayGone);
+    news.abilityChanged();
+    worker.giveUp(displayGone);
+    return isLost;
+}
+
 } // namespace
 
-void runDataControlWorker(WaylandConnection& display,
+void runDataControlWorker(std::unique_ptr<WaylandConnection>& display,
                           PasteboardMailbox& mailbox,
                           TransferLimits limits,
                           const PasteboardNews& news) {
-    if (mailbox.ability().available) {
-        Worker worker(display, mailbox, limits, news);
-        worker.run();
-        mailbox.lose(displayGone);
-        worker.refuseAll(displayGone);
+    auto first = PasteboardMailbox::firstCount;
+    auto pause = std::chrono::duration_cast<TransferClock::duration>(firstReconnection);
+    while (true) {
+        if (display->answers()) {
+            if (!DataControl::isOffered(display->registry()))
+                break;
+            if (!workWhileThere(*display, mailbox, limits, news, first))
+                return;
+            pause = firstReconnection;
+        }
+        const auto again = TransferClock::now() + pause;
+        if (!refuseRequests(mailbox, news, mailbox.ability().reason, again))
+            return;
+        pause = std::min<TransferClock::duration>(pause * 2, longestReconnection);
+        display = std::make_unique<WaylandConnection>();
+        if (!display->answers() || !DataControl::isOffered(display->registry()))
+            continue;
+        // What lies there now may be another thing.
+        first = mailbox.othersChange().value_or(mailbox.count());
+        mailbox.regain();
+        news.abilityChanged();
     }
     refuseRequests(mailbox, news, mailbox.ability().reason);
 }

@@ -5,6 +5,8 @@
 #include "launcherapp/platform/linux/pasteboard/TransferLimits.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
 
+#include <memory>
+
 namespace tessarine {
 
 /// The clipboard of a Wayland compositor by its data-control protocol, which needs no focus, on a
@@ -17,8 +19,9 @@ namespace tessarine {
 /// emptied the clipboard can be emptied again, one that is gone with its program cannot be had
 /// back. A secret is not at stake, as it is never kept to be put back.
 ///
-/// The ability goes when the compositor does, for good, and with the seat, until there is one
-/// again.
+/// The ability goes with the compositor, or when the connection breaks, until a new connection is
+/// answered, which is tried after a second and then ever more rarely; and with the seat, until
+/// there is one again. What lies there when it comes back counts as a change.
 class WaylandPasteboard : public MailboxPasteboard {
 public:
     /// Connects to the compositor, and waits for it no longer than WaylandConnection's patience;
@@ -26,12 +29,14 @@ public:
     /// std::system_error when there is no descriptor or no thread to be had.
     explicit WaylandPasteboard(MainQueue& queue, TransferLimits limits = {});
 
-    /// At once, whatever is under way; what was asked for is not called any more, and what we own
+    /// At once, whatever is under way, but while a silent compositor is being asked again
+    /// (WaylandConnection's patience); what was asked for is not called any more, and what we own
     /// goes with us.
     ~WaylandPasteboard() override;
 
 private:
-    WaylandConnection display_; ///< the thread's alone once it runs
+    /// The thread's alone once it runs; never null.
+    std::unique_ptr<WaylandConnection> display_ = std::make_unique<WaylandConnection>();
 };
 
 } // namespace tessarine

@@ -228,6 +228,7 @@ void runPasteboardWorker(const X11Connection& display,
         else if (display.answers())
             problem = "the display doesn't tell when the clipboard changes";
         mailbox.lose(problem);
+        news.abilityChanged();
         worker.refuseAll(problem);
     }
     mailbox.lose(problem);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/WindowList.h"
 #include "launcherapp/platform/linux/desktop/NoWindowControl.h"
 #include "launcherapp/platform/linux/wayland/windows/ForeignToplevels.h"
@@ -42,7 +43,7 @@ private:
 class ToplevelWindowControl : public NoWindowControl {
 public:
     explicit ToplevelWindowControl(std::shared_ptr<ForeignToplevels> toplevels)
-        : NoWindowControl("this Wayland compositor lets no program move windows"),
+        : NoWindowControl(std::string(DesktopTable::windowsStay)),
           toplevels_(std::move(toplevels)) {}
 
     void close(std::uint64_t window) override { toplevels_->close(window); }
