@@ -9,9 +9,17 @@
 #include <QGuiApplication>
 #include <QWidget>
 #include <QWindow>
+#include <chrono>
 #include <utility>
 
 namespace tessarine {
+
+namespace {
+
+/// For a compositor to say that a window that is gone has no keyboard any more.
+constexpr std::chrono::milliseconds longestLeave{50};
+
+} // namespace
 
 PlainPanelSurface::PlainPanelSurface()
     : wayland_(QtWayland::isThere() ? std::make_unique<QtWayland>() : nullptr) {}
@@ -55,8 +63,17 @@ void PlainPanelSurface::show() {
 
 void PlainPanelSurface::hide() {
     hadKeyboard_ = false;
-    if (widget_)
-        widget_->hide();
+    if (!widget_)
+        return;
+    widget_->hide();
+    // The next show would else take the focus of this one for its own.
+    if (wayland_)
+        wayland_->waitUntil(
+            [window = widget_->windowHandle()] {
+                QWindowSystemInterface::flushWindowSystemEvents(QEventLoop::ExcludeUserInputEvents);
+                return QGuiApplication::focusWindow() != window;
+            },
+            longestLeave);
 }
 
 bool PlainPanelSurface::hasKeyboard() const {
