@@ -44,8 +44,8 @@ public:
     virtual void setFrame(const Rectangle& frame) = 0;
 
     /// Brings it up with the field focused, and takes the keyboard: at once when it is free, else
-    /// as soon as it is, trying for a second before `lostKeyboard`. Where it is an ordinary window or
-    /// nobody has a keyboard it stays up instead, for the pointer.
+    /// as soon as it is, trying for a second before `lostKeyboard`. Where it is an ordinary window
+    /// or nobody has a keyboard it stays up instead, for the pointer.
     virtual void show() = 0;
     virtual void hide() = 0;
     virtual bool isVisible() const = 0;
