@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QByteArray>
-#include <QGuiApplication>
 #include <QString>
 #include <QVariantMap>
 
@@ -13,18 +11,8 @@ namespace tessarine {
 /// for an empty token nothing is done. Main thread only.
 class SummonsToken {
 public:
-    explicit SummonsToken(const QString& token)
-        : isSet_(!token.isEmpty() &&
-                 QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
-        if (isSet_)
-            qputenv(variable, token.toUtf8());
-    }
-
-    ~SummonsToken() {
-        if (isSet_)
-            qunsetenv(variable);
-    }
-
+    explicit SummonsToken(const QString& token);
+    ~SummonsToken();
     SummonsToken(const SummonsToken&) = delete;
     SummonsToken& operator=(const SummonsToken&) = delete;
 
@@ -39,8 +27,6 @@ public:
     }
 
 private:
-    static constexpr auto variable = "XDG_ACTIVATION_TOKEN";
-
     bool isSet_;
 };
 
