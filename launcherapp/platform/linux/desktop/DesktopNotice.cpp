@@ -16,7 +16,7 @@ namespace {
 
 constexpr Seconds patience{10}; ///< the bus may have to start who shows it
 
-// Desktop Notifications Specification 1.2.
+// The desktop notifications protocol, version 1.2.
 const auto service = QStringLiteral("org.freedesktop.Notifications");
 const auto icon = QStringLiteral("com.corvane.tessarine");
 
