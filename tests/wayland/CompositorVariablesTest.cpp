@@ -3,7 +3,7 @@
 #include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
 #include "tests/linux/EventLoop.h"
 #include "tests/wayland/CompositorOfItsOwn.h"
-#include "tests/wayland/windows/ListeningSocket.h"
+#include "tests/wayland/windows/ipc/ListeningSocket.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
 #include "launcherapp/platform/linux/portal/DesktopPortal.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
-#include "launcherapp/platform/linux/wayland/windows/LocalSocket.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <QDBusConnection>

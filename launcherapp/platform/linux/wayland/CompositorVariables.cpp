@@ -1,6 +1,6 @@
 #include "launcherapp/platform/linux/wayland/CompositorVariables.h"
 
-#include "launcherapp/platform/linux/wayland/windows/LocalSocket.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 
 #include <cstdlib>
 #include <filesystem>

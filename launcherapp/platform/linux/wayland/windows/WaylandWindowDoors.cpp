@@ -1,11 +1,11 @@
 #include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
 
-#include "launcherapp/platform/linux/wayland/windows/HyprlandIpc.h"
-#include "launcherapp/platform/linux/wayland/windows/IpcWindowControl.h"
-#include "launcherapp/platform/linux/wayland/windows/IpcWindowList.h"
-#include "launcherapp/platform/linux/wayland/windows/ReturningIpc.h"
-#include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ToplevelDoors.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowControl.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowList.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/ReturningIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SwayIpc.h"
 
 #include <QString>
 #include <utility>

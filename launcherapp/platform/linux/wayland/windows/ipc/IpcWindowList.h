@@ -1,7 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/WindowList.h"
-#include "launcherapp/platform/linux/wayland/windows/CompositorIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/SwayTree.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SwayTree.h"
 
 #include "LauncherCore/text/JsonFields.h"
 

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/IpcWindowList.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowList.h"
 
 #include "launcherapp/platform/linux/processes/ProcessFacts.h"
 #include "launcherapp/platform/linux/wayland/windows/ActiveChange.h"

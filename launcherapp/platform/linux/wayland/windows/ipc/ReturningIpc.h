@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcherapp/platform/linux/wayland/windows/CompositorIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
 
 #include <QTimer>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/IpcWindowControl.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowControl.h"
 
 #include "launcherapp/platform/linux/desktop/X11WindowControl.h"
 

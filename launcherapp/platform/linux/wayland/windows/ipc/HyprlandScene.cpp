@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/HyprlandScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandScene.h"
 
 #include "LauncherCore/text/JsonFields.h"
 

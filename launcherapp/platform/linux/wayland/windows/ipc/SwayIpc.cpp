@@ -1,6 +1,6 @@
-#include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SwayIpc.h"
 
-#include "launcherapp/platform/linux/wayland/windows/SwayTree.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SwayTree.h"
 
 #include <fmt/format.h>
 

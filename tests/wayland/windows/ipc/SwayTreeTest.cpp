@@ -1,9 +1,9 @@
-#include "launcherapp/platform/linux/wayland/windows/SwayTree.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SwayTree.h"
 
-#include "launcherapp/platform/linux/wayland/windows/SwayIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SwayIpc.h"
 #include "tests/fakes/RectanglePrinting.h"
 #include "tests/linux/EventLoop.h"
-#include "tests/wayland/windows/ListeningSocket.h"
+#include "tests/wayland/windows/ipc/ListeningSocket.h"
 
 #include <gmock/gmock.h>
 

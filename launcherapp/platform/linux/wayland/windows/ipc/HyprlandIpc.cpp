@@ -1,6 +1,6 @@
-#include "launcherapp/platform/linux/wayland/windows/HyprlandIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
 
-#include "launcherapp/platform/linux/wayland/windows/HyprlandScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandScene.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/WindowScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/WindowScene.h"
 
 #include <algorithm>
 

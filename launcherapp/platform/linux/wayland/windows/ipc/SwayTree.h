@@ -1,6 +1,6 @@
 #pragma once
 
-#include "launcherapp/platform/linux/wayland/windows/WindowScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/WindowScene.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/ReturningIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/ReturningIpc.h"
 
 #include <utility>
 

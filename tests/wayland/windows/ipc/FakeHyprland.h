@@ -1,7 +1,7 @@
 #pragma once
 
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
-#include "tests/wayland/windows/ListeningSocket.h"
+#include "tests/wayland/windows/ipc/ListeningSocket.h"
 
 #include <algorithm>
 #include <functional>

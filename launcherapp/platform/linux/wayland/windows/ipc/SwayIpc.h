@@ -1,7 +1,7 @@
 #pragma once
 
-#include "launcherapp/platform/linux/wayland/windows/CompositorIpc.h"
-#include "launcherapp/platform/linux/wayland/windows/LocalSocket.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 
 #include <cstdint>
 #include <deque>

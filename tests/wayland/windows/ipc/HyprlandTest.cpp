@@ -1,8 +1,8 @@
-#include "launcherapp/platform/linux/wayland/windows/CompositorIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
 #include "tests/fakes/RectanglePrinting.h"
 #include "tests/linux/EventLoop.h"
-#include "tests/wayland/windows/FakeHyprland.h"
+#include "tests/wayland/windows/ipc/FakeHyprland.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "launcherapp/platform/linux/wayland/windows/LocalSocket.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/WindowControl.h"
-#include "launcherapp/platform/linux/wayland/windows/WindowScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/WindowScene.h"
 
 #include <chrono>
 #include <cstdint>
