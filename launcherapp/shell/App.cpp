@@ -4,7 +4,6 @@
 #include "launcherapp/panel/appearance/Appearance.h"
 #include "launcherapp/panel/view/modes/RenderModes.h"
 #include "launcherapp/platform/linux/desktop/DesktopApplication.h"
-#include "launcherapp/platform/linux/desktop/DesktopNotice.h"
 #include "launcherapp/platform/linux/desktop/LostDisplay.h"
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
@@ -15,10 +14,10 @@
 #include "launcherapp/shell/AppCommands.h"
 #include "launcherapp/shell/AppServices.h"
 #include "launcherapp/shell/Demonstration.h"
-#include "launcherapp/shell/DesktopKey.h"
 #include "launcherapp/shell/DesktopPresence.h"
 #include "launcherapp/shell/FreshRows.h"
 #include "launcherapp/shell/Invitation.h"
+#include "launcherapp/shell/PanelInvitation.h"
 #include "launcherapp/shell/ProductInfo.h"
 #include "launcherapp/shell/RowWiring.h"
 #include "launcherapp/shell/SingleInstance.h"
@@ -39,7 +38,6 @@
 #include <optional>
 #include <span>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -51,15 +49,6 @@ namespace {
 /// scan that is cut off is made anew by the next start.
 constexpr Seconds lastPatience{0.5};
 
-/// How long nothing is said to the user while the desktop asks for the panel's key.
-constexpr Seconds userPatience{2};
-
-// What the program remembers about keys, among the preferences.
-constexpr std::string_view toldOfDesktopKey = "toldOfDesktopKey";
-constexpr std::string_view desktopKeyWorks = "desktopKeyWorks";
-
-constexpr auto desktopKeyInWords = "The key of your desktop's settings";
-
 /// For whoever asks what the desktop can do: its portal may have to be started first.
 constexpr std::chrono::milliseconds portalPatience{2000};
 
@@ -67,15 +56,6 @@ void printLine(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
-}
-
-void invite(const std::string& text) {
-    std::fputs((text + "\n").c_str(), stderr);
-}
-
-Invitation::StartedFrom startedFrom() {
-    using enum Invitation::StartedFrom;
-    return ::isatty(STDERR_FILENO) ? terminal : desktop;
 }
 
 AppRun kindOfRun(const CommandLine& commandLine) {
@@ -129,8 +109,6 @@ private:
     void makeCommands();
     void makePanel();
     void registerHotkeys();
-    void inviteToPanel();
-    void noteDesktopKey();
     void takeBusName();
     void keepRowsFresh();
     void startClipboard();
@@ -156,6 +134,7 @@ private:
     std::optional<RowWiring> rows;
     std::optional<Look> look;
     std::optional<DesktopPresence> presence; ///< nothing where Qt has no windows to show
+    std::optional<PanelInvitation> invitation;
     std::optional<AppCommands> commands;
     std::optional<FreshRows> fresh;
     std::vector<Subscription> publications;
@@ -358,49 +337,17 @@ void App::Parts::startClipboard() {
 void App::Parts::registerHotkeys() {
     if (!presence) {
         diagnostics.log("panel: " + Invitation::missingDisplay(doors.desktop));
-        invite(Invitation::withoutPanel(doors.desktop, startedFrom()));
+        PanelInvitation::tellWithoutPanel(doors.desktop);
         return;
     }
     presence->registerHotkey();
-    presence->whenChordIsKnown([this] { inviteToPanel(); });
-    doors.queue.postAfter(userPatience, [this] {
-        if (presence->chord().state == Invitation::Chord::State::asked)
-            inviteToPanel();
-    });
-}
-
-/// Where no key is the program's, the desktop may have one of its own that calls it; until one has,
-/// the user is told how to make one: each time in a terminal, and once on the screen.
-void App::Parts::inviteToPanel() {
-    auto chord = presence->chord();
-    const bool isKeyless = chord.state == Invitation::Chord::State::none;
-    if (isKeyless && services->defaults.value<bool>(desktopKeyWorks).value_or(false))
-        chord.state = Invitation::Chord::State::desktopOwn;
-    const auto key = isKeyless ? DesktopKeys::forPanel(doors.desktop) : DesktopKey();
-    if (chord.state == Invitation::Chord::State::desktopOwn)
-        presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
-    else if (isKeyless)
-        presence->setKeyless({.keys = {}, .advice = key.where + ": " + key.line});
-    invite(Invitation::withPanel(chord, key, startedFrom()));
-    if (chord.state != Invitation::Chord::State::none || kind.isDemonstration ||
-        services->defaults.value<bool>(toldOfDesktopKey).value_or(false))
-        return;
-    const auto notice = Invitation::noKeyYet(chord, key);
-    DesktopNotice::show(
-        notice.title, notice.text, [this](const std::optional<std::string>& problem) {
-            if (problem)
-                return diagnostics.log("hotkey: how to make one could not be shown: " + *problem);
-            services->defaults.set(toldOfDesktopKey, true);
-        });
-}
-
-/// Who calls an action may be a menu too, but a key is what calls it where there is no other.
-void App::Parts::noteDesktopKey() {
-    if (presence->chord().state == Invitation::Chord::State::none &&
-        !services->defaults.value<bool>(desktopKeyWorks).value_or(false)) {
-        services->defaults.set(desktopKeyWorks, true);
-        presence->setKeyless({.keys = desktopKeyInWords, .advice = {}});
-    }
+    invitation.emplace(*presence,
+                       services->defaults,
+                       doors.desktop,
+                       diagnostics,
+                       kind.isDemonstration ? PanelInvitation::Notices::none
+                                            : PanelInvitation::Notices::allowed);
+    invitation->tellOnceKnown(doors.queue);
 }
 
 void App::Parts::takeBusName() {
@@ -416,7 +363,8 @@ void App::Parts::takeBusName() {
             .activate = ofPanel([this] { presence->bringUp(); }),
             .actions = {{"toggle", ofPanel([this] {
                              presence->panel()->toggle();
-                             noteDesktopKey();
+                             if (invitation)
+                                 invitation->noteCall();
                          })},
                         {"clipboard", ofPanel([this] { presence->panel()->toggleClipboard(); })},
                         {"settings", [this] { services->openSettings(); }}},
