@@ -16,6 +16,7 @@ struct RowVerbs {
     std::function<void(const CatalogApp& app)> quitApp;
     std::function<void(const std::string& url)> openUrl;
     std::function<void(const std::string& text)> copyText;
+    std::function<std::string()> copyObstacle; ///< why nothing can be copied now; "" where it can
     /// Into the window that the user came from, key by key.
     std::function<void(const std::string& text)> typeText;
     std::function<void(const CommandSpec& command, const std::string& argument)> runCommand;

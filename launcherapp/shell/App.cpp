@@ -242,9 +242,11 @@ void App::Parts::makeServices() {
                           : AppClipboard::Board::none);
     const auto openSettings = [&made] { made.openSettings(); };
     const auto quit = [] { QCoreApplication::exit(0); };
-    RowWiring::Verbs verbs{.copyText = {}, .openSettings = openSettings, .quitProgram = quit};
+    RowWiring::Verbs verbs{
+        .copyText = {}, .copyObstacle = {}, .openSettings = openSettings, .quitProgram = quit};
     if (hasWindows) {
         verbs.copyText = [this](const std::string& text) { clipboard->copyText(text); };
+        verbs.copyObstacle = [this] { return clipboard->board->ability().reason; };
         presence.emplace(
             DesktopPresence::Services{.queue = doors.queue,
                                       .work = doors.work,

@@ -53,6 +53,7 @@ void RowWiring::wireVerbs(Verbs verbs) {
     model.quitProgram = std::move(verbs.quitProgram);
     model.openSettings = std::move(verbs.openSettings);
     model.copyText = std::move(verbs.copyText);
+    model.copyObstacle = std::move(verbs.copyObstacle);
     model.lookUpWord = [this](const std::string& word) { openDictionary(word); };
     model.openPath = [&opener](const std::string& path) { opener.open(path); };
     model.revealPath = [&opener](const std::string& path) { opener.reveal(path); };

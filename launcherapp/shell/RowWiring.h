@@ -44,6 +44,7 @@ public:
     /// What a row asks the program itself to do.
     struct Verbs {
         std::function<void(const std::string& text)> copyText; ///< empty without a clipboard
+        std::function<std::string()> copyObstacle;             ///< as `RowVerbs` has it
         std::function<void()> openSettings;
         std::function<void()> quitProgram;
     };

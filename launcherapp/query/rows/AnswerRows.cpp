@@ -4,6 +4,7 @@
 #include "LauncherCore/answers/Currency.h"
 #include "LauncherCore/answers/Units.h"
 #include "LauncherCore/text/Folding.h"
+#include "launcherapp/query/rows/CopyingRows.h"
 
 #include <cstdint>
 #include <utility>
@@ -28,7 +29,7 @@ ResultRow answerRow(std::string id,
     return {.id = std::move(id),
             .kind = RowKind::calc,
             .title = answer.value,
-            .subtitle = answer.detail,
+            .subtitle = copyingSubtitle(answer.detail, sources.history.verbs),
             .symbol = answer.symbol,
             .primary =
                 [copy = sources.history.verbs.copyText,

@@ -1,6 +1,7 @@
 #include "launcherapp/query/rows/CalcHistoryRows.h"
 
 #include "LauncherCore/text/Folding.h"
+#include "launcherapp/query/rows/CopyingRows.h"
 
 #include <algorithm>
 #include <utility>
@@ -109,7 +110,7 @@ std::vector<ResultRow> calcHistoryRows(const CalcHistoryRowSources& sources,
         auto& row = rows.emplace_back(entryRow(entry, sources));
         row.id = std::string(entryPrefix) + entry.id;
         row.title = entry.formatted;
-        row.subtitle = subtitle(entry);
+        row.subtitle = copyingSubtitle(subtitle(entry), sources.verbs);
     }
     if (rows.empty()) {
         const std::string query(Folding::trimmed(argument));
@@ -133,7 +134,8 @@ std::vector<ResultRow> earlierCalculationRows(const CalcHistoryRowSources& sourc
         row.id = earlierID(entry);
         // The second line has no room for what was typed.
         row.title = entry.name.value_or(entry.expression) + " = " + entry.formatted;
-        row.subtitle = entry.name ? "earlier · saved as " + *entry.name : "earlier";
+        row.subtitle = copyingSubtitle(entry.name ? "earlier · saved as " + *entry.name : "earlier",
+                                       sources.verbs);
         row.score = firstEarlierScore - static_cast<std::int64_t>(rows.size());
         rows.push_back(std::move(row));
     }

@@ -1,6 +1,7 @@
 #include "launcherapp/query/rows/EmojiRows.h"
 
 #include "LauncherCore/answers/Emoji.h"
+#include "launcherapp/query/rows/CopyingRows.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +25,7 @@ std::vector<ResultRow> emojiRows(std::string_view query, const RowVerbs& verbs) 
             .id = std::string(emojiRowPrefix) + emoji,
             .kind = RowKind::calc,
             .title = std::string(entry.name),
-            .subtitle = "emoji",
+            .subtitle = copyingSubtitle("emoji", verbs),
             .symbol = "face.smiling",
             .primary =
                 [copy = verbs.copyText, emoji] {

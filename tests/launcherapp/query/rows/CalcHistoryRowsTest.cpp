@@ -159,6 +159,17 @@ TEST_F(CalcHistoryRowsTest, earlierCalculationsStandBelowANewOne) {
     EXPECT_THAT(earlierCalculationRows(sources(), "1+1", 3), IsEmpty());
 }
 
+TEST_F(CalcHistoryRowsTest, saysWhyNothingCanBeCopiedAndStopsWhenItCan) {
+    std::string obstacle = "the desktop shows it to nobody";
+    verbs.copyObstacle = [&] { return obstacle; };
+    EXPECT_EQ(calcHistoryRows(sources(), "2+2").front().subtitle,
+              "= 2+2 · can't be copied: the desktop shows it to nobody");
+    EXPECT_EQ(earlierCalculationRows(sources(), "1+1", 1).front().subtitle,
+              "earlier · can't be copied: the desktop shows it to nobody");
+    obstacle.clear();
+    EXPECT_EQ(calcHistoryRows(sources(), "2+2").front().subtitle, "= 2+2");
+}
+
 TEST_F(CalcHistoryRowsTest, itsMenuActsOnTheCalculation) {
     const auto titles = [](const std::vector<RowAction>& actions) {
         std::vector<std::string> result;
