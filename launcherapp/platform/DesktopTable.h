@@ -82,6 +82,10 @@ DesktopFamily family(const DesktopSurroundings& surroundings);
 /// holds for the moment alone.
 bool isSilent(const DesktopSurroundings& surroundings);
 
+/// Whether the compositor itself shows the clipboard to programs without the focus; else it is on
+/// the display for X11 programs, if anywhere.
+bool showsClipboard(const DesktopSurroundings& surroundings);
+
 DesktopCell cell(const DesktopSurroundings& surroundings, DesktopAbility ability);
 
 /// Why an ability is degraded or absent; of one that works, why what should have worked does not:
