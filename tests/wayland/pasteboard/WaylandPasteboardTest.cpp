@@ -176,7 +176,7 @@ std::vector<std::string> wire(const wl_interface& interface) {
     return messages;
 }
 
-// No compositor at hand offers the heir, which is spoken to as its forebear is.
+// The heir is spoken to as its forebear is.
 TEST(WaylandPasteboardProtocol, isTheSameOnTheWireByBothNames) {
     EXPECT_EQ(wire(ext_data_control_manager_v1_interface),
               wire(zwlr_data_control_manager_v1_interface));
