@@ -3,6 +3,7 @@
 #include "tests/wayland/standin/StandInClipboard.h"
 
 #include <algorithm>
+#include <future>
 #include <unistd.h>
 
 namespace tessarine {
@@ -21,7 +22,7 @@ struct StandIn {
     StandInClipboard clipboard{compositor};
 };
 
-/// A clipboard that is reached by ext-data-control alone.
+/// A clipboard that is reached by ext-data-control alone, and a seat that goes and comes.
 class ExtDataControl : public StandIn, public BoardFixture<WaylandPasteboard> {
 protected:
     static void writeText(const std::string&, FileDescriptor into) {
@@ -43,6 +44,10 @@ protected:
         for (ssize_t count = 1; count > 0; all.append(bytes, static_cast<std::size_t>(count)))
             count = std::max<ssize_t>(::read(pipe.number(), bytes, sizeof bytes), 0);
         return all;
+    }
+
+    bool becomesAble(bool isAble) {
+        return spinUntil([&] { return board.ability().available == isAble; });
     }
 
     bool hears(const std::string& what) {
@@ -97,6 +102,71 @@ TEST_F(ExtDataControl, anOwnerThatNeverWritesHoldsNothingUp) {
     const auto reading = read("a/b");
     EXPECT_EQ(reading.outcome, Outcome::failed);
     EXPECT_THAT(reading.problem, HasSubstr("in time"));
+    expectToGoOn();
+}
+
+TEST_F(ExtDataControl, aSeatThatGoesTakesItsClipboardAlongAndOneThatComesHasItsOwn) {
+    int changes = 0;
+    const auto subscription = board.onAbilityChanged([&] { ++changes; });
+    auto ours = item("a/b", "ours");
+    const std::weak_ptr<const std::string> bytes = ours.bytes;
+    const auto count = put({std::move(ours)});
+    compositor.removeSeat();
+    ASSERT_TRUE(spinUntil([&] { return changes == 1; }));
+    EXPECT_THAT(board.ability().reason, HasSubstr("no seat"));
+    EXPECT_THAT(offered()->types, IsEmpty());
+    EXPECT_GT(board.changeCount(), count);
+    EXPECT_TRUE(bytes.expired());
+    EXPECT_TRUE(hears("drop claim"));
+    EXPECT_TRUE(hears("unwatch"));
+    const auto before = board.changeCount();
+    EXPECT_EQ(board.write({.items = {item("a/b", "lost")}}), before);
+
+    compositor.addSeat();
+    ASSERT_TRUE(spinUntil([&] { return changes == 2; }));
+    expectToGoOn();
+
+    // One for the other, so that there is one at any moment that is looked at.
+    compositor.run([&] {
+        compositor.removeSeat();
+        compositor.addSeat();
+    });
+    ASSERT_TRUE(spinUntil([&] { return offered()->types.empty(); }));
+    expectToGoOn();
+}
+
+TEST_F(ExtDataControl, whatIsOnItsWayToASeatThatGoesIsGivenUp) {
+    std::promise<void> isSeen;
+    clipboard.onClaim = [&] {
+        compositor.removeSeat();
+        compositor.flush();
+        isSeen.get_future().wait(); // it confirms the claim after that
+    };
+    const auto count = board.write({.items = {item("a/b", "ours")}});
+    std::vector<std::string> told;
+    board.read(count, "a/b", plenty, [&](const auto& reading) { told.push_back(reading.problem); });
+    EXPECT_TRUE(becomesAble(false));
+    EXPECT_TRUE(spinUntil([&] { return told.size() == 1; }));
+    EXPECT_THAT(told, ElementsAre("something else lies on the clipboard now"));
+    isSeen.set_value();
+    compositor.run([] {});
+    EXPECT_THAT(offered()->types, IsEmpty()) << "not even once it is confirmed";
+    clipboard.onClaim = {};
+    compositor.addSeat();
+    ASSERT_TRUE(becomesAble(true));
+    expectToGoOn();
+}
+
+TEST_F(ExtDataControl, aClipboardThatIsShownNoMoreIsToldInWords) {
+    put({item("a/b", "ours")});
+    clipboard.finish();
+    ASSERT_TRUE(becomesAble(false));
+    EXPECT_THAT(board.ability().reason, HasSubstr("no more"));
+    EXPECT_THAT(offered()->types, IsEmpty());
+    EXPECT_TRUE(hears("unwatch"));
+    compositor.removeSeat();
+    compositor.addSeat();
+    ASSERT_TRUE(becomesAble(true));
     expectToGoOn();
 }
 

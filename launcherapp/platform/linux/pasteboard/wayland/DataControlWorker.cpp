@@ -20,6 +20,7 @@ namespace {
 
 constexpr auto displayGone = "the Wayland display is gone";
 constexpr auto noSeat = "this Wayland session has no seat, and so no clipboard";
+constexpr auto hiddenNow = "the Wayland compositor shows its clipboard no more";
 
 /// Works while the compositor is there.
 class Worker {
@@ -79,9 +80,9 @@ bool Worker::run() {
             return false;
         if (!display_.dispatchWhatCame())
             return true;
+        lookForSeat();
         for (auto& event : control_.take())
             std::visit([this](auto& each) { take(each); }, event);
-        lookForSeat();
         writers_.goOn(now_);
         calls_.goOn(board_, now_);
         const bool isAllSent = wl_display_flush(display_.display()) >= 0;
@@ -120,13 +121,17 @@ void Worker::lookForSeat() {
         mailbox_.regain();
         return news_.abilityChanged();
     }
-    mailbox_.lose(noSeat);
-    news_.abilityChanged();
+    mailbox_.lose(control_.isEnded() ? hiddenNow : noSeat);
     owned_.reset();
     board_.offer.reset();
     board_.content = nullptr;
-    if (const auto count = mailbox_.othersChange())
+    if (claim_) {
+        claim_->isCancelled = true;
+        settle();
+    } else if (const auto count = mailbox_.othersChange()) {
         board_.count = *count;
+    }
+    news_.abilityChanged();
 }
 
 void Worker::take(DataControl::Selected& event) {
