@@ -46,7 +46,6 @@ public:
     }
 
 private:
-    bool takeRequests();
     void claim(WriteRequest request);
     void lookForSeat();
     void take(DataControl::Selected& event);
@@ -76,7 +75,10 @@ bool Worker::run() {
     beginning_ = control_.confirm();
     while (true) {
         now_ = TransferClock::now();
-        if (!takeRequests())
+        if (!takeRequests(
+                mailbox_,
+                [this](WriteRequest write) { claim(std::move(write)); },
+                [this](PasteboardCall call) { calls_.add(std::move(call), now_); }))
             return false;
         if (!display_.dispatchWhatCame())
             return true;
@@ -90,21 +92,6 @@ bool Worker::run() {
             return true;
         sleep(isAllSent);
     }
-}
-
-bool Worker::takeRequests() {
-    auto requests = mailbox_.take();
-    if (!requests)
-        return false;
-    for (auto& request : *requests) {
-        if (auto* write = std::get_if<WriteRequest>(&request))
-            claim(std::move(*write));
-        else if (auto* read = std::get_if<ReadRequest>(&request))
-            calls_.add(std::move(*read), now_);
-        else
-            calls_.add(std::get<OfferRequest>(request), now_);
-    }
-    return true;
 }
 
 void Worker::claim(WriteRequest request) {

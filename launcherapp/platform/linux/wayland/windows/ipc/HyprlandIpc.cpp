@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
 
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SocketWatch.h"
 
 #include <fmt/format.h>
 
@@ -130,8 +131,7 @@ void HyprlandIpc::readEvents() {
 void HyprlandIpc::noteLoss() {
     if (!notifier_)
         return;
-    notifier_->setEnabled(false);       // a closed socket would wake the loop for ever
-    notifier_.release()->deleteLater(); // it may be the one that tells
+    retire(std::move(notifier_));
     asked_.reset();
     told_({});
 }
@@ -162,17 +162,12 @@ void HyprlandIpc::finishScene() {
     for (std::size_t i = 0; i < asked_->parts.size(); ++i) {
         const bool isThere = asked_->parts[i]->isAnswered();
         isWhole = isWhole && isThere;
-        if (isThere && asked_->notifiers[i])
-            asked_->notifiers[i]->setEnabled(false);
+        if (isThere)
+            retire(std::move(asked_->notifiers[i]));
     }
     if (!isWhole)
         return;
     const auto done = std::move(asked_);
-    // One of them may have called this, and goes when it is over.
-    for (auto& notifier : done->notifiers) {
-        if (notifier)
-            notifier.release()->deleteLater();
-    }
     if (std::exchange(isSceneOld_, false))
         askForScene();
     auto read = HyprlandScene::read(done->parts[0]->answer, done->parts[1]->answer);
