@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <QSocketNotifier>
+#include <QString>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -16,6 +17,8 @@ namespace tessarine {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+constexpr auto eventSocket = "/.socket2.sock";
 
 /// Those after which windows are others, or elsewhere. Some more are told for what is nobody's
 /// concern here, titles among them.
@@ -53,8 +56,21 @@ struct HyprlandIpc::SceneQuestion {
     std::array<std::unique_ptr<QSocketNotifier>, 2> notifiers;
 };
 
+std::optional<std::string> HyprlandIpc::runningFolder() {
+    const auto instance = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE").toStdString();
+    if (instance.empty())
+        return std::nullopt;
+    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
+    for (const auto& parent : {runtime, std::string("/tmp")}) { // older versions in the second
+        auto folder = parent + "/hypr/" + instance;
+        if (LocalSocket(folder + eventSocket).isOpen())
+            return folder;
+    }
+    return std::nullopt;
+}
+
 HyprlandIpc::HyprlandIpc(std::string folder)
-    : folder_(std::move(folder)), events_(folder_ + "/.socket2.sock") {}
+    : folder_(std::move(folder)), events_(folder_ + eventSocket) {}
 
 HyprlandIpc::~HyprlandIpc() = default;
 

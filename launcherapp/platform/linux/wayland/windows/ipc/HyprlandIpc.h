@@ -4,6 +4,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,11 @@ namespace tessarine {
 /// question or order with each connection.
 class HyprlandIpc : public CompositorIpc {
 public:
+    /// The folder of the sockets of the Hyprland that HYPRLAND_INSTANCE_SIGNATURE names. Nothing
+    /// where none takes connections: the variable outlives the compositor that set it. Waits for
+    /// nobody.
+    static std::optional<std::string> runningFolder();
+
     /// `folder` is that of its sockets. One that can't be reached is unable from the start.
     explicit HyprlandIpc(std::string folder);
     ~HyprlandIpc() override;
