@@ -2,14 +2,13 @@
 
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+#include "tests/wayland/TestKeys.h"
 
-#include <linux/input-event-codes.h>
 #include <virtual-keyboard-unstable-v1.h>
 #include <wayland-client.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include <cstring>
-#include <map>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <vector>
@@ -27,22 +26,6 @@ using Keymap = std::unique_ptr<xkb_keymap, Destroy<xkb_keymap_unref>>;
 using State = std::unique_ptr<xkb_state, Destroy<xkb_state_unref>>;
 
 constexpr std::uint32_t evdevOffset = 8; ///< of XKB's key codes from the kernel's
-
-std::uint32_t keyOf(char character) {
-    static const std::map<char, std::uint32_t> keys = [] {
-        std::map<char, std::uint32_t> made{{' ', KEY_SPACE}, {'\n', KEY_ENTER}, {'0', KEY_0}};
-        const auto row = [&made](std::uint32_t first, const char* characters) {
-            for (; *characters; ++characters)
-                made[*characters] = first++;
-        };
-        row(KEY_1, "123456789");
-        row(KEY_Q, "qwertyuiop");
-        row(KEY_A, "asdfghjkl");
-        row(KEY_Z, "zxcvbnm");
-        return made;
-    }();
-    return keys.at(character);
-}
 
 } // namespace
 
