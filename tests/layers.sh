@@ -21,11 +21,11 @@ refuse LauncherCore "$system|launcherapp/|filesystem|fstream|thread|mutex" "Laun
     --exclude=Pattern.cpp --exclude=Formats.cpp --exclude=ClipExpression.h \
     --exclude=ClipGroupsRuntime.cpp
 refuse launcherapp "$system" "only platform/linux, the panel's view, App and main reach the system" \
-    --exclude-dir=linux --exclude-dir=view --exclude=App.cpp --exclude=AppClipboard.cpp --exclude=AppCommands.cpp --exclude=DesktopPresence.cpp --exclude=main.cpp
+    --exclude-dir=linux --exclude-dir=view --exclude=App.cpp --exclude=AppClipboard.cpp --exclude=AppCommands.cpp --exclude=DesktopPresence.cpp --exclude=PanelInvitation.cpp --exclude=main.cpp
 refuse launcherapp/panel/view "X11/|xcb/|wayland|gio/|glib|dbus/|unistd|fcntl|sys/|linux/|dlfcn|spawn|QDBus" \
     "the view draws, and knows no display"
 refuse launcherapp "launcherapp/platform/linux/" "services know the doors, not what is behind them" \
-    --exclude-dir=linux --exclude=App.cpp --exclude=AppClipboard.cpp --exclude=AppCommands.h --exclude=AppCommands.cpp --exclude=AppDoors.h --exclude=AppServices.cpp --exclude=DesktopPresence.cpp --exclude=main.cpp
+    --exclude-dir=linux --exclude=App.cpp --exclude=AppClipboard.cpp --exclude=AppCommands.h --exclude=AppCommands.cpp --exclude=AppDoors.h --exclude=AppServices.cpp --exclude=DesktopPresence.cpp --exclude=PanelInvitation.cpp --exclude=main.cpp
 refuse launcherapp/query/rows "launcherapp/(platform/|catalog/|operations/|shell/|sources/|query/SearchModel)" \
     "a row builder sees values and verbs, and no service or door"
 refuse launcherapp/platform "launcherapp/(catalog|query|operations|shell|sources|panel|hotkeys)/" "the doors know no service"
