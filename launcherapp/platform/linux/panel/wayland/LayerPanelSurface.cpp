@@ -127,7 +127,6 @@ bool LayerPanelSurface::takePlace() {
     zwlr_layer_surface_v1_set_anchor(
         role_->wishes(), ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
     zwlr_layer_surface_v1_set_keyboard_interactivity(role_->wishes(), takesKeyboard);
-    shapeInput();
     putInPlace();
     connection_.waitUntil([this] { return role_->isConfigured() || role_->isClosed(); });
     if (role_->isConfigured() && !role_->isClosed())
@@ -147,6 +146,7 @@ void LayerPanelSurface::putInPlace() {
                                    static_cast<std::uint32_t>(std::max(frame.height(), 1)));
     zwlr_layer_surface_v1_set_margin(role_->wishes(), at.y(), 0, 0, at.x());
     wl_surface_commit(QtWayland::surface(*widget_->windowHandle()));
+    // Qt commits with it, and KWin ends a program whose surface it sees without a size.
     shapeInput();
 }
 
