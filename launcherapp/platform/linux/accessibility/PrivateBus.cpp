@@ -133,7 +133,51 @@ DBusMessage* messageFor(const BusCall& call) {
     return message;
 }
 
+/// The values that a message begins with, as far as they are texts.
+std::vector<std::string> textsAtBeginning(DBusMessage* message) {
+    std::vector<std::string> texts;
+    DBusMessageIter value;
+    if (!dbus_message_iter_init(message, &value))
+        return texts;
+    while (auto text = textAt(&value)) {
+        texts.push_back(*std::move(text));
+        dbus_message_iter_next(&value);
+    }
+    return texts;
+}
+
+/// None where the message has none.
+std::string orEmpty(const char* text) {
+    return text ? text : "";
+}
+
 } // namespace
+
+/// What the library calls.
+struct PrivateBus::Callbacks {
+    static void answered(DBusPendingCall* pending, void* data) {
+        (*static_cast<const Answered*>(data))(BusReply(dbus_pending_call_steal_reply(pending)));
+    }
+
+    static void release(void* data) { delete static_cast<Answered*>(data); }
+
+    static DBusHandlerResult came(DBusConnection* connection, DBusMessage* message, void* data) {
+        const int type = dbus_message_get_type(message);
+        if (type != DBUS_MESSAGE_TYPE_METHOD_CALL && type != DBUS_MESSAGE_TYPE_SIGNAL)
+            return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+        if (type == DBUS_MESSAGE_TYPE_METHOD_CALL && !dbus_message_get_no_reply(message)) {
+            auto* const reply = dbus_message_new_method_return(message);
+            dbus_connection_send(connection, reply, nullptr);
+            dbus_message_unref(reply);
+        }
+        static_cast<PrivateBus*>(data)->heard_(
+            {.sender = orEmpty(dbus_message_get_sender(message)),
+             .interface = orEmpty(dbus_message_get_interface(message)),
+             .member = orEmpty(dbus_message_get_member(message)),
+             .texts = textsAtBeginning(message)});
+        return DBUS_HANDLER_RESULT_HANDLED;
+    }
+};
 
 BusReply::BusReply(DBusMessage* message) : message_(message, dbus_message_unref) {}
 
@@ -203,12 +247,16 @@ std::unique_ptr<PrivateBus> PrivateBus::connect(const std::string& address,
     const BusCall hello{.place = {.owner = DBUS_SERVICE_DBUS, .path = DBUS_PATH_DBUS},
                         .interface = DBUS_INTERFACE_DBUS,
                         .method = "Hello"};
-    if (!bus->call(hello, deadline).succeeded())
+    auto name = bus->call(hello, deadline).text();
+    if (!name)
         return nullptr;
+    bus->name_ = *std::move(name);
     return bus;
 }
 
 PrivateBus::~PrivateBus() {
+    if (heard_)
+        dbus_connection_remove_filter(connection_, &Callbacks::came, this);
     dbus_connection_close(connection_);
     dbus_connection_unref(connection_);
 }
@@ -246,6 +294,54 @@ std::vector<BusReply> PrivateBus::call(std::span<const BusCall> calls, Clock::ti
 
 BusReply PrivateBus::call(const BusCall& call, Clock::time_point deadline) {
     return this->call(std::span(&call, 1), deadline).front();
+}
+
+void PrivateBus::send(const BusCall& call, Answered answered) {
+    auto* const message = messageFor(call);
+    if (!message)
+        return;
+    if (!answered) {
+        dbus_message_set_no_reply(message, TRUE);
+        dbus_connection_send(connection_, message, nullptr);
+        dbus_message_unref(message);
+        return;
+    }
+    DBusPendingCall* pending = nullptr;
+    dbus_connection_send_with_reply(connection_, message, &pending, DBUS_TIMEOUT_INFINITE);
+    dbus_message_unref(message);
+    if (!pending) // the connection is lost
+        return;
+    dbus_pending_call_set_notify(pending,
+                                 &Callbacks::answered,
+                                 std::make_unique<Answered>(std::move(answered)).release(),
+                                 &Callbacks::release);
+    dbus_pending_call_unref(pending);
+}
+
+void PrivateBus::listen(Heard heard) {
+    heard_ = std::move(heard);
+    dbus_connection_add_filter(connection_, &Callbacks::came, this, nullptr);
+}
+
+int PrivateBus::descriptor() const {
+    int descriptor = -1;
+    dbus_connection_get_unix_fd(connection_, &descriptor);
+    return descriptor;
+}
+
+void PrivateBus::takeWhatCame() {
+    dbus_connection_read_write(connection_, 0);
+    while (dbus_connection_dispatch(connection_) == DBUS_DISPATCH_DATA_REMAINS) {
+    }
+}
+
+bool PrivateBus::wait(Clock::time_point deadline) {
+    const auto isThere = [this] {
+        return dbus_connection_get_dispatch_status(connection_) == DBUS_DISPATCH_DATA_REMAINS;
+    };
+    while (!isThere() && isConnected() && remaining(deadline).count() > 0)
+        dbus_connection_read_write(connection_, static_cast<int>(remaining(deadline).count()));
+    return isThere();
 }
 
 } // namespace tessarine

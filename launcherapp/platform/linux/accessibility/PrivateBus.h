@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -72,11 +73,22 @@ struct BusCall {
     static BusCall property(BusPlace place, const char* interface, const char* name);
 };
 
+/// What another program, or the bus itself, sends here of its own accord: a call or a signal.
+struct BusNews {
+    std::string sender; ///< its unique name on the bus; empty for what the library tells
+    std::string interface;
+    std::string member;
+    std::vector<std::string> texts; ///< the values that it begins with, as far as they are texts
+};
+
 /// A message bus on a connection of its own, which nothing else in the program uses or waits for:
-/// whoever calls waits, and never beyond the moment given. One thread at a time.
+/// whoever calls waits, and never beyond the moment given. Whoever would not wait sends, listens,
+/// and takes what comes when the descriptor is readable. One thread at a time.
 class PrivateBus {
 public:
     using Clock = std::chrono::steady_clock;
+    using Answered = std::function<void(const BusReply& reply)>;
+    using Heard = std::function<void(const BusNews& news)>;
 
     /// Nothing when no bus answers there by then.
     static std::unique_ptr<PrivateBus> connect(const std::string& address,
@@ -93,10 +105,34 @@ public:
     std::vector<BusReply> call(std::span<const BusCall> calls, Clock::time_point deadline);
     BusReply call(const BusCall& call, Clock::time_point deadline);
 
+    /// Waits for nothing. `answered` is called with what comes, however late, by `takeWhatCame` or
+    /// a `call`; not at all once this has gone.
+    void send(const BusCall& call, Answered answered = {});
+
+    /// Calls `heard`, as `send` does, with what others send here; their calls are answered with
+    /// nothing. To be called once.
+    void listen(Heard heard);
+
+    /// Readable when something came. Of no use once the connection is lost.
+    int descriptor() const;
+
+    /// Waits for nothing.
+    void takeWhatCame();
+
+    /// Waits until something may be there to be taken; false when nothing is at that moment.
+    bool wait(Clock::time_point deadline);
+
+    /// The name by which others on the bus reach this connection.
+    const std::string& name() const { return name_; }
+
 private:
     explicit PrivateBus(DBusConnection* connection) : connection_(connection) {}
 
+    struct Callbacks;
+
     DBusConnection* connection_;
+    std::string name_;
+    Heard heard_;
 };
 
 } // namespace tessarine
