@@ -86,10 +86,14 @@ bool tellsTaskBars(const Surroundings& desktop) {
     return offersAny(desktop, {"zwlr_foreign_toplevel_manager_v1"});
 }
 
+/// Whether the compositor has an interface of its own for windows.
+bool hasOwnWay(const Surroundings& desktop) {
+    return desktop.hasSway || desktop.hasHyprland || desktop.hasKWinScripts;
+}
+
 /// Without a list of its own, the display for X11 programs still has theirs.
 DesktopCell runningApplications(const Surroundings& desktop) {
-    const bool hasOwnWay = desktop.hasSway || desktop.hasHyprland;
-    if (isX11(desktop) || hasOwnWay || tellsTaskBars(desktop))
+    if (isX11(desktop) || hasOwnWay(desktop) || tellsTaskBars(desktop))
         return fine;
     if (desktop.hasX11)
         return degradedAs("this desktop tells no program which windows are open, so only those of "
@@ -98,7 +102,7 @@ DesktopCell runningApplications(const Surroundings& desktop) {
 }
 
 DesktopCell windowVerbs(const Surroundings& desktop) {
-    if (isX11(desktop) || desktop.hasSway || desktop.hasHyprland)
+    if (isX11(desktop) || hasOwnWay(desktop))
         return fine;
     std::string reason(DesktopTable::windowsStay);
     if (desktop.hasX11 && !tellsTaskBars(desktop))
@@ -247,6 +251,7 @@ DesktopSurroundings DesktopTable::usual(DesktopFamily family) {
         return {.hasX11 = true,
                 .hasWayland = true,
                 .hasSessionBus = true,
+                .hasKWinScripts = true,
                 .desktops = {"KDE"},
                 .globals = withCommon(
                     {"zwlr_layer_shell_v1", "ext_data_control_manager_v1", "org_kde_plasma_shell"}),

@@ -38,6 +38,7 @@ struct DesktopSurroundings {
     bool isShownOnX11 = false;         ///< Qt has this program's windows on the X11 display
     bool hasSway = false;              ///< sway's own socket takes connections
     bool hasHyprland = false;          ///< Hyprland's likewise
+    bool hasKWinScripts = false;       ///< the compositor is KWin, and takes scripts
     std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
     std::set<std::string> globals;     ///< interfaces of the compositor; none if it is silent
     std::set<std::string> busNames;    ///< that are owned on the session bus

@@ -5,8 +5,10 @@
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
 #include "launcherapp/platform/linux/portal/DesktopPortal.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
+#include "launcherapp/platform/linux/wayland/windows/kwin/KWinScripts.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
 #include <QDBusConnection>
@@ -87,6 +89,9 @@ DesktopSurroundings DesktopLook::display(const Environment& environment) {
         return found;
     for (const auto& global : compositor.registry().globals())
         found.globals.insert(global.interface);
+    if (DesktopTable::family(found) == DesktopFamily::kwin)
+        found.hasKWinScripts =
+            KWinScripts::areTaken(KWinScripts::Clock::now() + CompositorIpc::patience);
     return found;
 }
 

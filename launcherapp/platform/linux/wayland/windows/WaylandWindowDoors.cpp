@@ -6,6 +6,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowList.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/ReturningIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/SwayIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/kwin/KWinIpc.h"
 
 #include <QString>
 #include <utility>
@@ -27,19 +28,33 @@ std::unique_ptr<CompositorIpc> compositorIpc() {
     return nullptr;
 }
 
+/// The list and the control have a connection each: one waits for no answer of the other's.
+std::optional<WindowDoors> ipcDoors(const ReturningIpc::Connect& connect) {
+    auto first = connect();
+    auto second = first ? connect() : nullptr;
+    if (!second)
+        return std::nullopt;
+    return WindowDoors{.list = std::make_unique<IpcWindowList>(
+                           std::make_unique<ReturningIpc>(std::move(first), connect)),
+                       .control = std::make_unique<IpcWindowControl>(
+                           std::make_unique<ReturningIpc>(std::move(second), connect))};
+}
+
+/// The session bus may have another KWin than the one that has the display, if any.
+bool isKWin(const WaylandConnection& connection) {
+    return connection.answers() && connection.registry().find("org_kde_plasma_shell");
+}
+
 } // namespace
 
 std::optional<WindowDoors> waylandWindowDoors(const std::string& ownApplicationID) {
-    // The list and the control have a connection each: one waits for no answer of the other's.
-    if (auto ipc = compositorIpc()) {
-        if (auto second = compositorIpc())
-            return WindowDoors{
-                .list = std::make_unique<IpcWindowList>(
-                    std::make_unique<ReturningIpc>(std::move(ipc), compositorIpc)),
-                .control = std::make_unique<IpcWindowControl>(
-                    std::make_unique<ReturningIpc>(std::move(second), compositorIpc))};
-    }
+    if (auto doors = ipcDoors(compositorIpc))
+        return doors;
     auto connection = std::make_unique<WaylandConnection>();
+    if (isKWin(*connection)) {
+        if (auto doors = ipcDoors(KWinIpc::connect))
+            return doors;
+    }
     if (!ForeignToplevels::areTold(*connection))
         return std::nullopt;
     auto toplevels = std::make_shared<ForeignToplevels>(std::move(connection), ownApplicationID);

@@ -17,7 +17,7 @@ public:
     /// Between two tries to connect that nobody but this asks for.
     static constexpr std::chrono::milliseconds pause{500};
 
-    /// Gives a connection, or null when there is none to be had. Waits for nothing.
+    /// Gives a connection, or null when there is none to be had. Waits for `patience` at most.
     using Connect = std::function<std::unique_ptr<CompositorIpc>()>;
 
     /// `first` is a connection that stands.

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/kwin/KWinScripts.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QSocketNotifier;
+
+namespace tessarine {
+
+/// KWin's windows, through scripts that it runs for this program. Each script carries out what has
+/// been ordered until it starts, and tells the scene after that; another one stays and tells
+/// changes. One script takes a few milliseconds.
+class KWinIpc : public CompositorIpc {
+public:
+    /// Null where KWin takes no scripts of this program's. Waits as `KWinScripts::connect`, at
+    /// most `patience`.
+    static std::unique_ptr<KWinIpc> connect();
+
+    explicit KWinIpc(std::unique_ptr<KWinScripts> scripts);
+    ~KWinIpc() override;
+    KWinIpc(const KWinIpc&) = delete;
+    KWinIpc& operator=(const KWinIpc&) = delete;
+
+    Ability ability() override;
+
+    bool isConnected() const override { return scripts_->isConnected(); }
+
+    std::optional<WindowScene> scene() override;
+    void follow(std::function<void(WindowScene scene)> told) override;
+    void takeWhatCame() override;
+    void activate(std::uint64_t window) override;
+    void unhide(const WindowScene::Window& window) override;
+    void makeOrdinary(const WindowScene::Window& window) override;
+    void place(const WindowScene::Window& window, const Rectangle& frame) override;
+    void close(std::uint64_t window) override;
+
+private:
+    struct Orders;
+
+    void read();
+    void order(const char* verb, std::uint64_t window);
+    void start();
+    void note(nlohmann::json* message);
+    std::optional<WindowScene> sceneOf(nlohmann::json* message);
+    void noteLoss();
+
+    std::unique_ptr<KWinScripts> scripts_;
+    std::unique_ptr<Orders> orders_;       ///< that wait for a script
+    std::optional<std::uint64_t> running_; ///< the script that carries some out
+    bool isSceneWanted_ = false;           ///< somebody waits for the next script's
+    std::uint64_t answered_ = 0;           ///< scripts that have told or failed
+    std::uint64_t started_ = 0;
+    /// How many are to have answered until somebody may wait again; 0 when nobody has in vain.
+    std::uint64_t late_ = 0;
+    std::optional<WindowScene> answer_; ///< of the last script that carried out orders
+    std::string problem_;               ///< why the last script didn't tell; empty when it did
+    std::function<void(WindowScene scene)> told_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+} // namespace tessarine

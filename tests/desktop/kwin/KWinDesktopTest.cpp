@@ -1,0 +1,117 @@
+#include "tests/desktop/ProgramOnDesktop.h"
+#include "tests/desktop/kwin/KWinInput.h"
+
+#include <stdexcept>
+
+namespace tessarine {
+namespace {
+
+/// The real program under KWin, called over the session bus as a key of KDE's settings calls it.
+class KWinDesktopTest : public ProgramOnDesktop {
+protected:
+    KWinDesktopTest()
+        : ProgramOnDesktop({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
+                            {"XDG_SESSION_TYPE", "wayland"},
+                            {"XDG_CURRENT_DESKTOP", "KDE"}}) {}
+
+    void SetUp() override {
+        openField();
+        start("gapplication action com.corvane.tessarine toggle");
+    }
+
+    /// A real text field of another toolkit, whose text is written to a file at each change.
+    /// Returns when it has the keyboard.
+    void openField() {
+        folder.write("/field.py", R"(
+import gi, os, sys
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gtk, GLib
+GLib.set_prgname("field-notes")
+window = Gtk.Window(title="Field Notes")
+entry = Gtk.Entry()
+window.add(entry)
+def changed(_):
+    with open(sys.argv[1] + ".new", "w") as out:
+        out.write(entry.get_text())
+    os.rename(sys.argv[1] + ".new", sys.argv[1])
+entry.connect("changed", changed)
+window.show_all()
+Gtk.main()
+)");
+        launch("GDK_BACKEND=wayland /usr/bin/python3 " + folder.path("/field.py") + " " +
+               folder.path("/written"));
+        ASSERT_TRUE(waitUntil(patience, [&] {
+            input.strike({KEY_Q});
+            return written().ends_with("q");
+        }));
+    }
+
+    std::string written() const { return textOf(folder.path("/written")); }
+
+    bool fieldGets(std::uint32_t key, const std::string& letter) {
+        const auto before = written();
+        input.strike({key});
+        return waitUntil(patience, [&] { return written() == before + letter; });
+    }
+
+    void summon(const std::string& action = "toggle") {
+        const int before = logged(shown);
+        run("gapplication action com.corvane.tessarine " + action);
+        if (!becomes(before + 1, shown))
+            throw std::runtime_error("the panel did not come up");
+    }
+
+    void copy(const std::string& text, const std::string& options = "") const {
+        folder.write("/copied", text);
+        launch("wl-copy --foreground " + options + " < " + folder.path("/copied"));
+    }
+
+    KWinInput input;
+};
+
+TEST_F(KWinDesktopTest, thePanelTakesTheKeysAndGivesThemBack) {
+    summon();
+    input.strike({KEY_Z, KEY_E, KEY_B, KEY_ENTER});
+    EXPECT_TRUE(started("zebra"));
+    EXPECT_TRUE(becomes(1, hidden));
+    EXPECT_TRUE(fieldGets(KEY_X, "x")) << "not one of the others went there: " << written();
+    summon();
+    input.strike({KEY_Z, KEY_ESC, KEY_ESC});
+    EXPECT_TRUE(becomes(2, hidden));
+    EXPECT_TRUE(fieldGets(KEY_Y, "y"));
+    summon();
+    input.click(640, 200);
+    input.strike({KEY_Z});
+    EXPECT_EQ(logged(hidden), 2) << "a click on the panel";
+    input.click(10, 790);
+    EXPECT_TRUE(becomes(3, hidden)) << "a click beside it";
+    EXPECT_TRUE(fieldGets(KEY_Y, "y"));
+}
+
+TEST_F(KWinDesktopTest, aVerbMovesTheWindowThatWasInFront) {
+    summon();
+    input.strike({KEY_L, KEY_E, KEY_F, KEY_T, KEY_ENTER});
+    EXPECT_TRUE(becomes(1, "window: left -> ")) << "of the field's program";
+    EXPECT_TRUE(becomes(1, "at 0,0 640x800 on "));
+    EXPECT_TRUE(fieldGets(KEY_X, "x"));
+}
+
+TEST_F(KWinDesktopTest, theHistoryHoldsWhatIsCopiedAndGivesItBack) {
+    ASSERT_TRUE(becomes(1, "recording is on"));
+    copy("hunter2", "--type x-kde-passwordManagerHint");
+    EXPECT_TRUE(becomes(1, "clipboard: skipped a concealed item without reading it"));
+    copy("first");
+    ASSERT_TRUE(keeps({"first"}));
+    copy("second");
+    ASSERT_TRUE(keeps({"second", "first"}));
+    summon("clipboard");
+    input.strike({KEY_DOWN, KEY_ENTER});
+    EXPECT_TRUE(becomes(1, hidden));
+    EXPECT_TRUE(waitUntil(patience, [&] {
+        run("timeout 5 wl-paste --no-newline > " + folder.path("/pasted"));
+        return textOf(folder.path("/pasted")) == "first";
+    }));
+}
+
+} // namespace
+} // namespace tessarine
