@@ -27,7 +27,13 @@ constexpr wl_callback_listener doneListener{.done = noteDone};
 } // namespace
 
 QtWayland::QtWayland()
-    : display_(qtDisplay()), registry_(std::make_unique<WaylandRegistry>(display_, nullptr)),
+    : display_(qtDisplay()),
+      registry_(std::make_unique<WaylandRegistry>(
+          display_,
+          nullptr,
+          WaylandRegistry::Events{
+              .added = [this](const WaylandRegistry::Global& global) { added_.tell(global); },
+              .removed = {}})),
       isTold_(roundTrip()) {}
 
 QtWayland::~QtWayland() = default;
