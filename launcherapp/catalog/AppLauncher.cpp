@@ -10,8 +10,8 @@ namespace tessarine {
 /// What is left to try once the bus has failed, or from the start.
 struct AppLauncher::Attempt {
     LaunchPlan plan;
-    std::string name;  ///< for the session's process manager
-    std::string token; ///< empty where the desktop gives none
+    std::string name;                 ///< for the session's process manager
+    std::optional<std::string> token; ///< nothing where the desktop gives none
 };
 
 AppLauncher::AppLauncher(MainQueue& queue,
@@ -33,14 +33,14 @@ void AppLauncher::launch(const InstalledApp& application,
         });
     const Attempt attempt{.plan = LaunchPlans::plan(application, uris, terminal),
                           .name = application.bundleID,
-                          .token = tokens_.take(activation).value_or("")};
+                          .token = tokens_.take(activation)};
     if (!attempt.plan.busName) {
         queue_.post([this, attempt, done = std::move(done)] { done(startCommands(attempt)); });
         return;
     }
     bus_.activate({.busName = *attempt.plan.busName,
                    .uris = attempt.plan.uris,
-                   .activationToken = attempt.token},
+                   .activationToken = attempt.token.value_or("")},
                   busTimeout,
                   [this, attempt, done = std::move(done)](std::optional<std::string> problem) {
                       if (problem && !attempt.plan.commands.empty())
@@ -52,12 +52,9 @@ void AppLauncher::launch(const InstalledApp& application,
 std::optional<std::string> AppLauncher::startCommands(const Attempt& attempt) {
     if (!attempt.plan.problem.empty())
         return attempt.plan.problem;
-    ProcessSpec spec{.workingDirectory = attempt.plan.workingDirectory, .name = attempt.name};
-    // Which of the two a program reads is its toolkit's affair, not the desktop's.
-    for (const auto* variable : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"}) {
-        if (!attempt.token.empty())
-            spec.environment[variable] = attempt.token;
-    }
+    ProcessSpec spec{.environment = activationVariables(attempt.token),
+                     .workingDirectory = attempt.plan.workingDirectory,
+                     .name = attempt.name};
     std::optional<std::string> problem;
     for (const auto& command : attempt.plan.commands) {
         spec.arguments = command;

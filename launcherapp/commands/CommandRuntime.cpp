@@ -9,6 +9,7 @@
 #include "launcherapp/catalog/AppCatalog.h"
 #include "launcherapp/catalog/FileOpener.h"
 #include "launcherapp/operations/Diagnostics.h"
+#include "launcherapp/platform/ActivationTokens.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -136,7 +137,10 @@ void CommandRuntime::launchApp(const CommandSpec& command) {
         return;
     }
     try {
-        services_.processes.startDetached({.arguments = {path}, .name = command.id});
+        services_.processes.startDetached(
+            {.arguments = {path},
+             .environment = activationVariables(services_.tokens.take(Activation::foreground)),
+             .name = command.id});
     } catch (const ProcessError& error) {
         told(error.what());
     }
@@ -175,9 +179,11 @@ void CommandRuntime::runScript(const Script& script) {
         log("could not start: it has no text");
         return;
     }
+    auto process = scriptProcess(script);
+    process.environment.merge(activationVariables(services_.tokens.take(Activation::foreground)));
     try {
         services_.programs.start(
-            scriptProcess(script), {}, [log, weak = std::weak_ptr(alive_)](const ProcessEnd& end) {
+            process, {}, [log, weak = std::weak_ptr(alive_)](const ProcessEnd& end) {
                 if (!weak.expired())
                     log(fmt::format("exit {}: {}", end.status, printed(end)));
             });

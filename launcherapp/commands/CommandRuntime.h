@@ -16,6 +16,7 @@
 
 namespace tessarine {
 
+class ActivationTokens;
 class AppCatalog;
 class Diagnostics;
 class FileOpener;
@@ -28,14 +29,15 @@ struct Script {
     std::string name; ///< what to call it in the log, and to the session's process manager
 };
 
-/// Runs commands: nothing here waits for a process, a link or an application, and what fails is
-/// logged. Main thread only.
+/// Runs commands: nothing here waits for a process, a link or an application, but for a token of
+/// the desktop's 100 ms at most, and what fails is logged. Main thread only.
 class CommandRuntime {
 public:
     struct Services {
         MainQueue& queue;
         ProcessLauncher& processes;
         ProgramReader& programs;
+        ActivationTokens& tokens;
         AppCatalog& catalog;
         FileOpener& opener;
         LinkOpener& links;
@@ -71,12 +73,14 @@ public:
     /// Shows files in their folders; an address that is no file's is logged.
     void reveal(const std::vector<std::string>& urls);
 
-    /// Runs a script; what it prints goes into the log when it ends. Inside it "$0" is "launcher",
-    /// and "$1" and LAUNCHER_QUERY are the argument, which is never part of the text.
+    /// Runs a script that the user asked for; what it prints goes into the log when it ends. Inside
+    /// it "$0" is "launcher", and "$1" and LAUNCHER_QUERY are the argument, which is never part of
+    /// the text. A window that it opens may come to the front.
     void runScript(const Script& script);
 
-    /// How a script is started, so that a list's is started alike. Its PATH holds the user's own
-    /// folders, as a terminal has them, then those of the system's that these lack, then
+    /// How a script is started that opens no windows, so that a list's is started alike. Its PATH
+    /// holds the user's own folders, as a terminal has them, then those of the system's that these
+    /// lack, then
     /// "~/.local/bin".
     ProcessSpec scriptProcess(const Script& script) const;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 
@@ -22,5 +23,14 @@ public:
     /// none to give.
     virtual std::optional<std::string> take(Activation activation) = 0;
 };
+
+/// The variables in which a program that is started finds its token; none without a token.
+inline std::map<std::string, std::string>
+activationVariables(const std::optional<std::string>& token) {
+    if (!token)
+        return {};
+    // Which of the two a program reads is its toolkit's affair, not the desktop's.
+    return {{"DESKTOP_STARTUP_ID", *token}, {"XDG_ACTIVATION_TOKEN", *token}};
+}
 
 } // namespace tessarine

@@ -58,8 +58,11 @@ DesktopCell hotkey(const Surroundings& desktop) {
 }
 
 DesktopCell clipboardHistory(const Surroundings& desktop) {
-    if (isX11(desktop) ||
-        offersAny(desktop, {"ext_data_control_manager_v1", "zwlr_data_control_manager_v1"}))
+    if (isX11(desktop) || DesktopTable::showsClipboard(desktop))
+        return fine;
+    // Mutter keeps the X11 selection the same as its clipboard at all times, whichever program has
+    // the focus; other compositors do so while a window of X11 has it.
+    if (desktop.hasX11 && DesktopTable::family(desktop) == DesktopFamily::mutter)
         return fine;
     std::string reason(DesktopTable::hiddenClipboard);
     if (desktop.hasX11)
@@ -167,6 +170,10 @@ DesktopFamily DesktopTable::family(const DesktopSurroundings& surroundings) {
 
 bool DesktopTable::isSilent(const DesktopSurroundings& surroundings) {
     return surroundings.hasWayland && surroundings.globals.empty();
+}
+
+bool DesktopTable::showsClipboard(const DesktopSurroundings& surroundings) {
+    return offersAny(surroundings, {"ext_data_control_manager_v1", "zwlr_data_control_manager_v1"});
 }
 
 DesktopCell DesktopTable::cell(const DesktopSurroundings& surroundings, DesktopAbility ability) {

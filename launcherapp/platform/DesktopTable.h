@@ -37,7 +37,7 @@ struct DesktopSurroundings {
     bool isX11Compositors = false;     ///< that X11 display is a Wayland compositor's own
     bool isShownOnX11 = false;         ///< Qt has this program's windows on the X11 display
     bool hasSway = false;              ///< sway's own socket takes connections
-    bool hasHyprland = false;          ///< HYPRLAND_INSTANCE_SIGNATURE is set
+    bool hasHyprland = false;          ///< Hyprland's likewise
     std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
     std::set<std::string> globals;     ///< interfaces of the compositor; none if it is silent
     std::set<std::string> busNames;    ///< that are owned on the session bus
@@ -81,6 +81,10 @@ DesktopFamily family(const DesktopSurroundings& surroundings);
 /// Whether there is a Wayland compositor that did not tell in time what it offers: the table then
 /// holds for the moment alone.
 bool isSilent(const DesktopSurroundings& surroundings);
+
+/// Whether the compositor itself shows the clipboard to programs without the focus; else it is on
+/// the display for X11 programs, if anywhere.
+bool showsClipboard(const DesktopSurroundings& surroundings);
 
 DesktopCell cell(const DesktopSurroundings& surroundings, DesktopAbility ability);
 

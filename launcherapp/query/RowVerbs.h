@@ -17,8 +17,10 @@ struct RowVerbs {
     std::function<void(const std::string& url)> openUrl;
     std::function<void(const std::string& text)> copyText;
     std::function<std::string()> copyObstacle; ///< why nothing can be copied now; "" where it can
-    /// Into the window that the user came from, key by key.
+    /// Into the window that the user came from, key by key. Whether that can be done is asked for
+    /// each list of rows: a compositor may let programs press keys later, and its seat may go.
     std::function<void(const std::string& text)> typeText;
+    std::function<bool()> canType;
     std::function<void(const CommandSpec& command, const std::string& argument)> runCommand;
     std::function<void()> editCommands;
     std::function<void(const std::string& path)> openPath;

@@ -61,10 +61,8 @@ void ClipboardWiring::wireRows() {
     };
 }
 
-/// Offered only where keys can be sent: a row says what it can do before it is asked to.
 void ClipboardWiring::wireTyping() {
-    if (!services_.typing().available)
-        return;
+    services_.model.verbs.canType = [this] { return services_.typing().available; };
     services_.model.verbs.typeText = [this](const std::string& text) {
         hidePanel();
         services_.paster.typeIntoPreviousApp(text, services_.model.previousApp);

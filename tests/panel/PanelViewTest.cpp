@@ -343,6 +343,26 @@ TEST_F(PanelViewTest, withoutMixingItIsSquareAndOpaque) {
     EXPECT_EQ(drawn().pixelColor(0, 0).alpha(), 0);
 }
 
+TEST_F(PanelViewTest, theShadowGoesOnInWhatTheRoundedCornersLeaveFree) {
+    const auto whole = drawn();
+    const auto inside = panel.panelRectangle();
+    const auto outside = inside.adjusted(-1, -1, 1, 1);
+    const std::pair<QPoint, QPoint> corners[] = {{inside.topLeft(), outside.topLeft()},
+                                                 {inside.topRight(), outside.topRight()},
+                                                 {inside.bottomLeft(), outside.bottomLeft()},
+                                                 {inside.bottomRight(), outside.bottomRight()}};
+    for (const auto& [within, beside] : corners) {
+        SCOPED_TRACE(testing::PrintToString(std::pair(within.x(), within.y())));
+        EXPECT_GT(whole.pixelColor(beside).alpha(), 0);
+        EXPECT_NEAR(whole.pixelColor(within).alpha(), whole.pixelColor(beside).alpha(), 12);
+        // The same when a part of the panel that has the corner in it is drawn anew.
+        QImage part(1, 1, QImage::Format_ARGB32_Premultiplied);
+        part.fill(Qt::transparent);
+        panel.render(&part, QPoint(), QRect(within, QSize(1, 1)), QWidget::DrawChildren);
+        EXPECT_EQ(part.pixelColor(0, 0), whole.pixelColor(within));
+    }
+}
+
 TEST_F(PanelViewTest, foreignNamesAreDrawnWithinTheirRows) {
     std::string tower = "a";
     for (int i = 0; i < 300; ++i)

@@ -7,6 +7,8 @@
 #include "launcherapp/platform/linux/pasteboard/SessionPasteboard.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "launcherapp/platform/linux/surroundings/SessionWindows.h"
+#include "tests/linux/EventLoop.h"
+#include "tests/wayland/windows/ipc/ListeningSocket.h"
 
 #include <gmock/gmock.h>
 
@@ -27,13 +29,24 @@ TEST(DesktopLook, takesACompositorForWhatItOffers) {
         EXPECT_EQ(DesktopTable::cell(found, ability), DesktopCell()) << DesktopTable::name(ability);
 }
 
-TEST(DesktopLook, doesNotBelieveWhatADeadSwayLeftBehind) {
+TEST(DesktopLook, doesNotBelieveWhatADeadCompositorLeftBehind) {
     const auto socket = qgetenv("SWAYSOCK");
+    const auto runtime = qgetenv("XDG_RUNTIME_DIR");
+    const ScratchFolder folder;
+    folder.folder("/hypr/instance");
+    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(folder.path()));
     qputenv("SWAYSOCK", "/nobody/listens/here");
-    const auto found = DesktopLook::display({.hasWayland = true});
+    qputenv("HYPRLAND_INSTANCE_SIGNATURE", "instance");
+    const auto dead = DesktopLook::display({.hasWayland = true});
+    const auto listening = listeningSocket(folder.path("/hypr/instance/.socket2.sock"));
+    const auto living = DesktopLook::display({.hasWayland = true});
+    qunsetenv("HYPRLAND_INSTANCE_SIGNATURE");
+    qputenv("XDG_RUNTIME_DIR", runtime);
     qputenv("SWAYSOCK", socket);
-    EXPECT_FALSE(found.hasSway);
-    EXPECT_EQ(DesktopTable::cell(found, DesktopAbility::windowVerbs).state,
+    EXPECT_FALSE(dead.hasSway);
+    EXPECT_FALSE(dead.hasHyprland);
+    EXPECT_TRUE(living.hasHyprland);
+    EXPECT_EQ(DesktopTable::cell(dead, DesktopAbility::windowVerbs).state,
               DesktopCell::State::absent);
 }
 

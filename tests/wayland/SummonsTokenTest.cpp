@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/desktop/DesktopApplication.h"
 #include "launcherapp/platform/linux/input/portal/PortalHotkeyRegistrar.h"
+#include "launcherapp/platform/linux/panel/wayland/WaylandActivationTokens.h"
 #include "launcherapp/platform/linux/processes/QtMainQueue.h"
 #include "tests/linux/EventLoop.h"
 #include "tests/linux/input/portal/FakePortal.h"
@@ -68,6 +69,21 @@ TEST_F(SummonsTokenTest, isThereWhileAKeyOfThePortalsIsHandled) {
     portal.activate("panel");
     ASSERT_TRUE(spinUntil([&] { return found.size() == 2; }));
     EXPECT_THAT(found, ElementsAre("of the key", ""));
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+
+    // What a key starts without the panel.
+    WaylandActivationTokens tokens;
+    std::vector<std::optional<std::string>> taken;
+    registrar.setEvents({.pressed = [&](const HotkeyRegistrar::Press&) {
+        for (const auto activation : {Activation::background, Activation::foreground})
+            taken.push_back(tokens.take(activation));
+        note();
+    }});
+    portal.deactivate("panel");
+    portal.activate("panel", 0, {{QStringLiteral("activation_token"), QStringLiteral("again")}});
+    ASSERT_TRUE(spinUntil([&] { return taken.size() == 2; }));
+    EXPECT_THAT(taken, ElementsAre(std::nullopt, "again"));
+    EXPECT_EQ(found.back(), "") << "each counts once";
     EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
 }
 

@@ -1,3 +1,5 @@
+#include "launcherapp/platform/linux/desktop/LastFrames.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -21,6 +23,7 @@ int main(int argc, char** argv) {
     for (const auto* name :
          {"QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "QT_WAYLAND_DISABLE_FIXED_POSITIONS"})
         qputenv(name, "1"); // as the program has it
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
+    const tessarine::LastFrames lastFrames(application);
     return RUN_ALL_TESTS();
 }

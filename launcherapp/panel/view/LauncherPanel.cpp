@@ -203,11 +203,16 @@ void LauncherPanel::preferenceChanged(std::string_view key) {
 }
 
 void LauncherPanel::paintEvent(QPaintEvent* event) {
-    if (blending_ == PanelRoot::Blending::opaque || contentsRect().contains(event->rect()))
+    // It shows beside the panel and in what the corners leave free.
+    constexpr int radius = static_cast<int>(PanelStyle::cornerRadius);
+    const auto panel = contentsRect();
+    const auto& painted = event->rect();
+    if (blending_ == PanelRoot::Blending::opaque ||
+        panel.adjusted(0, radius, 0, -radius).contains(painted) ||
+        panel.adjusted(radius, 0, -radius, 0).contains(painted))
         return;
     QPainter painter(this);
-    shadow_.draw(
-        painter, contentsRect(), PanelStyle::cornerRadius, toQt(root_->style().palette.shadow));
+    shadow_.draw(painter, panel, PanelStyle::cornerRadius, toQt(root_->style().palette.shadow));
 }
 
 void LauncherPanel::resizeEvent(QResizeEvent* event) {

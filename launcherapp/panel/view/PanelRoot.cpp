@@ -324,6 +324,7 @@ void PanelRoot::drawGroundByCorners(QPainter& painter, int scale) {
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.fillRect(rect().adjusted(0, radius, 0, -radius), ground);
     painter.fillRect(rect().adjusted(radius, 0, -radius, 0), ground);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver); // the shadow shows in them
     for (const int x : {0, 1}) {
         for (const int y : {0, 1}) {
             const QPoint to(x * (width() - radius), y * (height() - radius));
@@ -332,7 +333,6 @@ void PanelRoot::drawGroundByCorners(QPainter& painter, int scale) {
             painter.drawImage(QRect(to, QSize(radius, radius)), corners_, from);
         }
     }
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     const auto border = toQt(palette.border);
     for (const int x : {0, width() - 1})
         painter.fillRect(QRect(x, radius, 1, height() - 2 * radius), border);

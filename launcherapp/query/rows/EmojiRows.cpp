@@ -19,6 +19,7 @@ constexpr std::int64_t bestScore = 9900;
 
 std::vector<ResultRow> emojiRows(std::string_view query, const RowVerbs& verbs) {
     std::vector<ResultRow> rows;
+    const bool isTyped = verbs.typeText && verbs.canType && verbs.canType();
     for (const auto& entry : Emoji::search(query.substr(1), limit)) {
         const std::string emoji(entry.emoji);
         rows.push_back({
@@ -37,7 +38,7 @@ std::vector<ResultRow> emojiRows(std::string_view query, const RowVerbs& verbs) 
             .glyph = emoji,
             .score = bestScore - static_cast<std::int64_t>(rows.size()),
         });
-        if (verbs.typeText) {
+        if (isTyped) {
             rows.back().secondary = [type = verbs.typeText, emoji] { type(emoji); };
             rows.back().secondaryLabel = "type";
         }

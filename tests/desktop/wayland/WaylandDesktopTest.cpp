@@ -11,11 +11,22 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-using WaylandDesktopTest = WaylandDesktop;
-
 constexpr auto invitation = "exec gapplication action com.corvane.tessarine toggle";
 constexpr std::initializer_list<std::uint32_t> clipboardChord = {
     KEY_LEFTMETA, KEY_LEFTSHIFT, KEY_V};
+
+class WaylandDesktopTest : public WaylandDesktop {
+protected:
+    /// "second " above "first ".
+    void startWithTwoClippings() {
+        start(invitation);
+        EXPECT_TRUE(becomes(1, "recording is on"));
+        copy("first ");
+        EXPECT_TRUE(keeps({"first "}));
+        copy("second ");
+        EXPECT_TRUE(keeps({"second ", "first "}));
+    }
+};
 
 TEST_F(WaylandDesktopTest, theWholePathRunsByKeys) {
     prefer(R"({"tookHotkeyDeliberately": true, "emptyMode": "mostUsed"})");
@@ -90,12 +101,7 @@ TEST_F(WaylandDesktopTest, theHistoryHoldsWhatIsCopiedAndNoSecret) {
 }
 
 TEST_F(WaylandDesktopTest, returnPastesIntoARealFieldTwiceInARow) {
-    start(invitation);
-    ASSERT_TRUE(becomes(1, "recording is on"));
-    copy("first ");
-    ASSERT_TRUE(keeps({"first "}));
-    copy("second ");
-    ASSERT_TRUE(keeps({"second ", "first "}));
+    startWithTwoClippings();
     openField();
     for (const auto* expected : {"first x", "first xsecond x", "first xsecond xfirst x"}) {
         summon(clipboardChord);
@@ -111,12 +117,7 @@ TEST_F(WaylandDesktopTest, returnPastesIntoARealTerminalTwiceInARow) {
     folder.write("/data/applications/foot.desktop",
                  "[Desktop Entry]\nType=Application\nName=Foot\nExec=foot\n"
                  "Categories=System;TerminalEmulator;\n");
-    start(invitation);
-    ASSERT_TRUE(becomes(1, "recording is on"));
-    copy("first ");
-    ASSERT_TRUE(keeps({"first "}));
-    copy("second ");
-    ASSERT_TRUE(keeps({"second ", "first "}));
+    startWithTwoClippings();
     openTerminal();
     std::string lines;
     for (const auto* text : {"first ", "second "}) {

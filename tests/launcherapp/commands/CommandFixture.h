@@ -109,6 +109,7 @@ struct CommandFixture {
     CommandRuntime runtime{{.queue = services.platform.queue,
                             .processes = services.platform.processes,
                             .programs = services.platform.programs,
+                            .tokens = services.platform.tokens,
                             .catalog = services.catalog,
                             .opener = opener,
                             .links = links,

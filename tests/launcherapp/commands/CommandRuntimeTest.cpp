@@ -10,6 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 using testing::Pair;
 using testing::SizeIs;
@@ -82,6 +83,7 @@ TEST(CommandRuntime, nothingIsGuessedOfATarget) {
 
 TEST(CommandRuntime, aScriptGetsItsArgumentBesideItsText) {
     CommandFixture fixture;
+    fixture.services.platform.tokens.gives = false;
     const std::string argument = "\"; rm -rf ~ #$(x)";
     fixture.runtime.run({.id = "s", .kind = CommandKind::script, .script = "echo \"$1\""},
                         argument);
@@ -177,6 +179,25 @@ TEST(CommandRuntime, anApplicationIsNamedInThreeWays) {
         else
             EXPECT_THAT(fixture.services.log(), HasSubstr("app command a failed: " + problem));
     }
+}
+
+TEST(CommandRuntime, whatTheUserStartsMayComeToTheFront) {
+    CommandFixture fixture;
+    auto& platform = fixture.services.platform;
+    platform.processes.programs = {"/home/u/tool"};
+    const auto hasToken = [](const char* token) {
+        return IsSupersetOf({Pair(std::string("DESKTOP_STARTUP_ID"), std::string(token)),
+                             Pair(std::string("XDG_ACTIVATION_TOKEN"), std::string(token))});
+    };
+    fixture.runtime.run({.id = "a", .kind = CommandKind::app, .path = "~/tool"}, "");
+    fixture.runtime.run({.id = "s", .kind = CommandKind::script, .script = "x"}, "");
+    fixture.runtime.run({.id = "w", .kind = CommandKind::search, .url = "https://a.example"}, "");
+    fixture.settle();
+    EXPECT_THAT(platform.processes.started.at(0).environment, hasToken("token-1"));
+    EXPECT_THAT(fixture.started().at(0)->spec.environment, hasToken("token-2"));
+    EXPECT_EQ(fixture.bus.requests.at(0).activationToken, "token-3");
+    EXPECT_THAT(fixture.runtime.scriptProcess({.text = "x"}).environment, SizeIs(2))
+        << "rows that a script makes while somebody types are no reason to come forward";
 }
 
 TEST(CommandRuntime, otherKindsGoToTheirOwnServices) {

@@ -115,6 +115,13 @@ TEST(DesktopTable, goesByWhatIsThereNotByTheDesktopsName) {
     EXPECT_THAT(DesktopTable::reason(found, DesktopAbility::typing), Not(HasSubstr("Ctrl+V")));
 }
 
+TEST(DesktopTable, takesTheClipboardOfMuttersDisplayForX11ProgramsForItsOwn) {
+    auto found = DesktopTable::usual(DesktopFamily::mutter);
+    EXPECT_EQ(DesktopTable::cell(found, DesktopAbility::clipboardHistory), DesktopCell());
+    found.hasX11 = false;
+    EXPECT_EQ(DesktopTable::cell(found, DesktopAbility::clipboardHistory).state, State::absent);
+}
+
 TEST(DesktopTable, tellsADisplayThatIsOfNoUse) {
     const struct {
         DesktopSurroundings found;

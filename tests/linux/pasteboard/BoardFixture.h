@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QString>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -72,6 +73,83 @@ protected:
             bytes.append(reinterpret_cast<const char*>(&i), sizeof i);
         bytes.resize(count);
         return bytes;
+    }
+
+    /// What another program has copied as that type is read whole. Gives all types that it offers.
+    std::vector<std::string> readsWhole(const std::string& type, const std::string& bytes) {
+        const auto offer = offered();
+        EXPECT_TRUE(offer);
+        EXPECT_EQ(offer ? offer->count : 0, board.changeCount());
+        const auto reading = read(type);
+        EXPECT_EQ(reading.outcome, Outcome::complete) << reading.problem;
+        EXPECT_TRUE(reading.bytes == bytes) << reading.bytes.size();
+        return offer ? offer->types : std::vector<std::string>();
+    }
+
+    /// What lies there as "a/b" is read up to a limit and no further.
+    void readsUpToTheLimit(const std::string& bytes) {
+        EXPECT_EQ(read("a/b", bytes.size()).outcome, Outcome::complete);
+        EXPECT_EQ(read("a/b", bytes.size() - 1).outcome, Outcome::tooLarge);
+        EXPECT_EQ(read("a/b", 0).outcome, Outcome::tooLarge);
+        // What was given up on doesn't get into what follows.
+        const auto whole = read("a/b");
+        EXPECT_EQ(whole.problem, "");
+        EXPECT_TRUE(whole.bytes == bytes) << whole.bytes.size();
+    }
+
+    /// What comes of asking an owner for its text. `own` makes one that owns the clipboard.
+    template <typename Own> void reads(const Own& own, Outcome outcome, const std::string& bytes) {
+        withOwner(own, [&] {
+            const auto reading = read("text/plain");
+            EXPECT_EQ(reading.outcome, outcome) << reading.problem;
+            EXPECT_EQ(reading.bytes, bytes);
+            EXPECT_EQ(reading.problem.empty(), outcome == Outcome::complete);
+        });
+    }
+
+    /// How many types are believed of an owner; nothing where it is not heard out.
+    template <typename Own> void believes(const Own& own, std::optional<std::size_t> types) {
+        withOwner(own, [&] {
+            const auto offer = offered();
+            ASSERT_EQ(offer.has_value(), types.has_value());
+            EXPECT_EQ(offer ? offer->types.size() : 0, types.value_or(0));
+        });
+    }
+
+    /// Nothing is owned any more when this returns.
+    template <typename Own> void withOwner(const Own& own, const std::function<void()>& check) {
+        const auto before = board.changeCount();
+        {
+            const auto owner = own();
+            ASSERT_TRUE(reaches(before + 1));
+            check();
+        }
+        ASSERT_TRUE(reaches(before + 2)) << "its end would be taken for the next one's change";
+    }
+
+    /// The last word after `writeAgainst`: both have the same in the end. `paste` gives what
+    /// another program gets of a type.
+    void agreesAtTheEnd(const std::function<std::string(const QString& type)>& paste) {
+        put({item("a/b", "the end")});
+        EXPECT_EQ(paste(QStringLiteral("a/b")), "the end");
+        const auto count = board.changeCount();
+        spinFor(50);
+        EXPECT_EQ(board.changeCount(), count);
+    }
+
+    /// Neither being asked for the count nor what `happens` wakes the clipboard's thread.
+    void sleepsThrough(const std::function<void()>& happens) {
+        put({item("a/b", "ours")});
+        spinFor(50);
+        const auto before = sleeps();
+        ASSERT_GT(before, 0);
+        for (int i = 0; i < 100; ++i)
+            board.changeCount();
+        happens();
+        spinFor(1000);
+        EXPECT_EQ(sleeps(), before);
+        put({item("a/b", "ours again")});
+        EXPECT_GT(sleeps(), before);
     }
 
     /// How often the clipboard's thread has gone to sleep.

@@ -30,13 +30,7 @@ TEST_F(X11PasteboardRead, readsWhatAnotherProgramCopies) {
     for (const auto& [type, bytes] : cases) {
         SCOPED_TRACE(type);
         copyElsewhere(QString::fromLatin1(type), bytes);
-        const auto offer = offered();
-        ASSERT_TRUE(offer);
-        EXPECT_EQ(offer->count, board.changeCount());
-        EXPECT_THAT(offer->types, ElementsAre(type));
-        const auto reading = read(type);
-        EXPECT_EQ(reading.outcome, Outcome::complete) << reading.problem;
-        EXPECT_TRUE(reading.bytes == bytes) << reading.bytes.size();
+        EXPECT_THAT(readsWhole(type, bytes), ElementsAre(type));
     }
 }
 
@@ -47,13 +41,7 @@ TEST_F(X11PasteboardRead, stopsAtTheLimit) {
     const auto before = board.changeCount();
     QGuiApplication::clipboard()->setMimeData(content.release());
     ASSERT_TRUE(reaches(before + 1));
-    EXPECT_EQ(read("a/b", bytes.size()).outcome, Outcome::complete);
-    EXPECT_EQ(read("a/b", bytes.size() - 1).outcome, Outcome::tooLarge);
-    EXPECT_EQ(read("a/b", 0).outcome, Outcome::tooLarge);
-    // What was given up on doesn't get into what follows.
-    const auto whole = read("a/b");
-    EXPECT_EQ(whole.problem, "");
-    EXPECT_TRUE(whole.bytes == bytes) << whole.bytes.size();
+    readsUpToTheLimit(bytes);
 }
 
 TEST_F(X11PasteboardRead, answersInOrder) {
@@ -147,16 +135,7 @@ TEST_F(X11PasteboardRead, survivesOwnersThatMisbehave) {
 
     for (const auto& [reason, answer, outcome, bytes] : cases) {
         SCOPED_TRACE(reason);
-        const auto before = board.changeCount();
-        {
-            const ForeignOwner owner(answer);
-            ASSERT_TRUE(reaches(before + 1));
-            const auto reading = read("text/plain");
-            EXPECT_EQ(reading.outcome, outcome) << reading.problem;
-            EXPECT_EQ(reading.bytes, bytes);
-            EXPECT_EQ(reading.problem.empty(), outcome == Outcome::complete);
-        }
-        ASSERT_TRUE(reaches(before + 2)); // with its end the clipboard is empty
+        reads([&answer = answer] { return ForeignOwner(answer); }, outcome, bytes);
     }
     // And a good one is heard after all of them.
     copyElsewhere(QStringLiteral("a/b"), "good");
@@ -282,15 +261,7 @@ TEST_F(X11PasteboardRead, believesNoListOfTargetsBlindly) {
 
     for (const auto& [reason, answer, types] : cases) {
         SCOPED_TRACE(reason);
-        const auto before = board.changeCount();
-        {
-            const ForeignOwner owner(answer);
-            ASSERT_TRUE(reaches(before + 1));
-            const auto offer = offered();
-            ASSERT_EQ(offer.has_value(), types.has_value());
-            EXPECT_EQ(offer ? offer->types.size() : 0, types.value_or(0));
-        }
-        ASSERT_TRUE(reaches(before + 2)) << "its end would be taken for the next one's change";
+        believes([&answer = answer] { return ForeignOwner(answer); }, types);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "tests/wayland/CompositorOfItsOwn.h"
 #include "tests/wayland/TestKeyboard.h"
 #include "tests/wayland/input/ForeignField.h"
+#include "tests/wayland/standin/StandInKeyboards.h"
 
 #include <gmock/gmock.h>
 #include <linux/input-event-codes.h>
@@ -19,6 +20,7 @@ namespace {
 using Chord = KeyInjector::PasteChord;
 using Kind = ForeignField::Kind;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 class WaylandKeyInjectorTest : public testing::Test {
 protected:
@@ -192,6 +194,32 @@ TEST(WaylandKeyInjectorCompositor, oneThatStandsStillOrDiesEndsEverything) {
     EXPECT_EQ(isWhole, false);
     EXPECT_EQ(injector->ability(), Ability::missing("the Wayland display is gone"));
     EXPECT_FALSE(injector->paste(Chord::ordinary));
+}
+
+TEST(WaylandKeyInjectorCompositor, aSeatThatGoesTakesTheKeyboardAlongAndOneThatComesHasOne) {
+    QtMainQueue queue;
+    StandInCompositor compositor;
+    const StandInKeyboards keyboards(compositor);
+    WaylandKeyInjector injector(queue);
+    EXPECT_TRUE(injector.paste(Chord::ordinary));
+    const auto v = "press " + std::to_string(KEY_V);
+    const std::vector<std::string> pasted{"plug in", "press " + std::to_string(KEY_LEFTCTRL), v};
+    EXPECT_EQ(compositor.heard(), pasted);
+
+    compositor.removeSeat();
+    EXPECT_TRUE(spinUntil([&] { return compositor.heard().back() == "unplug"; })) << "at once";
+    EXPECT_THAT(injector.ability().reason, HasSubstr("no seat"));
+    EXPECT_FALSE(injector.paste(Chord::ordinary));
+    std::optional<bool> isWhole;
+    injector.type("a", [&](bool whole) { isWhole = whole; });
+    EXPECT_TRUE(spinUntil([&] { return isWhole.has_value(); }));
+    EXPECT_EQ(isWhole, false);
+    EXPECT_EQ(compositor.heard().back(), "unplug");
+
+    compositor.addSeat();
+    EXPECT_TRUE(spinUntil([&] { return injector.ability().available; }));
+    EXPECT_TRUE(injector.paste(Chord::ordinary));
+    EXPECT_EQ(compositor.heard().back(), v);
 }
 
 TEST(TextKeymap, givesEachCharacterAKeyAsFarAsTheyGo) {

@@ -27,13 +27,7 @@ TEST_F(WaylandPasteboardRead, readsWhatAnotherProgramCopies) {
     for (const auto& [type, bytes] : cases) {
         SCOPED_TRACE(type);
         copyElsewhere({QStringLiteral("--type"), QString::fromLatin1(type)}, bytes);
-        const auto offer = offered();
-        ASSERT_TRUE(offer);
-        EXPECT_EQ(offer->count, board.changeCount());
-        EXPECT_THAT(offer->types, Contains(type));
-        const auto reading = read(type);
-        EXPECT_EQ(reading.outcome, Outcome::complete) << reading.problem;
-        EXPECT_TRUE(reading.bytes == bytes) << reading.bytes.size();
+        EXPECT_THAT(readsWhole(type, bytes), Contains(type));
     }
 }
 
@@ -52,10 +46,7 @@ TEST_F(WaylandPasteboardRead, tellsTheTypesOfASecretWithoutAskingForIt) {
 TEST_F(WaylandPasteboardRead, stopsAtTheLimit) {
     const auto bytes = manyBytes(3'000'000);
     copyElsewhere({QStringLiteral("--type"), QStringLiteral("a/b")}, bytes);
-    EXPECT_EQ(read("a/b", bytes.size()).outcome, Outcome::complete);
-    EXPECT_EQ(read("a/b", bytes.size() - 1).outcome, Outcome::tooLarge);
-    EXPECT_EQ(read("a/b", 0).outcome, Outcome::tooLarge);
-    EXPECT_TRUE(read("a/b").bytes == bytes);
+    readsUpToTheLimit(bytes);
 }
 
 /// How an owner misbehaves when it is asked for its content, and what comes of it.
@@ -100,16 +91,7 @@ TEST_F(WaylandPasteboardRead, survivesOwnersThatMisbehave) {
 
     for (const auto& [reason, answer, outcome, bytes] : cases) {
         SCOPED_TRACE(reason);
-        const auto before = board.changeCount();
-        {
-            const WaylandOwner owner({"text/plain"}, answer);
-            ASSERT_TRUE(reaches(before + 1));
-            const auto reading = read("text/plain");
-            EXPECT_EQ(reading.outcome, outcome) << reading.problem;
-            EXPECT_EQ(reading.bytes, bytes);
-            EXPECT_EQ(reading.problem.empty(), outcome == Outcome::complete);
-        }
-        ASSERT_TRUE(reaches(before + 2)); // with its end the clipboard is empty
+        reads([&answer = answer] { return WaylandOwner({"text/plain"}, answer); }, outcome, bytes);
     }
     // And a good one is heard after all of them.
     copyElsewhere({QStringLiteral("--type"), QStringLiteral("a/b")}, "good");
@@ -183,15 +165,7 @@ TEST_F(WaylandPasteboardRead, believesNoListOfTypesBlindly) {
 
     for (const auto& [reason, types, told] : cases) {
         SCOPED_TRACE(reason);
-        const auto before = board.changeCount();
-        {
-            const WaylandOwner owner(types, givesNothing);
-            ASSERT_TRUE(reaches(before + 1));
-            const auto offer = offered();
-            ASSERT_EQ(offer.has_value(), told.has_value());
-            EXPECT_EQ(offer ? offer->types.size() : 0, told.value_or(0));
-        }
-        ASSERT_TRUE(reaches(before + 2)) << "its end would be taken for the next one's change";
+        believes([&types = types] { return WaylandOwner(types, givesNothing); }, told);
     }
 }
 

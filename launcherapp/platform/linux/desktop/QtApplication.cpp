@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
 
+#include "launcherapp/platform/linux/desktop/LastFrames.h"
 #include "launcherapp/platform/linux/processes/OwnVariables.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
 
@@ -114,15 +115,23 @@ void allowLayers() {
     }
 }
 
+std::unique_ptr<QCoreApplication> madeOnWayland(int& argc, char** argv) {
+    allowLayers();
+    auto application = madeOn("wayland", argc, argv);
+    auto* const lastFrames = new LastFrames(*application);
+    lastFrames->setParent(application.get());
+    return application;
+}
+
 std::unique_ptr<QCoreApplication>
 made(int& argc, char** argv, QtSurface surface, const Environment& environment) {
     if (surface == QtSurface::none)
         return std::make_unique<QCoreApplication>(argc, argv);
-    if (const auto platform = displayPlatform(environment)) {
-        if (platform == "wayland")
-            allowLayers();
+    const auto platform = displayPlatform(environment);
+    if (platform == "wayland")
+        return madeOnWayland(argc, argv);
+    if (platform)
         return madeOn(*platform, argc, argv);
-    }
     if (surface == QtSurface::pictures)
         return madeOn("offscreen", argc, argv);
     return std::make_unique<QCoreApplication>(argc, argv);

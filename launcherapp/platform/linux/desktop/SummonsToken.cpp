@@ -17,6 +17,12 @@ SummonsToken::SummonsToken(const QString& token)
         qputenv(variable, token.toUtf8());
 }
 
+std::optional<std::string> SummonsToken::take() {
+    const auto token = qgetenv(variable);
+    qunsetenv(variable);
+    return token.isEmpty() ? std::nullopt : std::optional(token.toStdString());
+}
+
 SummonsToken::~SummonsToken() {
     if (isSet_)
         qunsetenv(variable);

@@ -2,6 +2,8 @@
 
 #include <QString>
 #include <QVariantMap>
+#include <optional>
+#include <string>
 
 namespace tessarine {
 
@@ -15,6 +17,10 @@ public:
     ~SummonsToken();
     SummonsToken(const SummonsToken&) = delete;
     SummonsToken& operator=(const SummonsToken&) = delete;
+
+    /// The token of the press that is being handled, for something else than the panel: nobody
+    /// finds it any more. Nothing without one.
+    static std::optional<std::string> take();
 
     /// What the values hold that come with a call by the desktop entry standard; empty for none.
     static QString inPlatformData(const QVariantMap& values) {

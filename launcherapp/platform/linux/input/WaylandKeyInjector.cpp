@@ -19,6 +19,7 @@ namespace tessarine {
 namespace {
 
 constexpr std::string_view displayGone = "the Wayland display is gone";
+constexpr std::string_view noSeat = "this Wayland session has no seat, and so no keyboard";
 
 // Between two tries to connect, each of which may take WaylandConnection's patience.
 constexpr Seconds firstReconnection{2};
@@ -43,6 +44,8 @@ public:
             return Ability::missing(std::string(problem_));
         if (!VirtualKeyboard::isOffered(display_->registry()))
             return Ability::missing(std::string(DesktopTable::noKeys));
+        if (!VirtualKeyboard::hasSeat(display_->registry()))
+            return Ability::missing(std::string(noSeat));
         return {};
     }
 
@@ -141,6 +144,8 @@ private:
     void listen() {
         if (!display_->dispatchWhatCame())
             notifier_->setEnabled(false);
+        if (keyboard_ && !keyboard_->isPluggedIn())
+            keyboard_.reset(); // its seat has gone
     }
 
     void begin() {

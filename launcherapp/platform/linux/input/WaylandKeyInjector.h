@@ -32,9 +32,9 @@ public:
     /// False where no compositor answers, or it is gone.
     bool isConnected() const;
 
-    /// Missing where the compositor has no virtual keyboards, or is gone. Where it is gone or was
-    /// silent, it is looked for again first, at growing intervals: WaylandConnection's patience at
-    /// worst.
+    /// Missing where the compositor has no virtual keyboards, or no seat at the moment, or is gone.
+    /// Where it is gone or was silent, it is looked for again first, at growing intervals:
+    /// WaylandConnection's patience at worst.
     Ability ability() const override;
 
     bool paste(PasteChord chord) override;

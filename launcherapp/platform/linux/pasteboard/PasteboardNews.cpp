@@ -1,9 +1,27 @@
 #include "launcherapp/platform/linux/pasteboard/PasteboardNews.h"
 
 #include <poll.h>
+#include <utility>
 #include <variant>
 
 namespace tessarine {
+
+bool takeRequests(PasteboardMailbox& mailbox,
+                  const std::function<void(WriteRequest write)>& put,
+                  const std::function<void(PasteboardCall call)>& answer) {
+    auto requests = mailbox.take();
+    if (!requests)
+        return false;
+    for (auto& request : *requests) {
+        if (auto* write = std::get_if<WriteRequest>(&request))
+            put(std::move(*write));
+        else if (auto* read = std::get_if<ReadRequest>(&request))
+            answer(std::move(*read));
+        else
+            answer(std::get<OfferRequest>(request));
+    }
+    return true;
+}
 
 void refuse(const PasteboardCall& call, const PasteboardNews& news, const std::string& problem) {
     if (const auto* offer = std::get_if<OfferRequest>(&call))
@@ -18,15 +36,9 @@ bool refuseRequests(PasteboardMailbox& mailbox,
                     std::optional<std::chrono::steady_clock::time_point> end) {
     using std::chrono::milliseconds;
     constexpr int forever = -1;
-    while (const auto requests = mailbox.take()) {
-        for (const auto& request : *requests) {
-            if (const auto* offer = std::get_if<OfferRequest>(&request))
-                refuse(*offer, news, problem);
-            else if (const auto* read = std::get_if<ReadRequest>(&request))
-                refuse(*read, news, problem);
-            else
-                mailbox.refused(std::get<WriteRequest>(request).count);
-        }
+    const auto giveUp = [&](const WriteRequest& write) { mailbox.refused(write.count); };
+    const auto answer = [&](const PasteboardCall& call) { refuse(call, news, problem); };
+    while (takeRequests(mailbox, giveUp, answer)) {
         const auto now = std::chrono::steady_clock::now();
         if (end && now >= *end)
             return true;

@@ -27,6 +27,12 @@ using PasteboardCall = std::variant<OfferRequest, ReadRequest>;
 /// Why a call fails that is about what lay there before.
 inline constexpr auto somethingElseThere = "something else lies on the clipboard now";
 
+/// Hands over what has been asked since the last time, in order, to who puts things there and who
+/// answers. False once the mailbox is closed.
+bool takeRequests(PasteboardMailbox& mailbox,
+                  const std::function<void(WriteRequest write)>& put,
+                  const std::function<void(PasteboardCall call)>& answer);
+
 /// Answers a call that nothing can be told for.
 void refuse(const PasteboardCall& call, const PasteboardNews& news, const std::string& problem);
 

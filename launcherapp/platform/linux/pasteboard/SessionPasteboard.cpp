@@ -8,15 +8,14 @@
 namespace tessarine {
 
 std::unique_ptr<Pasteboard> pasteboard(MainQueue& queue, const DesktopSurroundings& desktop) {
-    constexpr auto ability = DesktopAbility::clipboardHistory;
-    const auto cell = DesktopTable::cell(desktop, ability);
     // A compositor that is only late is asked again later.
     if (desktop.hasWayland &&
-        (cell.state == DesktopCell::State::works || DesktopTable::isSilent(desktop)))
+        (DesktopTable::showsClipboard(desktop) || DesktopTable::isSilent(desktop)))
         return std::make_unique<WaylandPasteboard>(queue);
     if (desktop.hasX11)
         return std::make_unique<X11Pasteboard>(queue);
-    return std::make_unique<NoPasteboard>(queue, DesktopTable::reason(desktop, ability));
+    return std::make_unique<NoPasteboard>(
+        queue, DesktopTable::reason(desktop, DesktopAbility::clipboardHistory));
 }
 
 } // namespace tessarine

@@ -5,6 +5,7 @@
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
 #include "launcherapp/platform/linux/portal/DesktopPortal.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 #include "launcherapp/platform/linux/x11/X11Connection.h"
 
@@ -23,11 +24,6 @@ namespace tessarine {
 namespace {
 
 constexpr auto portalInterfaces = std::to_array<const char*>({"GlobalShortcuts", "Settings"});
-
-bool isSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value && *value != '\0';
-}
 
 /// The variable outlives the sway that set it.
 bool isSwayThere() {
@@ -77,7 +73,7 @@ DesktopSurroundings DesktopLook::display(const Environment& environment) {
                               .hasSessionBus = sessionBusAddress().has_value(),
                               .isShownOnX11 = isQtOnX11(),
                               .hasSway = isSwayThere(),
-                              .hasHyprland = isSet("HYPRLAND_INSTANCE_SIGNATURE"),
+                              .hasHyprland = HyprlandIpc::runningFolder().has_value(),
                               .desktops = environment.desktops};
     if (environment.hasX11)
         found.isX11Compositors = isX11Compositors();

@@ -10,12 +10,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void noteDone(void* data, wl_callback*, std::uint32_t) {
-    *static_cast<bool*>(data) = true;
-}
-
-constexpr wl_callback_listener doneListener{.done = noteDone};
-
 } // namespace
 
 void WaylandConnection::Close::operator()(wl_display* display) const {
@@ -50,18 +44,7 @@ void WaylandConnection::flush() {
 }
 
 bool WaylandConnection::roundTrip(std::chrono::milliseconds limit) {
-    if (!display_)
-        return false;
-    bool isDone = false;
-    auto* const callback = wl_display_sync(display_.get());
-    wl_callback_add_listener(callback, &doneListener, &isDone);
-    const auto end = Clock::now() + limit;
-    while (!isDone && dispatchWayland(display_.get(), end)) {
-        if (Clock::now() >= end)
-            break;
-    }
-    wl_callback_destroy(callback);
-    return isDone;
+    return display_ && roundTripWayland(display_.get(), Clock::now() + limit);
 }
 
 } // namespace tessarine

@@ -41,6 +41,7 @@ public:
 
     bool owns = false;
     User user = User::allows;
+    std::string unwanted; ///< the user declines what has this shortcut among it
     Answers answers = Answers::list;
     /// What the user gives each shortcut; those that are missing get none.
     std::map<QString, QString> keys{{QStringLiteral("panel"), QStringLiteral("Meta+Space")},
@@ -139,8 +140,10 @@ private:
         } else if (answers == Answers::list || message.member() == QLatin1String("ListShortcuts")) {
             results[QStringLiteral("shortcuts")] = QVariant::fromValue(list());
         }
-        const bool isDeclined =
-            user == User::declines && message.member() != QLatin1String("CreateSession");
+        const bool isUnwanted =
+            !unwanted.empty() && calls.back().find(' ' + unwanted + '=') != std::string::npos;
+        const bool isDeclined = isUnwanted || (user == User::declines &&
+                                               message.member() != QLatin1String("CreateSession"));
         tell(request,
              "org.freedesktop.portal.Request",
              "Response",

@@ -131,6 +131,38 @@ TEST_F(PortalHotkeyRegistrarTest, whatIsWishedLaterOrGivenBackMakesAnotherSessio
     EXPECT_EQ(portal.calls.size(), asked);
 }
 
+TEST_F(PortalHotkeyRegistrarTest, aDeclinedAdditionLeavesTheKeysThatWereThere) {
+    FakePortal portal;
+    outcomeFor(Kind::registered);
+    portal.unwanted = "clipboard";
+    portal.calls.clear();
+    registrar.grab(clipboard, superShiftV);
+    ASSERT_TRUE(settles(clipboard, Kind::refused));
+    ASSERT_TRUE(settles(panel, Kind::registered));
+    EXPECT_THAT(outcomes[clipboard].reason, HasSubstr("declined"));
+    EXPECT_THAT(portal.calls,
+                ElementsAre("Close session", // no shortcut is bound twice
+                            "CreateSession",
+                            "BindShortcuts clipboard=SHIFT+LOGO+v panel=LOGO+space",
+                            "Close session",
+                            "CreateSession",
+                            bindPanel));
+    portal.activate("panel");
+    EXPECT_TRUE(spinUntil([&] { return presses.size() == 1; }));
+
+    // Nobody is asked the same again, but about another set.
+    EXPECT_EQ(registrar.grab(clipboard, superShiftV).kind, Kind::refused);
+    registrar.release(clipboard);
+    describe(clipboard, "clipboard");
+    registrar.grab(clipboard, superShiftV);
+    spinFor(20);
+    EXPECT_EQ(portal.calls.size(), 6U);
+    EXPECT_EQ(outcomes[clipboard].kind, Kind::refused);
+    portal.unwanted.clear();
+    registrar.grab(clipboard, superSpace);
+    EXPECT_TRUE(settles(clipboard, Kind::registered));
+}
+
 TEST_F(PortalHotkeyRegistrarTest, tellsWhatTheUserChoosesInTheDesktopsSettings) {
     FakePortal portal;
     outcomeFor(Kind::registered);

@@ -120,6 +120,13 @@ private:
         HotkeyOutcome outcome;
     };
 
+    /// A set that is not asked for again.
+    struct Rejected {
+        std::vector<PortalShortcut> shortcuts;
+        std::string reason;
+        bool isDeclined = false; ///< by the user
+    };
+
     bool mayAskAgain() const { return lostAt_ && queue_.uptime() - *lostAt_ > askAgain; }
 
     void bindSoon() {
@@ -158,21 +165,21 @@ private:
 
     void bind() {
         auto shortcuts = wanted();
-        if (shortcuts != declined_)
-            declined_.clear(); // another wish may get another answer
+        if (rejected_ && rejected_->shortcuts != shortcuts)
+            rejected_.reset(); // another wish may get another answer
+        if (rejected_)
+            shortcuts = granted_;
         if (shortcuts == inSession_)
-            return;
-        if (!declined_.empty())
-            return settleAll([](const Wish&) { return refused(declinedReason); });
-        // The old session first: it may hold the same keys.
+            return settleAll();
+        // The old session first: a desktop refuses a key or a name that another session has, or
+        // takes it from both when one of them ends.
         drop();
         inSession_ = std::move(shortcuts);
         lostAt_.reset();
         hasComeUp_ = false;
-        if (inSession_.empty())
-            return;
-        settleAll([](const Wish&) { return asked; });
-        introduce();
+        settleAll();
+        if (!inSession_.empty())
+            introduce();
     }
 
     /// A portal that runs outside of the program's sandbox goes by what it calls itself. One that
@@ -225,7 +232,17 @@ private:
     void bound(const PortalTriggers& triggers) {
         triggers_ = triggers;
         untilAsked_ = askAgain;
-        settleAll([this](const Wish& wish) { return given(wish.shortcut).value_or(asked); });
+        granted_ = inSession_;
+        settleAll();
+    }
+
+    /// How it stands with a shortcut while nothing is lost.
+    HotkeyOutcome outcomeOf(const PortalShortcut& shortcut) const {
+        if (const auto outcome = given(shortcut))
+            return *outcome;
+        const bool isRejected = rejected_ && std::ranges::count(inSession_, shortcut) == 0 &&
+                                std::ranges::count(rejected_->shortcuts, shortcut) > 0;
+        return isRejected ? refused(rejected_->reason) : asked;
     }
 
     /// What the present session has made of a shortcut; nothing before its answer and for one that
@@ -243,10 +260,22 @@ private:
     }
 
     void lost(ShortcutsSession::End end, const std::string& reason) {
-        if (end == ShortcutsSession::End::declined)
-            declined_ = inSession_;
+        const bool isDeclined = end == ShortcutsSession::End::declined;
+        Rejected lost{.shortcuts = inSession_,
+                      .reason = isDeclined ? declinedReason : reason,
+                      .isDeclined = isDeclined};
         drop();
-        lose(end == ShortcutsSession::End::declined ? declinedReason : reason);
+        // One wish too many must not cost the keys that the user has had.
+        if (!granted_.empty() && granted_.size() < lost.shortcuts.size() &&
+            std::ranges::includes(lost.shortcuts, granted_)) {
+            rejected_ = std::move(lost);
+            return bind();
+        }
+        if (end != ShortcutsSession::End::failed)
+            granted_.clear();
+        if (isDeclined && !rejected_)
+            rejected_ = lost;
+        lose(lost.reason);
         if (end != ShortcutsSession::End::failed)
             return;
         // The question may have been too early for a portal that was being started.
@@ -258,7 +287,7 @@ private:
 
     void lose(const std::string& reason) {
         lostAt_ = queue_.uptime();
-        settleAll([&](const Wish&) { return refused(reason); });
+        settleAllAs([&](const Wish&) { return refused(reason); });
     }
 
     void ownerChanged(const QString& before, const QString& after) {
@@ -270,16 +299,22 @@ private:
         drop();
         isIntroduced_ = false;
         hasComeUp_ = false;
+        if (rejected_ && !rejected_->isDeclined)
+            rejected_.reset(); // the next portal may take it
         if (!after.isEmpty())
             return bindSoon();
         lose("the desktop's portal has gone");
         askLater();
     }
 
-    template <typename Outcome> void settleAll(const Outcome& outcomeOf) {
+    void settleAll() {
+        settleAllAs([this](const Wish& wish) { return outcomeOf(wish.shortcut); });
+    }
+
+    template <typename Outcome> void settleAllAs(const Outcome& outcomeOfWish) {
         std::vector<std::uint32_t> changed;
         for (auto& [id, wish] : wishes_) {
-            auto outcome = outcomeOf(wish);
+            auto outcome = outcomeOfWish(wish);
             if (outcome == wish.outcome)
                 continue;
             wish.outcome = std::move(outcome);
@@ -313,7 +348,8 @@ private:
     std::optional<PortalTriggers> triggers_; ///< what it has given; nothing before its answer
     std::map<std::string, Seconds> down_;    ///< when a key that is down was told last
     std::optional<Seconds> lostAt_;          ///< when the last question was lost, or its answer
-    std::vector<PortalShortcut> declined_;   ///< by the user: not to be asked again
+    std::vector<PortalShortcut> granted_;    ///< the last set that a session came about with
+    std::optional<Rejected> rejected_;       ///< what was wished for then, and still is
     Seconds untilAsked_ = askAgain;          ///< after the next loss
     bool hasComeUp_ = false;                 ///< the portal has, since it was asked
     bool isAskingLater_ = false;

@@ -15,6 +15,10 @@ bool VirtualKeyboard::isOffered(const WaylandRegistry& registry) {
     return registry.find(zwp_virtual_keyboard_manager_v1_interface.name).has_value();
 }
 
+bool VirtualKeyboard::hasSeat(const WaylandRegistry& registry) {
+    return registry.find(wl_seat_interface.name).has_value();
+}
+
 VirtualKeyboard::VirtualKeyboard(WaylandConnection& connection)
     : connection_(connection), seatGlobal_(connection.registry().find(wl_seat_interface.name)),
       seat_(connection.registry().bindFirst<wl_seat>(wl_seat_interface, 1)),

@@ -23,6 +23,9 @@ public:
 
     static bool isOffered(const WaylandRegistry& registry);
 
+    /// Whether there is a seat to plug it into: one may go, and another come later.
+    static bool hasSeat(const WaylandRegistry& registry);
+
     /// The compositor may take the focus from the window that has it and give it back.
     explicit VirtualKeyboard(WaylandConnection& connection);
     /// Sends all that was asked for.

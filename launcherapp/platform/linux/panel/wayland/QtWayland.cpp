@@ -11,25 +11,9 @@
 
 namespace tessarine {
 
-namespace {
-
-wl_display* qtDisplay() {
-    return static_cast<wl_display*>(
-        QGuiApplication::platformNativeInterface()->nativeResourceForIntegration("wl_display"));
-}
-
-void noteDone(void* data, wl_callback*, std::uint32_t) {
-    *static_cast<bool*>(data) = true;
-}
-
-constexpr wl_callback_listener doneListener{.done = noteDone};
-
-} // namespace
-
 QtWayland::QtWayland()
-    : display_(qtDisplay()),
-      registry_(std::make_unique<WaylandRegistry>(
-          display_,
+    : registry_(std::make_unique<WaylandRegistry>(
+          display(),
           nullptr,
           WaylandRegistry::Events{
               .added = [this](const WaylandRegistry::Global& global) { added_.tell(global); },
@@ -46,19 +30,19 @@ bool QtWayland::waitUntil(const std::function<bool()>& holds,
                           std::chrono::milliseconds limit) const {
     const auto end = std::chrono::steady_clock::now() + limit;
     while (!holds()) {
-        if (!dispatchWayland(display_, end) || std::chrono::steady_clock::now() >= end)
+        if (!dispatchWayland(display(), end) || std::chrono::steady_clock::now() >= end)
             return holds();
     }
     return true;
 }
 
 bool QtWayland::roundTrip(std::chrono::milliseconds limit) const {
-    bool isDone = false;
-    auto* const callback = wl_display_sync(display_);
-    wl_callback_add_listener(callback, &doneListener, &isDone);
-    waitUntil([&] { return isDone; }, limit);
-    wl_callback_destroy(callback);
-    return isDone;
+    return roundTripWayland(display(), std::chrono::steady_clock::now() + limit);
+}
+
+wl_display* QtWayland::display() {
+    return static_cast<wl_display*>(
+        QGuiApplication::platformNativeInterface()->nativeResourceForIntegration("wl_display"));
 }
 
 wl_surface* QtWayland::surface(QWindow& window) {

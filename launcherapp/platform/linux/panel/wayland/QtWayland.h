@@ -52,6 +52,7 @@ public:
     /// Waits until the compositor has seen all that was asked for. False as above.
     bool roundTrip(std::chrono::milliseconds limit = patience) const;
 
+    static wl_display* display();
     /// Null for a window without a native one.
     static wl_surface* surface(QWindow& window);
     /// Null for the stand-in that Qt has while there is no output.
@@ -60,7 +61,6 @@ public:
     static QScreen* screen(wl_output* output);
 
 private:
-    wl_display* display_;
     Observers<WaylandRegistry::Global> added_;
     std::unique_ptr<WaylandRegistry> registry_;
     bool isTold_;

@@ -1,5 +1,7 @@
 #include "launcherapp/platform/linux/panel/wayland/WaylandActivationTokens.h"
 
+#include "launcherapp/platform/linux/desktop/SummonsToken.h"
+
 #include <wayland-client.h>
 #include <xdg-activation-v1.h>
 
@@ -69,8 +71,11 @@ std::optional<std::string> WaylandActivationTokens::take(Activation activation) 
         return std::nullopt;
     if (std::chrono::steady_clock::now() - askedAt_ >= keepsFor_)
         forget();
-    if (!asked_)
-        ask(); // for what a chord launches without the panel
+    if (!asked_) { // for what a chord launches without the panel
+        if (auto summons = SummonsToken::take())
+            return summons;
+        ask();
+    }
     connection_.waitUntil([this] { return answer_.has_value(); }, patience);
     auto token = std::exchange(answer_, std::nullopt);
     forget();

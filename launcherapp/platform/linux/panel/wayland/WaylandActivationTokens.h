@@ -29,7 +29,8 @@ public:
     WaylandActivationTokens& operator=(const WaylandActivationTokens&) = delete;
 
     void prepare() override;
-    /// None for the background.
+    /// None for the background. What a key of the desktop's starts without the panel has the token
+    /// that came with the press.
     std::optional<std::string> take(Activation activation) override;
 
 private:

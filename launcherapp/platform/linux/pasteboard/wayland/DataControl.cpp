@@ -131,10 +131,8 @@ DataControl::DataControl(const WaylandConnection& connection)
 DataControl::~DataControl() {
     for (const auto& [number, question] : questions_)
         wl_callback_destroy(question->callback);
-    for (const auto& [number, source] : sources_)
-        zwlr_data_control_source_v1_destroy(source->source);
-    events_.clear();
     letGoOfSeat();
+    events_.clear();
     if (manager_)
         zwlr_data_control_manager_v1_destroy(manager_);
 }
@@ -159,6 +157,15 @@ bool DataControl::hasSeat() {
 
 void DataControl::letGoOfSeat() {
     offers_.clear();
+    // What was told of that clipboard is about nothing any more.
+    std::erase_if(events_, [](const Event& event) {
+        return std::holds_alternative<Selected>(event) || std::holds_alternative<Wanted>(event);
+    });
+    for (const auto& [number, source] : sources_) {
+        zwlr_data_control_source_v1_destroy(source->source);
+        events_.emplace_back(Cancelled{number});
+    }
+    sources_.clear();
     if (device_)
         zwlr_data_control_device_v1_destroy(std::exchange(device_, nullptr));
     if (seat_)

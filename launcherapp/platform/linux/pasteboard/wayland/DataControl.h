@@ -69,7 +69,7 @@ public:
         FileDescriptor into;
     };
 
-    /// What we have put there has been replaced, or was never taken.
+    /// What we have put there has been replaced, was never taken, or went with its seat.
     struct Cancelled {
         std::uint64_t source = 0;
     };
@@ -88,11 +88,16 @@ public:
     DataControl(const DataControl&) = delete;
     DataControl& operator=(const DataControl&) = delete;
 
-    /// Lets go of a seat that has gone, and takes one that has come. False while there is none, or
-    /// when the compositor has no such protocol.
+    /// Lets go of a seat that has gone, with all that we have put there, and takes one that has
+    /// come. False while there is none, or when the compositor has no such protocol.
     bool hasSeat();
 
-    /// What has been told since the last time.
+    /// Whether the compositor keeps the clipboard of a seat to itself that it has shown before.
+    /// False again once another seat is there.
+    bool isEnded() const { return isFinished_; }
+
+    /// What has been told since the last time; nothing of a seat that was let go of but what has
+    /// been cancelled.
     std::vector<Event> take();
 
     /// Puts something of these types there. Gives the number by which its events name it, never 0.
@@ -123,7 +128,7 @@ private:
     wl_seat* seat_ = nullptr;
     std::uint32_t seatName_ = 0; ///< the compositor's number for it
     zwlr_data_control_device_v1* device_ = nullptr;
-    bool isFinished_ = false; ///< the compositor has ended the device
+    bool isFinished_ = false; ///< the compositor has ended the seat's device
     std::map<zwlr_data_control_offer_v1*, std::unique_ptr<DataOffer>> offers_; ///< in no place yet
     std::map<std::uint64_t, std::unique_ptr<Source>> sources_;
     std::map<std::uint64_t, std::unique_ptr<Question>> questions_;

@@ -20,6 +20,7 @@ namespace {
 
 constexpr auto displayGone = "the Wayland display is gone";
 constexpr auto noSeat = "this Wayland session has no seat, and so no clipboard";
+constexpr auto hiddenNow = "the Wayland compositor shows its clipboard no more";
 
 /// Works while the compositor is there.
 class Worker {
@@ -45,7 +46,6 @@ public:
     }
 
 private:
-    bool takeRequests();
     void claim(WriteRequest request);
     void lookForSeat();
     void take(DataControl::Selected& event);
@@ -75,13 +75,16 @@ bool Worker::run() {
     beginning_ = control_.confirm();
     while (true) {
         now_ = TransferClock::now();
-        if (!takeRequests())
+        if (!takeRequests(
+                mailbox_,
+                [this](WriteRequest write) { claim(std::move(write)); },
+                [this](PasteboardCall call) { calls_.add(std::move(call), now_); }))
             return false;
         if (!display_.dispatchWhatCame())
             return true;
+        lookForSeat();
         for (auto& event : control_.take())
             std::visit([this](auto& each) { take(each); }, event);
-        lookForSeat();
         writers_.goOn(now_);
         calls_.goOn(board_, now_);
         const bool isAllSent = wl_display_flush(display_.display()) >= 0;
@@ -89,21 +92,6 @@ bool Worker::run() {
             return true;
         sleep(isAllSent);
     }
-}
-
-bool Worker::takeRequests() {
-    auto requests = mailbox_.take();
-    if (!requests)
-        return false;
-    for (auto& request : *requests) {
-        if (auto* write = std::get_if<WriteRequest>(&request))
-            claim(std::move(*write));
-        else if (auto* read = std::get_if<ReadRequest>(&request))
-            calls_.add(std::move(*read), now_);
-        else
-            calls_.add(std::get<OfferRequest>(request), now_);
-    }
-    return true;
 }
 
 void Worker::claim(WriteRequest request) {
@@ -120,13 +108,17 @@ void Worker::lookForSeat() {
         mailbox_.regain();
         return news_.abilityChanged();
     }
-    mailbox_.lose(noSeat);
-    news_.abilityChanged();
+    mailbox_.lose(control_.isEnded() ? hiddenNow : noSeat);
     owned_.reset();
     board_.offer.reset();
     board_.content = nullptr;
-    if (const auto count = mailbox_.othersChange())
+    if (claim_) {
+        claim_->isCancelled = true;
+        settle();
+    } else if (const auto count = mailbox_.othersChange()) {
         board_.count = *count;
+    }
+    news_.abilityChanged();
 }
 
 void Worker::take(DataControl::Selected& event) {

@@ -46,7 +46,6 @@ public:
     void refuseAll(const std::string& problem) { calls_.refuseAll(problem); }
 
 private:
-    bool takeRequests();
     void takeEvents();
     bool takeQueuedEvent();
     void take(const xcb_generic_event_t& event);
@@ -91,7 +90,10 @@ bool Worker::watch() {
 void Worker::run() {
     while (true) {
         now_ = TransferClock::now();
-        if (!takeRequests())
+        if (!takeRequests(
+                mailbox_,
+                [this](WriteRequest write) { ownership_.claim(std::move(write)); },
+                [this](PasteboardCall call) { calls_.add(std::move(call)); }))
             return;
         takeEvents();
         service_.expire(now_);
@@ -104,21 +106,6 @@ void Worker::run() {
         if (!takeQueuedEvent())
             sleep();
     }
-}
-
-bool Worker::takeRequests() {
-    auto requests = mailbox_.take();
-    if (!requests)
-        return false;
-    for (auto& request : *requests) {
-        if (auto* write = std::get_if<WriteRequest>(&request))
-            ownership_.claim(std::move(*write));
-        else if (auto* read = std::get_if<ReadRequest>(&request))
-            calls_.add(std::move(*read));
-        else
-            calls_.add(std::get<OfferRequest>(request));
-    }
-    return true;
 }
 
 void Worker::takeEvents() {

@@ -93,8 +93,10 @@ struct ForeignToplevels::Listener {
         zwlr_foreign_toplevel_handle_v1_add_listener(handle, &ofWindow, made.get());
     }
 
-    static void finished(void* data, zwlr_foreign_toplevel_manager_v1*) {
-        static_cast<ForeignToplevels*>(data)->isFinished_ = true;
+    /// The compositor has given the object up already, and no request would reach it.
+    static void finished(void* data, zwlr_foreign_toplevel_manager_v1* manager) {
+        static_cast<ForeignToplevels*>(data)->manager_ = nullptr;
+        zwlr_foreign_toplevel_manager_v1_destroy(manager);
     }
 
     static constexpr zwlr_foreign_toplevel_handle_v1_listener ofWindow{.title = title,
@@ -150,6 +152,9 @@ void ForeignToplevels::read() {
         isLost_ = true;
         notifier_->setEnabled(false); // a broken connection would wake the loop for ever
     }
+    // What nobody keeps up is told no longer.
+    if (isLost_ || !manager_)
+        toplevels_.clear();
     noteActive();
 }
 
@@ -170,15 +175,14 @@ Ability ForeignToplevels::ability() {
     read();
     if (isLost_)
         return Ability::missing("the connection to the Wayland compositor was lost");
-    if (isFinished_)
+    if (!manager_)
         return Ability::missing("the Wayland compositor tells its windows no more");
     return {};
 }
 
 std::vector<AppWindow> ForeignToplevels::windows() {
+    read();
     std::vector<AppWindow> windows;
-    if (!ability().available)
-        return windows;
     for (const auto& each : toplevels_) {
         if (each->isKnown)
             windows.push_back(each->window());
@@ -187,8 +191,7 @@ std::vector<AppWindow> ForeignToplevels::windows() {
 }
 
 std::optional<AppWindow> ForeignToplevels::active() {
-    if (!ability().available)
-        return std::nullopt;
+    read();
     const auto* window = active_ ? find(*active_) : nullptr;
     return window ? std::optional(window->window()) : std::nullopt;
 }

@@ -31,6 +31,7 @@ public:
     /// Whether the compositor tells its windows there.
     static bool areTold(const WaylandConnection& connection);
 
+    /// Missing once the compositor is gone, or tells no more: then there are no windows.
     Ability ability();
 
     /// Oldest first; the numbers are this object's own, and none is given twice.
@@ -58,13 +59,12 @@ private:
 
     std::unique_ptr<WaylandConnection> connection_;
     std::string ownApplicationID_;
-    zwlr_foreign_toplevel_manager_v1* manager_ = nullptr;
+    zwlr_foreign_toplevel_manager_v1* manager_ = nullptr; ///< null after the compositor's last word
     wl_seat* seat_ = nullptr;
     std::vector<std::unique_ptr<Toplevel>> toplevels_; ///< oldest first
     std::uint64_t last_ = 0;                           ///< number given
     std::optional<std::uint64_t> active_;
     bool isLost_ = false;
-    bool isFinished_ = false; ///< the compositor has said that it tells no more
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 

@@ -20,13 +20,8 @@ std::unique_ptr<CompositorIpc> compositorIpc() {
         if (auto ipc = std::make_unique<SwayIpc>(path); ipc->ability().available)
             return ipc;
     }
-    const auto hyprland = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE").toStdString();
-    if (hyprland.empty())
-        return nullptr;
-    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
-    for (const auto& folder : {runtime, std::string("/tmp")}) { // older versions in the second
-        auto ipc = std::make_unique<HyprlandIpc>(folder + "/hypr/" + hyprland);
-        if (ipc->ability().available)
+    if (auto folder = HyprlandIpc::runningFolder()) {
+        if (auto ipc = std::make_unique<HyprlandIpc>(*std::move(folder)); ipc->ability().available)
             return ipc;
     }
     return nullptr;

@@ -2,10 +2,12 @@
 
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandScene.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/ReturningIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SocketWatch.h"
 
 #include <fmt/format.h>
 
 #include <QSocketNotifier>
+#include <QString>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -16,6 +18,8 @@ namespace tessarine {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+constexpr auto eventSocket = "/.socket2.sock";
 
 /// Those after which windows are others, or elsewhere. Some more are told for what is nobody's
 /// concern here, titles among them.
@@ -53,8 +57,21 @@ struct HyprlandIpc::SceneQuestion {
     std::array<std::unique_ptr<QSocketNotifier>, 2> notifiers;
 };
 
+std::optional<std::string> HyprlandIpc::runningFolder() {
+    const auto instance = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE").toStdString();
+    if (instance.empty())
+        return std::nullopt;
+    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
+    for (const auto& parent : {runtime, std::string("/tmp")}) { // older versions in the second
+        auto folder = parent + "/hypr/" + instance;
+        if (LocalSocket(folder + eventSocket).isOpen())
+            return folder;
+    }
+    return std::nullopt;
+}
+
 HyprlandIpc::HyprlandIpc(std::string folder)
-    : folder_(std::move(folder)), events_(folder_ + "/.socket2.sock") {
+    : folder_(std::move(folder)), events_(folder_ + eventSocket) {
     again_.setSingleShot(true);
     again_.setInterval(ReturningIpc::pause);
     QObject::connect(&again_, &QTimer::timeout, &again_, [this] { askForScene(); });
@@ -153,8 +170,7 @@ void HyprlandIpc::readEvents() {
 void HyprlandIpc::noteLoss() {
     if (!notifier_)
         return;
-    notifier_->setEnabled(false);       // a closed socket would wake the loop for ever
-    notifier_.release()->deleteLater(); // it may be the one that tells
+    retire(std::move(notifier_));
     asked_.reset();
     again_.stop();
     told_({});
@@ -191,17 +207,12 @@ void HyprlandIpc::finishScene() {
     for (std::size_t i = 0; i < asked_->parts.size(); ++i) {
         const bool isThere = asked_->parts[i]->isAnswered();
         isWhole = isWhole && isThere;
-        if (isThere && asked_->notifiers[i])
-            asked_->notifiers[i]->setEnabled(false);
+        if (isThere)
+            retire(std::move(asked_->notifiers[i]));
     }
     if (!isWhole)
         return;
     const auto done = std::move(asked_);
-    // One of them may have called this, and goes when it is over.
-    for (auto& notifier : done->notifiers) {
-        if (notifier)
-            notifier.release()->deleteLater();
-    }
     if (std::exchange(isSceneOld_, false))
         askForScene();
     auto scene = readScene(done->parts[0]->answer, done->parts[1]->answer);

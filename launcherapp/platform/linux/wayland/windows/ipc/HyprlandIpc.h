@@ -5,6 +5,7 @@
 
 #include <QTimer>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,11 @@ namespace tessarine {
 /// question or order with each connection.
 class HyprlandIpc : public CompositorIpc {
 public:
+    /// The folder of the sockets of the Hyprland that HYPRLAND_INSTANCE_SIGNATURE names. Nothing
+    /// where none takes connections: the variable outlives the compositor that set it. Waits for
+    /// nobody.
+    static std::optional<std::string> runningFolder();
+
     /// `folder` is that of its sockets. One that can't be reached is unable from the start.
     explicit HyprlandIpc(std::string folder);
     ~HyprlandIpc() override;

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/SwayIpc.h"
 
+#include "launcherapp/platform/linux/wayland/windows/ipc/SocketWatch.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/SwayTree.h"
 
 #include <fmt/format.h>
@@ -140,8 +141,7 @@ void SwayIpc::read() {
 void SwayIpc::noteLoss() {
     if (socket_.isOpen() || !notifier_)
         return;
-    notifier_->setEnabled(false);       // a closed socket would wake the loop for ever
-    notifier_.release()->deleteLater(); // it may be the one that tells
+    retire(std::move(notifier_));
     told_({});
 }
 
