@@ -31,7 +31,8 @@ AppCatalog::AppCatalog(Doors doors,
                        Content content,
                        ExtraFolders extraFolders)
     : doors_(doors), environment_(std::move(environment)), content_(content),
-      extraFolders_(std::move(extraFolders)) {}
+      extraFolders_(std::move(extraFolders)),
+      runningChanges_(doors_.running.onChanged([this] { runningCache_ = {}; })) {}
 
 void AppCatalog::start() {
     requireMainThread(doors_.queue);
@@ -116,14 +117,33 @@ void AppCatalog::launch(const InstalledApp& application,
     if (const auto running = doors_.running.running(application.bundleID);
         running && doors_.running.ability().available) {
         doors_.running.unhide(*running);
-        // One that the session bus activates knows better which of its windows to show.
         if (!application.busActivatable) {
             doors_.running.activate(*running);
             doors_.queue.post([done = std::move(done)] { done(std::nullopt); });
             return;
         }
+        done = bringingForward(application.bundleID, std::move(done));
     }
     doors_.launcher.launch(application, {}, std::move(done));
+}
+
+/// One that the session bus activates knows better which of its windows to show, but need not be
+/// let: some compositors only mark a window that asks to come forward. Then its newest one comes,
+/// unless the user has gone elsewhere meanwhile.
+std::function<void(std::optional<std::string>)>
+AppCatalog::bringingForward(const std::string& bundleID,
+                            std::function<void(std::optional<std::string>)> done) {
+    return [this, bundleID, done = std::move(done), before = doors_.running.frontmost()](
+               const std::optional<std::string>& problem) {
+        if (!problem)
+            doors_.queue.postAfter(forwardPatience, [this, bundleID, before] {
+                const auto front = doors_.running.frontmost();
+                const auto running = doors_.running.running(bundleID);
+                if (running && front == before && front != bundleID)
+                    doors_.running.activate(*running);
+            });
+        done(problem);
+    };
 }
 
 const std::set<std::string>& AppCatalog::runningBundleIDs() {
@@ -149,6 +169,7 @@ void AppCatalog::publish(std::vector<CatalogApp> apps,
     lastScan_ = doors_.queue.now();
     lastScanMillis_ = millis;
     doors_.running.useRegistry(registry_);
+    runningCache_ = {}; // it was matched to the registry before
     observers_.tell();
 }
 

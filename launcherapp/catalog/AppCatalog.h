@@ -34,6 +34,9 @@ public:
     static constexpr Seconds watchLatency{1.0};    ///< of the folder watch
     static constexpr Seconds rescanDelay{1.5};     ///< from a change to the scan it causes
     static constexpr Seconds runningLifetime{1.0}; ///< how long the running set is kept
+    /// How long an application that the session bus has activated has to come forward by itself:
+    /// programs ask for it before they answer the bus, and window managers take milliseconds.
+    static constexpr Seconds forwardPatience{0.2};
     static constexpr int iconPoints = 32;
 
     enum class Content {
@@ -102,6 +105,9 @@ private:
     void publish(std::vector<CatalogApp> apps,
                  std::shared_ptr<const AppRegistry> registry,
                  double millis);
+    std::function<void(std::optional<std::string> problem)>
+    bringingForward(const std::string& bundleID,
+                    std::function<void(std::optional<std::string> problem)> done);
     /// Whether some are watched that were not before.
     bool watch(const std::vector<std::string>& directories);
     void scheduleRescan();
@@ -125,6 +131,7 @@ private:
     bool rescanPending_ = false;
     std::uint64_t scansStarted_ = 0;
     RunningCache runningCache_;
+    Subscription runningChanges_;
     Observers<> observers_;
 };
 

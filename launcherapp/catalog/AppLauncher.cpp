@@ -12,6 +12,7 @@ struct AppLauncher::Attempt {
     LaunchPlan plan;
     std::string name;                 ///< for the session's process manager
     std::optional<std::string> token; ///< nothing where the desktop gives none
+    Activation activation = Activation::foreground;
 };
 
 AppLauncher::AppLauncher(MainQueue& queue,
@@ -33,7 +34,8 @@ void AppLauncher::launch(const InstalledApp& application,
         });
     const Attempt attempt{.plan = LaunchPlans::plan(application, uris, terminal),
                           .name = application.bundleID,
-                          .token = tokens_.take(activation)};
+                          .token = tokens_.take(activation),
+                          .activation = activation};
     if (!attempt.plan.busName) {
         queue_.post([this, attempt, done = std::move(done)] { done(startCommands(attempt)); });
         return;
@@ -42,9 +44,15 @@ void AppLauncher::launch(const InstalledApp& application,
                    .uris = attempt.plan.uris,
                    .activationToken = attempt.token.value_or("")},
                   busTimeout,
-                  [this, attempt, done = std::move(done)](std::optional<std::string> problem) {
-                      if (problem && !attempt.plan.commands.empty())
-                          problem = startCommands(attempt);
+                  [this, attempt, asked = queue_.uptime(), done = std::move(done)](
+                      std::optional<std::string> problem) {
+                      if (problem && !attempt.plan.commands.empty()) {
+                          auto next = attempt;
+                          // Whoever is late with the answer may have used its token.
+                          if (queue_.uptime() - asked >= busTimeout)
+                              next.token = tokens_.take(next.activation);
+                          problem = startCommands(next);
+                      }
                       done(std::move(problem));
                   });
 }
@@ -60,6 +68,8 @@ std::optional<std::string> AppLauncher::startCommands(const Attempt& attempt) {
         spec.arguments = command;
         try {
             processes_.startDetached(spec);
+            if (attempt.activation == Activation::foreground)
+                spec.environment.clear(); // such a token is good for one program
         } catch (const ProcessError& error) {
             if (!problem)
                 problem = error.what();

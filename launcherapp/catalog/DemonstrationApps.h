@@ -2,6 +2,7 @@
 
 #include "LauncherCore/catalog/AppRegistry.h"
 #include "LauncherCore/catalog/CatalogApp.h"
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/WindowControl.h"
 #include "launcherapp/platform/WindowList.h"
 
@@ -46,16 +47,24 @@ public:
         return desktop_.onActiveChanged(std::move(changed));
     }
 
+    Subscription onListChanged(std::function<void()> changed) override {
+        return ends_.add(std::move(changed));
+    }
+
     void unhide(std::uint64_t) override {}
 
     void activate(std::uint64_t) override {}
 
     /// The window is there no more.
-    void end(std::uint64_t window) { ended_.insert(window); }
+    void end(std::uint64_t window) {
+        ended_.insert(window);
+        ends_.tell();
+    }
 
 private:
     WindowList& desktop_;
     std::set<std::uint64_t> ended_;
+    Observers<> ends_;
 };
 
 /// Moves no window, and ends only the demonstration's own. Main thread only.

@@ -53,6 +53,10 @@ Subscription RunningApps::onActivated(std::function<void(const std::string&)> ac
     });
 }
 
+Subscription RunningApps::onChanged(std::function<void()> changed) {
+    return windows_.onListChanged(std::move(changed));
+}
+
 void RunningApps::unhide(const RunningApp& app) {
     for (const auto window : app.hidden)
         windows_.unhide(window);

@@ -49,6 +49,10 @@ public:
     /// Calls `activated` with the id of each installed application that comes to the front.
     Subscription onActivated(std::function<void(const std::string& bundleID)> activated);
 
+    /// Calls `changed` after applications may have come or gone, as far as the desktop tells that
+    /// unasked.
+    Subscription onChanged(std::function<void()> changed);
+
     void unhide(const RunningApp& app);
 
     /// Brings the newest of its windows forward.

@@ -82,6 +82,11 @@ bool WindowManager::apply(WindowVerb verb, const std::optional<AppWindow>& targe
     control.resize(window->id, frame.width, frame.height);
     control.move(window->id, {.x = frame.x, .y = frame.y});
     control.resize(window->id, frame.width, frame.height);
+    if (!control.frame(window->id)) { // gone meanwhile, or the desktop answers no more
+        diagnostics.log(
+            fmt::format("window: {} was not seen to reach {}", WindowVerbs::name(verb), name));
+        return false;
+    }
     diagnostics.log(fmt::format("window: {} -> {} at {},{} {}x{} on {}",
                                 WindowVerbs::name(verb),
                                 name,

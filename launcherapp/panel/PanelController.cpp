@@ -253,8 +253,8 @@ void PanelController::screensChanged() {
 
 void PanelController::keyboardCame() {
     services_.diagnostics.log(
-        fmt::format("panel: key=true {:.0f} ms after the show, as another program held the "
-                    "keyboard",
+        fmt::format("panel: key=true {:.0f} ms after the show, as the keyboard was not to be had "
+                    "before",
                     milliseconds(shownAt_.value_or(services_.queue.uptime()))));
 }
 

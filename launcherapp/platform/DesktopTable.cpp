@@ -183,7 +183,11 @@ bool DesktopTable::showsClipboard(const DesktopSurroundings& surroundings) {
 DesktopCell DesktopTable::cell(const DesktopSurroundings& surroundings, DesktopAbility ability) {
     if (family(surroundings) == DesktopFamily::none)
         return absentAs("there is no display");
-    if (isSilent(surroundings))
+    // A compositor's own interface is another connection, and answers where its display doesn't.
+    const bool isAsked = (ability == DesktopAbility::runningApplications ||
+                          ability == DesktopAbility::windowVerbs) &&
+                         (surroundings.hasSway || surroundings.hasHyprland);
+    if (isSilent(surroundings) && !isAsked)
         return absentAs(std::string(silentCompositor));
     return lineOf(ability).decide(surroundings);
 }

@@ -53,6 +53,13 @@ public:
     /// Calls `changed` after another window has become active.
     virtual Subscription onActiveChanged(std::function<void()> changed) = 0;
 
+    /// Calls `changed` after windows have come or gone. Never where the desktop doesn't tell that
+    /// unasked, which is what this does here.
+    virtual Subscription onListChanged(std::function<void()> changed) {
+        static_cast<void>(changed);
+        return {};
+    }
+
     /// Brings a window back from the task bar. Nothing happens when it is gone.
     virtual void unhide(std::uint64_t window) = 0;
 

@@ -324,6 +324,9 @@ void App::Parts::keepRowsFresh() {
     publications.push_back(services->index.onPublished(published));
     publications.push_back(services->rates.onChange(published));
     publications.push_back(services->usage.onLoaded(published));
+    publications.push_back(
+        services->running.onActivated([this](const std::string&) { fresh->windowsChanged(); }));
+    publications.push_back(services->running.onChanged([this] { fresh->windowsChanged(); }));
 }
 
 /// A run that answers and ends reads what was copied before; only a resident one changes it.

@@ -19,6 +19,11 @@ void FreshRows::published() {
     refreshAfter(shortestPause);
 }
 
+void FreshRows::windowsChanged() {
+    if (!isVisible_())
+        model_.reset();
+}
+
 void FreshRows::pictureArrived() {
     if (isVisible_())
         refreshAfter(picturePause);

@@ -29,6 +29,11 @@ public:
     /// once in `shortestPause`, and the row that the user went to stays selected.
     void published();
 
+    /// To be called when applications came, went or came forward. While the panel is visible
+    /// nothing happens: it may itself be what changes the windows, and its hiding makes the list
+    /// anew.
+    void windowsChanged();
+
     /// To be called when a picture or a file has been read that a row or a preview lacked.
     void pictureArrived();
 

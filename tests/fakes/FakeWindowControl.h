@@ -18,6 +18,7 @@ public:
         std::optional<Rectangle> restored; ///< while it is maximised: where it comes back to
         double longestWidth = 1e6;         ///< it takes no more where it is
         bool canBeKilled = true;
+        bool endsWhenMoved = false;
     };
 
     Ability ability() const override { return supported; }
@@ -51,6 +52,8 @@ public:
         found->second.frame.x = topLeft.x;
         found->second.frame.y = topLeft.y;
         found->second.longestWidth = 1e6;
+        if (found->second.endsWhenMoved)
+            windows.erase(found);
     }
 
     void close(std::uint64_t window) override { closed.push_back(window); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/WindowList.h"
 
 #include <algorithm>
@@ -36,6 +37,10 @@ public:
         return Subscription([this, id] { observers_.erase(id); });
     }
 
+    Subscription onListChanged(std::function<void()> changed) override {
+        return listObservers_.add(std::move(changed));
+    }
+
     void unhide(std::uint64_t window) override {
         calls.emplace_back("unhide", window);
         for (auto& each : open) {
@@ -57,6 +62,12 @@ public:
             changed();
     }
 
+    /// As its program would.
+    void close(std::uint64_t window) {
+        std::erase_if(open, [&](const AppWindow& each) { return each.id == window; });
+        listObservers_.tell();
+    }
+
     Ability supported;
     std::optional<std::string> untold;
     std::set<std::int64_t> programs; ///< processes that run, with or without windows
@@ -66,6 +77,7 @@ public:
     mutable int listings = 0; ///< how often the windows were asked for
 
 private:
+    Observers<> listObservers_;
     int lastObserver_ = 0;
     std::map<int, std::function<void()>> observers_;
 };

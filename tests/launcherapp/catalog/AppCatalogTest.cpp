@@ -143,6 +143,16 @@ TEST_F(AppCatalogTest, theRunningSetIsAskedForOnceASecond) {
     EXPECT_EQ(platform.windows.listings, 1);
     settleAfter(0.2);
     EXPECT_THAT(catalog.runningBundleIDs(), IsEmpty());
+    // Nor is it kept when a window is told to go, or is another application's by a new scan.
+    platform.windows.open = {{.id = 1, .className = "files"}, {.id = 2, .className = "late"}};
+    settleAfter(1);
+    EXPECT_THAT(catalog.runningBundleIDs(), ElementsAre("files"));
+    platform.windows.close(1);
+    EXPECT_THAT(catalog.runningBundleIDs(), IsEmpty());
+    services.install("late", "Late");
+    catalog.rescan();
+    platform.time.settle();
+    EXPECT_THAT(catalog.runningBundleIDs(), ElementsAre("late"));
 }
 
 TEST_F(AppCatalogTest, launchingStartsWhatDoesNotRun) {
@@ -180,15 +190,45 @@ TEST_F(AppCatalogTest, whatCantBeBroughtForwardIsLaunched) {
     EXPECT_EQ(platform.processes.started.size(), 1u);
 }
 
-TEST_F(AppCatalogTest, whatTheBusActivatesIsAskedEvenWhenItRuns) {
+TEST_F(AppCatalogTest, whatTheBusActivatesIsAskedAndThenBroughtForwardWhereNothingElseWas) {
     services.install("org.x.Bus", "Bus", "DBusActivatable=true\n");
+    services.install("files", "Files");
     services.startCatalog();
-    platform.bus.answers["org.x.Bus"] = std::nullopt;
-    platform.windows.open = {{.id = 1, .className = "org.x.Bus", .hidden = true}};
-    catalog.launch(app("Bus"));
-    platform.time.settle();
-    EXPECT_THAT(platform.windows.calls, ElementsAre(std::pair("unhide", 1u)));
-    EXPECT_EQ(platform.bus.requests.size(), 1u);
+
+    const struct {
+        const char* what;
+        std::optional<std::string> problem;
+        std::uint64_t before;    ///< the window in front
+        std::uint64_t meanwhile; ///< the one that comes forward by itself
+        bool isBroughtForward;
+    } cases[] = {
+        {"the compositor only marks it", std::nullopt, 3, 3, true},
+        {"its own choice of its windows", std::nullopt, 3, 1, false},
+        {"the user has gone elsewhere", std::nullopt, 3, 4, false},
+        {"it was in front", std::nullopt, 1, 1, false},
+        {"it doesn't answer, and can't be started", "gone", 3, 3, false},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.what);
+        platform.bus.answers["org.x.Bus"] = each.problem;
+        platform.bus.requests.clear();
+        auto& windows = platform.windows;
+        windows.calls.clear();
+        windows.open = {{.id = 1, .className = "org.x.Bus", .hidden = true},
+                        {.id = 2, .className = "org.x.Bus"},
+                        {.id = 3, .className = "stranger"},
+                        {.id = 4, .className = "files"}};
+        windows.activeID = each.before;
+        catalog.launch(app("Bus"));
+        windows.activeID = each.meanwhile;
+        platform.time.advance(AppCatalog::forwardPatience);
+        EXPECT_EQ(platform.bus.requests.size(), 1u);
+        std::vector<std::pair<std::string, std::uint64_t>> expected{{"unhide", 1}};
+        if (each.isBroughtForward)
+            expected.emplace_back("activate", 2);
+        EXPECT_EQ(windows.calls, expected);
+    }
 }
 
 TEST_F(AppCatalogTest, aFailedLaunchIsLogged) {

@@ -78,7 +78,12 @@ TEST_F(AppLauncherTest, aBusThatFailsOrIsSilentLeavesTheProgram) {
     platform.bus.silent = {"org.x.App"};
     EXPECT_EQ(launch(app), std::nullopt);
     EXPECT_EQ(took, AppLauncher::busTimeout);
-    EXPECT_EQ(platform.processes.started.size(), 2u);
+    ASSERT_EQ(platform.processes.started.size(), 2u);
+    const auto token = [&](std::size_t start) {
+        return platform.processes.started[start].environment.at("XDG_ACTIVATION_TOKEN");
+    };
+    EXPECT_EQ(token(0), "token-1"); // nobody else has had it
+    EXPECT_EQ(token(1), "token-3"); // the silent one may have used the second
     // Without a program the bus's own words are the answer.
     EXPECT_EQ(launch({.bundleID = "org.x.Other", .busActivatable = true}),
               "nobody can be started by this name");
@@ -104,7 +109,9 @@ TEST_F(AppLauncherTest, everyFileIsOpenedThoughOneFails) {
     platform.processes.programs.insert("app");
     EXPECT_EQ(launch({.bundleID = "a", .exec = "app %f"}, {"file:///1", "file:///2"}),
               std::nullopt);
-    EXPECT_EQ(platform.processes.started.size(), 2u);
+    ASSERT_EQ(platform.processes.started.size(), 2u);
+    EXPECT_EQ(platform.processes.started[0].environment.size(), 2u);
+    EXPECT_THAT(platform.processes.started[1].environment, IsEmpty()); // a token is for one
 }
 
 } // namespace

@@ -93,6 +93,12 @@ TEST_F(WindowManagerTest, asksForTheSizeAgainWhereThereIsRoom) {
     EXPECT_EQ(frame(2), rightScreen.workArea);
 }
 
+TEST_F(WindowManagerTest, aWindowThatEndsUnderItsHandsWasNotMoved) {
+    control.windows[2].endsWhenMoved = true;
+    EXPECT_FALSE(manager.apply(WindowVerb::max, window(2)));
+    EXPECT_THAT(services.log(), HasSubstr("window: max was not seen to reach Browser\n"));
+}
+
 TEST_F(WindowManagerTest, aMaximisedWindowHasTheSizeItComesBackTo) {
     control.windows[1] = {.frame = leftScreen.workArea,
                           .restored = Rectangle{.x = 1, .y = 1, .width = 200, .height = 100}};

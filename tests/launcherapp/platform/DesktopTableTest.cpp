@@ -136,6 +136,9 @@ TEST(DesktopTable, tellsADisplayThatIsOfNoUse) {
 
     for (const auto& [found, ability, words] : cases)
         EXPECT_THAT(DesktopTable::reason(found, ability), HasSubstr(words));
+    // Sway is asked over a connection of its own.
+    const DesktopSurroundings asked{.hasWayland = true, .hasSway = true};
+    EXPECT_EQ(DesktopTable::cell(asked, DesktopAbility::windowVerbs), DesktopCell());
 }
 
 } // namespace

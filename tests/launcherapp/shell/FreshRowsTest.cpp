@@ -1,5 +1,6 @@
 #include "launcherapp/shell/FreshRows.h"
 
+#include "launcherapp/catalog/RecentApps.h"
 #include "launcherapp/panel/PanelController.h"
 #include "tests/fakes/FakePanelDesk.h"
 
@@ -54,6 +55,30 @@ TEST_F(FreshRowsTest, aListMadeBeforeTheFirstScanIsMadeAnewForTheFirstShow) {
     panel.show();
     EXPECT_THAT(titles(), ElementsAre("Alpha", "Alpine"));
     EXPECT_EQ(rebuilds, 0) << "the show itself waits for no recompute";
+}
+
+TEST_F(FreshRowsTest, whatRunsAndInWhichOrderIsRightBeforeTheShow) {
+    RecentApps recent(services.running, services.catalog);
+    model.families.recentApps = [&] { return recent.recent(services.catalog.apps()); };
+    const auto came = services.running.onActivated([&](const auto&) { fresh.windowsChanged(); });
+    const auto went = services.running.onChanged([&] { fresh.windowsChanged(); });
+    services.prefs.emptyMode.set(EmptyMode::recents);
+    auto& windows = services.platform.windows;
+    windows.open = {{.id = 1, .className = "Alpha"}, {.id = 2, .className = "Beta"}};
+    windows.activeID = 1;
+    services.install("Alpha", "Alpha");
+    installAndScan("Beta");
+    panel.show();
+    panel.hide();
+    ASSERT_THAT(titles(), ElementsAre("Alpha", "Beta"));
+    windows.bringForward(2);
+    EXPECT_THAT(titles(), ElementsAre("Beta", "Alpha"));
+    windows.close(2); // asked to at the last hide, and ended now
+    EXPECT_THAT(titles(), ElementsAre("Alpha"));
+    panel.show();
+    model.setQuery("be");
+    windows.bringForward(1);
+    EXPECT_EQ(model.query(), "be") << "what the user types is not taken away";
 }
 
 TEST_F(FreshRowsTest, whatIsPublishedUnderTheUsersEyesAppears) {

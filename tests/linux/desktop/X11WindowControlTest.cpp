@@ -1,3 +1,4 @@
+#include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowControl.h"
 #include "tests/linux/BareDisplay.h"
 #include "tests/linux/desktop/X11WindowControlFixture.h"
 
@@ -5,6 +6,7 @@
 
 #include <array>
 #include <csignal>
+#include <memory>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -111,6 +113,48 @@ TEST_F(X11WindowControlTest, killingEndsTheProgramAndNeverThisOne) {
     const auto own = open();
     EXPECT_FALSE(control.kill(own));
     EXPECT_TRUE(neighbour.display.answers());
+}
+
+/// A compositor with one window of an X11 program, whose number there it doesn't tell.
+class Numberless : public CompositorIpc {
+public:
+    explicit Numberless(std::int64_t process) : process_(process) {}
+
+    Ability ability() override { return {}; }
+
+    bool isConnected() const override { return true; }
+
+    std::optional<WindowScene> scene() override {
+        WindowScene scene;
+        scene.windows.push_back({.window = {.id = 1, .processID = process_}, .isX11 = true});
+        return scene;
+    }
+
+    void follow(std::function<void(WindowScene)>) override {}
+
+    void takeWhatCame() override {}
+
+    void activate(std::uint64_t) override {}
+
+    void unhide(const WindowScene::Window&) override {}
+
+    void makeOrdinary(const WindowScene::Window&) override {}
+
+    void place(const WindowScene::Window&, const Rectangle&) override {}
+
+    void close(std::uint64_t) override {}
+
+private:
+    std::int64_t process_;
+};
+
+TEST_F(X11WindowControlTest, aCompositorThatTellsNoNumberHasItsX11ProgramsEnded) {
+    Child child(hostName());
+    ASSERT_TRUE(spinUntil([&] { return isManaged(child.windows[1]); }));
+    // Counted in a sandbox: no program of the display's, though perhaps of the system's.
+    EXPECT_FALSE(IpcWindowControl(std::make_unique<Numberless>(child.process + 1)).kill(1));
+    EXPECT_TRUE(IpcWindowControl(std::make_unique<Numberless>(child.process)).kill(1));
+    EXPECT_TRUE(spinUntil([&] { return child.hasEnded(); }));
 }
 
 TEST_F(X11WindowControlTest, closingAsksTheProgram) {

@@ -228,6 +228,17 @@ TEST_F(X11WindowListTest, bringsWindowsForwardAndBack) {
     EXPECT_TRUE(isActive(first));
 }
 
+TEST_F(X11WindowListTest, tellsWhenWindowsComeAndGo) {
+    int changes = 0;
+    const auto subscription = windows.onListChanged([&] { ++changes; });
+    const auto window = client.open("one", "One");
+    EXPECT_TRUE(spinUntil([&] { return changes > 0 && find(window); }));
+    changes = 0;
+    xcb_destroy_window(client.connection, window);
+    client.finish();
+    EXPECT_TRUE(spinUntil([&] { return changes > 0 && !find(window); }));
+}
+
 TEST_F(X11WindowListTest, onlyWhatTaskBarsShowIsOrdinary) {
     const auto& ewmh = client.ewmh;
 

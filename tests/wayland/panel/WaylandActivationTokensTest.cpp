@@ -71,6 +71,17 @@ TEST_F(WaylandActivationTokensTest, aTokenThatNobodyTookInTimeIsNoLaterLaunchs) 
     EXPECT_EQ(takenFromStock(brief), std::nullopt);
 }
 
+TEST_F(WaylandActivationTokensTest, aCompositorThatWasBusyAtTheStartGivesThemLater) {
+    const auto process = qEnvironmentVariableIntValue("COMPOSITOR_PROCESS");
+    ASSERT_EQ(::kill(process, SIGSTOP), 0);
+    WaylandActivationTokens early;
+    ::kill(process, SIGCONT);
+    window.goesAway = [&] { early.prepare(); };
+    useThePanel();
+    spinFor(100); // the answer is here
+    EXPECT_THAT(takenFromStock(early), Optional(SizeIs(testing::Gt(0U))));
+}
+
 TEST_F(WaylandActivationTokensTest, aCompositorThatStandsStillCostsALaunchItsTokenAlone) {
     useThePanel();
     tokens.take(Activation::foreground);

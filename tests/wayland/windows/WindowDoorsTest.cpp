@@ -81,12 +81,15 @@ TEST_P(WindowDoorsTest, windowsComeForwardAndClose) {
     spinFor(50);
     int changes = 0;
     const auto subscription = doors.list->onActiveChanged([&] { ++changes; });
+    int listChanges = 0;
+    const auto listing = doors.list->onListChanged([&] { ++listChanges; });
     doors.list->activate(first.id);
     EXPECT_TRUE(isActive(first));
     EXPECT_TRUE(spinUntil([&] { return changes == 1; }));
     EXPECT_THAT(names(), ElementsAre("org.example.first", "org.example.second"));
+    EXPECT_EQ(listChanges, 0); // none came or went
     doors.control->close(first.id);
-    EXPECT_TRUE(spinUntil([&] { return names().size() == 1; }));
+    EXPECT_TRUE(spinUntil([&] { return listChanges == 1 && names().size() == 1; }));
     EXPECT_TRUE(isActive(second));
     doors.control->close(first.id);
     doors.list->activate(first.id);

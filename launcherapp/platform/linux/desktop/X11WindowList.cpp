@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/desktop/X11WindowList.h"
 
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/linux/XcbOwned.h"
 #include "launcherapp/platform/linux/processes/ProcessFacts.h"
 #include "launcherapp/platform/linux/x11/X11ClientProcesses.h"
@@ -175,14 +176,8 @@ public:
         xcb_flush(connection_);
     }
 
-    Subscription observe(std::function<void()> changed) {
-        const int id = ++lastObserver_;
-        observers_.emplace(id, std::move(changed));
-        return Subscription([weak = std::weak_ptr(alive_), this, id] {
-            if (!weak.expired())
-                observers_.erase(id);
-        });
-    }
+    Observers<> activeObservers;
+    Observers<> listObservers;
 
 private:
     /// What is asked about one window.
@@ -314,7 +309,7 @@ private:
     void takeQueuedEvents() {
         while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
             note(*event);
-        if (activeChanged_ && notifier_)
+        if ((activeChanged_ || listChanged_) && notifier_)
             QMetaObject::invokeMethod(
                 notifier_.get(), [this] { tellObservers(); }, Qt::QueuedConnection);
     }
@@ -324,16 +319,14 @@ private:
             return;
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         activeChanged_ = activeChanged_ || change.atom == ewmh_._NET_ACTIVE_WINDOW;
+        listChanged_ = listChanged_ || change.atom == ewmh_._NET_CLIENT_LIST;
     }
 
     void tellObservers() {
-        if (!std::exchange(activeChanged_, false))
-            return;
-        const auto observers = observers_; // a callback may end any subscription
-        for (const auto& [id, changed] : observers) {
-            if (observers_.contains(id))
-                changed();
-        }
+        if (std::exchange(activeChanged_, false))
+            activeObservers.tell();
+        if (std::exchange(listChanged_, false))
+            listObservers.tell();
     }
 
     int screenNumber_ = 0;
@@ -348,9 +341,7 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     std::optional<xcb_window_t> lastActive_; ///< as it was when it was asked for
     bool activeChanged_ = false;             ///< events are noted while questions are asked
-    std::map<int, std::function<void()>> observers_;
-    int lastObserver_ = 0;
-    std::shared_ptr<int> alive_ = std::make_shared<int>();
+    bool listChanged_ = false;
 };
 
 X11WindowList::X11WindowList(std::optional<std::string> gap)
@@ -375,7 +366,11 @@ bool X11WindowList::stillRuns(const AppWindow& window) const {
 }
 
 Subscription X11WindowList::onActiveChanged(std::function<void()> changed) {
-    return display_->observe(std::move(changed));
+    return display_->activeObservers.add(std::move(changed));
+}
+
+Subscription X11WindowList::onListChanged(std::function<void()> changed) {
+    return display_->listObservers.add(std::move(changed));
 }
 
 void X11WindowList::unhide(std::uint64_t window) {

@@ -25,6 +25,7 @@ public:
     std::optional<AppWindow> active() const override;
     bool stillRuns(const AppWindow& window) const override;
     Subscription onActiveChanged(std::function<void()> changed) override;
+    Subscription onListChanged(std::function<void()> changed) override;
     void unhide(std::uint64_t window) override;
     void activate(std::uint64_t window) override;
 

@@ -66,6 +66,8 @@ protected:
     }
 
     std::string answer(const std::string& request) const {
+        if (isDropping || isRubbish)
+            return isDropping ? "" : "[";
         if (request == "j/clients")
             return isEmpty ? "[]" : clients;
         if (request == "j/monitors")
@@ -85,6 +87,8 @@ protected:
     ScratchFolder folder;
     std::atomic<bool> isSilent = false;
     std::atomic<bool> isEmpty = false;
+    std::atomic<bool> isDropping = false;
+    std::atomic<bool> isRubbish = false;
     std::atomic<bool> isOld = false;
     std::unique_ptr<FakeHyprland> hyprland;
     WindowDoors doors;
@@ -174,6 +178,27 @@ TEST_F(HyprlandTest, silenceAndTheEndAreToldInWords) {
     EXPECT_FALSE(doors.list->active());
     doors.list->activate(first);
     spinFor(50);
+}
+
+TEST_F(HyprlandTest, windowsThatWereNotToldAreAskedForAgain) {
+    ASSERT_THAT(doors.list->windows(), SizeIs(3));
+    spinFor(50);
+    isEmpty = true;
+    isDropping = true;
+    const auto before = hyprland->asked().size();
+    hyprland->tell("closewindow>>55d0c8a4b2c0\n");
+    ASSERT_TRUE(spinUntil([&] { return hyprland->asked().size() == before + 2; }));
+    isDropping = false;
+    EXPECT_TRUE(spinUntil([&] { return doors.list->windows().empty(); }));
+    EXPECT_EQ(doors.list->ability(), Ability{});
+
+    isRubbish = true;
+    hyprland->tell("openwindow>>1\n");
+    EXPECT_TRUE(spinUntil([&] { return !doors.list->ability().available; }));
+    EXPECT_THAT(doors.list->ability().reason, HasSubstr("can't be read"));
+    isRubbish = false;
+    hyprland->tell("openwindow>>1\n");
+    EXPECT_TRUE(spinUntil([&] { return doors.list->ability().available; }));
 }
 
 TEST_F(HyprlandTest, aLostConnectionIsMadeAgain) {

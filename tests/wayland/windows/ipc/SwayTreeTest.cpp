@@ -34,6 +34,15 @@ TEST(SwayTree, whatIsNoTreeIsNothing) {
     EXPECT_FALSE(read->active);
 }
 
+/// Windows may call themselves anything, and sway passes it on.
+TEST(SwayTree, aTitleThatIsNoTextCostsNothingElse) {
+    const std::string title("caf\xe9 \xff");
+    EXPECT_TRUE(SwayTree::read(R"({"type": "root", "name": ")" + title + "\"}"));
+    EXPECT_EQ(SwayTree::focused(R"({"change": "focus", "container": {"name": ")" + title +
+                                R"(", "id": 7}})"),
+              7U);
+}
+
 TEST(SwayTree, aTreeOfAnyDepthIsRead) {
     std::string text = R"({"type": "root", "nodes": [{"nodes": [)";
     constexpr int depth = 5000;
@@ -102,6 +111,30 @@ TEST(SwayIpc, whatIsNoAnswerEndsTheConnection) {
         ipc.activate(3);
         EXPECT_EQ(ends, 1); // the windows of before are no windows
     }
+}
+
+TEST(SwayIpc, whatCantBeReadIsToldUntilItCan) {
+    const auto answer = [](char type, const std::string& json) {
+        return std::string("i3-ipc") + static_cast<char>(json.size()) + std::string(3, '\0') +
+               type + std::string(3, '\0') + json;
+    };
+    const ScratchFolder folder;
+    const auto socket = listeningSocket(folder.path("/socket"));
+    SwayIpc ipc(folder.path("/socket"));
+    const FileDescriptor other(::accept(socket.number(), nullptr, nullptr));
+    int told = 0;
+    ipc.follow([&](const WindowScene&) { ++told; });
+    const auto say = [&](const std::string& bytes) {
+        ::send(other.number(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    };
+    say(answer(2, "{}") + answer(4, "{"));
+    EXPECT_THAT(ipc.ability().reason, HasSubstr("can't be read"));
+    EXPECT_EQ(told, 1); // that there are no windows to be told of
+    say(std::string("i3-ipc\x02\0\0\0\x03\0\0\x80{}", 16)); // something has happened
+    ipc.takeWhatCame();
+    say(answer(4, R"({"type": "root"})"));
+    EXPECT_EQ(ipc.ability(), Ability{});
+    EXPECT_EQ(told, 2);
 }
 
 } // namespace

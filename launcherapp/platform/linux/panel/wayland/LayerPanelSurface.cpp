@@ -29,8 +29,9 @@ constexpr std::chrono::seconds keyboardLimit{1};
 
 } // namespace
 
-LayerPanelSurface::LayerPanelSurface()
-    : seat_(connection_,
+LayerPanelSurface::LayerPanelSurface(std::unique_ptr<QtWayland> connection)
+    : connection_(std::move(connection)),
+      seat_(*connection_,
             {.focusMoved = [this](wl_surface*) { focusMoved(); },
              .keyPressed =
                  [this](std::uint32_t scanCode) {
@@ -97,7 +98,7 @@ void LayerPanelSurface::comeUp() {
     widget_->show();
     drawNow();
     // Told in one go with the drawing, so that keys and whoever asks find it so.
-    hasFirstFrame_ = connection_.roundTrip();
+    hasFirstFrame_ = connection_->roundTrip();
     hadKeyboard_ = hasKeyboard();
     if (!hadKeyboard_)
         keyboardPatience_.start();
@@ -128,7 +129,7 @@ bool LayerPanelSurface::takePlace() {
         role_->wishes(), ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
     zwlr_layer_surface_v1_set_keyboard_interactivity(role_->wishes(), takesKeyboard);
     putInPlace();
-    connection_.waitUntil([this] { return role_->isConfigured() || role_->isClosed(); });
+    connection_->waitUntil([this] { return role_->isConfigured() || role_->isClosed(); });
     if (role_->isConfigured() && !role_->isClosed())
         return true;
     hide();
@@ -260,7 +261,7 @@ void LayerPanelSurface::finishDrawing() {
     if (std::exchange(hasFirstFrame_, false))
         return;
     // Requests are carried out in their order, so an answer comes after what was drawn.
-    connection_.roundTrip();
+    connection_->roundTrip();
 }
 
 bool LayerPanelSurface::startDrag() {
@@ -280,7 +281,7 @@ std::optional<Point> LayerPanelSurface::pointer() const {
         return std::nullopt;
     // A surface without a wish is put on the active output, which is told with its first picture.
     const TransparentSurface probe(transparent_, nullptr, TransparentSurface::Size::pixel);
-    connection_.waitUntil([&probe] { return probe.output() || probe.isClosed(); });
+    connection_->waitUntil([&probe] { return probe.output() || probe.isClosed(); });
     const auto* const screen = QtWayland::screen(probe.output());
     if (!screen)
         return std::nullopt;

@@ -23,7 +23,8 @@ namespace tessarine {
 /// on that. Main thread only, with Qt connected to such a compositor.
 class LayerPanelSurface : public PanelSurface {
 public:
-    LayerPanelSurface();
+    /// Over a connection that has told all globals, never null.
+    explicit LayerPanelSurface(std::unique_ptr<QtWayland> connection);
     ~LayerPanelSurface() override;
     LayerPanelSurface(const LayerPanelSurface&) = delete;
     LayerPanelSurface& operator=(const LayerPanelSurface&) = delete;
@@ -63,8 +64,8 @@ private:
     void loseLater();
     QScreen* screenOfFrame() const;
 
-    QtWayland connection_;
-    TransparentSurfaces transparent_{connection_};
+    std::unique_ptr<QtWayland> connection_;
+    TransparentSurfaces transparent_{*connection_};
     WaylandSeat seat_;
     std::unique_ptr<LayerRole> role_; ///< while it is up
     std::vector<Outside> outside_;    ///< while it is up

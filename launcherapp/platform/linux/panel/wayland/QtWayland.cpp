@@ -12,7 +12,13 @@
 namespace tessarine {
 
 QtWayland::QtWayland()
-    : registry_(std::make_unique<WaylandRegistry>(display(), nullptr)), isTold_(roundTrip()) {}
+    : registry_(std::make_unique<WaylandRegistry>(
+          display(),
+          nullptr,
+          WaylandRegistry::Events{
+              .added = [this](const WaylandRegistry::Global& global) { added_.tell(global); },
+              .removed = {}})),
+      isTold_(roundTrip()) {}
 
 QtWayland::~QtWayland() = default;
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "launcherapp/platform/Observers.h"
 #include "launcherapp/platform/linux/wayland/WaylandRegistry.h"
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <utility>
 
 class QScreen;
 class QWindow;
@@ -34,6 +36,11 @@ public:
     /// As far as the compositor told it in time.
     const WaylandRegistry& registry() const { return *registry_; }
 
+    /// Calls `added` with each that it tells later.
+    Subscription onAdded(std::function<void(const WaylandRegistry::Global& global)> added) {
+        return added_.add(std::move(added));
+    }
+
     /// Whether it did; one that is busy, as at a log-in, may not have.
     bool isTold() const { return isTold_; }
 
@@ -54,6 +61,7 @@ public:
     static QScreen* screen(wl_output* output);
 
 private:
+    Observers<WaylandRegistry::Global> added_;
     std::unique_ptr<WaylandRegistry> registry_;
     bool isTold_;
 };

@@ -33,8 +33,7 @@ struct WaylandActivationTokens::Listener {
 };
 
 WaylandActivationTokens::WaylandActivationTokens(std::chrono::milliseconds keepsFor)
-    : keepsFor_(keepsFor), activation_(connection_.registry().bindFirst<xdg_activation_v1>(
-                               xdg_activation_v1_interface, 1)) {}
+    : keepsFor_(keepsFor) {}
 
 WaylandActivationTokens::~WaylandActivationTokens() {
     forget();
@@ -42,9 +41,17 @@ WaylandActivationTokens::~WaylandActivationTokens() {
         xdg_activation_v1_destroy(activation_);
 }
 
+/// Null where the compositor has none, or was too busy to tell of it up to now.
+xdg_activation_v1* WaylandActivationTokens::source() {
+    if (!activation_)
+        activation_ =
+            connection_.registry().bindFirst<xdg_activation_v1>(xdg_activation_v1_interface, 1);
+    return activation_;
+}
+
 void WaylandActivationTokens::prepare() {
     forget();
-    if (activation_ && living(seat_.keyboardFocus()))
+    if (source() && living(seat_.keyboardFocus()))
         ask();
 }
 
@@ -60,7 +67,7 @@ void WaylandActivationTokens::ask() {
 }
 
 std::optional<std::string> WaylandActivationTokens::take(Activation activation) {
-    if (activation == Activation::background || !activation_)
+    if (activation == Activation::background || !source())
         return std::nullopt;
     if (std::chrono::steady_clock::now() - askedAt_ >= keepsFor_)
         forget();

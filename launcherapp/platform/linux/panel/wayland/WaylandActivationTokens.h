@@ -36,13 +36,14 @@ public:
 private:
     struct Listener;
 
+    xdg_activation_v1* source();
     void ask();
     void forget();
 
     const std::chrono::milliseconds keepsFor_;
     QtWayland connection_;
     WaylandSeat seat_{connection_};
-    xdg_activation_v1* activation_; ///< null where the compositor has none
+    xdg_activation_v1* activation_ = nullptr; ///< null until it is needed
     xdg_activation_token_v1* asked_ = nullptr;
     std::chrono::steady_clock::time_point askedAt_;
     std::optional<std::string> answer_; ///< to what was asked

@@ -16,11 +16,11 @@ void WaylandPanelSurface::prepare(QWidget& widget, Events events) {
 }
 
 void WaylandPanelSurface::choose() {
-    const QtWayland connection;
-    if (!connection.isTold())
+    auto connection = std::make_unique<QtWayland>();
+    if (!connection->isTold())
         return;
-    if (connection.registry().find(zwlr_layer_shell_v1_interface.name))
-        chosen_ = std::make_unique<LayerPanelSurface>();
+    if (connection->registry().find(zwlr_layer_shell_v1_interface.name))
+        chosen_ = std::make_unique<LayerPanelSurface>(std::move(connection));
     else
         chosen_ = std::make_unique<PlainPanelSurface>();
     chosen_->prepare(*widget_, events_);

@@ -112,14 +112,23 @@ struct WaylandSeat::Listeners {
     }();
 };
 
-WaylandSeat::WaylandSeat(const QtWayland& connection, Events events)
-    : events_(std::move(events)),
-      seat_(connection.registry().bindFirst<wl_seat>(wl_seat_interface, seatVersion)) {
-    if (!seat_)
+WaylandSeat::WaylandSeat(QtWayland& connection, Events events) : events_(std::move(events)) {
+    if (auto* const seat =
+            connection.registry().bindFirst<wl_seat>(wl_seat_interface, seatVersion)) {
+        takeSeat(seat);
+        connection.roundTrip(); // the devices
+        connection.roundTrip(); // who has the keyboard
         return;
+    }
+    lateSeat_ = connection.onAdded([this, &connection](const WaylandRegistry::Global& global) {
+        if (!seat_ && global.interface == wl_seat_interface.name)
+            takeSeat(connection.registry().bind<wl_seat>(global, wl_seat_interface, seatVersion));
+    });
+}
+
+void WaylandSeat::takeSeat(wl_seat* seat) {
+    seat_ = seat;
     wl_seat_add_listener(seat_, &Listeners::ofSeat, this);
-    connection.roundTrip(); // the devices
-    connection.roundTrip(); // who has the keyboard
 }
 
 WaylandSeat::~WaylandSeat() {

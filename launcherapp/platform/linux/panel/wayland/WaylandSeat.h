@@ -1,5 +1,7 @@
 #pragma once
 
+#include "launcherapp/platform/Subscription.h"
+
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -26,13 +28,13 @@ public:
         std::function<void(wl_surface* surface)> buttonPressed;
     };
 
-    /// `connection` outlives this.
-    explicit WaylandSeat(const QtWayland& connection, Events events = {});
+    /// `connection` outlives this. A seat that it tells late is taken then.
+    explicit WaylandSeat(QtWayland& connection, Events events = {});
     ~WaylandSeat();
     WaylandSeat(const WaylandSeat&) = delete;
     WaylandSeat& operator=(const WaylandSeat&) = delete;
 
-    /// Null where there is none.
+    /// Null where there is none, or none yet.
     wl_seat* seat() const { return seat_; }
 
     /// Whether anybody could type: a seat may have a pointer or a touch screen alone.
@@ -48,11 +50,13 @@ public:
 private:
     struct Listeners;
 
+    void takeSeat(wl_seat* seat);
     void takeKeyboard(bool isThere);
     void takePointer(bool isThere);
     void moveFocus(wl_surface* surface);
 
     Events events_;
+    Subscription lateSeat_;
     wl_seat* seat_ = nullptr;
     wl_keyboard* keyboard_ = nullptr; ///< null while there is none
     wl_pointer* pointer_ = nullptr;   ///< null while there is none

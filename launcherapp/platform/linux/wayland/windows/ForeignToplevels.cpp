@@ -76,11 +76,13 @@ struct ForeignToplevels::Listener {
     static void done(void* data, Handle*) {
         auto& changed = toplevel(data);
         changed.told = changed.next;
-        changed.isKnown = true;
+        if (!std::exchange(changed.isKnown, true))
+            changed.owner.listChange.tellSoon();
     }
 
     static void closed(void* data, Handle*) {
         auto& gone = toplevel(data);
+        gone.owner.listChange.tellSoon();
         std::erase_if(gone.owner.toplevels_, [&](const auto& each) { return each.get() == &gone; });
     }
 
@@ -153,8 +155,10 @@ void ForeignToplevels::read() {
         notifier_->setEnabled(false); // a broken connection would wake the loop for ever
     }
     // What nobody keeps up is told no longer.
-    if (isLost_ || !manager_)
+    if ((isLost_ || !manager_) && !toplevels_.empty()) {
         toplevels_.clear();
+        listChange.tellSoon();
+    }
     noteActive();
 }
 

@@ -3,7 +3,7 @@
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/WindowList.h"
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
-#include "launcherapp/platform/linux/wayland/windows/ActiveChange.h"
+#include "launcherapp/platform/linux/wayland/windows/WindowChange.h"
 
 #include <cstdint>
 #include <memory>
@@ -41,8 +41,9 @@ public:
     /// as long as it is there and not minimised: this way of telling doesn't say why none is.
     std::optional<AppWindow> active();
 
-    /// Told from the event loop.
-    ActiveChange activeChange;
+    /// Told from the event loop: that another window is active, and that some came or went.
+    WindowChange activeChange;
+    WindowChange listChange;
 
     /// Orders. Nothing happens when the window is gone.
     void unhide(std::uint64_t window);

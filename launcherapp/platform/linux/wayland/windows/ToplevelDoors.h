@@ -31,6 +31,10 @@ public:
         return toplevels_->activeChange.add(std::move(changed));
     }
 
+    Subscription onListChanged(std::function<void()> changed) override {
+        return toplevels_->listChange.add(std::move(changed));
+    }
+
     void unhide(std::uint64_t window) override { toplevels_->unhide(window); }
 
     void activate(std::uint64_t window) override { toplevels_->activate(window); }

@@ -28,12 +28,13 @@ public:
     /// False once the connection has been found lost, which it stays.
     virtual bool isConnected() const = 0;
 
-    /// Asks, and waits at most `patience`; nothing when it doesn't answer.
+    /// Asks, and waits at most `patience`; nothing when it doesn't answer, or says what can't be
+    /// read. `ability` tells either.
     virtual std::optional<WindowScene> scene() = 0;
 
     /// Calls `told` with what each change has led to, until this goes: from the event loop, or
-    /// while anything here is called. A lost connection is told as a scene without anything, once.
-    /// To be called once.
+    /// while anything here is called. A lost connection is told as a scene without anything, once,
+    /// and so is what can't be read. To be called once.
     virtual void follow(std::function<void(WindowScene scene)> told) = 0;
 
     /// Takes what has been told already, and calls `told` of `follow` with it. Waits for nothing.

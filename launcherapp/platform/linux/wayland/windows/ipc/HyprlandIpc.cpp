@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
 
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandScene.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/ReturningIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/SocketWatch.h"
 
 #include <fmt/format.h>
@@ -70,11 +71,23 @@ std::optional<std::string> HyprlandIpc::runningFolder() {
 }
 
 HyprlandIpc::HyprlandIpc(std::string folder)
-    : folder_(std::move(folder)), events_(folder_ + eventSocket) {}
+    : folder_(std::move(folder)), events_(folder_ + eventSocket) {
+    again_.setSingleShot(true);
+    again_.setInterval(ReturningIpc::pause);
+    QObject::connect(&again_, &QTimer::timeout, &again_, [this] { askForScene(); });
+}
 
 HyprlandIpc::~HyprlandIpc() = default;
 
 Ability HyprlandIpc::ability() {
+    const auto can = asking();
+    if (can.available && isUnreadable_)
+        return Ability::missing("what Hyprland tells of its windows can't be read");
+    return can;
+}
+
+/// Whether questions and orders come through, whatever becomes of the answers.
+Ability HyprlandIpc::asking() {
     readEvents();
     if (!events_.isOpen())
         return Ability::missing("the connection to Hyprland was lost");
@@ -92,7 +105,7 @@ std::unique_ptr<HyprlandIpc::Question> HyprlandIpc::ask(std::string_view request
 }
 
 std::optional<std::string> HyprlandIpc::await(const std::string& request) {
-    if (!ability().available)
+    if (!asking().available)
         return std::nullopt;
     auto question = ask(request);
     const auto end = Clock::now() + patience;
@@ -108,7 +121,17 @@ std::optional<std::string> HyprlandIpc::await(const std::string& request) {
 std::optional<WindowScene> HyprlandIpc::scene() {
     const auto clients = await("j/clients");
     const auto monitors = clients ? await("j/monitors") : std::nullopt;
-    return monitors ? HyprlandScene::read(*clients, *monitors) : std::nullopt;
+    return monitors ? readScene(*clients, *monitors) : std::nullopt;
+}
+
+/// Nothing also for a question that was never taken, whose answer is empty.
+std::optional<WindowScene> HyprlandIpc::readScene(std::string_view clients,
+                                                  std::string_view monitors) {
+    if (clients.empty() || monitors.empty())
+        return std::nullopt;
+    auto scene = HyprlandScene::read(clients, monitors);
+    isUnreadable_ = !scene;
+    return scene;
 }
 
 void HyprlandIpc::follow(std::function<void(WindowScene scene)> told) {
@@ -149,20 +172,26 @@ void HyprlandIpc::noteLoss() {
         return;
     retire(std::move(notifier_));
     asked_.reset();
+    again_.stop();
     told_({});
 }
 
-/// At most one is under way: many windows that come at once are told in two scenes.
+/// At most one is under way: many windows that come at once are told in two scenes. One that can't
+/// be asked for, as too many others ask, is asked for again.
 void HyprlandIpc::askForScene() {
     isSceneOld_ = asked_ != nullptr;
     if (asked_)
         return;
+    again_.stop();
     asked_ = std::make_unique<SceneQuestion>();
     asked_->parts = {ask("j/clients"), ask("j/monitors")};
+    if (!asked_->parts[0]->socket.isOpen() || !asked_->parts[1]->socket.isOpen()) {
+        asked_.reset();
+        again_.start();
+        return;
+    }
     for (std::size_t i = 0; i < asked_->parts.size(); ++i) {
         const auto& socket = asked_->parts[i]->socket;
-        if (!socket.isOpen())
-            continue;
         auto& notifier = asked_->notifiers[i];
         notifier = std::make_unique<QSocketNotifier>(socket.descriptor(), QSocketNotifier::Read);
         QObject::connect(
@@ -186,9 +215,11 @@ void HyprlandIpc::finishScene() {
     const auto done = std::move(asked_);
     if (std::exchange(isSceneOld_, false))
         askForScene();
-    auto read = HyprlandScene::read(done->parts[0]->answer, done->parts[1]->answer);
-    if (read)
-        told_(*std::move(read));
+    auto scene = readScene(done->parts[0]->answer, done->parts[1]->answer);
+    if (scene || isUnreadable_)
+        told_(std::move(scene).value_or(WindowScene()));
+    else
+        again_.start();
 }
 
 void HyprlandIpc::activate(std::uint64_t window) {

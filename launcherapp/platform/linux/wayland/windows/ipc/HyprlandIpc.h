@@ -3,6 +3,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/LocalSocket.h"
 
+#include <QTimer>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,6 +45,8 @@ private:
     struct Question;
     struct SceneQuestion;
 
+    Ability asking();
+    std::optional<WindowScene> readScene(std::string_view clients, std::string_view monitors);
     std::unique_ptr<Question> ask(std::string_view request) const;
     std::optional<std::string> await(const std::string& request);
     void readEvents();
@@ -58,7 +61,9 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     std::function<void(WindowScene scene)> told_;
     std::unique_ptr<SceneQuestion> asked_;
-    bool isSceneOld_ = false; ///< something has happened since it was asked for
+    bool isSceneOld_ = false;   ///< something has happened since it was asked for
+    bool isUnreadable_ = false; ///< the last scene that came
+    QTimer again_;              ///< runs until a scene is asked for again
 };
 
 } // namespace tessarine

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandScene.h"
 
+#include "LauncherCore/text/ForeignJson.h"
 #include "LauncherCore/text/JsonFields.h"
 
 #include <nlohmann/json.hpp>
@@ -123,8 +124,8 @@ void readClient(Json& json, const Monitors& monitors, WindowScene& scene) {
 
 std::optional<WindowScene> HyprlandScene::read(std::string_view clients,
                                                std::string_view monitors) {
-    auto windows = Json::parse(clients, nullptr, false);
-    auto outputs = Json::parse(monitors, nullptr, false);
+    auto windows = ForeignJson::read(clients);
+    auto outputs = ForeignJson::read(monitors);
     if (!windows.is_array() || !outputs.is_array())
         return std::nullopt;
     Monitors told;

@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowControl.h"
 
 #include "launcherapp/platform/linux/desktop/X11WindowControl.h"
+#include "launcherapp/platform/linux/desktop/X11WindowList.h"
 
 #include <array>
 #include <chrono>
@@ -18,6 +19,19 @@ using namespace std::chrono_literals;
 /// after an order and after the check before, it is seen whether it has. Compositors wait for
 /// programs for about 200 ms.
 constexpr std::array checkTimes{100ms, 300ms};
+
+/// The number that the X server has for a window of the same process; 0 when none is found. Where
+/// the compositor doesn't tell the window's own, any of them ends the program. One whose sandbox
+/// counts its processes anew isn't found: the number may be another program's.
+std::uint64_t x11Window(const WindowScene::Window& window) {
+    if (window.x11Window != 0 || window.window.processID <= 1)
+        return window.x11Window;
+    for (const auto& each : X11WindowList().windows()) {
+        if (each.processID == window.window.processID && each.className == window.window.className)
+            return each.id;
+    }
+    return 0;
+}
 
 } // namespace
 
@@ -110,8 +124,10 @@ bool IpcWindowControl::kill(std::uint64_t window) {
         return false;
     // The compositor has the process of an X11 window from the window, which may have counted it
     // in a sandbox; the X server knows better.
-    if (found->isX11)
-        return found->x11Window != 0 && X11WindowControl().kill(found->x11Window);
+    if (found->isX11) {
+        const auto number = x11Window(*found);
+        return number != 0 && X11WindowControl().kill(number);
+    }
     const auto process = found->window.processID;
     return process > 1 && process != ::getpid() &&
            ::kill(static_cast<pid_t>(process), SIGKILL) == 0;

@@ -1,7 +1,7 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowList.h"
 
 #include "launcherapp/platform/linux/processes/ProcessFacts.h"
-#include "launcherapp/platform/linux/wayland/windows/ActiveChange.h"
+#include "launcherapp/platform/linux/wayland/windows/WindowChange.h"
 
 #include <algorithm>
 #include <map>
@@ -44,7 +44,8 @@ public:
     }
 
     std::unique_ptr<CompositorIpc> compositor;
-    ActiveChange activeChange;
+    WindowChange activeChange;
+    WindowChange listChange;
 
 private:
     void use(WindowScene next) {
@@ -61,7 +62,13 @@ private:
             return place == places.end() ? places.size() : place->second;
         });
         const bool isOther = next.active != scene_.active;
+        const auto ofSameID = [](const WindowScene::Window& one, const WindowScene::Window& other) {
+            return one.window.id == other.window.id;
+        };
+        const bool isOtherList = !std::ranges::equal(next.windows, scene_.windows, ofSameID);
         scene_ = std::move(next);
+        if (isOtherList)
+            listChange.tellSoon();
         if (isOther)
             activeChange.tellSoon();
     }
@@ -98,6 +105,10 @@ bool IpcWindowList::stillRuns(const AppWindow& window) const {
 
 Subscription IpcWindowList::onActiveChanged(std::function<void()> changed) {
     return told_->activeChange.add(std::move(changed));
+}
+
+Subscription IpcWindowList::onListChanged(std::function<void()> changed) {
+    return told_->listChange.add(std::move(changed));
 }
 
 void IpcWindowList::unhide(std::uint64_t window) {

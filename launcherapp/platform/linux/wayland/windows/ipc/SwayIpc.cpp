@@ -48,6 +48,14 @@ SwayIpc::SwayIpc(const std::string& path) : socket_(path) {}
 SwayIpc::~SwayIpc() = default;
 
 Ability SwayIpc::ability() {
+    const auto can = asking();
+    if (can.available && isUnreadable_)
+        return Ability::missing("what sway tells of its windows can't be read");
+    return can;
+}
+
+/// Whether questions and orders come through, whatever becomes of the answers.
+Ability SwayIpc::asking() {
     read();
     if (!socket_.isOpen())
         return Ability::missing("the connection to sway was lost");
@@ -66,7 +74,7 @@ void SwayIpc::ask(std::uint32_t type, std::string_view payload, Answer answer) {
 }
 
 std::optional<std::string> SwayIpc::await(std::uint32_t type, std::string_view payload) {
-    if (!ability().available)
+    if (!asking().available)
         return std::nullopt;
     // Shared, as the answer may come when nobody waits for it any more.
     const auto told = std::make_shared<std::optional<std::string>>();
@@ -84,7 +92,13 @@ std::optional<std::string> SwayIpc::await(std::uint32_t type, std::string_view p
 
 std::optional<WindowScene> SwayIpc::scene() {
     const auto json = await(getTree, "");
-    return json ? SwayTree::read(*json) : std::nullopt;
+    return json ? readTree(*json) : std::nullopt;
+}
+
+std::optional<WindowScene> SwayIpc::readTree(std::string_view json) {
+    auto scene = SwayTree::read(json);
+    isUnreadable_ = !scene;
+    return scene;
 }
 
 void SwayIpc::follow(std::function<void(WindowScene scene)> told) {
@@ -168,17 +182,15 @@ void SwayIpc::askForTree() {
         isTreeAsked_ = false;
         if (isTreeOld_)
             askForTree();
-        if (auto read = SwayTree::read(json)) {
-            latest_ = *std::move(read);
-            told_(latest_);
-        }
+        latest_ = readTree(json).value_or(WindowScene());
+        told_(latest_);
     });
 }
 
 /// Nobody waits for what becomes of it: sway carries orders out before it answers what is asked
 /// later.
 void SwayIpc::order(std::uint64_t window, std::string_view command) {
-    if (ability().available)
+    if (asking().available)
         ask(runCommand, fmt::format("[con_id={}] {}", window, command), {});
 }
 

@@ -39,6 +39,8 @@ public:
 private:
     using Answer = std::function<void(std::string_view json)>;
 
+    Ability asking();
+    std::optional<WindowScene> readTree(std::string_view json);
     void ask(std::uint32_t type, std::string_view payload, Answer answer);
     std::optional<std::string> await(std::uint32_t type, std::string_view payload);
     void order(std::uint64_t window, std::string_view command);
@@ -55,7 +57,8 @@ private:
     std::shared_ptr<const std::optional<std::string>> late_;
     std::unique_ptr<QSocketNotifier> notifier_;
     std::function<void(WindowScene scene)> told_;
-    WindowScene latest_; ///< that was told
+    WindowScene latest_;        ///< that was told
+    bool isUnreadable_ = false; ///< the last tree that came
     bool isTreeAsked_ = false;
     bool isTreeOld_ = false; ///< something has happened since it was asked for
 };

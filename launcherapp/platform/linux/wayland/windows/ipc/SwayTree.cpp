@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/SwayTree.h"
 
+#include "LauncherCore/text/ForeignJson.h"
 #include "LauncherCore/text/JsonFields.h"
 
 #include <nlohmann/json.hpp>
@@ -165,7 +166,7 @@ private:
 } // namespace
 
 std::optional<WindowScene> SwayTree::read(std::string_view json) {
-    auto tree = Json::parse(json, nullptr, false);
+    auto tree = ForeignJson::read(json);
     Reading reading;
     if (tree.is_discarded() || !reading.readRoot(tree))
         return std::nullopt;
@@ -173,7 +174,7 @@ std::optional<WindowScene> SwayTree::read(std::string_view json) {
 }
 
 std::optional<std::uint64_t> SwayTree::focused(std::string_view event) {
-    auto json = Json::parse(event, nullptr, false);
+    auto json = ForeignJson::read(event);
     JsonFields fields(json);
     auto* const container =
         text(fields, "change") == "focus" ? fields.member("container") : nullptr;

@@ -1,11 +1,11 @@
-#include "launcherapp/platform/linux/wayland/windows/ActiveChange.h"
+#include "launcherapp/platform/linux/wayland/windows/WindowChange.h"
 
 #include <QMetaObject>
 #include <utility>
 
 namespace tessarine {
 
-void ActiveChange::tellSoon() {
+void WindowChange::tellSoon() {
     if (std::exchange(isTelling_, true))
         return;
     QMetaObject::invokeMethod(

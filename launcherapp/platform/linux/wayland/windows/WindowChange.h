@@ -7,9 +7,9 @@
 
 namespace tessarine {
 
-/// Tells observers that another window has become active: from the event loop, as the change may be
-/// found while somebody asks for the windows. Main thread only.
-class ActiveChange {
+/// Tells observers of one kind of change, as another window's becoming active: from the event loop,
+/// as it may be found while somebody asks for the windows. Main thread only.
+class WindowChange {
 public:
     Subscription add(std::function<void()> changed) { return observers_.add(std::move(changed)); }
 
