@@ -127,8 +127,18 @@ void CommandHotkeys::refresh() {
             failed_[each.command] = std::move(why);
         }
     }
-    if (isChanged)
-        changes_.tell();
+    if (!isChanged)
+        return;
+    const bool isAnyWaiting =
+        std::ranges::any_of(taken_, [this](const Taken& each) { return isWaiting(each.command); });
+    if (hasToldOfWaiting_ && !isAnyWaiting)
+        log();
+    changes_.tell();
+}
+
+bool CommandHotkeys::isWaiting(const std::string& command) const {
+    const auto taken = std::ranges::find(taken_, command, &Taken::command);
+    return taken != taken_.end() && services_.hotkey()->isAsked(taken->id);
 }
 
 std::string CommandHotkeys::reason(const Chord& chord, std::uint32_t id) const {
@@ -139,12 +149,19 @@ std::string CommandHotkeys::reason(const Chord& chord, std::uint32_t id) const {
 
 void CommandHotkeys::log() {
     auto line = fmt::format("command hotkeys: {} registered", registered_.size());
-    if (!failed_.empty()) {
-        std::vector<std::string> reasons;
-        for (const auto& [id, reason] : failed_)
+    std::vector<std::string> waiting;
+    std::vector<std::string> reasons;
+    for (const auto& [id, reason] : failed_) {
+        if (isWaiting(id))
+            waiting.push_back(id);
+        else
             reasons.push_back(fmt::format("{} ({})", id, reason));
-        line += fmt::format(" failed: {}", fmt::join(reasons, ", "));
     }
+    if (!reasons.empty())
+        line += fmt::format(" failed: {}", fmt::join(reasons, ", "));
+    if (!waiting.empty())
+        line += fmt::format(" waiting for the desktop: {}", fmt::join(waiting, ", "));
+    hasToldOfWaiting_ = !waiting.empty();
     services_.diagnostics.log(line);
 }
 

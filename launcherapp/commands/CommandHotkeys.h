@@ -49,7 +49,8 @@ public:
 
     const std::map<std::string, Chord>& registered() const { return registered_; }
 
-    /// By the command's id, the reason in words.
+    /// By the command's id, the reason in words; also of those that the desktop's user has yet to
+    /// allow.
     const std::map<std::string, std::string>& failed() const { return failed_; }
 
     /// Calls `changed` after a chord was lost, or came back, without a `sync`.
@@ -69,6 +70,7 @@ private:
     void take(const CommandSpec& command);
     void refresh();
     std::string reason(const Chord& chord, std::uint32_t id) const;
+    bool isWaiting(const std::string& command) const;
     void log();
 
     Services services_;
@@ -78,6 +80,7 @@ private:
     std::vector<Taken> taken_;
     std::uint32_t nextID_ = HotkeyIDs::firstCommand;
     bool isSyncing_ = false;
+    bool hasToldOfWaiting_ = false; ///< in the log, and of no answer since
     Subscription statuses_;
     Observers<> changes_;
 };

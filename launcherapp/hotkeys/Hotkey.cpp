@@ -25,6 +25,9 @@ bool isGranted(const HotkeyOutcome& outcome) {
 std::string granted(const std::string& chord, const HotkeyOutcome& outcome) {
     if (outcome.kind == Kind::asked)
         return "waiting for the desktop's leave to use " + chord;
+    if (outcome.isTriggerUnknown)
+        return fmt::format("registered {}; which keys it has become, the desktop's settings tell",
+                           chord);
     if (outcome.trigger.empty())
         return "registered " + chord;
     return fmt::format("registered {}; the desktop has it as {}", chord, outcome.trigger);
@@ -41,7 +44,11 @@ Hotkey::Hotkey(Services services) : services_(services) {
                  keysChanges_.tell();
              },
          .settled = [this](std::uint32_t id,
-                           const HotkeyOutcome& outcome) { settled(id, outcome); }});
+                           const HotkeyOutcome& outcome) { settled(id, outcome); },
+         .problem =
+             [this](const std::string& problem) {
+                 services_.diagnostics.log("hotkey: " + problem);
+             }});
 }
 
 void Hotkey::describe(std::uint32_t id, HotkeyPurpose purpose) {
@@ -153,7 +160,9 @@ HotkeyOutcome Hotkey::grab(const HotkeyBinding& binding, std::uint32_t id) {
 
 void Hotkey::hold(const HotkeyBinding& binding, std::uint32_t id, const HotkeyOutcome& outcome) {
     bindings_[id] = binding;
-    held_[id] = {.kind = outcome.kind, .trigger = outcome.trigger};
+    held_[id] = {.kind = outcome.kind,
+                 .trigger = outcome.trigger,
+                 .isTriggerUnknown = outcome.isTriggerUnknown};
     statuses_[id] = {.line = granted(HotkeyNames::display(binding), outcome),
                      .inWords = granted(HotkeyNames::onKeyboard(binding), outcome)};
     statusChanges_.tell();
@@ -188,7 +197,8 @@ std::map<std::uint32_t, bool> Hotkey::reassertAll(std::string_view reason) {
     const auto bindings = bindings_;
     for (const auto& [id, binding] : bindings) {
         results[id] = take(binding, id);
-        told.push_back(fmt::format("{}={}", HotkeyIDs::name(id), results[id] ? "ok" : "failed"));
+        const auto* const how = isAsked(id) ? "waiting" : results[id] ? "ok" : "failed";
+        told.push_back(fmt::format("{}={}", HotkeyIDs::name(id), how));
     }
     services_.diagnostics.log(fmt::format("hotkey re-assert ({}): {}",
                                           reason,
@@ -207,6 +217,10 @@ std::string Hotkey::statusInWords(std::uint32_t id) const {
     return found == statuses_.end() ? "not registered" : found->second.inWords;
 }
 
+std::optional<HotkeyBinding> Hotkey::claim(std::uint32_t id) const {
+    return held_.contains(id) ? std::optional(bindings_.at(id)) : std::nullopt;
+}
+
 std::optional<HotkeyBinding> Hotkey::binding(std::uint32_t id) const {
     const auto found = held_.find(id);
     return found == held_.end() || found->second.kind != Kind::registered
@@ -218,7 +232,9 @@ std::optional<std::string> Hotkey::keysInWords(std::uint32_t id) const {
     const auto chord = binding(id);
     if (!chord)
         return std::nullopt;
-    const auto& trigger = held_.at(id).trigger;
+    const auto& [kind, trigger, isTriggerUnknown] = held_.at(id);
+    if (isTriggerUnknown)
+        return "A key of the desktop's settings";
     return trigger.empty() ? HotkeyNames::onKeyboard(*chord) : trigger;
 }
 

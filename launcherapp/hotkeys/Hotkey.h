@@ -64,8 +64,11 @@ public:
     std::optional<HotkeyBinding> binding(std::uint32_t id) const;
 
     /// The keys that `id` is summoned by, for people: "Super+Space", or what the desktop calls
-    /// them; nothing while it holds none.
+    /// them, or that it doesn't tell; nothing while it holds none.
     std::optional<std::string> keysInWords(std::uint32_t id = HotkeyIDs::panel) const;
+
+    /// The chord that `id` holds or that the desktop is asked for; nothing for neither.
+    std::optional<HotkeyBinding> claim(std::uint32_t id) const;
 
     /// Whether the desktop has yet to say whether `id` gets its chord.
     bool isAsked(std::uint32_t id = HotkeyIDs::panel) const;
@@ -76,6 +79,9 @@ public:
     /// When the key of the last press handled went down, by the main queue's uptime; nothing
     /// before the first.
     std::optional<Seconds> lastPressEventTime() const { return lastPressEventTime_; }
+
+    /// A key of the desktop's own called instead of a chord, at that time: the last press handled.
+    void notePress(Seconds at) { lastPressEventTime_ = at; }
 
     /// Calls `changed` after each change of a status.
     Subscription onChange(std::function<void()> changed) {
@@ -101,7 +107,9 @@ private:
     /// A chord that is ours, or that the desktop is asked for.
     struct Hold {
         HotkeyOutcome::Kind kind = HotkeyOutcome::Kind::registered;
-        std::string trigger; ///< see HotkeyOutcome
+        // See HotkeyOutcome.
+        std::string trigger;
+        bool isTriggerUnknown = false;
     };
 
     void pressed(const HotkeyRegistrar::Press& press);

@@ -71,7 +71,7 @@ std::optional<HotkeyBinding> HotkeySetup::wanted(std::uint32_t id) const {
 /// One part's new chord may be what another one still holds from before the settings changed.
 void HotkeySetup::resolveSwaps() {
     for (const auto id : ownIDs) {
-        const auto held = services_.hotkey.binding(id);
+        const auto held = services_.hotkey.claim(id);
         const bool isAnothers =
             held && held != wanted(id) &&
             std::ranges::any_of(ownIDs, [&](std::uint32_t other) { return wanted(other) == held; });

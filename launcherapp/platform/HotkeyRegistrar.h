@@ -23,6 +23,8 @@ struct HotkeyOutcome {
     /// What a desktop that chooses the keys itself calls those of a registered chord; empty where
     /// they are the ones asked for.
     std::string trigger = {};
+    /// Registered, with keys that such a desktop doesn't tell; `trigger` is empty.
+    bool isTriggerUnknown = false;
 
     bool operator==(const HotkeyOutcome&) const = default;
 };
@@ -52,6 +54,8 @@ public:
         /// What became of a chord that was asked for, and again whenever that changes: the user
         /// may give it other keys, and the desktop may take it away and give it back.
         std::function<void(std::uint32_t id, const HotkeyOutcome& outcome)> settled;
+        /// A sentence for the log about what may make the chords go wrong later.
+        std::function<void(const std::string& problem)> problem = {};
     };
 
     virtual ~HotkeyRegistrar() = default;
@@ -59,8 +63,8 @@ public:
     /// Set once, before the first chord.
     virtual void setEvents(Events events) = 0;
 
-    /// Whether the desktop chooses the keys with its user, so that asking for others instead of
-    /// those that were refused is of no use.
+    /// Whether asking for other keys instead of those that were refused is of no use, as where the
+    /// desktop chooses the keys with its user.
     virtual bool choosesKeys() const { return false; }
 
     /// Says what the next chord of `id` is for. Displays that know keys alone have no use for it.

@@ -362,6 +362,17 @@ TEST(CommandHotkeys, whatADesktopThatChoosesRefusesItMayGiveLater) {
     EXPECT_THAT(fixture.hotkeys.registered(), ElementsAre(Pair("one", *Chord::parse("cmd+1"))));
 }
 
+TEST(CommandHotkeys, theLogTellsApartWhatWaitsAndThenWhatBecameOfIt) {
+    Store fixture;
+    fixture.registrar.isChoosing = true;
+    fixture.hotkeys.sync(
+        {{.id = "one", .name = "One", .kind = CommandKind::open, .hotkey = "cmd+1"}});
+    EXPECT_THAT(fixture.services.log(),
+                HasSubstr("command hotkeys: 0 registered waiting for the desktop: one\n"));
+    fixture.registrar.settle(HotkeyIDs::firstCommand, {.kind = HotkeyOutcome::Kind::registered});
+    EXPECT_THAT(fixture.services.log(), HasSubstr("command hotkeys: 1 registered\n"));
+}
+
 TEST(CommandHotkeys, aPressOnItsWayRunsNoOtherCommand) {
     Store fixture;
     const CommandSpec first{

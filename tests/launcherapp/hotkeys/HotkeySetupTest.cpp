@@ -122,6 +122,14 @@ TEST_F(HotkeySetupTest, chordsCanBeSwapped) {
     EXPECT_EQ(fired, "clipboard ");
 }
 
+TEST_F(HotkeySetupTest, chordsCanBeSwappedWhileTheDesktopAsksItsUser) {
+    registrar.isChoosing = true;
+    setup.registerHotkey();
+    prefs.hotkey.set(commandShiftV);
+    prefs.clipboardHotkey.set(commandSpace);
+    EXPECT_THAT(registrar.held, ElementsAre(Pair(1, commandShiftV), Pair(2, commandSpace)));
+}
+
 TEST_F(HotkeySetupTest, aNewLayoutThatTakesTheChordLeavesTheFallback) {
     registrar.problem = "a modifier of it is on no key of this keyboard";
     setup.registerHotkey();

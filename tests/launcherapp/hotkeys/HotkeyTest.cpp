@@ -189,18 +189,24 @@ TEST_F(HotkeyTest, aDesktopThatAsksItsUserIsWaitedFor) {
     EXPECT_TRUE(hotkey.isAsked());
     EXPECT_EQ(hotkey.binding(1), std::nullopt); // no key that anybody could be told of
     EXPECT_EQ(hotkey.status(), "waiting for the desktop's leave to use ⌘Space");
+    hotkey.reassertAll("periodic check");
+    EXPECT_THAT(services.log(), HasSubstr("hotkey re-assert (periodic check): panel=waiting\n"));
 
     int changes = 0;
     const auto watch = hotkey.onChange([&] { ++changes; });
     registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered, .trigger = "Meta+Space"});
     EXPECT_EQ(hotkey.status(), "registered ⌘Space; the desktop has it as Meta+Space");
     EXPECT_EQ(hotkey.keysInWords(), "Meta+Space");
+    registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered, .isTriggerUnknown = true});
+    EXPECT_EQ(hotkey.status(),
+              "registered ⌘Space; which keys it has become, the desktop's settings tell");
+    EXPECT_EQ(hotkey.keysInWords(), "A key of the desktop's settings");
     registrar.settle(1, {.kind = HotkeyOutcome::Kind::refused, .reason = "the portal has gone"});
     EXPECT_EQ(hotkey.status(), "could not register ⌘Space (the portal has gone)");
     EXPECT_EQ(hotkey.keysInWords(), std::nullopt);
     registrar.settle(1, {.kind = HotkeyOutcome::Kind::registered}); // it is back
     EXPECT_EQ(hotkey.keysInWords(), "Super+Space");
-    EXPECT_EQ(changes, 3);
+    EXPECT_EQ(changes, 4);
     EXPECT_THAT(services.log(),
                 HasSubstr("hotkey of the panel: could not register ⌘Space (the portal has gone)"));
 

@@ -18,6 +18,9 @@ QDBusMessage call(const char* interface, const char* method);
 /// Whether a reply says that the portal has no such interface, as each desktop's has some only.
 bool isMissing(const QDBusMessage& reply);
 
+/// Whether a reply is the portal's own no: it is there, and knows what it was asked.
+bool isRefusal(const QDBusMessage& reply);
+
 /// Why an error reply is one, in words for the user.
 std::string problem(const QDBusMessage& error);
 

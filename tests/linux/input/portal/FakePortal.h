@@ -8,7 +8,9 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
+#include <QStringList>
 #include <QVariantMap>
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,7 +21,7 @@ namespace tessarine {
 class FakePortal : public QDBusVirtualObject {
 public:
     enum class User { allows, declines, isAway };
-    enum class Answers { list, listWhenAsked, nonsense, noShortcuts };
+    enum class Answers { list, listWhenAsked, nonsense, noShortcuts, notReady };
 
     static constexpr auto desktop = "/org/freedesktop/portal/desktop";
     static constexpr auto shortcutsInterface = "org.freedesktop.portal.GlobalShortcuts";
@@ -43,6 +45,8 @@ public:
     User user = User::allows;
     std::string unwanted; ///< the user declines what has this shortcut among it
     Answers answers = Answers::list;
+    bool takesNames = true;     ///< of programs
+    bool isAskedForNew = false; ///< the user is asked for nothing else than what is new
     /// What the user gives each shortcut; those that are missing get none.
     std::map<QString, QString> keys{{QStringLiteral("panel"), QStringLiteral("Meta+Space")},
                                     {QStringLiteral("clipboard"), QStringLiteral("Meta+V")}};
@@ -55,7 +59,9 @@ public:
         const auto member = message.member();
         if (member == QLatin1String("Register")) {
             note("Register " + message.arguments()[0].toString());
-            return bus.send(message.createReply());
+            return bus.send(takesNames ? message.createReply()
+                                       : message.createErrorReply(QDBusError::AccessDenied,
+                                                                  QStringLiteral("who is that?")));
         }
         if (member == QLatin1String("Close")) {
             note(message.path() == session ? "Close session" : "Close");
@@ -64,6 +70,10 @@ public:
         if (answers == Answers::noShortcuts) {
             note(member);
             return bus.send(message.createErrorReply(QDBusError::UnknownMethod, {}));
+        }
+        if (answers == Answers::notReady) {
+            answers = Answers::list;
+            return bus.send(message.createErrorReply(QDBusError::UnknownObject, {}));
         }
         if (member == QLatin1String("BindShortcuts"))
             note(member + wishes(message));
@@ -140,10 +150,16 @@ private:
         } else if (answers == Answers::list || message.member() == QLatin1String("ListShortcuts")) {
             results[QStringLiteral("shortcuts")] = QVariant::fromValue(list());
         }
+        const bool isQuestion = message.member() == QLatin1String("BindShortcuts");
+        const auto wished = isQuestion ? wishes(message).split(QLatin1Char(' ')) : QStringList();
+        const bool isOld = std::ranges::all_of(
+            wished, [this](const QString& each) { return granted_.contains(each); });
         const bool isUnwanted =
             !unwanted.empty() && calls.back().find(' ' + unwanted + '=') != std::string::npos;
-        const bool isDeclined = isUnwanted || (user == User::declines &&
-                                               message.member() != QLatin1String("CreateSession"));
+        const bool isDeclined =
+            isUnwanted || (user == User::declines && isQuestion && !(isAskedForNew && isOld));
+        if (isQuestion && !isDeclined)
+            granted_ += wished;
         tell(request,
              "org.freedesktop.portal.Request",
              "Response",
@@ -159,6 +175,7 @@ private:
              {QVariant::fromValue(QDBusObjectPath(session)), QLatin1String(name), time, options});
     }
 
+    QStringList granted_; ///< "panel=LOGO+space"
     QDBusConnection bus_ =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
 };

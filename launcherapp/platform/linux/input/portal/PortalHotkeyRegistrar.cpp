@@ -13,6 +13,7 @@
 #include <QUuid>
 #include <QVariantMap>
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <utility>
@@ -28,6 +29,8 @@ constexpr Seconds longestUntilAsked{3600};
 /// The program's own wishes come in one turn of the loop, those of the user's commands when their
 /// file has been read. The desktop is asked for all of them in one window.
 constexpr Seconds gathering{0.3};
+/// A portal has its name on the bus before what stands behind it.
+constexpr Seconds untilReady{0.5};
 constexpr Seconds introduction{5}; ///< for a portal to take the program's name down
 /// A portal may tell a held key over and over: keyboards wait 0.2 to 0.6 s before the first
 /// repetition. One that tells no release must not make the key dead, so this is all there is.
@@ -95,10 +98,10 @@ public:
             .name = purpose.name, .description = purpose.description, .trigger = *trigger};
         const auto wish = wishes_.find(id);
         if (wish == wishes_.end() || wish->second.shortcut != shortcut) {
-            const auto outcome = given(shortcut).value_or(asked);
+            const auto outcome = known(shortcut);
             wishes_[id] = {.shortcut = std::move(shortcut), .outcome = outcome};
             bindSoon();
-        } else if (mayAskAgain()) {
+        } else if (askAt_ && queue_.uptime() >= *askAt_) {
             bindSoon();
         }
         return wishes_[id].outcome;
@@ -120,15 +123,6 @@ private:
         HotkeyOutcome outcome;
     };
 
-    /// A set that is not asked for again.
-    struct Rejected {
-        std::vector<PortalShortcut> shortcuts;
-        std::string reason;
-        bool isDeclined = false; ///< by the user
-    };
-
-    bool mayAskAgain() const { return lostAt_ && queue_.uptime() - *lostAt_ > askAgain; }
-
     void bindSoon() {
         if (std::exchange(isBindingSoon_, true))
             return;
@@ -141,18 +135,12 @@ private:
         });
     }
 
-    void askLater() {
-        if (std::exchange(isAskingLater_, true))
-            return;
-        queue_.postAfter(untilAsked_, [weak = weak_from_this()] {
+    void bindAfter(Seconds delay) {
+        queue_.postAfter(delay, [weak = weak_from_this(), loss = losses_] {
             const auto self = weak.lock();
-            if (!self)
-                return;
-            self->isAskingLater_ = false;
-            if (self->lostAt_)
+            if (self && self->losses_ == loss && self->inSession_.empty())
                 self->bind();
         });
-        untilAsked_ = std::min(untilAsked_ * 2, longestUntilAsked);
     }
 
     std::vector<PortalShortcut> wanted() const {
@@ -163,23 +151,59 @@ private:
         return shortcuts;
     }
 
+    bool isDeclined(const PortalShortcut& shortcut) const {
+        return std::ranges::count(declined_, shortcut) > 0;
+    }
+
+    bool isGranted(const PortalShortcut& shortcut) const {
+        const auto before = granted_.find(shortcut.name);
+        return before != granted_.end() && before->second == shortcut;
+    }
+
+    /// What was granted and declined of those that are not wished for any more is forgotten. A wish
+    /// that nobody has answered brings those that were declined before the user again.
+    void forget(const std::vector<PortalShortcut>& shortcuts) {
+        std::erase_if(granted_, [&](const auto& each) {
+            return std::ranges::count(shortcuts, each.first, &PortalShortcut::name) == 0;
+        });
+        std::erase_if(declined_, [&](const PortalShortcut& each) {
+            return std::ranges::count(shortcuts, each) == 0;
+        });
+        if (std::ranges::any_of(shortcuts, [this](const PortalShortcut& each) {
+                return !isDeclined(each) && !isGranted(each);
+            }))
+            declined_.clear();
+    }
+
+    /// Those to ask for: in place of one that was declined, what was granted by its name before.
+    std::vector<PortalShortcut> askable(const std::vector<PortalShortcut>& shortcuts) const {
+        std::vector<PortalShortcut> chosen;
+        for (const auto& each : shortcuts) {
+            const auto before = granted_.find(each.name);
+            if (!isDeclined(each))
+                chosen.push_back(each);
+            else if (before != granted_.end())
+                chosen.push_back(before->second);
+        }
+        std::ranges::sort(chosen);
+        return chosen;
+    }
+
     void bind() {
-        auto shortcuts = wanted();
-        if (rejected_ && rejected_->shortcuts != shortcuts)
-            rejected_.reset(); // another wish may get another answer
-        if (rejected_)
-            shortcuts = granted_;
-        if (shortcuts == inSession_)
-            return settleAll();
-        // The old session first: a desktop refuses a key or a name that another session has, or
-        // takes it from both when one of them ends.
-        drop();
-        inSession_ = std::move(shortcuts);
-        lostAt_.reset();
-        hasComeUp_ = false;
-        settleAll();
-        if (!inSession_.empty())
-            introduce();
+        const auto shortcuts = wanted();
+        forget(shortcuts);
+        auto chosen = askable(shortcuts);
+        if (chosen != inSession_) {
+            // The old session first: it may hold the same keys.
+            drop();
+            inSession_ = std::move(chosen);
+            ++losses_; // what was to be asked later is asked now
+            askAt_.reset();
+            isLost_ = false;
+            if (!inSession_.empty())
+                introduce();
+        }
+        settleAll([this](const Wish& wish) { return known(wish.shortcut); });
     }
 
     /// A portal that runs outside of the program's sandbox goes by what it calls itself. One that
@@ -196,13 +220,22 @@ private:
         askBus(connection_.bus(),
                message,
                introduction,
-               [weak = weak_from_this(), round = round_](const QDBusMessage&) {
+               [weak = weak_from_this(), round = round_](const QDBusMessage& reply) {
                    const auto self = weak.lock();
                    if (!self || self->round_ != round)
                        return;
+                   // Older portals take nobody's down, and go on all the same.
+                   if (DesktopPortal::isRefusal(reply))
+                       self->tell("the desktop's portal did not take the program's name down: " +
+                                  DesktopPortal::problem(reply));
                    self->isIntroduced_ = true;
                    self->open();
                });
+    }
+
+    void tell(const std::string& problem) const {
+        if (events.problem)
+            events.problem(problem);
     }
 
     void open() {
@@ -232,89 +265,88 @@ private:
     void bound(const PortalTriggers& triggers) {
         triggers_ = triggers;
         untilAsked_ = askAgain;
-        granted_ = inSession_;
-        settleAll();
+        hasComeUp_ = false;
+        for (const auto& each : inSession_)
+            granted_[each.name] = each;
+        settleAll([this](const Wish& wish) { return known(wish.shortcut); });
     }
 
-    /// How it stands with a shortcut while nothing is lost.
-    HotkeyOutcome outcomeOf(const PortalShortcut& shortcut) const {
-        if (const auto outcome = given(shortcut))
-            return *outcome;
-        const bool isRejected = rejected_ && std::ranges::count(inSession_, shortcut) == 0 &&
-                                std::ranges::count(rejected_->shortcuts, shortcut) > 0;
-        return isRejected ? refused(rejected_->reason) : asked;
-    }
-
-    /// What the present session has made of a shortcut; nothing before its answer and for one that
-    /// it was not asked for.
-    std::optional<HotkeyOutcome> given(const PortalShortcut& shortcut) const {
-        if (!triggers_ || std::ranges::count(inSession_, shortcut) == 0)
-            return std::nullopt;
+    /// What the present session has made of a shortcut, asked for before its answer.
+    HotkeyOutcome known(const PortalShortcut& shortcut) const {
+        const bool isIn = std::ranges::count(inSession_, shortcut.name, &PortalShortcut::name) > 0;
+        if (isDeclined(shortcut) && !isIn)
+            return refused(declinedReason);
+        if (!triggers_ || !isIn)
+            return asked;
+        if (!isDeclined(shortcut) && std::ranges::count(inSession_, shortcut) == 0)
+            return asked; // by that name another chord
         const auto trigger = triggers_->find(shortcut.name);
         if (trigger == triggers_->end())
             return refused(declinedReason);
-        if (trigger->second.empty())
-            return refused("the desktop lists it among its shortcuts and tells no key for it: "
-                           "choose one there");
-        return HotkeyOutcome{.kind = Kind::registered, .reason = {}, .trigger = trigger->second};
+        return HotkeyOutcome{.kind = Kind::registered,
+                             .reason = {},
+                             .trigger = trigger->second,
+                             .isTriggerUnknown = trigger->second.empty()};
     }
 
     void lost(ShortcutsSession::End end, const std::string& reason) {
-        const bool isDeclined = end == ShortcutsSession::End::declined;
-        Rejected lost{.shortcuts = inSession_,
-                      .reason = isDeclined ? declinedReason : reason,
-                      .isDeclined = isDeclined};
+        using End = ShortcutsSession::End;
+        if (end == End::declined)
+            return decline();
+        const bool wasAnswered = triggers_.has_value();
         drop();
-        // One wish too many must not cost the keys that the user has had.
-        if (!granted_.empty() && granted_.size() < lost.shortcuts.size() &&
-            std::ranges::includes(lost.shortcuts, granted_)) {
-            rejected_ = std::move(lost);
-            return bind();
-        }
-        if (end != ShortcutsSession::End::failed)
-            granted_.clear();
-        if (isDeclined && !rejected_)
-            rejected_ = lost;
-        lose(lost.reason);
-        if (end != ShortcutsSession::End::failed)
-            return;
         // The question may have been too early for a portal that was being started.
-        if (std::exchange(hasComeUp_, false))
-            bindSoon();
-        else
-            askLater();
+        if (end == End::failed && !wasAnswered && std::exchange(hasComeUp_, false))
+            return bindAfter(untilReady);
+        lose(reason, end);
     }
 
-    void lose(const std::string& reason) {
-        lostAt_ = queue_.uptime();
-        settleAllAs([&](const Wish&) { return refused(reason); });
+    /// The user's no is to what the question added: the rest is asked for as before. Where it
+    /// added nothing it is to all.
+    void decline() {
+        const bool isAnyNew = !std::ranges::all_of(
+            inSession_, [this](const PortalShortcut& each) { return isGranted(each); });
+        if (isAnyNew) {
+            std::ranges::copy_if(inSession_,
+                                 std::back_inserter(declined_),
+                                 [this](const PortalShortcut& each) { return !isGranted(each); });
+        } else {
+            declined_ = wanted();
+            granted_.clear();
+        }
+        drop();
+        bind();
+    }
+
+    /// Of what is refused, whoever wishes for it again reminds; of what failed the time alone.
+    void lose(const std::string& reason, ShortcutsSession::End end) {
+        isLost_ = true;
+        ++losses_;
+        askAt_ = queue_.uptime() + untilAsked_;
+        settleAll([&](const Wish& wish) {
+            return isDeclined(wish.shortcut) ? refused(declinedReason) : refused(reason);
+        });
+        if (end == ShortcutsSession::End::failed)
+            bindAfter(untilAsked_);
+        untilAsked_ = std::min(untilAsked_ * 2, longestUntilAsked);
     }
 
     void ownerChanged(const QString& before, const QString& after) {
         // The first owner may be the portal that our own question starts.
-        if (before.isEmpty() && !lostAt_) {
-            hasComeUp_ = true;
+        hasComeUp_ = !after.isEmpty();
+        if (before.isEmpty() && !isLost_)
             return;
-        }
         drop();
         isIntroduced_ = false;
-        hasComeUp_ = false;
-        if (rejected_ && !rejected_->isDeclined)
-            rejected_.reset(); // the next portal may take it
         if (!after.isEmpty())
             return bindSoon();
-        lose("the desktop's portal has gone");
-        askLater();
+        lose("the desktop's portal has gone", ShortcutsSession::End::failed);
     }
 
-    void settleAll() {
-        settleAllAs([this](const Wish& wish) { return outcomeOf(wish.shortcut); });
-    }
-
-    template <typename Outcome> void settleAllAs(const Outcome& outcomeOfWish) {
+    template <typename Outcome> void settleAll(const Outcome& outcomeOf) {
         std::vector<std::uint32_t> changed;
         for (auto& [id, wish] : wishes_) {
-            auto outcome = outcomeOfWish(wish);
+            auto outcome = outcomeOf(wish);
             if (outcome == wish.outcome)
                 continue;
             wish.outcome = std::move(outcome);
@@ -347,13 +379,14 @@ private:
     std::vector<PortalShortcut> inSession_;  ///< what the session was asked for
     std::optional<PortalTriggers> triggers_; ///< what it has given; nothing before its answer
     std::map<std::string, Seconds> down_;    ///< when a key that is down was told last
-    std::optional<Seconds> lostAt_;          ///< when the last question was lost, or its answer
-    std::vector<PortalShortcut> granted_;    ///< the last set that a session came about with
-    std::optional<Rejected> rejected_;       ///< what was wished for then, and still is
-    Seconds untilAsked_ = askAgain;          ///< after the next loss
-    bool hasComeUp_ = false;                 ///< the portal has, since it was asked
-    bool isAskingLater_ = false;
-    bool isGathered_ = false; ///< the first wishes have
+    std::map<std::string, PortalShortcut> granted_; ///< by name: what the user said yes to
+    std::vector<PortalShortcut> declined_;          ///< by the user: not to be asked again
+    std::optional<Seconds> askAt_;  ///< not before; nothing unless the last one was lost
+    Seconds untilAsked_ = askAgain; ///< after the next loss
+    bool isLost_ = false;           ///< the last question was, or its answer
+    bool hasComeUp_ = false;        ///< the portal has, and answered nothing since
+    int losses_ = 0;                ///< with each what was to be asked later is void
+    bool isGathered_ = false;       ///< the first wishes have
     bool isIntroduced_ = false;
     bool isBindingSoon_ = false;
     int round_ = 0; ///< one for each set, so that an answer for an older one is known

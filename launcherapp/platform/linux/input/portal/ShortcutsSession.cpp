@@ -113,6 +113,7 @@ void ShortcutsSession::answered(const PortalRequest::Answer& answer, bool isRead
     const auto triggers = portalTriggers(answer.results[key]);
     if (!triggers)
         return end(End::failed, oddAnswer);
+    isAnswered_ = true;
     if (events_.bound)
         events_.bound(*triggers);
 }
@@ -158,7 +159,8 @@ void ShortcutsSession::deactivated(const QDBusMessage& message) {
 }
 
 void ShortcutsSession::changed(const QDBusMessage& message) {
-    if (!isOurs(message, "oa(sa{sv})") || !events_.bound)
+    // While the user is asked, a change is no answer.
+    if (!isOurs(message, "oa(sa{sv})") || !events_.bound || !isAnswered_)
         return;
     if (const auto triggers = portalTriggers(message.arguments()[1]))
         events_.bound(*triggers);

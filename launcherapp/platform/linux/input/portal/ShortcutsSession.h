@@ -74,6 +74,7 @@ private:
     std::vector<PortalShortcut> shortcuts_;
     Events events_;
     QPointer<PortalRequest> request_; ///< the last one
+    bool isAnswered_ = false;         ///< the shortcuts are bound
     QString handle_; ///< the session's object; empty until it is made and after its end
 };
 
