@@ -48,11 +48,12 @@ DesktopCell panel(const Surroundings& desktop) {
 }
 
 DesktopCell hotkey(const Surroundings& desktop) {
-    if (isX11(desktop) || desktop.portals.contains("GlobalShortcuts"))
+    // On a compositor's display for X11 programs only their own keys are seen.
+    const bool takesKeys = isX11(desktop) && !desktop.isX11Compositors;
+    if (takesKeys || desktop.portals.contains("GlobalShortcuts"))
         return fine;
     if (!desktop.hasSessionBus)
-        return absentAs("there is no session bus, so no key of the desktop's can reach the "
-                        "program");
+        return absentAs(std::string(DesktopTable::noSessionBus));
     return degradedAs("this desktop's portal gives programs no keys: bind a key of the desktop's "
                       "own to the program, as it says at its start");
 }

@@ -34,11 +34,15 @@ struct DesktopSurroundings {
     bool hasX11 = false;     ///< an X11 display, a compositor's own for X11 programs too
     bool hasWayland = false; ///< a Wayland session
     bool hasSessionBus = false;
-    bool isX11Compositors = false;     ///< that X11 display is a Wayland compositor's own
-    bool isShownOnX11 = false;         ///< Qt has this program's windows on the X11 display
-    bool hasSway = false;              ///< sway's own socket takes connections
-    bool hasHyprland = false;          ///< Hyprland's likewise
-    bool hasKWinScripts = false;       ///< the compositor is KWin, and takes scripts
+    bool isX11Compositors = false; ///< that X11 display is a Wayland compositor's own
+    bool isShownOnX11 = false;     ///< Qt has this program's windows on the X11 display
+    bool hasSway = false;          ///< sway's own socket takes connections
+    bool hasHyprland = false;      ///< Hyprland's likewise
+    bool hasKWinScripts = false;   ///< the compositor is KWin, and takes scripts
+    /// The user's own file that sway reads, or would read: a path that may begin "~/".
+    std::string swayConfig = "~/.config/sway/config";
+    bool hasSwayConfig = false;
+    bool lacksGapplication = false;    ///< the command by which a key of the desktop's own calls
     std::vector<std::string> desktops; ///< XDG_CURRENT_DESKTOP, in order
     std::set<std::string> globals;     ///< interfaces of the compositor; none if it is silent
     std::set<std::string> busNames;    ///< that are owned on the session bus
@@ -62,6 +66,8 @@ namespace DesktopTable {
 
 // Reasons that a door finds out itself too, later than the table was asked.
 inline constexpr std::string_view silentCompositor = "the Wayland compositor does not answer";
+inline constexpr std::string_view noSessionBus =
+    "there is no session bus, so no key of the desktop's can reach the program";
 inline constexpr std::string_view hiddenClipboard =
     "this desktop shows the clipboard to the focused program alone";
 inline constexpr std::string_view noKeys = "this desktop lets no program press keys";

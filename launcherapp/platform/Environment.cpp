@@ -106,6 +106,7 @@ Environment readEnvironment(const Variable& variable, std::string_view accountHo
     environment.userFolders = userFolders(environment, "");
     environment.hasX11 = isSet(variable, "DISPLAY");
     environment.hasWayland = isSet(variable, "WAYLAND_DISPLAY");
+    environment.isStartedByBus = isSet(variable, "DBUS_STARTER_ADDRESS");
     environment.isHarmless = isSet(variable, "TESSARINE_HARMLESS");
     return environment;
 }

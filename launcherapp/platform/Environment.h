@@ -40,6 +40,7 @@ struct Environment {
     std::string terminal;                ///< TERMINAL; may be empty
     bool hasX11 = false;                 ///< DISPLAY is set
     bool hasWayland = false;             ///< WAYLAND_DISPLAY is set
+    bool isStartedByBus = false;         ///< DBUS_STARTER_ADDRESS is set
     bool isHarmless = false; ///< TESSARINE_HARMLESS is set: the machine's actions do nothing
 
     bool operator==(const Environment&) const = default;

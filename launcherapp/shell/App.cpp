@@ -248,7 +248,8 @@ void App::Parts::makeServices() {
         verbs.copyText = [this](const std::string& text) { clipboard->copyText(text); };
         verbs.copyObstacle = [this] { return clipboard->board->ability().reason; };
         presence.emplace(
-            DesktopPresence::Services{.queue = doors.queue,
+            DesktopPresence::Services{.desktop = doors.desktop,
+                                      .queue = doors.queue,
                                       .work = doors.work,
                                       .diagnostics = diagnostics,
                                       .windows = *doors.windows,
@@ -357,9 +358,12 @@ void App::Parts::registerHotkeys() {
 
 void App::Parts::takeBusName() {
     using Action = DesktopApplication::Action;
-    const auto ofPanel = [this](std::function<void()> act) {
-        return presence ? Action(std::move(act))
-                        : Action(Invitation::missingDisplay(doors.desktop));
+    // The next call starts it anew, and may find a display.
+    const bool wasStartedInVain = !presence && environment.isStartedByBus;
+    const auto missing = wasStartedInVain ? Invitation::missingToBus(doors.desktop)
+                                          : Invitation::missingDisplay(doors.desktop);
+    const auto ofPanel = [this, &missing](std::function<void()> act) {
+        return presence ? Action(std::move(act)) : Action(missing);
     };
     application.emplace(
         std::string(ProductInfo::bundleID),
@@ -367,12 +371,17 @@ void App::Parts::takeBusName() {
             // Whoever starts it a second time wants to see it, and the panel is what there is.
             .activate = ofPanel([this] { presence->bringUp(); }),
             .actions = {{"toggle", ofPanel([this] {
-                             presence->panel()->toggle();
+                             presence->toggle();
                              if (invitation)
                                  invitation->noteCall();
                          })},
-                        {"clipboard", ofPanel([this] { presence->panel()->toggleClipboard(); })},
+                        {"clipboard", ofPanel([this] { presence->toggleClipboard(); })},
                         {"settings", [this] { services->openSettings(); }}},
+            .refused =
+                [wasStartedInVain] {
+                    if (wasStartedInVain)
+                        QCoreApplication::exit(1);
+                },
             .problem = [this](const std::string& line) { diagnostics.log(line); }});
 }
 

@@ -4,6 +4,7 @@
 #include "launcherapp/shell/ProductInfo.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -14,14 +15,15 @@ namespace {
 
 struct Way {
     std::string_view desktop; ///< of XDG_CURRENT_DESKTOP
-    std::string_view where;
-    std::string_view line; ///< with "{}" for the command
+    std::string_view where;   ///< with "{}" for sway's file
+    std::string_view line;    ///< with "{}" for the command
 };
 
 constexpr auto ways = std::to_array<Way>({
+    // The configuration that sway comes with binds that key, and of two lines the later counts.
     {"sway",
-     "put this line into ~/.config/sway/config and reload it",
-     "bindsym Mod4+space exec {}"},
+     "put this line at the end of {} and reload it",
+     "bindsym --no-warn Mod4+space exec {}"},
     {"Hyprland",
      "put this line into ~/.config/hypr/hyprland.conf",
      "bind = SUPER, SPACE, exec, {}"},
@@ -44,7 +46,26 @@ constexpr Way anyDesktop{
 bool isRunning(const DesktopSurroundings& surroundings, std::string_view desktop) {
     return std::ranges::count(surroundings.desktops, desktop) > 0 ||
            (desktop == "sway" && surroundings.hasSway) ||
-           (desktop == "Hyprland" && surroundings.hasHyprland);
+           (desktop == "Hyprland" && surroundings.hasHyprland) ||
+           (desktop == "river" && surroundings.globals.contains("zriver_control_v1")) ||
+           (desktop == "river" && surroundings.globals.contains("zriver_status_manager_v1"));
+}
+
+const Way* wayOn(const DesktopSurroundings& surroundings) {
+    const auto known = std::ranges::find_if(
+        ways, [&](const Way& way) { return isRunning(surroundings, way.desktop); });
+    return known == ways.end() ? nullptr : &*known;
+}
+
+/// What must be there before the key can be made.
+std::string preparation(const Way& way, const DesktopSurroundings& surroundings) {
+    std::string text;
+    if (surroundings.lacksGapplication)
+        text += "install the package libglib2.0-bin, which has gapplication, and ";
+    // Without a file of the user's own sway reads the one that it comes with, and never both.
+    if (way.desktop == "sway" && !surroundings.hasSwayConfig)
+        text += fmt::format("copy /etc/sway/config to {}, ", surroundings.swayConfig);
+    return text;
 }
 
 } // namespace
@@ -53,12 +74,20 @@ std::string DesktopKeys::command(std::string_view action) {
     return fmt::format("gapplication action {} {}", ProductInfo::bundleID, action);
 }
 
-DesktopKey DesktopKeys::forPanel(const DesktopSurroundings& surroundings) {
-    const auto known = std::ranges::find_if(
-        ways, [&](const Way& way) { return isRunning(surroundings, way.desktop); });
-    const auto& way = known == ways.end() ? anyDesktop : *known;
-    return {.where = std::string(way.where),
-            .line = fmt::format(fmt::runtime(way.line), command("toggle"))};
+std::optional<DesktopKey> DesktopKeys::forPanel(const DesktopSurroundings& surroundings) {
+    if (!surroundings.hasSessionBus)
+        return std::nullopt;
+    const auto* const known = wayOn(surroundings);
+    const auto& way = known ? *known : anyDesktop;
+    return DesktopKey{.where = preparation(way, surroundings) +
+                               fmt::format(fmt::runtime(way.where), surroundings.swayConfig),
+                      .line = fmt::format(fmt::runtime(way.line), command("toggle"))};
+}
+
+std::string DesktopKeys::desktop(const DesktopSurroundings& surroundings) {
+    const auto* const known = wayOn(surroundings);
+    return known ? std::string(known->desktop)
+                 : fmt::format("{}", fmt::join(surroundings.desktops, ":"));
 }
 
 std::string DesktopKeys::advice(const DesktopKey& key) {

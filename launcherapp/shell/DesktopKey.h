@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,10 @@ struct DesktopSurroundings;
 /// How a key of the desktop's own is made to bring the panel up, where programs get none: by the
 /// program's actions on the session bus, which such a key can call.
 struct DesktopKey {
-    std::string where; ///< what to do, "put this line into ~/.config/sway/config"
+    std::string where; ///< what to do, "put this line into ~/.config/river/init"
     std::string line;  ///< what to write there, or the command to choose
+
+    bool operator==(const DesktopKey&) const = default;
 };
 
 /// Pure; any thread.
@@ -21,10 +24,15 @@ namespace DesktopKeys {
 /// program first if it doesn't run.
 std::string command(std::string_view action);
 
-/// For the panel, with the key that it would have taken itself.
-DesktopKey forPanel(const DesktopSurroundings& surroundings);
+/// For the panel, with the key that it would have taken itself. Nothing without a session bus, over
+/// which such a key calls.
+std::optional<DesktopKey> forPanel(const DesktopSurroundings& surroundings);
 
-/// "put this line into ~/.config/sway/config:" and the line, on a line of its own.
+/// What the desktop whose settings those are goes by, "sway" or "XFCE"; empty for one without a
+/// name.
+std::string desktop(const DesktopSurroundings& surroundings);
+
+/// "put this line into ~/.config/river/init:" and the line, on a line of its own.
 std::string advice(const DesktopKey& key);
 
 } // namespace DesktopKeys

@@ -69,7 +69,7 @@ public:
     SessionWatch session{services.work};
     LinuxRivalLaunchers rivals{services.queue, services.work, session};
     std::unique_ptr<HotkeyRegistrar> registrar =
-        hotkeyRegistrar(services.queue, std::string(ProductInfo::bundleID));
+        hotkeyRegistrar(services.queue, services.desktop, std::string(ProductInfo::bundleID));
     Hotkey hotkey{{.registrar = *registrar, .rivals = rivals, .diagnostics = services.diagnostics}};
     StageMarks stages; // no watch for stalls runs yet
     Updater updater;   // and nothing is updated
@@ -120,19 +120,11 @@ public:
             {.key = keys, .problem = keys.empty() ? problem : std::string(), .copy = {}});
     }
 
-    void tellKnownChord() {
-        if (!chordKnown || onScreen->hotkey.isAsked())
-            return;
-        const auto known = std::exchange(chordKnown, nullptr);
-        known();
-    }
-
     Services services;
     StatusItem statusItem;
     std::optional<OnScreen> onScreen;
     Subscription hotkeyChanges;
     Keyless keyless;
-    std::function<void()> chordKnown; ///< who waits for the desktop's answer
 };
 
 DesktopPresence::DesktopPresence(Services services)
@@ -147,10 +139,7 @@ void DesktopPresence::installStatusItem() {
 PanelController& DesktopPresence::makePanel(PanelViewServices view) {
     auto& parts = *parts_;
     auto& onScreen = parts.onScreen.emplace(parts.services, view);
-    parts.hotkeyChanges = onScreen.hotkey.onChange([&parts] {
-        parts.refreshStatusItem();
-        parts.tellKnownChord();
-    });
+    parts.hotkeyChanges = onScreen.hotkey.onChange([&parts] { parts.refreshStatusItem(); });
     return onScreen.panel;
 }
 
@@ -182,7 +171,8 @@ void DesktopPresence::bringUp() {
 }
 
 std::string DesktopPresence::hotkeyStatus() const {
-    return parts_->onScreen->hotkey.status();
+    const auto& hotkey = parts_->onScreen->hotkey;
+    return hotkey.isAsked() ? "not known yet (" + hotkey.status() + ")" : hotkey.status();
 }
 
 std::string DesktopPresence::clipboardStatus() const {
@@ -209,9 +199,20 @@ void DesktopPresence::setKeyless(Keyless keyless) {
     parts_->refreshStatusItem();
 }
 
-void DesktopPresence::whenChordIsKnown(std::function<void()> known) {
-    parts_->chordKnown = std::move(known);
-    parts_->tellKnownChord();
+Subscription DesktopPresence::onChordChange(std::function<void()> changed) {
+    return parts_->onScreen->hotkey.onChange(std::move(changed));
+}
+
+void DesktopPresence::toggle() {
+    auto& onScreen = *parts_->onScreen;
+    onScreen.hotkey.notePress(parts_->services.queue.uptime());
+    onScreen.panel.hotkeyFired();
+}
+
+void DesktopPresence::toggleClipboard() {
+    auto& onScreen = *parts_->onScreen;
+    onScreen.hotkey.notePress(parts_->services.queue.uptime());
+    onScreen.panel.toggleClipboard();
 }
 
 } // namespace tessarine

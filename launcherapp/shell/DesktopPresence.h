@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launcherapp/panel/view/PanelViewServices.h"
+#include "launcherapp/platform/Subscription.h"
 #include "launcherapp/shell/Invitation.h"
 
 #include <functional>
@@ -16,6 +17,7 @@ class PanelController;
 class WindowList;
 class ActivationTokens;
 class WorkQueues;
+struct DesktopSurroundings;
 
 /// What the user sees of the program on the desktop: the panel, the keys that summon it, and the
 /// tray icon. Made only where Qt has windows. The functions up to `registerHotkey` make its parts,
@@ -23,6 +25,7 @@ class WorkQueues;
 class DesktopPresence {
 public:
     struct Services {
+        const DesktopSurroundings& desktop; ///< outlives it, as all services do
         MainQueue& queue;
         WorkQueues& work;
         Diagnostics& diagnostics;
@@ -79,9 +82,13 @@ public:
 
     void setKeyless(Keyless keyless);
 
-    /// Calls `known` when the desktop has said whether the panel gets its chord: at once where no
-    /// answer is waited for. Once.
-    void whenChordIsKnown(std::function<void()> known);
+    /// Calls `changed` after each change of a chord's state.
+    Subscription onChordChange(std::function<void()> changed);
+
+    /// The panel's key of the desktop's own, or a menu, called over the session bus: counts as a
+    /// press of the panel's chord, when the call came.
+    void toggle();
+    void toggleClipboard();
 
 private:
     class OnScreen;

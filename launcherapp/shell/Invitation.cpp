@@ -19,8 +19,10 @@ std::string ended(std::string text, StartedFrom startedFrom) {
 
 } // namespace
 
-std::string
-Invitation::withPanel(const Chord& chord, const DesktopKey& desktopKey, StartedFrom startedFrom) {
+std::string Invitation::withPanel(const Chord& chord,
+                                  const std::optional<DesktopKey>& desktopKey,
+                                  StartedFrom startedFrom) {
+    const auto advice = desktopKey ? DesktopKeys::advice(*desktopKey) : std::string();
     switch (chord.state) {
     case Chord::State::held:
         return ended(fmt::format("Tessarine is running. {} brings it up.", chord.keys),
@@ -28,16 +30,21 @@ Invitation::withPanel(const Chord& chord, const DesktopKey& desktopKey, StartedF
     case Chord::State::asked:
         return ended(fmt::format("Tessarine is running, {}.", chord.status), startedFrom);
     case Chord::State::desktopOwn:
-        return ended("Tessarine is running. The key that you gave it in your desktop's settings "
-                     "brings it up.",
-                     startedFrom);
+        if (advice.empty())
+            break;
+        return ended(
+            fmt::format("Tessarine is running. If you gave it a key in your desktop's settings, "
+                        "that brings it up; otherwise {}",
+                        advice),
+            startedFrom);
     case Chord::State::none:
         break;
     }
-    return ended(fmt::format("Tessarine is running, and no key brings it up: {}. To have one, {}",
-                             chord.status,
-                             DesktopKeys::advice(desktopKey)),
-                 startedFrom);
+    const auto whatNow = advice.empty() ? fmt::format("; {}.", DesktopTable::noSessionBus)
+                                        : ". To have one, " + advice;
+    return ended(
+        fmt::format("Tessarine is running, and no key brings it up: {}{}", chord.status, whatNow),
+        startedFrom);
 }
 
 Invitation::Notice Invitation::noKeyYet(const Chord& chord, const DesktopKey& desktopKey) {
@@ -61,6 +68,14 @@ std::string Invitation::missingDisplay(const DesktopSurroundings& desktop) {
     if (!desktop.hasWayland && desktop.hasX11)
         return "the X11 display does not answer";
     return DesktopTable::reason(desktop, DesktopAbility::panel);
+}
+
+std::string Invitation::missingToBus(const DesktopSurroundings& desktop) {
+    const auto missing = missingDisplay(desktop);
+    if (desktop.hasWayland || desktop.hasX11)
+        return missing;
+    return missing + " that the session bus was told of: let the compositor run "
+                     "\"dbus-update-activation-environment WAYLAND_DISPLAY\" at its start";
 }
 
 } // namespace tessarine

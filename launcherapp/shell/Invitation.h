@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace tessarine {
@@ -20,15 +21,16 @@ struct Chord {
         held,
         asked,      ///< the desktop asks its user
         none,       ///< `status` says why
-        desktopOwn, ///< none of the program's, but the desktop's own key has called it before
+        desktopOwn, ///< none of the program's, but what may be the desktop's own has called it
     };
     State state = State::none;
     std::string keys;   ///< as they stand on the keyboard; empty unless held
     std::string status; ///< of the chord, in words
 };
 
-/// `desktopKey` is told where there is no other.
-std::string withPanel(const Chord& chord, const DesktopKey& desktopKey, StartedFrom startedFrom);
+/// `desktopKey` is told where there is no other; nothing where the desktop can have none either.
+std::string
+withPanel(const Chord& chord, const std::optional<DesktopKey>& desktopKey, StartedFrom startedFrom);
 
 /// The same for a notification of the desktop's, which is shown once: its title and its text.
 struct Notice {
@@ -42,6 +44,9 @@ std::string withoutPanel(const DesktopSurroundings& desktop, StartedFrom started
 
 /// Why no panel can be shown, for a run in which none can.
 std::string missingDisplay(const DesktopSurroundings& desktop);
+
+/// The same for a copy that the session bus has started.
+std::string missingToBus(const DesktopSurroundings& desktop);
 
 } // namespace Invitation
 } // namespace tessarine

@@ -1,17 +1,19 @@
 #include "launcherapp/shell/PanelInvitation.h"
 
 #include "launcherapp/operations/Diagnostics.h"
-#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/linux/desktop/DesktopNotice.h"
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/shell/DefaultsStore.h"
 #include "launcherapp/shell/DesktopKey.h"
 #include "launcherapp/shell/DesktopPresence.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace tessarine {
 
@@ -20,11 +22,13 @@ namespace {
 /// How long nothing is said to the user while the desktop asks for the panel's key.
 constexpr Seconds userPatience{2};
 
-// What the program remembers about keys, among the preferences.
+using State = Invitation::Chord::State;
+
+// What the program remembers about keys, among the preferences: the desktops where it is so.
 constexpr std::string_view toldOfDesktopKey = "toldOfDesktopKey";
 constexpr std::string_view desktopKeyWorks = "desktopKeyWorks";
 
-constexpr auto desktopKeyInWords = "The key of your desktop's settings";
+constexpr auto desktopKeyInWords = "A key of your desktop's settings, if you made one,";
 
 void invite(const std::string& text) {
     std::fputs((text + "\n").c_str(), stderr);
@@ -50,31 +54,66 @@ void PanelInvitation::tellWithoutPanel(const DesktopSurroundings& desktop) {
 }
 
 void PanelInvitation::tellOnceKnown(MainQueue& queue) {
-    presence_.whenChordIsKnown([this] { tell(); });
+    desktop_.hasSessionBus = sessionBus().has_value(); // not its address alone
+    changes_ = presence_.onChordChange([this, &queue] {
+        // Taking chords anew lets some go for a moment.
+        if (std::exchange(looksSoon_, true))
+            return;
+        queue.post([this] {
+            looksSoon_ = false;
+            look();
+        });
+    });
+    look();
     queue.postAfter(userPatience, [this] {
-        if (presence_.chord().state == Invitation::Chord::State::asked)
+        if (!told_)
             tell();
     });
 }
 
 bool PanelInvitation::remembers(std::string_view preference) const {
-    return defaults_.value<bool>(preference).value_or(false);
+    const auto known = defaults_.value<std::vector<std::string>>(preference);
+    return known && std::ranges::count(*known, DesktopKeys::desktop(desktop_)) > 0;
+}
+
+void PanelInvitation::remember(std::string_view preference) {
+    if (remembers(preference))
+        return;
+    auto known = defaults_.value<std::vector<std::string>>(preference);
+    if (!known)
+        known.emplace();
+    known->push_back(DesktopKeys::desktop(desktop_));
+    defaults_.set(preference, *known);
+}
+
+void PanelInvitation::look() {
+    const auto chord = presence_.chord();
+    if (chord.state == State::asked)
+        return;
+    const bool hadCalled = std::exchange(hasCalled_, false);
+    if (hadCalled && chord.state == State::none)
+        remember(desktopKeyWorks);
+    if (!told_ || told_->state != chord.state || told_->keys != chord.keys)
+        tell();
 }
 
 void PanelInvitation::tell() {
-    using enum Invitation::Chord::State;
     auto chord = presence_.chord();
-    const bool isKeyless = chord.state == none;
+    told_ = chord;
+    const bool isKeyless = chord.state == State::none;
+    const auto key = isKeyless ? DesktopKeys::forPanel(desktop_) : std::nullopt;
     if (isKeyless && remembers(desktopKeyWorks))
-        chord.state = desktopOwn;
-    const auto key = isKeyless ? DesktopKeys::forPanel(desktop_) : DesktopKey();
-    if (chord.state == desktopOwn)
+        chord.state = State::desktopOwn;
+    if (chord.state == State::desktopOwn)
         presence_.setKeyless({.keys = desktopKeyInWords, .advice = {}});
     else if (isKeyless)
-        presence_.setKeyless({.keys = {}, .advice = key.where + ": " + key.line});
+        presence_.setKeyless({.keys = {},
+                              .advice = key ? key->where + ": " + key->line
+                                            : std::string(DesktopTable::noSessionBus)});
     invite(Invitation::withPanel(chord, key, startedFrom()));
-    if (chord.state == none && notices_ == Notices::allowed && !remembers(toldOfDesktopKey))
-        showNotice(Invitation::noKeyYet(chord, key));
+    if (chord.state == State::none && key && notices_ == Notices::allowed &&
+        !remembers(toldOfDesktopKey))
+        showNotice(Invitation::noKeyYet(chord, *key));
 }
 
 void PanelInvitation::showNotice(const Invitation::Notice& notice) {
@@ -82,14 +121,17 @@ void PanelInvitation::showNotice(const Invitation::Notice& notice) {
         notice.title, notice.text, [this](const std::optional<std::string>& problem) {
             if (problem)
                 return diagnostics_.log("hotkey: how to make one could not be shown: " + *problem);
-            defaults_.set(toldOfDesktopKey, true);
+            remember(toldOfDesktopKey);
         });
 }
 
 void PanelInvitation::noteCall() {
-    if (presence_.chord().state != Invitation::Chord::State::none || remembers(desktopKeyWorks))
+    const auto state = presence_.chord().state;
+    if (state == State::asked)
+        hasCalled_ = true;
+    if (state != State::none)
         return;
-    defaults_.set(desktopKeyWorks, true);
+    remember(desktopKeyWorks);
     presence_.setKeyless({.keys = desktopKeyInWords, .advice = {}});
 }
 

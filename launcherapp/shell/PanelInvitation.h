@@ -1,7 +1,10 @@
 #pragma once
 
+#include "launcherapp/platform/DesktopTable.h"
+#include "launcherapp/platform/Subscription.h"
 #include "launcherapp/shell/Invitation.h"
 
+#include <optional>
 #include <string_view>
 
 namespace tessarine {
@@ -10,11 +13,10 @@ class DefaultsStore;
 class DesktopPresence;
 class Diagnostics;
 class MainQueue;
-struct DesktopSurroundings;
 
 /// Tells the user which key brings the panel up, and where the program holds none, how to make one
-/// of the desktop's own: in the terminal at each start and once on the screen, until such a key has
-/// called. Main thread only.
+/// of the desktop's own: in the terminal at each start, and once on the screen of each desktop that
+/// no such key has called on. Main thread only.
 class PanelInvitation {
 public:
     /// Whether a notification on the screen may tell it too, and be remembered.
@@ -27,27 +29,33 @@ public:
                     Diagnostics& diagnostics,
                     Notices notices);
 
-    /// Tells it as soon as it is known whether the panel has its key, and what is known by then
-    /// after a while in which the desktop asks its user.
+    /// Tells it as soon as it is known whether the panel has its key, and again when that changes;
+    /// and what is known by then after a while in which the desktop asks its user.
     void tellOnceKnown(MainQueue& queue);
 
-    /// The desktop's own key may have called. A menu calls the same way, but where there is no key
-    /// of the program's, a key is what calls.
+    /// The desktop's own key may have called, where the panel turns out to have none. A menu calls
+    /// the same way, so what is told from then on doesn't promise it.
     void noteCall();
 
     /// Why there is no panel to be brought up.
     static void tellWithoutPanel(const DesktopSurroundings& desktop);
 
 private:
+    void look();
     void tell();
     void showNotice(const Invitation::Notice& notice);
     bool remembers(std::string_view preference) const;
+    void remember(std::string_view preference);
 
     DesktopPresence& presence_;
     DefaultsStore& defaults_;
-    const DesktopSurroundings& desktop_;
+    DesktopSurroundings desktop_;
     Diagnostics& diagnostics_;
     const Notices notices_;
+    std::optional<Invitation::Chord> told_; ///< last; nothing before the first time
+    bool hasCalled_ = false;                ///< a key may have, while the desktop was asked
+    bool looksSoon_ = false;
+    Subscription changes_;
 };
 
 } // namespace tessarine

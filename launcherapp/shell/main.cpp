@@ -30,6 +30,7 @@ int runProgram(int argc, char** argv, Seconds launchedAt) {
             std::puts(line.c_str());
         return ending->status;
     }
+    CompositorVariables::findDisplay();
     auto environment = processEnvironment();
     const auto surface = Modes::draws(commandLine)        ? QtSurface::pictures
                          : Modes::showsPanel(commandLine) ? QtSurface::windows

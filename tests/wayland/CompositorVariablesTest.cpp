@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace tessarine {
 namespace {
 
@@ -53,6 +55,29 @@ TEST_F(CompositorVariablesTest, whatNamesTheRightOneOrAnyoneAloneIsLeft) {
     CompositorVariables::renew();
     EXPECT_EQ(qgetenv("HYPRLAND_INSTANCE_SIGNATURE"), "wrapped");
     qputenv("XDG_RUNTIME_DIR", runtime);
+}
+
+TEST_F(CompositorVariablesTest, theOneDisplayIsFoundByWhatTheBusStarts) {
+    const ScratchFolder folder;
+    const std::map<const char*, QByteArray> before{{"WAYLAND_DISPLAY", qgetenv("WAYLAND_DISPLAY")},
+                                                   {"XDG_RUNTIME_DIR", qgetenv("XDG_RUNTIME_DIR")}};
+    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(folder.path()));
+    const auto found = [] {
+        qunsetenv("WAYLAND_DISPLAY");
+        CompositorVariables::findDisplay();
+        return qgetenv("WAYLAND_DISPLAY");
+    };
+    const auto one = listeningSocket(folder.path("/wayland-1"));
+    folder.write("/wayland-1.lock", "");
+    folder.write("/wayland-0", "left of one that has died");
+    EXPECT_EQ(found(), "") << "started by hand, it goes without";
+    qputenv("DBUS_STARTER_ADDRESS", "unix:path=/bus");
+    EXPECT_EQ(found(), "wayland-1");
+    const auto other = listeningSocket(folder.path("/wayland-2"));
+    EXPECT_EQ(found(), "") << "it could be either";
+    qunsetenv("DBUS_STARTER_ADDRESS");
+    for (const auto& [name, value] : before)
+        qputenv(name, value);
 }
 
 TEST_F(CompositorVariablesTest, withoutADisplayNothingIsChanged) {

@@ -95,6 +95,9 @@ TEST(DesktopTable, goesByWhatIsThereNotByTheDesktopsName) {
     found.portals.clear();
     found.hasSessionBus = false;
     EXPECT_EQ(stateOf(DesktopAbility::hotkey), State::absent);
+    EXPECT_EQ(DesktopTable::cell({.hasX11 = true, .isX11Compositors = true}, DesktopAbility::hotkey)
+                  .state,
+              State::absent);
     found.globals.erase("zwlr_data_control_manager_v1");
     EXPECT_EQ(stateOf(DesktopAbility::clipboardHistory), State::degraded);
     found.globals.erase("zwp_virtual_keyboard_manager_v1");

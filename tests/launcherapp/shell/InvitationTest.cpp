@@ -17,7 +17,8 @@ using testing::StartsWith;
 
 constexpr auto byTheDesktop = "gapplication action com.corvane.tessarine toggle";
 
-const DesktopKey swayKey = DesktopKeys::forPanel({.hasWayland = true, .hasSway = true});
+const auto swayKey = DesktopKeys::forPanel(
+    {.hasWayland = true, .hasSessionBus = true, .hasSway = true, .hasSwayConfig = true});
 
 TEST(Invitation, namesAKeyThatWorks) {
     EXPECT_EQ(
@@ -25,10 +26,11 @@ TEST(Invitation, namesAKeyThatWorks) {
                               swayKey,
                               desktop),
         "Tessarine is running. Super+Space brings it up.");
+    // The user has done what was told, or has called it by a menu.
     EXPECT_THAT(
         Invitation::withPanel(
             {.state = State::desktopOwn, .keys = {}, .status = "no portal"}, swayKey, desktop),
-        Not(HasSubstr("no portal"))); // the user has done what was told
+        AllOf(HasSubstr("If you gave it a key"), HasSubstr(byTheDesktop)));
 }
 
 TEST(Invitation, saysWhichLineGivesTheDesktopsOwnKey) {
@@ -37,19 +39,50 @@ TEST(Invitation, saysWhichLineGivesTheDesktopsOwnKey) {
                 AllOf(HasSubstr("no key brings it up: no portal"),
                       HasSubstr("~/.config/sway/config"),
                       HasSubstr(byTheDesktop)));
-    EXPECT_THAT(Invitation::noKeyYet(none, swayKey).text,
+    EXPECT_THAT(Invitation::noKeyYet(none, *swayKey).text,
                 AllOf(HasSubstr("no portal"), HasSubstr(byTheDesktop)));
 
-    const std::pair<DesktopSurroundings, const char*> cases[] = {
-        {{.desktops = {"sway"}}, "bindsym Mod4+space exec gapplication"},
-        {{.hasHyprland = true}, "bind = SUPER, SPACE, exec, gapplication"},
-        {{.desktops = {"river"}}, "riverctl map normal Super Space spawn 'gapplication"},
-        {{.desktops = {"ubuntu", "GNOME"}}, "gapplication"},
-        {{.desktops = {"KDE"}}, "gapplication"},
-        {{}, "gapplication"},
+    struct Case {
+        DesktopSurroundings found;
+        const char* desktop;
+        const char* line;
     };
-    for (const auto& [surroundings, line] : cases)
-        EXPECT_THAT(DesktopKeys::forPanel(surroundings).line, StartsWith(line));
+
+    const Case cases[] = {
+        {{.desktops = {"sway"}}, "sway", "bindsym --no-warn Mod4+space exec gapplication"},
+        {{.hasHyprland = true}, "Hyprland", "bind = SUPER, SPACE, exec, gapplication"},
+        {{.desktops = {"river"}}, "river", "riverctl map normal Super Space spawn 'gapplication"},
+        {{.globals = {"zriver_control_v1"}}, "river", "riverctl"}, // it sets no name
+        {{.desktops = {"ubuntu", "GNOME"}}, "GNOME", "gapplication"},
+        {{.desktops = {"KDE"}}, "KDE", "gapplication"},
+        {{.desktops = {"MATE", "X"}}, "MATE:X", "gapplication"},
+        {{}, "", "gapplication"},
+    };
+    for (auto [found, name, line] : cases) {
+        SCOPED_TRACE(line);
+        EXPECT_EQ(DesktopKeys::desktop(found), name);
+        EXPECT_EQ(DesktopKeys::forPanel(found), std::nullopt) << "nothing to call it over";
+        found.hasSessionBus = true;
+        EXPECT_THAT(DesktopKeys::forPanel(found)->line, StartsWith(line));
+    }
+    EXPECT_THAT(Invitation::withPanel(none, std::nullopt, desktop),
+                AllOf(HasSubstr("no portal; there is no session bus"), Not(HasSubstr("To have"))));
+}
+
+TEST(Invitation, saysWhatTheDesktopsOwnKeyNeedsFirst) {
+    const DesktopSurroundings sway{.hasSessionBus = true, .hasSway = true, .hasSwayConfig = true};
+    auto without = sway;
+    without.hasSwayConfig = false; // and the one for all users may not be edited by this one
+    without.swayConfig = "~/etc/sway/config";
+    auto bare = sway;
+    bare.lacksGapplication = true;
+    const std::pair<DesktopSurroundings, const char*> cases[] = {
+        {sway, "put this line at the end of ~/.config/sway/config and reload it"},
+        {without, "copy /etc/sway/config to ~/etc/sway/config, put this line at the end of ~/etc"},
+        {bare, "install the package libglib2.0-bin"},
+    };
+    for (const auto& [found, words] : cases)
+        EXPECT_THAT(DesktopKeys::forPanel(found)->where, StartsWith(words));
 }
 
 TEST(Invitation, saysWhatIsMissingWithoutAPanel) {

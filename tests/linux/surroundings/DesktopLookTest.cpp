@@ -2,6 +2,7 @@
 
 #include "launcherapp/platform/Environment.h"
 #include "tests/linux/BusObject.h"
+#include "tests/linux/EventLoop.h"
 
 #include <gmock/gmock.h>
 
@@ -69,6 +70,21 @@ TEST_F(DesktopLookTest, doesNotWaitLongForAPortalThatHangs) {
     const auto found = DesktopLook::withBus({}, milliseconds(100));
     EXPECT_THAT(found.portals, IsEmpty());
     EXPECT_LT(std::chrono::steady_clock::now() - began, milliseconds(2000));
+}
+
+TEST(DesktopLook, findsTheFileThatSwayReads) {
+    const ScratchFolder home;
+    const auto found = [&] {
+        return DesktopLook::display({.home = home.path(), .configHome = home.path("/.config")});
+    };
+    EXPECT_FALSE(found().hasSwayConfig);
+    EXPECT_EQ(found().swayConfig, "~/.config/sway/config");
+    for (const auto* folder : {"/.i3", "/.config/sway", "/.sway"}) { // the last one counts
+        home.folder(folder);
+        home.write(std::string(folder) + "/config", "");
+        EXPECT_TRUE(found().hasSwayConfig);
+        EXPECT_EQ(found().swayConfig, "~" + std::string(folder) + "/config");
+    }
 }
 
 TEST(DesktopLook, aCompositorThatIsNotThereCountsOnlyWhereNothingElseDoes) {

@@ -108,11 +108,14 @@ private:
     }
 
     /// Answers before it acts: the caller need not wait for a window.
-    static void
-    answer(const QDBusMessage& message, const QDBusConnection& connection, const Action& action) {
+    void answer(const QDBusMessage& message,
+                const QDBusConnection& connection,
+                const Action& action) const {
         if (const auto* reason = std::get_if<std::string>(&action)) {
             connection.send(message.createErrorReply(QDBusError::NotSupported,
                                                      QString::fromStdString(*reason)));
+            if (handlers_.refused)
+                handlers_.refused();
             return;
         }
         connection.send(message.createReply());

@@ -21,6 +21,8 @@ public:
         Action activate;
         /// What "ActivateAction" can name. Opening files is no business of the program.
         std::map<std::string, Action> actions;
+        /// After a call that could not be done. May be empty.
+        std::function<void()> refused = {};
         /// A sentence about why the desktop can't reach the program.
         std::function<void(const std::string&)> problem;
     };

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/input/X11HotkeyRegistrar.h"
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/input/FreezeLimit.h"
 #include "launcherapp/platform/linux/input/NoHotkeyRegistrar.h"
@@ -381,18 +382,18 @@ std::optional<HotkeyBinding> X11HotkeyRegistrar::chord(std::uint32_t key,
 }
 
 std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue,
+                                                 const DesktopSurroundings& desktop,
                                                  const std::string& applicationID) {
     auto* connection = qtConnection();
     // Qt takes the display that a Wayland compositor keeps for X11 programs where it has nothing
     // to speak Wayland with.
-    const bool isX11 = connection && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-                       !isWaylandsDisplay(connection);
+    const bool isX11 = connection && !desktop.hasWayland && !isWaylandsDisplay(connection);
     if (isX11)
         return std::make_unique<X11HotkeyRegistrar>(queue);
     if (sessionBusAddress())
         return std::make_unique<PortalHotkeyRegistrar>(queue, applicationID);
     return std::make_unique<NoHotkeyRegistrar>(
-        "outside of X11 the desktop is asked for keys on the session bus, and there is none");
+        "outside of X11 the desktop is asked for keys on the session bus");
 }
 
 } // namespace tessarine

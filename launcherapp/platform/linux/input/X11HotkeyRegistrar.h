@@ -8,6 +8,7 @@
 namespace tessarine {
 
 class MainQueue;
+struct DesktopSurroundings;
 
 /// Chords by passive key grabs on Qt's own X11 connection, so that the panel can take the keyboard
 /// over from them; a grab of another connection would hold it until the key is up. From a press on
@@ -31,10 +32,11 @@ private:
     std::unique_ptr<Keys> keys_;
 };
 
-/// The registrar of the display that Qt runs on. Where the session is not X11's, even if Qt runs on
-/// an X11 display inside it, the one that asks the desktop's portal, which knows the program as
+/// The registrar of the desktop as it was found. Where that is not X11's, even if Qt runs on an X11
+/// display inside it, the one that asks the desktop's portal, which knows the program as
 /// `applicationID`; without a session bus one that refuses, with its reason.
 std::unique_ptr<HotkeyRegistrar> hotkeyRegistrar(MainQueue& queue,
+                                                 const DesktopSurroundings& desktop,
                                                  const std::string& applicationID);
 
 } // namespace tessarine

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/surroundings/DesktopLook.h"
 
+#include "LauncherCore/text/Paths.h"
 #include "launcherapp/platform/Environment.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/input/X11InputDevices.h"
@@ -16,8 +17,11 @@
 #include <QDBusPendingCall>
 #include <QGuiApplication>
 #include <QStringList>
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -41,6 +45,28 @@ bool isX11Compositors() {
 bool isQtOnX11() {
     return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) &&
            QGuiApplication::platformName() == QLatin1String("xcb");
+}
+
+bool isThere(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::exists(path, failed);
+}
+
+/// In the order of sway(1).
+void findSwayConfig(const Environment& environment, DesktopSurroundings& found) {
+    const std::array paths{environment.home + "/.sway/config",
+                           environment.configHome + "/sway/config",
+                           environment.home + "/.i3/config",
+                           environment.configHome + "/i3/config"};
+    const auto own = std::ranges::find_if(paths, isThere);
+    found.hasSwayConfig = own != paths.end();
+    found.swayConfig = Paths::shown(found.hasSwayConfig ? *own : paths[1], environment.home);
+}
+
+bool isOnPath(const Environment& environment, const std::string& program) {
+    return std::ranges::any_of(environment.programDirs, [&](const std::string& folder) {
+        return isThere(folder + '/' + program);
+    });
 }
 
 QDBusMessage namesCall() {
@@ -76,7 +102,9 @@ DesktopSurroundings DesktopLook::display(const Environment& environment) {
                               .isShownOnX11 = isQtOnX11(),
                               .hasSway = isSwayThere(),
                               .hasHyprland = HyprlandIpc::runningFolder().has_value(),
+                              .lacksGapplication = !isOnPath(environment, "gapplication"),
                               .desktops = environment.desktops};
+    findSwayConfig(environment, found);
     if (environment.hasX11)
         found.isX11Compositors = isX11Compositors();
     if (!environment.hasWayland)

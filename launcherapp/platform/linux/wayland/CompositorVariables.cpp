@@ -96,6 +96,22 @@ void renewHyprland(pid_t compositor, std::vector<fs::path> folders) {
 
 } // namespace
 
+void CompositorVariables::findDisplay() {
+    const auto runtime = variable("XDG_RUNTIME_DIR");
+    const bool isLost = variable("WAYLAND_DISPLAY").empty() && variable("DISPLAY").empty();
+    if (!isLost || runtime.empty() || variable("DBUS_STARTER_ADDRESS").empty())
+        return;
+    std::vector<std::string> displays;
+    for (const auto& entry : entries(runtime)) {
+        // Compositors take the first number that is free, each with a lock of the same name.
+        const auto name = entry.filename().string();
+        if (name.starts_with("wayland-") && LocalSocket(entry.string()).isOpen())
+            displays.push_back(name);
+    }
+    if (displays.size() == 1)
+        ::setenv("WAYLAND_DISPLAY", displays.front().c_str(), 1);
+}
+
 void CompositorVariables::renew() {
     const auto display = displaySocket();
     const auto compositor = LocalSocket(display.string()).listener();
