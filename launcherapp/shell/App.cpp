@@ -7,6 +7,7 @@
 #include "launcherapp/platform/linux/desktop/LostDisplay.h"
 #include "launcherapp/platform/linux/desktop/PortalAppearance.h"
 #include "launcherapp/platform/linux/desktop/QtApplication.h"
+#include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/files/RunFolder.h"
 #include "launcherapp/platform/linux/processes/EndSignals.h"
 #include "launcherapp/platform/linux/surroundings/DesktopLook.h"
@@ -347,9 +348,11 @@ void App::Parts::registerHotkeys() {
         return;
     }
     presence->registerHotkey();
+    auto desktop = doors.desktop;
+    desktop.hasSessionBus = sessionBus().has_value(); // not its address alone
     invitation.emplace(*presence,
                        services->defaults,
-                       doors.desktop,
+                       std::move(desktop),
                        diagnostics,
                        kind.isDemonstration ? PanelInvitation::Notices::none
                                             : PanelInvitation::Notices::allowed);

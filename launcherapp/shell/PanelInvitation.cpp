@@ -3,7 +3,6 @@
 #include "launcherapp/operations/Diagnostics.h"
 #include "launcherapp/platform/MainQueue.h"
 #include "launcherapp/platform/linux/desktop/DesktopNotice.h"
-#include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/shell/DefaultsStore.h"
 #include "launcherapp/shell/DesktopKey.h"
 #include "launcherapp/shell/DesktopPresence.h"
@@ -43,18 +42,17 @@ Invitation::StartedFrom startedFrom() {
 
 PanelInvitation::PanelInvitation(DesktopPresence& presence,
                                  DefaultsStore& defaults,
-                                 const DesktopSurroundings& desktop,
+                                 DesktopSurroundings desktop,
                                  Diagnostics& diagnostics,
                                  Notices notices)
-    : presence_(presence), defaults_(defaults), desktop_(desktop), diagnostics_(diagnostics),
-      notices_(notices) {}
+    : presence_(presence), defaults_(defaults), desktop_(std::move(desktop)),
+      diagnostics_(diagnostics), notices_(notices) {}
 
 void PanelInvitation::tellWithoutPanel(const DesktopSurroundings& desktop) {
     invite(Invitation::withoutPanel(desktop, startedFrom()));
 }
 
 void PanelInvitation::tellOnceKnown(MainQueue& queue) {
-    desktop_.hasSessionBus = sessionBus().has_value(); // not its address alone
     changes_ = presence_.onChordChange([this, &queue] {
         // Taking chords anew lets some go for a moment.
         if (std::exchange(looksSoon_, true))

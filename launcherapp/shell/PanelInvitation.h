@@ -25,7 +25,7 @@ public:
     /// What it is given outlives it.
     PanelInvitation(DesktopPresence& presence,
                     DefaultsStore& defaults,
-                    const DesktopSurroundings& desktop,
+                    DesktopSurroundings desktop,
                     Diagnostics& diagnostics,
                     Notices notices);
 
@@ -49,7 +49,7 @@ private:
 
     DesktopPresence& presence_;
     DefaultsStore& defaults_;
-    DesktopSurroundings desktop_;
+    const DesktopSurroundings desktop_;
     Diagnostics& diagnostics_;
     const Notices notices_;
     std::optional<Invitation::Chord> told_; ///< last; nothing before the first time

@@ -275,7 +275,7 @@ private:
     HotkeyOutcome known(const PortalShortcut& shortcut) const {
         const bool isIn = std::ranges::count(inSession_, shortcut.name, &PortalShortcut::name) > 0;
         if (isDeclined(shortcut) && !isIn)
-            return refused(declinedReason);
+            return refused(whyDeclined_);
         if (!triggers_ || !isIn)
             return asked;
         if (!isDeclined(shortcut) && std::ranges::count(inSession_, shortcut) == 0)
@@ -291,22 +291,32 @@ private:
 
     void lost(ShortcutsSession::End end, const std::string& reason) {
         using End = ShortcutsSession::End;
-        if (end == End::declined)
-            return decline();
         const bool wasAnswered = triggers_.has_value();
-        drop();
         // The question may have been too early for a portal that was being started.
-        if (end == End::failed && !wasAnswered && std::exchange(hasComeUp_, false))
+        if (end == End::failed && !wasAnswered && std::exchange(hasComeUp_, false)) {
+            drop();
             return bindAfter(untilReady);
+        }
+        if (end == End::declined)
+            return decline(declinedReason);
+        // One wish too many must not cost the keys that the user has had.
+        if (!wasAnswered && !granted_.empty() && isAnyNew())
+            return decline(reason);
+        drop();
         lose(reason, end);
     }
 
-    /// The user's no is to what the question added: the rest is asked for as before. Where it
-    /// added nothing it is to all.
-    void decline() {
-        const bool isAnyNew = !std::ranges::all_of(
-            inSession_, [this](const PortalShortcut& each) { return isGranted(each); });
-        if (isAnyNew) {
+    /// Whether the question added anything to what was granted.
+    bool isAnyNew() const {
+        return !std::ranges::all_of(inSession_,
+                                    [this](const PortalShortcut& each) { return isGranted(each); });
+    }
+
+    /// A no is to what the question added: the rest is asked for as before. Where it added nothing
+    /// it is to all.
+    void decline(const std::string& why) {
+        whyDeclined_ = why;
+        if (isAnyNew()) {
             std::ranges::copy_if(inSession_,
                                  std::back_inserter(declined_),
                                  [this](const PortalShortcut& each) { return !isGranted(each); });
@@ -324,7 +334,7 @@ private:
         ++losses_;
         askAt_ = queue_.uptime() + untilAsked_;
         settleAll([&](const Wish& wish) {
-            return isDeclined(wish.shortcut) ? refused(declinedReason) : refused(reason);
+            return refused(isDeclined(wish.shortcut) ? whyDeclined_ : reason);
         });
         if (end == ShortcutsSession::End::failed)
             bindAfter(untilAsked_);
@@ -338,6 +348,8 @@ private:
             return;
         drop();
         isIntroduced_ = false;
+        if (whyDeclined_ != declinedReason)
+            declined_.clear();
         if (!after.isEmpty())
             return bindSoon();
         lose("the desktop's portal has gone", ShortcutsSession::End::failed);
@@ -380,6 +392,7 @@ private:
     std::optional<PortalTriggers> triggers_; ///< what it has given; nothing before its answer
     std::map<std::string, Seconds> down_;    ///< when a key that is down was told last
     std::map<std::string, PortalShortcut> granted_; ///< by name: what the user said yes to
+    std::string whyDeclined_ = declinedReason;      ///< or by the portal, until there is another
     std::vector<PortalShortcut> declined_;          ///< by the user: not to be asked again
     std::optional<Seconds> askAt_;  ///< not before; nothing unless the last one was lost
     Seconds untilAsked_ = askAgain; ///< after the next loss

@@ -13,11 +13,11 @@ class MainQueue;
 /// themselves. The desktop asks its user, and may give other keys than those wished for. All that
 /// is asked for within one turn of the event loop, or the first 0.3 seconds, is one question, as a
 /// set of shortcuts can't grow: what is asked for or given back later makes the portal take the
-/// whole set anew. When its user declines that, what was granted before is bound again. A wish that
-/// the desktop could not grant is kept; it is asked again when the portal comes back, and after a
-/// failure a minute later, then at ever longer intervals up to an hour. What the portal refuses is
-/// asked again by a repeated `grab` alone, at the same intervals at most; what its user has
-/// declined only along with a new wish. Main thread only, with Qt's event loop.
+/// whole set anew. When that is declined or fails, what was granted before is bound again. A wish
+/// that the desktop could not grant is kept; it is asked again when the portal comes back, and
+/// after a failure a minute later, then at ever longer intervals up to an hour. What the portal
+/// refuses is asked again by a repeated `grab` alone, at the same intervals at most; what its user
+/// has declined only along with a new wish. Main thread only, with Qt's event loop.
 class PortalHotkeyRegistrar : public HotkeyRegistrar {
 public:
     /// `applicationID` is the name of the program's desktop entry, by which the desktop remembers
