@@ -31,11 +31,11 @@ StandInCompositor::StandInCompositor()
     if (!name || !wake_)
         throw std::runtime_error("no stand-in for a compositor");
     qputenv("WAYLAND_DISPLAY", name);
-    wl_event_loop_add_fd(wl_display_get_event_loop(display_),
-                         wake_.number(),
-                         WL_EVENT_READABLE,
-                         &StandInCompositor::runTasks,
-                         this);
+    wakes_ = wl_event_loop_add_fd(wl_display_get_event_loop(display_),
+                                  wake_.number(),
+                                  WL_EVENT_READABLE,
+                                  &StandInCompositor::runTasks,
+                                  this);
     addSeat();
     thread_ = std::thread([this] { wl_display_run(display_); });
 }
@@ -45,6 +45,7 @@ StandInCompositor::~StandInCompositor() {
     disconnectAll();
     run([this] { wl_display_terminate(display_); });
     thread_.join();
+    wl_event_source_remove(wakes_);
     wl_display_destroy(display_);
 }
 

@@ -13,6 +13,7 @@
 
 struct wl_client;
 struct wl_display;
+struct wl_event_source;
 struct wl_global;
 struct wl_interface;
 struct wl_resource;
@@ -70,6 +71,7 @@ private:
     const QByteArray displayBefore_ = qgetenv("WAYLAND_DISPLAY");
     const FileDescriptor wake_;
     wl_display* display_;
+    wl_event_source* wakes_ = nullptr;
     wl_global* seat_ = nullptr;
     std::vector<std::string> heard_; ///< of its thread
     std::mutex mutex_;               ///< of the tasks
