@@ -44,9 +44,11 @@ constexpr wl_callback_listener doneListener{.done = noteDone};
 } // namespace
 
 bool dispatchWayland(wl_display* display, Clock::time_point end, wl_event_queue* queue) {
+    // Another thread may have read what the caller waits for: nothing else need come after it.
     while (prepareRead(display, queue) != 0) {
         if (dispatchPending(display, queue) < 0)
             return false;
+        end = Clock::now();
     }
     wl_display_flush(display);
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();

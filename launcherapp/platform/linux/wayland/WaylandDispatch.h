@@ -8,9 +8,9 @@ struct wl_event_queue;
 namespace tessarine {
 
 /// Calls the listeners of what has come on a queue, having waited for something until `end` at
-/// most, and sends what was asked for. False once the connection is broken. `queue` is the
-/// connection's own when it is null. The thread that dispatches that queue; others may read the
-/// connection at the same time.
+/// most where nothing had been read yet, and sends what was asked for. False once the connection is
+/// broken. `queue` is the connection's own when it is null. The thread that dispatches that queue;
+/// others may read the connection at the same time.
 bool dispatchWayland(wl_display* display,
                      std::chrono::steady_clock::time_point end,
                      wl_event_queue* queue = nullptr);
