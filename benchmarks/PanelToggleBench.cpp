@@ -60,7 +60,7 @@ bool runUntil(const QtWayland& connection,
 
 bool run(const QString& program) {
     const TestKeyboard keyboard;
-    const QtWayland connection;
+    QtWayland connection;
     const WaylandSeat seat(connection);
     QWidget front;
     front.show();
