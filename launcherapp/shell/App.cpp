@@ -320,6 +320,8 @@ void App::Parts::keepRowsFresh() {
     };
     publications.push_back(clipboard->store.onChange(clipped));
     publications.push_back(clipboard->groups.onChange(clipped));
+    // Any row that copies or pastes says whether it can.
+    publications.push_back(clipboard->board->onAbilityChanged(published));
     publications.push_back(clipboard->images.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(clipboard->fileFacts.onArrival([this] { fresh->pictureArrived(); }));
     publications.push_back(commands->catalog.onChange(published));

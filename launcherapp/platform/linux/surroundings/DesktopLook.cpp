@@ -53,7 +53,7 @@ bool isThere(const std::string& path) {
 }
 
 /// In the order of sway(1).
-void findSwayConfig(const Environment& environment, DesktopSurroundings& found) {
+DesktopSurroundings withSwayConfig(DesktopSurroundings found, const Environment& environment) {
     const std::array paths{environment.home + "/.sway/config",
                            environment.configHome + "/sway/config",
                            environment.home + "/.i3/config",
@@ -61,6 +61,7 @@ void findSwayConfig(const Environment& environment, DesktopSurroundings& found) 
     const auto own = std::ranges::find_if(paths, isThere);
     found.hasSwayConfig = own != paths.end();
     found.swayConfig = Paths::shown(found.hasSwayConfig ? *own : paths[1], environment.home);
+    return found;
 }
 
 bool isOnPath(const Environment& environment, const std::string& program) {
@@ -93,6 +94,21 @@ QDBusMessage answerTo(QDBusPendingCall& call) {
     return call.reply();
 }
 
+DesktopSurroundings withCompositor(DesktopSurroundings found) {
+    const WaylandConnection compositor;
+    // The variable may be left of another session, or the program kept from what it names.
+    if (!compositor.display() && found.hasX11)
+        found.hasWayland = false;
+    if (!compositor.answers())
+        return found;
+    for (const auto& global : compositor.registry().globals())
+        found.globals.insert(global.interface);
+    if (DesktopTable::family(found) == DesktopFamily::kwin)
+        found.hasKWinScripts =
+            KWinScripts::areTaken(KWinScripts::Clock::now() + CompositorIpc::patience);
+    return found;
+}
+
 } // namespace
 
 DesktopSurroundings DesktopLook::display(const Environment& environment) {
@@ -104,22 +120,12 @@ DesktopSurroundings DesktopLook::display(const Environment& environment) {
                               .hasHyprland = HyprlandIpc::runningFolder().has_value(),
                               .lacksGapplication = !isOnPath(environment, "gapplication"),
                               .desktops = environment.desktops};
-    findSwayConfig(environment, found);
-    if (environment.hasX11)
+    found = withSwayConfig(std::move(found), environment);
+    if (found.hasWayland)
+        found = withCompositor(std::move(found));
+    // Beside a compositor it is that one's in any case, and may have to be started first.
+    if (found.hasX11 && !found.hasWayland)
         found.isX11Compositors = isX11Compositors();
-    if (!environment.hasWayland)
-        return found;
-    const WaylandConnection compositor;
-    // The variable may be left of another session, or the program kept from what it names.
-    if (!compositor.display() && environment.hasX11)
-        found.hasWayland = false;
-    if (!compositor.answers())
-        return found;
-    for (const auto& global : compositor.registry().globals())
-        found.globals.insert(global.interface);
-    if (DesktopTable::family(found) == DesktopFamily::kwin)
-        found.hasKWinScripts =
-            KWinScripts::areTaken(KWinScripts::Clock::now() + CompositorIpc::patience);
     return found;
 }
 
