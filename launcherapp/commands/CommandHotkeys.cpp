@@ -100,7 +100,7 @@ void CommandHotkeys::take(const CommandSpec& command) {
     else
         failed_[command.id] = reason(*chord, id);
     // A desktop that chooses the keys may list what it refuses, for its user to give it some.
-    if (isTaken || hotkey->desktopChooses())
+    if (isTaken || hotkey->takesNoStandIns())
         taken_.push_back({.id = id, .command = command.id, .chord = *chord});
     else
         hotkey->remove(id);

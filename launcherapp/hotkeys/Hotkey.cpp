@@ -102,7 +102,7 @@ bool Hotkey::add(const HotkeyBinding& binding,
         actions_[id] = *std::move(action);
     if (take(binding, id))
         return true;
-    if (!desktopChooses())
+    if (!takesNoStandIns())
         bindings_.erase(id); // nobody will give it later
     return false;
 }

@@ -73,8 +73,8 @@ public:
     /// Whether the desktop has yet to say whether `id` gets its chord.
     bool isAsked(std::uint32_t id = HotkeyIDs::panel) const;
 
-    /// Whether the desktop chooses the keys, so that another chord is no way out of a refusal.
-    bool desktopChooses() const { return services_.registrar.choosesKeys(); }
+    /// Whether another chord is no way out of a refusal.
+    bool takesNoStandIns() const { return services_.registrar.takesNoStandIns(); }
 
     /// When the key of the last press handled went down, by the main queue's uptime; nothing
     /// before the first.

@@ -84,7 +84,7 @@ std::optional<std::string> HotkeySetup::rivalInTheWay() const {
     const auto& prefs = services_.prefs;
     if (prefs.hotkey() != commandSpace || prefs.tookHotkeyDeliberately())
         return std::nullopt;
-    if (services_.hotkey.desktopChooses())
+    if (services_.hotkey.takesNoStandIns())
         return std::nullopt; // between launchers too
     const auto running = services_.rivals.running();
     return running.empty() ? std::nullopt : std::optional(running.front());
@@ -98,7 +98,7 @@ std::optional<std::string> HotkeySetup::chordIsLeftTo() const {
 /// and without any key the panel can't be summoned.
 std::vector<HotkeyBinding> HotkeySetup::panelChords(Wanted order) const {
     const auto first = services_.prefs.hotkey();
-    if (services_.hotkey.desktopChooses())
+    if (services_.hotkey.takesNoStandIns())
         return {first};
     std::vector<HotkeyBinding> chords;
     for (const auto& chord : standIns) {

@@ -63,9 +63,9 @@ public:
     /// Set once, before the first chord.
     virtual void setEvents(Events events) = 0;
 
-    /// Whether asking for other keys instead of those that were refused is of no use, as where the
-    /// desktop chooses the keys with its user.
-    virtual bool choosesKeys() const { return false; }
+    /// Whether other keys are of no use in place of those that were refused: the desktop chooses
+    /// them with its user, or gives none.
+    virtual bool takesNoStandIns() const { return false; }
 
     /// Says what the next chord of `id` is for. Displays that know keys alone have no use for it.
     virtual void describe(std::uint32_t /*id*/, const HotkeyPurpose& /*purpose*/) {}

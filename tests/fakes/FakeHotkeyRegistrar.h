@@ -28,7 +28,7 @@ public:
         return isChoosing ? HotkeyOutcome{.kind = HotkeyOutcome::Kind::asked} : HotkeyOutcome{};
     }
 
-    bool choosesKeys() const override { return isChoosing; }
+    bool takesNoStandIns() const override { return isChoosing; }
 
     void describe(std::uint32_t id, const HotkeyPurpose& purpose) override {
         purposes[id] = purpose;

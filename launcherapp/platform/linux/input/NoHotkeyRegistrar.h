@@ -15,8 +15,8 @@ public:
 
     void setEvents(Events) override {}
 
-    /// Nobody does, and other keys would be refused like those of the settings.
-    bool choosesKeys() const override { return true; }
+    /// They would be refused like those of the settings.
+    bool takesNoStandIns() const override { return true; }
 
     HotkeyOutcome grab(std::uint32_t, const HotkeyBinding&) override {
         return {.kind = HotkeyOutcome::Kind::refused, .reason = reason_};

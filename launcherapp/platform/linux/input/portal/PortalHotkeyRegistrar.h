@@ -37,7 +37,7 @@ public:
 
     void setEvents(Events events) override;
 
-    bool choosesKeys() const override { return true; }
+    bool takesNoStandIns() const override { return true; }
 
     void describe(std::uint32_t id, const HotkeyPurpose& purpose) override;
     HotkeyOutcome grab(std::uint32_t id, const HotkeyBinding& binding) override;
