@@ -47,6 +47,28 @@ need_x11_folder() {
     }
 }
 
+# A session bus for compositor and command alike.
+start_bus() {
+    mkfifo "$folder/address"
+    dbus-daemon --session --nofork --print-address=3 3<>"$folder/address" 2>"$folder/bus.log" &
+    bus=$!
+    read -r -t 30 DBUS_SESSION_BUS_ADDRESS <"$folder/address" || {
+        cat "$folder/bus.log" >&2
+        echo "the session bus did not start" >&2
+        exit 1
+    }
+    export DBUS_SESSION_BUS_ADDRESS
+}
+
+# The display for X11 programs, where the compositor has told of one.
+export_x11() {
+    if [ -n "$DISPLAY" ]; then
+        export DISPLAY XAUTHORITY
+    else
+        unset DISPLAY XAUTHORITY
+    fi
+}
+
 # Returns when the compositor has written what it is known by to $sockets/up.
 await_compositor() {
     for _ in $(seq 600); do
