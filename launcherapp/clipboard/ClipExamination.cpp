@@ -52,7 +52,14 @@ void ClipExamination::judge(const std::optional<PasteboardOffer>& offer) {
         return end(Nothing{}); // a newer copy, which the next poll notices
     types_ = offer->types;
     isRemote_ = PasteboardTypes::isRemote(types_);
-    if (auto skip = ClipSkips::beforeReading(types_, change_.circumstances))
+    change_.isTakeOver = ClipTakeOver::isOne(*offer);
+    auto skip = ClipSkips::beforeReading(types_, change_.circumstances);
+    if (!skip)
+        skip = ClipTakeOver::skipped(*offer, change_.before);
+    if (!types_.empty())
+        judged_ = {.count = change_.count,
+                   .skipped = skip ? std::optional(skip->reason) : std::nullopt};
+    if (skip)
         return end(*std::move(skip));
     for (const auto& type : change_.unusable)
         std::erase(types_, type);

@@ -3,6 +3,7 @@
 #include "LauncherCore/clipboard/ClipboardEntry.h"
 #include "launcherapp/clipboard/ClipSkips.h"
 #include "launcherapp/clipboard/ClipSource.h"
+#include "launcherapp/clipboard/ClipTakeOver.h"
 #include "launcherapp/platform/Pasteboard.h"
 
 #include <cstdint>
@@ -34,6 +35,8 @@ public:
         ClipSource front;
         ClipSkips::Circumstances circumstances;
         std::vector<std::string> unusable = {}; ///< types that turned out not to be what they say
+        std::optional<JudgedCopy> before = {};  ///< the last that was judged
+        bool isTakeOver = false; ///< may be an earlier copy once more; known once it is judged
     };
 
     struct Picture {
@@ -54,6 +57,9 @@ public:
     ClipExamination& operator=(const ClipExamination&) = delete;
 
     const Change& change() const { return change_; }
+
+    /// What it is by its types; nothing before they are known, and where none are offered.
+    const std::optional<JudgedCopy>& judged() const { return judged_; }
 
     /// The entry of a copy of this change.
     ClipboardEntry::Copy copy(bool isRemote) const;
@@ -76,6 +82,7 @@ private:
     Change change_;
     std::function<void(Result&&)> ended_;
     std::vector<std::string> types_;
+    std::optional<JudgedCopy> judged_;
     bool isRemote_ = false;
     std::string problem_;                                    ///< of the last read that failed
     std::shared_ptr<char> alive_ = std::make_shared<char>(); ///< what is under way ends with it

@@ -139,7 +139,8 @@ void ClipboardWatcher::poll() {
     examine({.count = count,
              .at = services_.queue.now(),
              .front = std::move(front),
-             .circumstances = std::move(circumstances)});
+             .circumstances = std::move(circumstances),
+             .before = lastJudged_});
 }
 
 void ClipboardWatcher::examine(ClipExamination::Change change) {
@@ -172,16 +173,18 @@ ClipSkips::Circumstances ClipboardWatcher::circumstancesOf(const ClipSource& fro
 }
 
 void ClipboardWatcher::take(ClipExamination::Result&& result) {
-    const auto count = examination_->change().count;
+    if (const auto& judged = examination_->judged())
+        lastJudged_ = judged;
     if (auto* const picture = std::get_if<ClipExamination::Picture>(&result)) {
         takePicture(std::move(*picture));
         examination_.reset();
         return;
     }
+    const auto change = examination_->change();
     examination_.reset();
     if (auto* const entry = std::get_if<ClipboardEntry>(&result)) {
         if (clearings_ == services_.store.clearings())
-            record(std::move(*entry), count);
+            record(std::move(*entry), change);
     } else if (const auto* const skipped = std::get_if<ClipSkip>(&result)) {
         skip(*skipped);
     } else if (const auto& problem = std::get<ClipExamination::Nothing>(result).problem;
@@ -223,7 +226,7 @@ void ClipboardWatcher::takePicture(ClipExamination::Picture picture) {
             copy.text = ClipText(fmt::format("Image {}×{}", kept->width, kept->height));
             copy.imageFile = kept->imageFile;
             copy.fullFile = kept->fullFile;
-            record(ClipboardEntry::make(std::move(copy)), change.count);
+            record(ClipboardEntry::make(std::move(copy)), change);
         });
 }
 
@@ -234,10 +237,14 @@ void ClipboardWatcher::skip(const ClipSkip& skip) {
     changes_.tell();
 }
 
-void ClipboardWatcher::record(ClipboardEntry entry, std::uint64_t count) {
-    if (!lastRecorded_ || lastRecorded_->count < count) // a picture may be slower than a text
-        lastRecorded_ = {.count = count, .id = entry.id};
-    services_.store.record(std::move(entry));
+void ClipboardWatcher::record(ClipboardEntry entry, const ClipExamination::Change& change) {
+    // What somebody keeps of the newest copy is no new one.
+    const bool isNew = !change.isTakeOver || !lastRecorded_ || lastRecorded_->id != entry.id;
+    if (!lastRecorded_ ||
+        lastRecorded_->count < change.count) // a picture may be slower than a text
+        lastRecorded_ = {.count = change.count, .id = entry.id};
+    if (isNew)
+        services_.store.record(std::move(entry));
     restoreIfAbandoned();
 }
 

@@ -115,7 +115,7 @@ private:
     void takePicture(ClipExamination::Picture picture);
     void examineWithout(ClipExamination::Change change, std::uint64_t clearings);
     void skip(const ClipSkip& skip);
-    void record(ClipboardEntry entry, std::uint64_t count);
+    void record(ClipboardEntry entry, const ClipExamination::Change& change);
     void abandoned(std::uint64_t count);
     void restoreIfAbandoned();
     void restore(std::uint64_t count);
@@ -128,6 +128,7 @@ private:
     std::uint64_t clearings_ = 0;                  ///< of the history, when that was noticed
     std::size_t keptBytes_ = 0;                    ///< of pictures that are being written
     std::optional<Recorded> lastRecorded_;
+    std::optional<JudgedCopy> lastJudged_;
     std::optional<std::uint64_t> abandoned_; ///< the last count whose owner ended
     Subscription timer_;
     Subscription pruneTimer_;

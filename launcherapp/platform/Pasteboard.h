@@ -3,6 +3,7 @@
 #include "launcherapp/platform/Ability.h"
 #include "launcherapp/platform/Subscription.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -13,10 +14,21 @@
 
 namespace tessarine {
 
+/// What lay there before, where what lies there now may be the same thing: a program that keeps the
+/// clipboard for others puts there again what a program took along at its end.
+struct PasteboardSuccession {
+    std::uint64_t first = 0; ///< of the changes that brought it
+    std::uint64_t last = 0;
+    std::chrono::milliseconds pause{0}; ///< for which nothing lay there
+    bool isSameOwner = false;           ///< it was not emptied: whoever owned it has taken it anew
+};
+
 /// What is offered on the pasteboard, by the names that the desktop gives its types.
 struct PasteboardOffer {
     std::uint64_t count = 0;        ///< the change that brought it
     std::vector<std::string> types; ///< in the owner's order
+    /// Nothing for what another program's copy or our own was replaced by.
+    std::optional<PasteboardSuccession> succession = {};
 };
 
 /// The content of one type.

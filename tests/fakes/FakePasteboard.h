@@ -46,12 +46,12 @@ public:
         ++offers;
         const bool isSilent = owner_.manner == Owner::Manner::silent;
         const auto delay = isOwn_ ? heardAfter : owner_.answersAfter;
-        time_.schedule(isSilent ? patience : delay,
-                       [this, isSilent, asked = count_, done = std::move(done)] {
-                           if (isSilent || asked != count_)
-                               return done(std::nullopt);
-                           done(PasteboardOffer{.count = count_, .types = types()});
-                       });
+        time_.schedule(
+            isSilent ? patience : delay, [this, isSilent, asked = count_, done = std::move(done)] {
+                if (isSilent || asked != count_)
+                    return done(std::nullopt);
+                done(PasteboardOffer{.count = count_, .types = types(), .succession = succession_});
+            });
     }
 
     void read(std::uint64_t count,
@@ -76,6 +76,8 @@ public:
         written.push_back(std::move(content));
         owner_ = {};
         isOwn_ = true;
+        gone_.reset();
+        succession_.reset();
         return ++count_;
     }
 
@@ -95,6 +97,12 @@ public:
     // What other programs do.
 
     void copy(Items items, Owner owner) {
+        succession_.reset();
+        if (const auto gone = std::exchange(gone_, std::nullopt))
+            succession_ = {.first = gone->first,
+                           .last = gone->first,
+                           .pause = std::chrono::floor<std::chrono::milliseconds>(time_.uptime() -
+                                                                                  gone->second)};
         items_ = std::move(items);
         owner_ = owner;
         isOwn_ = false;
@@ -102,6 +110,12 @@ public:
     }
 
     void copy(Items items) { copy(std::move(items), Owner{}); }
+
+    /// The owner has taken the pasteboard anew.
+    void copyAgain(Items items) {
+        copy(std::move(items));
+        succession_ = {.first = count_ - 1, .last = count_ - 1, .isSameOwner = true};
+    }
 
     void copyText(const std::string& text) { copy({{"UTF8_STRING", text}}); }
 
@@ -111,6 +125,8 @@ public:
             return;
         items_.clear();
         const auto abandoned = count_++;
+        gone_ = {abandoned, time_.uptime()};
+        succession_.reset();
         abandonments_.tell(abandoned);
     }
 
@@ -169,6 +185,8 @@ private:
     Owner owner_;
     bool isOwn_ = true; ///< or nobody's
     std::uint64_t count_ = 1;
+    std::optional<std::pair<std::uint64_t, Seconds>> gone_; ///< what an owner took along, and when
+    std::optional<PasteboardSuccession> succession_;
     Observers<std::uint64_t> abandonments_;
     Observers<> abilities_;
 };

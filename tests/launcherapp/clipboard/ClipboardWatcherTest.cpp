@@ -306,6 +306,128 @@ TEST(ClipboardWatcher, goesOnWhenTheClipboardComesBack) {
     EXPECT_THAT(fixture.texts(), ElementsAre("copied meanwhile"));
 }
 
+// A program that keeps the clipboard for others doesn't know the mark of a secret.
+
+const FakePasteboard::Items kept = {{"text/plain;charset=utf-8", "hunter2"},
+                                    {"UTF8_STRING", "hunter2"}};
+const FakePasteboard::Items secret = {{"UTF8_STRING", "hunter2"}, {secretType, ""}};
+
+TEST(ClipboardWatcher, whatTakesOverFromASecretIsTheSecret) {
+    const struct {
+        const char* reason;
+        std::function<void(Watched&)> happens;
+        std::int64_t skipped;
+    } cases[] = {
+        {"after its end",
+         [](Watched& fixture) {
+             fixture.board.copy(secret);
+             fixture.poll();
+             fixture.board.quitOwner();
+             fixture.time.advance(Seconds{0.9}); // with a look at nothing in between
+             fixture.board.copy(kept);
+         },
+         2},
+        {"before anybody has seen the mark",
+         [](Watched& fixture) {
+             fixture.board.copy(secret);
+             fixture.board.quitOwner();
+             fixture.board.copy(kept);
+         },
+         1},
+        {"one keeper after the other",
+         [](Watched& fixture) {
+             fixture.board.copy(secret);
+             fixture.poll();
+             for (int i = 0; i < 2; ++i) {
+                 fixture.board.quitOwner();
+                 fixture.board.copy(kept);
+                 fixture.poll();
+             }
+         },
+         3},
+        {"by a display that doesn't tell of the end",
+         [](Watched& fixture) {
+             fixture.board.copy(secret);
+             fixture.poll();
+             fixture.board.copyAgain(kept);
+         },
+         2},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        each.happens(fixture);
+        fixture.poll();
+        EXPECT_EQ(fixture.board.totalReads(), 0);
+        EXPECT_EQ(fixture.watcher.skipped(), (Skipped{{Reason::concealed, each.skipped}}));
+        EXPECT_THAT(fixture.services.log(), HasSubstr("clipboard: skipped what took over from a "));
+        fixture.copyText("next");
+        EXPECT_THAT(fixture.texts(), ElementsAre("next"));
+    }
+}
+
+TEST(ClipboardWatcher, whatTakesOverFromAnExcludedCopyIsExcludedToo) {
+    Watched fixture;
+    fixture.services.prefs.clipIgnoredApps.set({"org.example.Editor"});
+    fixture.copyText("hunter2");
+    fixture.front = {};
+    fixture.board.quitOwner();
+    fixture.copyText("hunter2");
+    EXPECT_EQ(fixture.board.totalReads(), 0);
+    EXPECT_EQ(fixture.watcher.skipped(), (Skipped{{Reason::ignoredApp, 2}}));
+}
+
+TEST(ClipboardWatcher, aRealCopyAfterASecretIsRecorded) {
+    const struct {
+        const char* reason;
+        std::function<void(Watched&)> happens;
+    } cases[] = {
+        {"in its place", [](Watched& fixture) { fixture.copyText("real"); }},
+        {"a second after its end",
+         [](Watched& fixture) {
+             fixture.board.quitOwner();
+             fixture.time.advance(Seconds{1});
+             fixture.copyText("real");
+         }},
+        {"by the same program",
+         [](Watched& fixture) {
+             fixture.board.copyAgain(
+                 {{"text/plain;charset=utf-8", "real"}, {"UTF8_STRING", "real"}, {"TEXT", "real"}});
+             fixture.poll();
+         }},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        fixture.board.copy(secret);
+        fixture.poll();
+        each.happens(fixture);
+        EXPECT_THAT(fixture.texts(), ElementsAre("real"));
+    }
+}
+
+TEST(ClipboardWatcher, whatTakesOverFromACopyIsNoNewOne) {
+    Watched fixture;
+    fixture.copyText("older");
+    fixture.copyText("copied");
+    fixture.front.name = "Another";
+    fixture.board.quitOwner();
+    fixture.copyText("copied");
+    ASSERT_THAT(fixture.texts(), ElementsAre("copied", "older"));
+    EXPECT_EQ(fixture.entries()[0].count, 1);
+    EXPECT_EQ(fixture.entries()[0].sourceApp, "Editor");
+    fixture.board.quitOwner();
+    fixture.time.advance(Seconds{0.3});
+    EXPECT_EQ(fixture.board.content("UTF8_STRING"), "copied") << "it outlives the keeper too";
+    fixture.copyText("copied"); // by hand
+    EXPECT_EQ(fixture.entries()[0].count, 2);
+    fixture.board.quitOwner();
+    fixture.copyText("older"); // which a keeper may have had all the time, and a user copied
+    EXPECT_EQ(fixture.entries()[0].count, 2);
+}
+
 // On this desktop what was copied goes with the program that it was copied from.
 
 TEST(ClipboardWatcher, aCopyOutlivesTheProgramItCameFrom) {
@@ -378,8 +500,8 @@ TEST(ClipboardWatcher, puttingBackDoesNotMeetTheSwallowedChange) {
     fixture.copyText("recorded");
     fixture.watcher.writeOwn({.items = {{"UTF8_STRING", std::make_shared<std::string>("own")}}});
     fixture.copyText("swallowed");
-    fixture.board.quitOwner(); // which was never recorded
-    fixture.time.advance(Seconds{0.3});
+    fixture.board.quitOwner();                        // which was never recorded
+    fixture.time.advance(ClipTakeOver::longestPause); // what came sooner might be that one
     EXPECT_THAT(fixture.board.written, SizeIs(1));
     fixture.copyText("real");
     fixture.board.quitOwner();

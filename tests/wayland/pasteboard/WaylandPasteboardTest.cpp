@@ -53,6 +53,7 @@ TEST_F(WaylandPasteboardTest, tellsWhenTheOwnerIsGoneAndNobodyElseCame) {
     // One that was replaced leaves nothing behind, and what is ours is not abandoned.
     owner = std::make_unique<WaylandOwner>(std::vector<std::string>{"a/b"}, givesNothing);
     ASSERT_TRUE(reaches(before + 3));
+    EXPECT_EQ(offered()->succession.value().first, before + 1);
     put({item("a/b", "ours")});
     owner.reset();
     copyElsewhere({QStringLiteral("--clear")}, "");

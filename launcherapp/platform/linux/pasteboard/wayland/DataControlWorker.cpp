@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/pasteboard/wayland/DataControlWorker.h"
 
+#include "launcherapp/platform/linux/pasteboard/OwnerSuccession.h"
 #include "launcherapp/platform/linux/pasteboard/wayland/ClipboardClaim.h"
 #include "launcherapp/platform/linux/pasteboard/wayland/ContentWriters.h"
 #include "launcherapp/platform/linux/pasteboard/wayland/DataControl.h"
@@ -63,6 +64,7 @@ private:
     ContentWriters writers_;
     OfferCalls calls_;
     OfferCalls::Board board_;
+    OwnerSuccession succession_;
     std::optional<ClipboardClaim> claim_; ///< our write on its way to the compositor
     std::optional<ClipboardClaim> owned_; ///< what of ours is there
     bool hasSeat_ = true;                 ///< as the ability has it
@@ -133,6 +135,11 @@ void Worker::take(DataControl::Selected& event) {
     if (!count)
         return;
     board_.count = *count;
+    if (board_.offer)
+        succession_.taken(*count, now_);
+    else if (wasAnothers)
+        succession_.emptied(*count - 1, now_);
+    board_.succession = succession_.current();
     if (wasAnothers && !board_.offer)
         news_.abandoned(*count - 1);
 }
@@ -176,6 +183,7 @@ void Worker::settle() {
         return;
     }
     owned_ = std::exchange(claim_, std::nullopt);
+    succession_.ended();
     board_ = {.count = count, .offer = nullptr, .content = &*owned_};
     mailbox_.arrived(count);
 }

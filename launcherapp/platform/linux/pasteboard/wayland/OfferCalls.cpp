@@ -71,7 +71,8 @@ void OfferCalls::beginWaiting(const Board& board, Time now) {
 void OfferCalls::begin(const PasteboardCall& call, const Board& board, Time now) {
     const auto* const read = std::get_if<ReadRequest>(&call);
     if (!read) {
-        std::optional<PasteboardOffer> offer = PasteboardOffer{.count = board.count};
+        std::optional<PasteboardOffer> offer =
+            PasteboardOffer{.count = board.count, .succession = board.succession};
         if (board.content)
             offer = board.content->offer();
         else if (const auto* types = board.offer ? board.offer->types() : &offer->types)

@@ -28,6 +28,7 @@ public:
         std::uint64_t count = 0;                 ///< the change that brought it; 0 before any
         std::unique_ptr<DataOffer> offer;        ///< null when nothing lies there, or ours
         const ClipboardClaim* content = nullptr; ///< ours; null when it is another's
+        std::optional<PasteboardSuccession> succession = {}; ///< of another program's copy
     };
 
     struct Services {

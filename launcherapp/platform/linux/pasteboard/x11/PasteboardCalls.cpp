@@ -102,12 +102,12 @@ void PasteboardCalls::begin(const Call& call, const Board& board, Time now) {
         question.items = SelectionReading::Items::bytes;
         question.limitBytes = read->limitBytes;
     }
-    current_ = Current{.call = call, .count = board.count};
+    current_ = Current{.call = call, .count = board.count, .succession = board.succession};
     reading_.ask(question, now);
 }
 
 void PasteboardCalls::tell(PasteboardReading reading) {
-    const auto [call, count] = *std::exchange(current_, std::nullopt);
+    const auto [call, count, succession] = *std::exchange(current_, std::nullopt);
     if (const auto* read = std::get_if<ReadRequest>(&call))
         return services_.news.read(read->call, std::move(reading));
     const auto id = std::get<OfferRequest>(call).call;
@@ -117,7 +117,8 @@ void PasteboardCalls::tell(PasteboardReading reading) {
         id,
         PasteboardOffer{
             .count = count,
-            .types = atomNames(services_.display, offeredTypes(reading.bytes, services_.atoms))});
+            .types = atomNames(services_.display, offeredTypes(reading.bytes, services_.atoms)),
+            .succession = succession});
 }
 
 } // namespace tessarine

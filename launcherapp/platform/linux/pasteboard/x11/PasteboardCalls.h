@@ -23,6 +23,7 @@ public:
         std::uint64_t count = 0; ///< the change that brought what lies there
         std::uint32_t owner = 0; ///< none (0) when nothing lies there
         std::uint32_t time = 0;  ///< the display's, of that change
+        std::optional<PasteboardSuccession> succession = {}; ///< of another program's copy
     };
 
     struct Services {
@@ -53,6 +54,7 @@ private:
     struct Current {
         Call call;
         std::uint64_t count = 0; ///< of the change it is about
+        std::optional<PasteboardSuccession> succession;
     };
 
     void endWhatIsOver();

@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/pasteboard/x11/PasteboardWorker.h"
 
 #include "launcherapp/platform/linux/XcbOwned.h"
+#include "launcherapp/platform/linux/pasteboard/OwnerSuccession.h"
 #include "launcherapp/platform/linux/pasteboard/x11/ClipboardOwnership.h"
 #include "launcherapp/platform/linux/pasteboard/x11/PasteboardCalls.h"
 #include "launcherapp/platform/linux/pasteboard/x11/SelectionService.h"
@@ -50,6 +51,7 @@ private:
     bool takeQueuedEvent();
     void take(const xcb_generic_event_t& event);
     void ownerChanged(const xcb_xfixes_selection_notify_event_t& event);
+    void followSuccession(std::uint32_t before);
     void propertyChanged(const xcb_property_notify_event_t& event);
     int millisecondsToSleep() const;
     void sleep() const;
@@ -62,6 +64,7 @@ private:
     SelectionService service_;
     PasteboardCalls calls_;
     PasteboardCalls::Board board_;
+    OwnerSuccession succession_;
     std::uint8_t ownerEvent_ = 0;
     TransferClock::time_point now_;
 };
@@ -157,6 +160,8 @@ void Worker::ownerChanged(const xcb_xfixes_selection_notify_event_t& event) {
             board_.count = *count;
             mailbox_.arrived(*count);
         }
+        succession_.ended();
+        board_.succession.reset();
         return;
     }
     ownership_.lost();
@@ -164,10 +169,24 @@ void Worker::ownerChanged(const xcb_xfixes_selection_notify_event_t& event) {
     if (!count)
         return;
     board_.count = *count;
+    followSuccession(before);
     if (event.subtype != XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER &&
         event.owner == XCB_WINDOW_NONE && before != XCB_WINDOW_NONE &&
         before != ownership_.window())
         news_.abandoned(*count - 1);
+}
+
+/// The board is that of another program's change already.
+void Worker::followSuccession(std::uint32_t before) {
+    if (board_.owner == XCB_WINDOW_NONE) {
+        if (before != XCB_WINDOW_NONE && before != ownership_.window())
+            succession_.emptied(board_.count - 1, now_);
+    } else if (board_.owner == before) {
+        succession_.takenAgain(board_.count);
+    } else {
+        succession_.taken(board_.count, now_);
+    }
+    board_.succession = succession_.current();
 }
 
 void Worker::propertyChanged(const xcb_property_notify_event_t& event) {
