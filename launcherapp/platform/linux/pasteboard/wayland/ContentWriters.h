@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <poll.h>
 #include <string>
 #include <vector>
@@ -13,28 +12,23 @@
 namespace tessarine {
 
 /// Hands what we own to the programs that want it, several at once, each as fast as it takes them.
-/// One that goes away or stops taking costs nothing beyond the limit of silence. One thread, in
-/// which SIGPIPE is blocked.
+/// One that takes nothing for a while is waited for, as it would hold what it has until then for
+/// the whole; it costs a descriptor. One thread, in which SIGPIPE is blocked.
 class ContentWriters {
 public:
     using Time = TransferClock::time_point;
 
-    /// Programs beyond that many at the same time get nothing.
+    /// With more at the same time, the one that has taken nothing for the longest gets no more.
     static constexpr std::size_t most = 32;
-
-    explicit ContentWriters(TransferLimits limits) : limits_(limits) {}
 
     /// `bytes` is not null.
     void add(std::shared_ptr<const std::string> bytes, FileDescriptor into, Time now);
 
-    /// Writes what is taken, without waiting, and gives up on those that take nothing for too long.
+    /// Writes what is taken, without waiting, and lets go of those that have all or are gone.
     void goOn(Time now);
 
     /// What to sleep on.
     std::vector<pollfd> doors() const;
-
-    /// When `goOn` has to be called though nobody takes anything; nothing while nobody wants any.
-    std::optional<Time> deadline() const;
 
 private:
     struct Writer {
@@ -44,9 +38,8 @@ private:
         Time lastSign;
     };
 
-    bool isOver(Writer& writer, Time now) const;
+    static bool isOver(Writer& writer, Time now);
 
-    TransferLimits limits_;
     std::vector<Writer> writers_;
 };
 

@@ -33,7 +33,6 @@ public:
            const PasteboardNews& news,
            std::uint64_t first)
         : display_(display), mailbox_(mailbox), news_(news), first_(first), control_(display),
-          writers_(limits),
           calls_({.control = control_, .mailbox = mailbox, .news = news}, limits) {}
 
     /// Until the mailbox is closed, which is told as false, or the compositor is gone.
@@ -195,12 +194,10 @@ void Worker::sleep(bool isAllSent) const {
     const short display = isAllSent ? POLLIN : POLLIN | POLLOUT;
     doors.push_back({.fd = display_.descriptor(), .events = display, .revents = 0});
     doors.push_back({.fd = mailbox_.wakeDescriptor(), .events = POLLIN, .revents = 0});
-    const auto none = TransferClock::time_point::max();
-    const auto next =
-        std::min(calls_.deadline().value_or(none), writers_.deadline().value_or(none));
     int patience = forever;
-    if (next != none) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - TransferClock::now());
+    if (const auto next = calls_.deadline()) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(*next - TransferClock::now());
         patience = static_cast<int>(std::max<std::int64_t>(left.count(), 0));
     }
     ::poll(doors.data(), doors.size(), patience);
