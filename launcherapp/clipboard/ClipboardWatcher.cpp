@@ -242,7 +242,9 @@ void ClipboardWatcher::record(ClipboardEntry entry, const ClipExamination::Chang
     const bool isNew = !change.isTakeOver || !lastRecorded_ || lastRecorded_->id != entry.id;
     if (!lastRecorded_ ||
         lastRecorded_->count < change.count) // a picture may be slower than a text
-        lastRecorded_ = {.count = change.count, .id = entry.id};
+        lastRecorded_ = {.count = change.count,
+                         .id = entry.id,
+                         .source = change.isTakeOver ? ClipSource() : change.front};
     if (isNew)
         services_.store.record(std::move(entry));
     restoreIfAbandoned();
@@ -279,7 +281,8 @@ void ClipboardWatcher::abandoned(std::uint64_t count) {
 void ClipboardWatcher::restoreIfAbandoned() {
     if (!isWatching() || !lastRecorded_ || abandoned_ != lastRecorded_->count)
         return;
-    services_.queue.postAfter(restorePause, [this, run = std::weak_ptr(run_), count = *abandoned_] {
+    const auto pause = services_.board.tellsEndFromEmptying() ? restorePause : endingPause;
+    services_.queue.postAfter(pause, [this, run = std::weak_ptr(run_), count = *abandoned_] {
         if (!run.expired())
             restore(count);
     });
@@ -291,6 +294,11 @@ void ClipboardWatcher::restore(std::uint64_t count) {
                                   : nullptr;
     if (!entry || services_.board.changeCount() != emptied(count))
         return;
+    // A password that its program takes off the clipboard again must not come back.
+    if (!services_.board.tellsEndFromEmptying() && !services_.hasEnded(lastRecorded_->source))
+        return services_.diagnostics.log(
+            "clipboard: what was copied last was taken off the pasteboard, and the program that "
+            "was in front at the copy has not ended or is not known; it stays empty");
     ClipContents::make(
         *entry,
         services_.work,
@@ -300,7 +308,6 @@ void ClipboardWatcher::restore(std::uint64_t count) {
                 return;
             // The one change that this makes is known, so the next that differs is a real one.
             lastCount_ = services_.board.write(*std::move(content));
-            // Whether that program has ended or only let go, not every desktop tells.
             services_.diagnostics.log("clipboard: what was copied last was gone from the "
                                       "pasteboard; it is there again");
         });

@@ -37,6 +37,9 @@ public:
     /// Before what an application took along at its end is put back: a program that saves the
     /// pasteboard for others may do it first.
     static constexpr Seconds restorePause{0.1};
+    /// The same where only the end of the application tells that it was no emptying on purpose: it
+    /// leaves the display a little before it ends.
+    static constexpr Seconds endingPause{0.5};
     /// Before what was written is given up: somebody waits for it to be pasted.
     static constexpr Seconds longestWrite{1};
     /// Of pictures that are being written; while there are more, no other copy is looked at.
@@ -52,6 +55,8 @@ public:
         ClipGroupsRuntime& groups;
         std::shared_ptr<const ClipPictures> pictures;
         std::function<ClipSource()> front;
+        /// Whether the application that was in front has ended since; false when it isn't known.
+        std::function<bool(const ClipSource& source)> hasEnded;
         /// Whether copies of this application are the companion's own and are to be left out; empty
         /// where no companion is installed.
         std::function<bool(const std::string& bundleID)> shouldSkipQuillet;
@@ -101,6 +106,7 @@ private:
     struct Recorded {
         std::uint64_t count = 0; ///< of the change that brought it
         std::string id;
+        ClipSource source; ///< in front at that; unknown for what a keeper of copies put there
     };
 
     void begin();

@@ -49,7 +49,22 @@ FrontApp::source(const WindowList& windows, const RunningApps& running, const Ap
     const auto registry = catalog.registry();
     const auto* app = appOf(*active, running, *registry);
     return {.bundleID = app ? std::optional(app->bundleID) : std::nullopt,
-            .name = nameOf(*active, app)};
+            .name = nameOf(*active, app),
+            .window = active};
+}
+
+bool FrontApp::hasEnded(const ClipSource& source, const WindowList& windows) {
+    if (!source.window || !windows.ability().available)
+        return false;
+    const auto& window = *source.window;
+    if (window.processID != 0 && !window.executable.empty())
+        return !windows.stillRuns(window);
+    const auto isItsOwn = [&](const AppWindow& each) {
+        return each.id == window.id ||
+               (!window.applicationID.empty() && each.applicationID == window.applicationID) ||
+               (!window.className.empty() && each.className == window.className);
+    };
+    return std::ranges::none_of(windows.windows(), isItsOwn);
 }
 
 ClipboardPaster::Target

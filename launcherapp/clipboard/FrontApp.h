@@ -15,6 +15,10 @@ namespace FrontApp {
 
 ClipSource source(const WindowList& windows, const RunningApps& running, const AppCatalog& catalog);
 
+/// Whether the application has ended since, with all that it ran: by its process where the desktop
+/// tells that, else by its windows. False for one that isn't known.
+bool hasEnded(const ClipSource& source, const WindowList& windows);
+
 ClipboardPaster::Target
 target(const AppWindow& window, const RunningApps& running, const AppCatalog& catalog);
 

@@ -85,9 +85,13 @@ public:
 
     /// Calls `gone` when the program that owned the content of that count has ended, which emptied
     /// the pasteboard, and nobody has put anything else there: the count of now is the next one. A
-    /// program that empties it on purpose abandons nothing where the desktop tells the one from the
-    /// other; Wayland doesn't, and both are told there.
+    /// program that empties it on purpose abandons nothing where `tellsEndFromEmptying`; elsewhere
+    /// both are told.
     virtual Subscription onAbandoned(std::function<void(std::uint64_t count)> gone) = 0;
+
+    /// Whether the end of an owner is known from its emptying the pasteboard on purpose. Wayland
+    /// doesn't tell the one from the other.
+    virtual bool tellsEndFromEmptying() const { return true; }
 
     /// Calls `changed`, later, after the ability went or came.
     virtual Subscription onAbilityChanged(std::function<void()> changed) = 0;

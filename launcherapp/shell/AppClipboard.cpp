@@ -90,6 +90,10 @@ AppClipboard::AppClipboard(AppServices& made, Board wanted)
                    [&made] {
                        return FrontApp::source(*made.doors.windows, made.running, made.catalog);
                    },
+               .hasEnded =
+                   [&made](const ClipSource& source) {
+                       return FrontApp::hasEnded(source, *made.doors.windows);
+                   },
                .shouldSkipQuillet = {}}),
       paster({.queue = made.doors.queue,
               .work = made.doors.work,

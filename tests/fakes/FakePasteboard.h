@@ -85,6 +85,8 @@ public:
         return abandonments_.add(std::move(gone));
     }
 
+    bool tellsEndFromEmptying() const override { return tellsEnd; }
+
     Subscription onAbilityChanged(std::function<void()> changed) override {
         return abilities_.add(std::move(changed));
     }
@@ -147,6 +149,7 @@ public:
     }
 
     Ability supported;
+    bool tellsEnd = true;
     Seconds heardAfter{0};                     ///< when our own writes are offered
     int offers = 0;                            ///< how often the types were asked for
     std::map<std::string, int> reads;          ///< how often each type's content was

@@ -131,14 +131,28 @@ TEST_F(WaylandDesktopTest, returnPastesIntoARealTerminalTwiceInARow) {
 }
 
 TEST_F(WaylandDesktopTest, aCopyOutlivesTheProgramThatMadeIt) {
+    openField();
     start(invitation);
     ASSERT_TRUE(becomes(1, "recording is on"));
-    copy("kept alive");
+    keyboard.type("kept alive");
+    keyboard.press({KEY_LEFTCTRL, KEY_A});
+    keyboard.press({KEY_LEFTCTRL, KEY_C});
     ASSERT_TRUE(keeps({"kept alive"}));
     endOthers();
     EXPECT_TRUE(waitUntil(patience, [&] { return pasted() == "kept alive"; }));
     copy("newer");
     EXPECT_TRUE(keeps({"newer", "kept alive"})) << "putting it back hides no copy that follows";
+}
+
+TEST_F(WaylandDesktopTest, whatIsClearedOnPurposeStaysSo) {
+    openTerminal();
+    start(invitation);
+    ASSERT_TRUE(becomes(1, "recording is on"));
+    copy("hunter2");
+    ASSERT_TRUE(keeps({"hunter2"}));
+    run("wl-copy --clear");
+    EXPECT_TRUE(becomes(1, "it stays empty"));
+    EXPECT_EQ(pasted(), "");
 }
 
 TEST_F(WaylandDesktopTest, aCompositorThatStandsStillIsWaitedFor) {

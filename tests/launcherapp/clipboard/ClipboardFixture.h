@@ -51,6 +51,7 @@ struct ClipboardFixture {
                                    history,
                                    StateFile::Failures::silent)};
     ClipSource front{.bundleID = "org.example.Editor", .name = "Editor"};
+    bool hasFrontEnded = false;
     ClipboardWatcher watcher{
         {.queue = services.platform.queue,
          .work = services.platform.work,
@@ -61,6 +62,7 @@ struct ClipboardFixture {
          .groups = runtime,
          .pictures = pictures,
          .front = [this] { return front; },
+         .hasEnded = [this](const ClipSource& source) { return source.name && hasFrontEnded; },
          .shouldSkipQuillet = [](const std::string& id) { return id == "quillet"; }}};
 
     void start() {

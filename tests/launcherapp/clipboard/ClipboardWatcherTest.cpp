@@ -446,6 +446,38 @@ TEST(ClipboardWatcher, aCopyOutlivesTheProgramItCameFrom) {
     EXPECT_EQ(fixture.board.content("image/png"), ClipboardFixture::png(9));
 }
 
+TEST(ClipboardWatcher, whatMayHaveBeenClearedOnPurposeStaysSo) {
+    const struct {
+        const char* reason;
+        bool tellsEnd; ///< the desktop
+        bool hasEnded; ///< the application that was in front
+        std::optional<std::string> front;
+        bool isPutBack;
+    } cases[] = {
+        {"the application has ended", false, true, "Editor", true},
+        {"it goes on", false, false, "Editor", false},
+        {"nobody knows which it was", false, true, std::nullopt, false},
+        {"the desktop knows better", true, false, "Editor", true},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        Watched fixture;
+        fixture.board.tellsEnd = each.tellsEnd;
+        fixture.front.name = each.front;
+        fixture.copyText("hunter2");
+        fixture.front.name = "Another";
+        fixture.board.quitOwner();
+        fixture.time.advance(Seconds{0.3});
+        fixture.hasFrontEnded = each.hasEnded; // a little later
+        fixture.time.advance(Seconds{0.7});
+        EXPECT_EQ(fixture.board.content("UTF8_STRING"),
+                  each.isPutBack ? std::optional("hunter2") : std::nullopt);
+        EXPECT_THAT(fixture.services.log(),
+                    HasSubstr(each.isPutBack ? "it is there again" : "it stays empty"));
+    }
+}
+
 TEST(ClipboardWatcher, onlyWhatIsInTheHistoryIsPutBack) {
     const struct {
         const char* reason;

@@ -47,5 +47,37 @@ TEST(FrontApp, isKnownByItsEntryElseByItsWindow) {
     EXPECT_EQ(FrontApp::source(windows, services.running, services.catalog).name, std::nullopt);
 }
 
+TEST(FrontApp, hasEndedWhenNothingOfItIsLeft) {
+    const AppWindow told{.id = 1, .className = "app", .processID = 7, .executable = "/bin/app"};
+    const AppWindow untold{.id = 1, .className = "app"};
+
+    const struct {
+        const char* reason;
+        std::optional<AppWindow> source;
+        std::vector<AppWindow> open;
+        bool runs;
+        bool hasEnded;
+    } cases[] = {
+        {"unknown", std::nullopt, {}, false, false},
+        {"runs on without a window", told, {}, true, false},
+        {"another process has the same class", told, {{.id = 2, .className = "app"}}, false, true},
+        {"no process is told, a window is left",
+         untold,
+         {{.id = 2, .className = "app"}},
+         false,
+         false},
+        {"none is left", untold, {{.id = 2, .className = "other"}}, false, true},
+    };
+
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason);
+        FakeWindowList windows;
+        windows.open = each.open;
+        if (each.runs)
+            windows.programs.insert(7);
+        EXPECT_EQ(FrontApp::hasEnded({.window = each.source}, windows), each.hasEnded);
+    }
+}
+
 } // namespace
 } // namespace tessarine

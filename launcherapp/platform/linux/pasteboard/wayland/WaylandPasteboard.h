@@ -15,9 +15,8 @@ namespace tessarine {
 /// the count 1.
 ///
 /// The compositor tells in one and the same way of an owner that has ended and of one that empties
-/// the clipboard on purpose. Both count as abandoned here: a copy that is put back though somebody
-/// emptied the clipboard can be emptied again, one that is gone with its program cannot be had
-/// back. A secret is not at stake, as it is never kept to be put back.
+/// the clipboard on purpose. Both count as abandoned here, and it is said that they can't be told
+/// apart.
 ///
 /// The ability goes with the compositor, or when the connection breaks, until a new connection is
 /// answered, which is tried after a second and then ever more rarely; and with the seat, until
@@ -33,6 +32,8 @@ public:
     /// (WaylandConnection's patience); what was asked for is not called any more, and what we own
     /// goes with us.
     ~WaylandPasteboard() override;
+
+    bool tellsEndFromEmptying() const override { return false; }
 
 private:
     /// The thread's alone once it runs; never null.
