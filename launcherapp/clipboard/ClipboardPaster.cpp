@@ -114,7 +114,10 @@ void ClipboardPaster::put(const ClipboardEntry& entry, std::function<void(std::u
                                return; // what was asked for since is what is wanted
                            if (!content)
                                return pictureUnavailable(isTooLarge, needsFetch);
-                           then(services_.watcher.writeOwn(*std::move(content)));
+                           if (const auto count = services_.watcher.writeOwn(*std::move(content)))
+                               return then(*count);
+                           services_.diagnostics.log("clipboard: nothing was copied, " +
+                                                     services_.watcher.pasteboard().reason);
                        });
 }
 

@@ -250,11 +250,15 @@ void ClipboardWatcher::record(ClipboardEntry entry, const ClipExamination::Chang
     restoreIfAbandoned();
 }
 
-std::uint64_t ClipboardWatcher::writeOwn(PasteboardContent content) {
+std::optional<std::uint64_t> ClipboardWatcher::writeOwn(PasteboardContent content) {
     requireMainThread(services_.queue);
+    const auto before = services_.board.changeCount();
+    const auto count = services_.board.write(std::move(content));
+    if (count == before)
+        return std::nullopt;
     ignoreNextChange_ = true;
-    lastCount_ = services_.board.write(std::move(content));
-    return lastCount_;
+    lastCount_ = count;
+    return count;
 }
 
 void ClipboardWatcher::whenOffered(std::uint64_t count, std::function<void(bool)> done) {
@@ -299,15 +303,20 @@ void ClipboardWatcher::restore(std::uint64_t count) {
         return services_.diagnostics.log(
             "clipboard: what was copied last was taken off the pasteboard, and the program that "
             "was in front at the copy has not ended or is not known; it stays empty");
+    auto whole = *entry;
+    whole.imageFile.reset(); // a thumbnail in place of a picture would be another one
     ClipContents::make(
-        *entry,
+        whole,
         services_.work,
         services_.pictures,
         [this, run = std::weak_ptr(run_), count](std::optional<PasteboardContent> content) {
             if (run.expired() || !content || services_.board.changeCount() != emptied(count))
                 return;
             // The one change that this makes is known, so the next that differs is a real one.
-            lastCount_ = services_.board.write(*std::move(content));
+            const auto written = services_.board.write(*std::move(content));
+            if (written == emptied(count))
+                return; // it can't be put there any more
+            lastCount_ = written;
             services_.diagnostics.log("clipboard: what was copied last was gone from the "
                                       "pasteboard; it is there again");
         });

@@ -86,8 +86,9 @@ public:
     Ability pasteboard() const { return services_.board.ability(); }
 
     /// Puts this on the pasteboard as the program's own: it isn't recorded, nor is the next change,
-    /// as programs copy back what they were given. Gives the count of the change.
-    std::uint64_t writeOwn(PasteboardContent content);
+    /// as programs copy back what they were given. Gives the count of the change; nothing where
+    /// nothing can be put there.
+    std::optional<std::uint64_t> writeOwn(PasteboardContent content);
 
     /// Calls `done` once, later, with whether other programs get what was written with that count:
     /// not when the pasteboard takes longer than `longestWrite`, or holds something else by then.

@@ -233,6 +233,16 @@ TEST(ClipboardWatcher, itsOwnWriteIsNotRecordedNorTheNextChange) {
     EXPECT_THAT(fixture.texts(), ElementsAre("real"));
 }
 
+TEST(ClipboardWatcher, aWriteThatCannotBeMadeHidesNoCopy) {
+    Watched fixture;
+    fixture.board.setAbility(Ability::missing("the display is gone"));
+    EXPECT_FALSE(fixture.watcher.writeOwn(
+        {.items = {{"UTF8_STRING", std::make_shared<std::string>("own")}}}));
+    fixture.board.setAbility({});
+    fixture.copyText("real");
+    EXPECT_THAT(fixture.texts(), ElementsAre("real"));
+}
+
 TEST(ClipboardWatcher, whatWasClearedDoesNotComeBack) {
     for (const bool isPicture : {false, true}) {
         SCOPED_TRACE(isPicture);
@@ -444,6 +454,12 @@ TEST(ClipboardWatcher, aCopyOutlivesTheProgramItCameFrom) {
     fixture.board.quitOwner();
     fixture.time.advance(Seconds{0.2});
     EXPECT_EQ(fixture.board.content("image/png"), ClipboardFixture::png(9));
+    fixture.copyPicture(11);
+    fixture.files.remove(std::string(ClipboardFixture::pictureFolder) + "/" +
+                         fixture.entries()[0].fullFile.value());
+    fixture.board.quitOwner();
+    fixture.time.advance(Seconds{0.2});
+    EXPECT_EQ(fixture.board.content("image/png"), std::nullopt) << "a thumbnail is another one";
 }
 
 TEST(ClipboardWatcher, whatMayHaveBeenClearedOnPurposeStaysSo) {

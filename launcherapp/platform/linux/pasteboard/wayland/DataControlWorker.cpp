@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/pasteboard/wayland/DataControlWorker.h"
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/pasteboard/OwnerSuccession.h"
 #include "launcherapp/platform/linux/pasteboard/wayland/ClipboardClaim.h"
 #include "launcherapp/platform/linux/pasteboard/wayland/ContentWriters.h"
@@ -67,6 +68,7 @@ private:
     std::optional<ClipboardClaim> claim_; ///< our write on its way to the compositor
     std::optional<ClipboardClaim> owned_; ///< what of ours is there
     bool hasSeat_ = true;                 ///< as the ability has it
+    bool hadSeat_ = false;                ///< ever
     std::uint64_t beginning_ = 0;         ///< the question whose answer ends what was there before
     TransferClock::time_point now_;
 };
@@ -103,9 +105,13 @@ void Worker::claim(WriteRequest request) {
 
 void Worker::lookForSeat() {
     const bool hasSeat = control_.hasSeat();
+    // What lies there at the first look has been there before.
+    const bool isFirst = hasSeat && !std::exchange(hadSeat_, true);
     if (std::exchange(hasSeat_, hasSeat) == hasSeat)
         return;
     if (hasSeat) {
+        if (isFirst)
+            beginning_ = control_.confirm();
         mailbox_.regain();
         return news_.abilityChanged();
     }
@@ -116,7 +122,7 @@ void Worker::lookForSeat() {
     if (claim_) {
         claim_->isCancelled = true;
         settle();
-    } else if (const auto count = mailbox_.othersChange()) {
+    } else if (const auto count = hadSeat_ ? mailbox_.othersChange() : std::nullopt) {
         board_.count = *count;
     }
     news_.abilityChanged();
@@ -224,6 +230,7 @@ void runDataControlWorker(std::unique_ptr<WaylandConnection>& display,
                           TransferLimits limits,
                           const PasteboardNews& news) {
     auto first = PasteboardMailbox::firstCount;
+    bool hasWorked = false;
     auto pause = std::chrono::duration_cast<TransferClock::duration>(firstReconnection);
     while (true) {
         if (display->answers()) {
@@ -232,16 +239,23 @@ void runDataControlWorker(std::unique_ptr<WaylandConnection>& display,
             if (!workWhileThere(*display, mailbox, limits, news, first))
                 return;
             pause = firstReconnection;
+            hasWorked = true;
         }
         const auto again = TransferClock::now() + pause;
         if (!refuseRequests(mailbox, news, mailbox.ability().reason, again))
             return;
         pause = std::min<TransferClock::duration>(pause * 2, longestReconnection);
         display = std::make_unique<WaylandConnection>();
-        if (!display->answers() || !DataControl::isOffered(display->registry()))
+        if (!display->answers())
             continue;
-        // What lies there now may be another thing.
-        first = mailbox.othersChange().value_or(mailbox.count());
+        if (!DataControl::isOffered(display->registry())) {
+            mailbox.lose(std::string(DesktopTable::hiddenClipboard));
+            news.abilityChanged();
+            break;
+        }
+        // What lies there now may be another thing, unless this is the first look.
+        if (hasWorked)
+            first = mailbox.othersChange().value_or(mailbox.count());
         mailbox.regain();
         news.abilityChanged();
     }
