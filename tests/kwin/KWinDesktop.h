@@ -4,6 +4,7 @@
 
 #include <QProcess>
 #include <QStringList>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>

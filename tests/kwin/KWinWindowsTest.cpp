@@ -8,12 +8,17 @@
 
 #include <gmock/gmock.h>
 
+#include <QElapsedTimer>
+#include <QProcess>
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 
 namespace tessarine {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -21,11 +26,14 @@ using testing::SizeIs;
 
 constexpr Rectangle wholeScreen{0, 0, 1280, 800};
 
+std::string scriptFolder() {
+    return qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString() + "/tessarine/kwin";
+}
+
 /// The files of the scripts that this program has in KWin.
 std::vector<std::string> scripts() {
     std::vector<std::string> names;
-    const auto folder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString() + "/tessarine/kwin";
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
+    for (const auto& entry : std::filesystem::directory_iterator(scriptFolder()))
         names.push_back(entry.path().stem());
     return names;
 }
@@ -201,19 +209,57 @@ TEST_F(KWinWindowsTest, nothingStaysInKWin) {
     const auto running = scripts();
     ASSERT_THAT(running, SizeIs(1)) << "the one that tells changes";
     EXPECT_TRUE(isLoaded(running.front()));
-    // Of a program that was killed; and one of somebody who lives.
-    const auto folder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString() + "/tessarine/kwin/";
-    const std::string left = "tessarine:1.65000-1";
+    // Of a program that was killed; one of somebody who lives; and one on another bus.
+    const auto folder = scriptFolder() + "/";
+    const auto left = running.front().substr(0, running.front().find(':')) + ":1.65000-1";
+    const std::string other = "tessarine-00000000000000000000000000000000:1.65000-1";
+    std::ofstream(folder + other + ".js") << "1;";
     std::ofstream(folder + left + ".js") << "workspace.clientAdded.connect(function () {});";
     runInKWin(left, folder + left + ".js");
     ASSERT_TRUE(isLoaded(left));
     const auto next = waylandWindowDoors("");
-    EXPECT_TRUE(spinUntil([&] { return scripts().size() == 2; })) << "that of each list";
+    EXPECT_TRUE(spinUntil([&] { return scripts().size() == 3; })) << "that of each list";
+    EXPECT_THAT(scripts(), Contains(other));
+    std::filesystem::remove(folder + other + ".js");
     EXPECT_FALSE(isLoaded(left));
     EXPECT_TRUE(isLoaded(running.front()));
     doors = {};
     EXPECT_FALSE(isLoaded(running.front()));
     EXPECT_THAT(scripts(), SizeIs(1));
+}
+
+TEST_F(KWinWindowsTest, aFileUnderANameThatIsGivenLaterStopsNothing) {
+    const auto running = scripts().front();
+    const auto begin = running.find('.') + 1;
+    const auto last = std::stoi(running.substr(begin, running.rfind('-') - begin));
+    constexpr int soon = 40; // connections until the next list and control have theirs, and more
+    for (int number = last + 2; number < last + soon; ++number) { // the next one is the control's
+        for (const auto* script : {"-1", "-2"})
+            std::ofstream(scriptFolder() + "/" + running.substr(0, begin) + std::to_string(number) +
+                          script + ".js")
+                << "1;";
+    }
+    const auto next = waylandWindowDoors("");
+    ASSERT_TRUE(next);
+    EXPECT_THAT(next->control->screens(), SizeIs(1));
+    const auto window = open("org.example.first");
+    EXPECT_TRUE(spinUntil([&] { return next->list->windows().size() == 1; }));
+    EXPECT_EQ(next->list->ability(), Ability{});
+    EXPECT_TRUE(spinUntil([] { return scripts().size() == 2; })) << "the rest is cleared away";
+}
+
+TEST_F(KWinWindowsTest, whereNoScriptCanBeWrittenThatIsSaidAtOnce) {
+    const auto window = open("org.example.first");
+    const auto away = scriptFolder() + "-away";
+    std::filesystem::rename(scriptFolder(), away);
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_FALSE(doors.control->frame(window.id));
+    EXPECT_THAT(doors.control->ability().reason, HasSubstr("can't be written"));
+    EXPECT_LT(clock.elapsed(), CompositorIpc::patience.count());
+    std::filesystem::rename(away, scriptFolder());
+    EXPECT_TRUE(doors.control->frame(window.id));
+    EXPECT_EQ(doors.control->ability(), Ability{});
 }
 
 // KWin 5 numbers a script by how many there are, and one that went left its number to the next.

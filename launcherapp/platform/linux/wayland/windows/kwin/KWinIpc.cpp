@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <QSocketNotifier>
+#include <stdexcept>
 #include <utility>
 
 namespace tessarine {
@@ -94,7 +95,14 @@ void KWinIpc::start() {
     auto orders = std::exchange(orders_->list, Json::array());
     isSceneWanted_ = false;
     ++started_;
-    running_ = scripts_->start({.orders = orders.dump()}, [this](Json* message) { note(message); });
+    try {
+        running_ =
+            scripts_->start({.orders = orders.dump()}, [this](Json* message) { note(message); });
+    } catch (const std::runtime_error& failure) {
+        problem_ = failure.what();
+        answer_.reset();
+        ++answered_;
+    }
 }
 
 void KWinIpc::note(Json* message) {

@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinScripts.h"
 
+#include "LauncherCore/text/Folding.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinProgram.h"
@@ -8,8 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include <QTimer>
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -30,11 +35,11 @@ constexpr std::string_view suffix = ".js";
 
 const BusPlace theBus{.owner = "org.freedesktop.DBus", .path = "/org/freedesktop/DBus"};
 
-BusCall busCall(const char* method, std::string argument) {
+BusCall busCall(const char* method, std::vector<BusCall::Argument> arguments = {}) {
     return {.place = theBus,
             .interface = "org.freedesktop.DBus",
             .method = method,
-            .arguments = {std::move(argument)}};
+            .arguments = std::move(arguments)};
 }
 
 BusCall
@@ -63,40 +68,57 @@ void remove(const std::string& path) {
     fs::remove(path, ignored);
 }
 
-/// The one of this user's session; nothing where there is none or it can't be made.
-std::optional<std::string> scriptFolder() {
-    const auto runtime = qgetenv("XDG_RUNTIME_DIR").toStdString();
-    if (runtime.empty())
+/// That of this user's session; nothing where there is none, or its name can't be told on a bus.
+std::optional<std::string> runtimeFolder() {
+    auto folder = qgetenv("XDG_RUNTIME_DIR").toStdString();
+    std::error_code error;
+    if (!Folding::isUtf8(folder) || !fs::is_directory(folder, error))
         return std::nullopt;
-    const auto own = runtime + "/tessarine";
-    const auto folder = own + "/kwin";
+    return folder;
+}
+
+/// Not a folder of this run: what lies there tells the next run what is still loaded. Where it
+/// can't be made the first script says so.
+std::string madeScriptFolder(const std::string& runtimeFolder) {
+    const auto own = runtimeFolder + "/tessarine";
+    auto folder = own + "/kwin";
     for (const auto& each : {own, folder})
         ::mkdir(each.c_str(), S_IRWXU);
-    std::error_code error;
-    return fs::is_directory(folder, error) ? std::optional(folder) : std::nullopt;
+    return folder;
 }
 
 /// KWin on a connection to the bus; nothing where it isn't or takes no scripts.
 struct Found {
     std::unique_ptr<PrivateBus> bus;
+    std::string busId; ///< another one for each run of a bus
     std::string owner;
-    std::string folder;
+    std::string runtimeFolder;
 };
 
 std::optional<Found> find(PrivateBus::Clock::time_point deadline) {
     const auto address = sessionBusAddress();
-    auto folder = scriptFolder();
+    auto folder = runtimeFolder();
     auto bus = address && folder ? PrivateBus::connect(*address, deadline) : nullptr;
     if (!bus)
         return std::nullopt;
-    auto owner = bus->call(busCall("GetNameOwner", kwin), deadline).text();
-    if (!owner)
+    const std::array calls{busCall("GetId"), busCall("GetNameOwner", {std::string(kwin)})};
+    const auto told = bus->call(calls, deadline);
+    auto busId = told[0].text();
+    auto owner = told[1].text();
+    if (!busId || !owner)
         return std::nullopt;
     const auto answer =
         bus->call(scriptingCall(*owner, "isScriptLoaded", {std::string("none")}), deadline);
     if (answer.came() && !answer.succeeded())
         return std::nullopt;
-    return Found{.bus = std::move(bus), .owner = *std::move(owner), .folder = *std::move(folder)};
+    return Found{.bus = std::move(bus),
+                 .busId = *std::move(busId),
+                 .owner = *std::move(owner),
+                 .runtimeFolder = *std::move(folder)};
+}
+
+std::string beginningOnBus(std::string_view busId) {
+    return fmt::format("tessarine-{}", busId);
 }
 
 } // namespace
@@ -109,19 +131,25 @@ std::unique_ptr<KWinScripts> KWinScripts::connect(Clock::time_point deadline) {
     auto found = find(deadline);
     if (!found)
         return nullptr;
-    return std::unique_ptr<KWinScripts>(
-        new KWinScripts(std::move(found->bus), std::move(found->owner), std::move(found->folder)));
+    return std::unique_ptr<KWinScripts>(new KWinScripts(std::move(found->bus),
+                                                        beginningOnBus(found->busId),
+                                                        std::move(found->owner),
+                                                        madeScriptFolder(found->runtimeFolder)));
 }
 
-KWinScripts::KWinScripts(std::unique_ptr<PrivateBus> bus, std::string owner, std::string folder)
-    : bus_(std::move(bus)), owner_(std::move(owner)), folder_(std::move(folder)) {
+KWinScripts::KWinScripts(std::unique_ptr<PrivateBus> bus,
+                         std::string beginning,
+                         std::string owner,
+                         std::string folder)
+    : bus_(std::move(bus)), beginning_(std::move(beginning)), owner_(std::move(owner)),
+      folder_(std::move(folder)) {
     bus_->listen([this](const BusNews& news) { hear(news); });
     bus_->send(busCall("AddMatch",
-                       fmt::format("type='signal',sender='org.freedesktop.DBus',"
-                                   "member='NameOwnerChanged',arg0='{}'",
-                                   owner_)));
+                       {fmt::format("type='signal',sender='org.freedesktop.DBus',"
+                                    "member='NameOwnerChanged',arg0='{}'",
+                                    owner_)}));
     // It may have left before that was heard.
-    bus_->send(busCall("NameHasOwner", owner_),
+    bus_->send(busCall("NameHasOwner", {owner_}),
                [this](const BusReply& reply) { isLost_ = isLost_ || reply.number() == 0; });
     unloadLeftovers();
 }
@@ -137,7 +165,7 @@ BusCall KWinScripts::call(const char* method, std::vector<BusCall::Argument> arg
 
 /// Who has loaded it stands in it.
 std::string KWinScripts::name(std::uint64_t script) const {
-    return fmt::format("tessarine{}-{}", bus_->name(), script);
+    return fmt::format("{}{}-{}", beginning_, bus_->name(), script);
 }
 
 std::string KWinScripts::file(const std::string& name) const {
@@ -147,15 +175,16 @@ std::string KWinScripts::file(const std::string& name) const {
 std::uint64_t KWinScripts::start(Task task, Told told) {
     const auto number = ++last_;
     const auto ownName = name(number);
-    scripts_.emplace(number, Script{.told = std::move(told)});
     const auto text = KWinProgram::text({.listener = bus_->name(),
                                          .script = ownName,
                                          .orders = std::move(task.orders),
                                          .follows = task.follows});
     if (!write(file(ownName), text)) {
-        QTimer::singleShot(0, &context_, [this, number] { fail(number); });
-        return number;
+        const std::string why = std::strerror(errno);
+        remove(file(ownName)); // a part of it
+        throw std::runtime_error("the script for KWin can't be written to " + folder_ + ": " + why);
     }
+    scripts_.emplace(number, Script{.told = std::move(told)});
     // KWin 5 numbers scripts by how many there are, so a number may be that of another one still.
     const auto taken = std::make_shared<std::string>();
     for (const auto* path : {"/", "/Scripting"})
@@ -259,18 +288,23 @@ void KWinScripts::hear(const BusNews& news) {
     }
 }
 
-/// What of other connections is still in KWin although they have ended.
+/// What of this bus's other connections is still in KWin although they have ended. Another bus has
+/// another KWin, and connections of the same names.
 void KWinScripts::unloadLeftovers() {
     std::error_code error;
     for (fs::directory_iterator entry(folder_, error), end; !error && entry != end;
          entry.increment(error)) {
         const auto name = entry->path().stem().string();
-        const auto begin = name.find(':');
         const auto dash = name.rfind('-');
-        if (entry->path().extension() != suffix || begin == std::string::npos ||
-            dash == std::string::npos || dash < begin)
+        if (entry->path().extension() != suffix || !name.starts_with(beginning_) ||
+            dash == std::string::npos || dash < beginning_.size())
             continue;
-        bus_->send(busCall("NameHasOwner", name.substr(begin, dash - begin)),
+        auto loader = name.substr(beginning_.size(), dash - beginning_.size());
+        if (loader == bus_->name()) { // nothing has been started yet
+            unload(name);
+            continue;
+        }
+        bus_->send(busCall("NameHasOwner", {std::move(loader)}),
                    [this, name](const BusReply& reply) {
                        if (reply.succeeded() && reply.number() == 0)
                            unload(name);

@@ -18,8 +18,9 @@ namespace tessarine {
 
 /// Scripts of this program's inside KWin (interface org.kde.kwin.Scripting), over a connection of
 /// its own to the session bus, of which only what KWin itself says is believed. A script lasts
-/// until it is ended here, or this goes; the file that it is loaded from lies in the session's
-/// run-time folder as long, so that what a killed program left loaded is found by the next one.
+/// until it is ended here, or this goes; the file that it is loaded from lies in the user's
+/// run-time folder as long, so that what a killed program left loaded is found by the next one. Its
+/// name tells the bus too: two sessions of a user may share the folder.
 /// Main thread only, with Qt's event loop.
 class KWinScripts {
 public:
@@ -49,7 +50,8 @@ public:
         bool follows = false;
     };
 
-    /// Has KWin load and run a script; returns its number. Waits for nothing.
+    /// Has KWin load and run a script; returns its number. Waits for nothing. Throws
+    /// std::runtime_error where the script's file can't be written; `told` isn't called then.
     std::uint64_t start(Task task, Told told);
 
     /// Unloads it. Nothing happens when it has ended.
@@ -73,7 +75,10 @@ private:
         bool hasTold = false;
     };
 
-    KWinScripts(std::unique_ptr<PrivateBus> bus, std::string owner, std::string folder);
+    KWinScripts(std::unique_ptr<PrivateBus> bus,
+                std::string beginning,
+                std::string owner,
+                std::string folder);
 
     BusCall call(const char* method, std::vector<BusCall::Argument> arguments) const;
     std::string name(std::uint64_t script) const;
@@ -88,8 +93,9 @@ private:
     void unloadLeftovers();
 
     std::unique_ptr<PrivateBus> bus_;
-    std::string owner_;  ///< KWin's unique name
-    std::string folder_; ///< of the scripts' files
+    std::string beginning_; ///< of the names of this bus's scripts
+    std::string owner_;     ///< KWin's unique name
+    std::string folder_;    ///< of the scripts' files
     std::uint64_t last_ = 0;
     std::map<std::uint64_t, Script> scripts_;
     bool isLost_ = false;
