@@ -257,9 +257,17 @@ TEST_F(KWinWindowsTest, whereNoScriptCanBeWrittenThatIsSaidAtOnce) {
     EXPECT_FALSE(doors.control->frame(window.id));
     EXPECT_THAT(doors.control->ability().reason, HasSubstr("can't be written"));
     EXPECT_LT(clock.elapsed(), CompositorIpc::patience.count());
+    std::ofstream(scriptFolder()) << "no folder";
+    const auto next = waylandWindowDoors("");
+    ASSERT_TRUE(next);
+    EXPECT_THAT(next->list->ability().reason, HasSubstr("can't be written"));
+    std::filesystem::rename(scriptFolder(), away + "/stray");
+    std::filesystem::remove(away + "/stray");
     std::filesystem::rename(away, scriptFolder());
     EXPECT_TRUE(doors.control->frame(window.id));
     EXPECT_EQ(doors.control->ability(), Ability{});
+    EXPECT_TRUE(spinUntil([&] { return next->list->ability() == Ability{}; })) << "tried again";
+    EXPECT_THAT(next->list->windows(), SizeIs(1));
 }
 
 // KWin 5 numbers a script by how many there are, and one that went left its number to the next.
@@ -280,7 +288,7 @@ TEST_F(KWinWindowsTest, strangersAreNotBelieved) {
     const auto window = open("org.example.first");
     const auto script = scripts().front();
     const auto own = script.substr(script.find(':'), script.rfind('-') - script.find(':'));
-    const auto text = R"({"script": ")" + script + R"(", "scene": {"windows": [], "screens": []}})";
+    const auto text = R"({"scene": {"windows": [], "screens": []}})";
     QProcess stranger;
     stranger.start(QStringLiteral("gdbus"),
                    {QStringLiteral("call"),
@@ -292,6 +300,7 @@ TEST_F(KWinWindowsTest, strangersAreNotBelieved) {
                     QStringLiteral("--timeout=1"),
                     QStringLiteral("--method"),
                     QStringLiteral("com.corvane.tessarine.KWin.told"),
+                    QString::fromStdString(script),
                     QString::fromStdString(text)});
     ASSERT_TRUE(spinUntil([&] { return stranger.state() == QProcess::NotRunning; }));
     EXPECT_EQ(stranger.exitCode(), 0) << "it was heard";

@@ -1,6 +1,8 @@
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinIpc.h"
 
 #include "LauncherCore/text/JsonFields.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/ReturningIpc.h"
+#include "launcherapp/platform/linux/wayland/windows/ipc/SocketWatch.h"
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinScene.h"
 
 #include <nlohmann/json.hpp>
@@ -33,6 +35,9 @@ KWinIpc::KWinIpc(std::unique_ptr<KWinScripts> scripts)
       notifier_(std::make_unique<QSocketNotifier>(scripts_->descriptor(), QSocketNotifier::Read)) {
     QObject::connect(
         notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { read(); });
+    again_.setSingleShot(true);
+    again_.setInterval(ReturningIpc::pause);
+    QObject::connect(&again_, &QTimer::timeout, &again_, [this] { startFollower(); });
 }
 
 KWinIpc::~KWinIpc() = default;
@@ -43,8 +48,10 @@ Ability KWinIpc::ability() {
         return Ability::missing("the connection to KWin was lost");
     if (answered_ < late_)
         return Ability::missing("KWin doesn't answer");
-    if (!problem_.empty())
-        return Ability::missing(problem_);
+    for (const auto& problem : {problem_, followerProblem_}) {
+        if (!problem.empty())
+            return Ability::missing(problem);
+    }
     return {};
 }
 
@@ -62,8 +69,8 @@ void KWinIpc::read() {
 void KWinIpc::noteLoss() {
     if (!notifier_)
         return;
-    notifier_->setEnabled(false);       // a closed connection would wake the loop for ever
-    notifier_.release()->deleteLater(); // it may be the one that tells
+    retire(std::move(notifier_));
+    again_.stop();
     if (told_)
         told_({});
 }
@@ -106,20 +113,35 @@ void KWinIpc::start() {
 }
 
 void KWinIpc::note(Json* message) {
-    answer_ = sceneOf(message);
+    auto read = reading(message);
+    answer_ = std::move(read.scene);
+    if (answer_)
+        logOrderProblem(std::exchange(read.problem, {}));
+    problem_ = std::move(read.problem);
     ++answered_;
     if (const auto done = std::exchange(running_, std::nullopt))
         scripts_->end(*done);
     start();
 }
 
-std::optional<WindowScene> KWinIpc::sceneOf(Json* message) {
-    auto told = message ? std::optional<JsonFields>(*message) : std::nullopt;
-    auto* const scene = told ? told->member("scene") : nullptr;
-    auto read = scene ? KWinScene::read(*scene) : std::nullopt;
-    problem_ = read      ? ""
-               : message ? "KWin tells its windows in another way than is known here"
-                         : "KWin runs no scripts of this program's";
+/// One order that failed says nothing of the next; one that fails always is logged once.
+void KWinIpc::logOrderProblem(const std::string& problem) {
+    if (!problem.empty() && problem != loggedProblem_)
+        qWarning("%s", problem.c_str());
+    if (!problem.empty())
+        loggedProblem_ = problem;
+}
+
+KWinIpc::Reading KWinIpc::reading(Json* message) {
+    if (!message)
+        return {.problem = "KWin runs no scripts of this program's"};
+    JsonFields told(*message);
+    auto* const scene = told.member("scene");
+    Reading read{.scene = scene ? KWinScene::read(*scene) : std::nullopt};
+    if (const auto problem = told.optional<std::string>("problem"))
+        read.problem = "this program's script in KWin failed: " + *problem;
+    else if (!read.scene)
+        read.problem = "what KWin tells of its windows can't be read";
     return read;
 }
 
@@ -127,10 +149,36 @@ void KWinIpc::follow(std::function<void(WindowScene scene)> told) {
     if (!isConnected())
         return;
     told_ = std::move(told);
-    scripts_->start({.follows = true}, [this](Json* message) {
-        if (auto scene = sceneOf(message))
-            told_(*std::move(scene));
-    });
+    startFollower();
+}
+
+void KWinIpc::startFollower() {
+    if (!isConnected())
+        return;
+    try {
+        follower_ =
+            scripts_->start({.follows = true}, [this](Json* message) { noteChange(message); });
+    } catch (const std::runtime_error& failure) {
+        noteFollower({.problem = failure.what()});
+    }
+}
+
+void KWinIpc::noteChange(Json* message) {
+    noteFollower(reading(message));
+}
+
+/// One that fails may not tell again, so another takes its place: not at once, as that may fail
+/// too.
+void KWinIpc::noteFollower(Reading read) {
+    const bool isNews = read.scene || followerProblem_.empty();
+    followerProblem_ = std::move(read.problem);
+    if (!followerProblem_.empty()) {
+        if (const auto failed = std::exchange(follower_, std::nullopt))
+            scripts_->end(*failed);
+        again_.start();
+    }
+    if (isNews)
+        told_(std::move(read.scene).value_or(WindowScene()));
 }
 
 void KWinIpc::order(const char* verb, std::uint64_t window) {

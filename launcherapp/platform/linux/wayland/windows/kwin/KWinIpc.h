@@ -3,7 +3,9 @@
 #include "launcherapp/platform/linux/wayland/windows/ipc/CompositorIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinScripts.h"
 
+#include <QTimer>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,11 +45,22 @@ public:
 private:
     struct Orders;
 
+    /// What was read of a message: a scene, or why there is none, or both where what was to be done
+    /// before failed.
+    struct Reading {
+        std::optional<WindowScene> scene;
+        std::string problem;
+    };
+
     void read();
     void order(const char* verb, std::uint64_t window);
     void start();
     void note(nlohmann::json* message);
-    std::optional<WindowScene> sceneOf(nlohmann::json* message);
+    void startFollower();
+    void noteChange(nlohmann::json* message);
+    void noteFollower(Reading read);
+    void logOrderProblem(const std::string& problem);
+    static Reading reading(nlohmann::json* message);
     void noteLoss();
 
     std::unique_ptr<KWinScripts> scripts_;
@@ -58,8 +71,12 @@ private:
     std::uint64_t started_ = 0;
     /// How many are to have answered until somebody may wait again; 0 when nobody has in vain.
     std::uint64_t late_ = 0;
-    std::optional<WindowScene> answer_; ///< of the last script that carried out orders
-    std::string problem_;               ///< why the last script didn't tell; empty when it did
+    std::optional<WindowScene> answer_;     ///< of the last script that carried out orders
+    std::string problem_;                   ///< why that one didn't tell; empty when it did
+    std::optional<std::uint64_t> follower_; ///< the script that stays
+    std::string followerProblem_;           ///< why it doesn't tell; empty while it does
+    std::string loggedProblem_;             ///< of an order
+    QTimer again_;                          ///< runs until another one is started in its place
     std::function<void(WindowScene scene)> told_;
     std::unique_ptr<QSocketNotifier> notifier_;
 };

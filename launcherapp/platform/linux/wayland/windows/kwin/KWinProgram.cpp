@@ -3,15 +3,21 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
+
 namespace tessarine {
 
 namespace {
 
 using Json = nlohmann::json;
 
+/// How long changes are gathered that come together, as a window's opening and its focus do: less
+/// than a picture of the screen lasts, so nobody sees it.
+constexpr std::chrono::milliseconds pause{5};
+
 /// KWin 6 says window where KWin 5 said client, and has outputs where it had numbers of screens.
 constexpr std::string_view program = R"js(
-(function (listener, path, face, member, script, orders, follows) {
+(function (task) {
     "use strict";
     var isNew = typeof workspace.windowList === "function";
 
@@ -103,18 +109,30 @@ constexpr std::string_view program = R"js(
         return list;
     }
 
-    function send(message) {
-        message.script = script;
-        callDBus(listener, path, face, member, JSON.stringify(message));
+    // What went wrong since it was told last.
+    var problems = [];
+
+    function attempt(step) {
+        try {
+            return step();
+        } catch (problem) {
+            problems.push(String(problem));
+            return undefined;
+        }
+    }
+
+    function scene() {
+        var windows = all().filter(isListed);
+        return {windows: windows.map(told), screens: screens(), active: active(windows)};
     }
 
     function tell() {
-        try {
-            var windows = all().filter(isListed);
-            send({scene: {windows: windows.map(told), screens: screens(), active: active(windows)}});
-        } catch (problem) {
-            send({problem: String(problem)});
-        }
+        var message = {scene: attempt(scene)};
+        if (problems.length > 0)
+            message.problem = problems.join("; ");
+        problems = [];
+        callDBus(task.listener, task.path, task["interface"], task.member, task.script,
+                 JSON.stringify(message));
     }
 
     var verbs = {
@@ -142,7 +160,7 @@ constexpr std::string_view program = R"js(
     function carryOut(order) {
         all().filter(isListed).forEach(function (w) {
             if (key(w) === order.window)
-                verbs[order["do"]](w, order);
+                attempt(function () { verbs[order["do"]](w, order); });
         });
     }
 
@@ -168,7 +186,7 @@ constexpr std::string_view program = R"js(
 
     function follow() {
         pause = new QTimer();
-        pause.interval = 5;
+        pause.interval = task.pauseMilliseconds;
         pause.singleShot = true;
         pause.timeout.connect(tell);
         connect(workspace, isNew
@@ -178,33 +196,26 @@ constexpr std::string_view program = R"js(
         all().forEach(followWindow);
     }
 
-    try {
-        orders.forEach(carryOut);
-        if (follows)
-            follow();
-    } catch (problem) {
-        send({problem: String(problem)});
-        return;
-    }
+    attempt(function () { task.orders.forEach(carryOut); });
+    if (task.follows)
+        attempt(follow);
     tell();
 })js";
 
 } // namespace
 
 std::string KWinProgram::text(const Task& task) {
+    const Json argument{{"listener", task.listener},
+                        {"path", path},
+                        {"interface", interface},
+                        {"member", member},
+                        {"script", task.script},
+                        {"orders", Json::parse(task.orders)},
+                        {"follows", task.follows},
+                        {"pauseMilliseconds", pause.count()}};
     // JSON is JavaScript; what is no UTF-8 is nobody's name.
-    const auto quoted = [](std::string_view text) {
-        return Json(text).dump(-1, ' ', true, Json::error_handler_t::replace);
-    };
-    return fmt::format("{})({}, {}, {}, {}, {}, {}, {});\n",
-                       program,
-                       quoted(task.listener),
-                       quoted(path),
-                       quoted(interface),
-                       quoted(member),
-                       quoted(task.script),
-                       task.orders,
-                       task.follows);
+    return fmt::format(
+        "{})({});\n", program, argument.dump(-1, ' ', true, Json::error_handler_t::replace));
 }
 
 } // namespace tessarine

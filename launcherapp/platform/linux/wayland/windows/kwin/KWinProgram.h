@@ -7,8 +7,9 @@
 /// itself: JavaScript for the scripting of KWin 5.27 and 6. Pure; any thread.
 namespace tessarine::KWinProgram {
 
-// Where the program calls this one: `told` with one text, a JSON object {"script": TEXT, "scene":
-// …} or, where it failed, {"script": TEXT, "problem": TEXT}. KWinScene reads the scene.
+// Where the program calls this one: `told` with two texts, what it calls itself, and a JSON object
+// {"scene": …, "problem": TEXT}: the second where something failed, without the first where that
+// was the scene. KWinScene reads the scene.
 inline constexpr std::string_view path = "/com/corvane/tessarine/KWin";
 inline constexpr std::string_view interface = "com.corvane.tessarine.KWin";
 inline constexpr std::string_view member = "told";

@@ -1,6 +1,7 @@
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinScripts.h"
 
 #include "LauncherCore/text/Folding.h"
+#include "LauncherCore/text/ForeignJson.h"
 #include "launcherapp/platform/linux/desktop/SessionBus.h"
 #include "launcherapp/platform/linux/files/FileDescriptor.h"
 #include "launcherapp/platform/linux/wayland/windows/kwin/KWinProgram.h"
@@ -29,7 +30,7 @@ using Json = nlohmann::json;
 
 constexpr auto kwin = "org.kde.KWin";
 constexpr auto scripting = "org.kde.kwin.Scripting";
-/// Longest text that is read: a scene of ten thousand windows.
+/// Bytes of the longest text that is read: a scene of ten thousand windows has about 4 million.
 constexpr std::size_t longest = 8U << 20U;
 constexpr std::string_view suffix = ".js";
 
@@ -270,18 +271,12 @@ void KWinScripts::hear(const BusNews& news) {
         return;
     }
     if (news.sender != owner_ || news.interface != KWinProgram::interface ||
-        news.member != KWinProgram::member || news.texts.size() != 1 ||
-        news.texts.front().size() > longest)
-        return;
-    auto message = Json::parse(news.texts.front(), nullptr, false);
-    const auto* const name = message.is_object() && message.contains("script")
-                                 ? message["script"].get_ptr<const std::string*>()
-                                 : nullptr;
-    if (!name)
+        news.member != KWinProgram::member || news.texts.size() != 2)
         return;
     for (auto& [number, script] : scripts_) {
-        if (*name != this->name(number))
+        if (news.texts[0] != name(number))
             continue;
+        auto message = news.texts[1].size() <= longest ? ForeignJson::read(news.texts[1]) : Json();
         script.hasTold = true;
         const auto told = script.told; // it may end the script
         return told(&message);

@@ -26,11 +26,13 @@ class KWinScripts {
 public:
     using Clock = PrivateBus::Clock;
 
-    /// What a script tells: an object with "scene", or with "problem". Nothing when KWin refuses
-    /// the script, or says that it runs and it tells nothing for `silence`: it is unloaded then.
+    /// What a script tells, as KWinProgram has it, or whatever else came in its place. Null when
+    /// KWin refuses the script, or says that it runs and it tells nothing for `silence`: it is
+    /// unloaded then.
     using Told = std::function<void(nlohmann::json* message)>;
 
-    /// How long a script that runs may take to tell something.
+    /// How long a script that runs may take to tell something, which takes it a few milliseconds:
+    /// one that fails as a whole tells nothing ever.
     static constexpr std::chrono::seconds silence{2};
 
     /// Whether KWin is on the session bus and takes scripts, and there is a run-time folder for
