@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <QSocketNotifier>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -17,6 +18,11 @@ namespace {
 
 using Clock = KWinScripts::Clock;
 using Json = nlohmann::json;
+
+/// How long a window may stay as it is until it counts as one that nothing will change, such as one
+/// that merely fills the place of a maximised one, which KWin 5 doesn't tell apart: programs answer
+/// a new size within three pictures of 60 a second.
+constexpr std::chrono::milliseconds settling{50};
 
 } // namespace
 
@@ -127,7 +133,7 @@ void KWinIpc::note(Json* message) {
 /// One order that failed says nothing of the next; one that fails always is logged once.
 void KWinIpc::logOrderProblem(const std::string& problem) {
     if (!problem.empty() && problem != loggedProblem_)
-        qWarning("%s", problem.c_str());
+        std::fputs(("tessarine: " + problem + "\n").c_str(), stderr);
     if (!problem.empty())
         loggedProblem_ = problem;
 }
@@ -182,10 +188,16 @@ void KWinIpc::noteFollower(Reading read) {
 }
 
 void KWinIpc::order(const char* verb, std::uint64_t window) {
-    if (!isConnected())
+    if (!takesOrders())
         return;
     orders_->list.push_back({{"do", verb}, {"window", KWinScene::key(window)}});
     start();
+}
+
+/// What somebody wanted of a KWin that stands still he may not want any more when it goes on.
+bool KWinIpc::takesOrders() {
+    read();
+    return isConnected() && answered_ >= late_;
 }
 
 void KWinIpc::activate(std::uint64_t window) {
@@ -201,17 +213,22 @@ void KWinIpc::makeOrdinary(const WindowScene::Window& window) {
     order("makeOrdinary", window.window.id);
     if (!window.isFullScreen && !window.isTiled)
         return;
-    const auto end = Clock::now() + patience;
+    const auto begin = Clock::now();
+    const auto end = begin + patience;
+    auto before = window.frame;
     while (Clock::now() < end) {
         const auto now = scene();
         const auto* found = now ? now->find(window.window.id) : nullptr;
         if (!found || (!found->isFullScreen && !found->isTiled))
             return;
+        const bool isSettled = std::exchange(before, found->frame) == found->frame;
+        if (isSettled && Clock::now() - begin > settling)
+            return;
     }
 }
 
 void KWinIpc::place(const WindowScene::Window& window, const Rectangle& frame) {
-    if (!isConnected())
+    if (!takesOrders())
         return;
     orders_->list.push_back({{"do", "place"},
                              {"window", KWinScene::key(window.window.id)},

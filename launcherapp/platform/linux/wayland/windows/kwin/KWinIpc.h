@@ -53,6 +53,7 @@ private:
     };
 
     void read();
+    bool takesOrders();
     void order(const char* verb, std::uint64_t window);
     void start();
     void note(nlohmann::json* message);
