@@ -35,10 +35,12 @@ TEST(KWinScene, partsOfAnotherKindCountAsAbsent) {
         null, {}, {"window": 3}, {"window": "12"}, {"window": "000000000000000g"},
         {"window": "0000000000000000"}, {"window": "-00000000000000f"},
         {"window": "00000000000000fe", "process": -4, "frame": [1], "class": 7, "x11Window": -1},
-        {"window": "00000000000000fe", "process": 9}]})");
+        {"window": "00000000000000fe", "process": 9},
+        {"window": "00000000000000fd", "process": 4294967295}]})");
     ASSERT_TRUE(told);
     EXPECT_THAT(told->screens, IsEmpty());
-    ASSERT_THAT(told->windows, SizeIs(1)) << "the last has a number that is taken";
+    ASSERT_THAT(told->windows, SizeIs(2)) << "one has a number that is taken";
+    EXPECT_EQ(told->windows.back().window.processID, 0) << "as -1 it would be every process";
     EXPECT_EQ(told->windows.front(),
               (WindowScene::Window{.window = {.id = 0xfe, .ordinary = false}}));
     EXPECT_FALSE(told->active) << "there is no such window";

@@ -105,7 +105,7 @@ void readClient(Json& json, const Monitors& monitors, WindowScene& scene) {
     WindowScene::Window window{
         .window = {.id = id,
                    .applicationID = text(client, "class"),
-                   .processID = client.optional<std::int64_t>("pid").value_or(0),
+                   .processID = processNumber(client.optional<std::int64_t>("pid").value_or(0)),
                    .hidden = isSpecial && !monitors.shown.contains(place)},
         .frame = {.x = element(at, 0),
                   .y = element(at, 1),

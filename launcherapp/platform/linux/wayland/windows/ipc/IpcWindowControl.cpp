@@ -129,7 +129,8 @@ bool IpcWindowControl::kill(std::uint64_t window) {
         return number != 0 && X11WindowControl().kill(number);
     }
     const auto process = found->window.processID;
-    return process > 1 && process != ::getpid() &&
+    // To kill(2), numbers below 1 are groups of processes, and -1 is all of them.
+    return process > 1 && std::in_range<pid_t>(process) && process != ::getpid() &&
            ::kill(static_cast<pid_t>(process), SIGKILL) == 0;
 }
 

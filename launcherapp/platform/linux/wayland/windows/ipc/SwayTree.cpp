@@ -140,7 +140,7 @@ private:
     window(JsonFields& container, std::int64_t id, std::int64_t process, Place place) {
         WindowScene::Window read{.window = {.id = static_cast<std::uint64_t>(id),
                                             .applicationID = text(container, "app_id"),
-                                            .processID = process,
+                                            .processID = processNumber(process),
                                             .hidden = place.isHidden},
                                  .frame = rectangle(container, "rect"),
                                  .isTiled = place.isTiled,

@@ -34,4 +34,7 @@ struct WindowScene {
     bool operator==(const WindowScene&) const = default;
 };
 
+/// A process's number as another program tells it; 0 for what is none that a window could have.
+std::int64_t processNumber(std::int64_t told);
+
 } // namespace tessarine

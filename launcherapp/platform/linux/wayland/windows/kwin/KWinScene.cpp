@@ -55,7 +55,7 @@ std::optional<WindowScene::Window> window(Json& json) {
                                           .applicationID = text(fields, "application"),
                                           .className = text(fields, "class"),
                                           .instanceName = text(fields, "instance"),
-                                          .processID = count(fields, "process"),
+                                          .processID = processNumber(count(fields, "process")),
                                           .ordinary = isTrue(fields, "isOrdinary"),
                                           .hidden = isTrue(fields, "isHidden")},
                                .frame = rectangle(fields, "frame"),
