@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <algorithm>
+#include <poll.h>
 #include <utility>
 
 namespace tessarine {
@@ -13,6 +14,10 @@ namespace tessarine {
 namespace {
 
 using std::chrono::milliseconds;
+
+/// Turns in which is read what came. The library reads 2 to 4 KiB in one: this is some 10 MB, more
+/// than any message that is expected, and whoever sends without end holds nobody up for good.
+constexpr int mostTurns = 4096;
 
 milliseconds remaining(PrivateBus::Clock::time_point deadline) {
     const auto left = std::chrono::ceil<milliseconds>(deadline - PrivateBus::Clock::now());
@@ -119,10 +124,18 @@ void append(DBusMessageIter& values, const BusCall::Argument& argument) {
     }
 }
 
-/// Null when what another program gave us as its name is none that a call can be sent to.
+/// The library ends a program that gives it a text of another kind.
+bool isSendable(const BusCall::Argument& argument) {
+    const auto* const text = std::get_if<std::string>(&argument);
+    return !text || dbus_validate_utf8(text->c_str(), nullptr);
+}
+
+/// Null when what another program gave us as its name is none that a call can be sent to, or a text
+/// isn't UTF-8.
 DBusMessage* messageFor(const BusCall& call) {
     if (!dbus_validate_bus_name(call.place.owner.c_str(), nullptr) ||
-        !dbus_validate_path(call.place.path.c_str(), nullptr))
+        !dbus_validate_path(call.place.path.c_str(), nullptr) ||
+        !std::ranges::all_of(call.arguments, isSendable))
         return nullptr;
     auto* message = dbus_message_new_method_call(
         call.place.owner.c_str(), call.place.path.c_str(), call.interface, call.method);
@@ -330,9 +343,16 @@ int PrivateBus::descriptor() const {
 }
 
 void PrivateBus::takeWhatCame() {
-    dbus_connection_read_write(connection_, 0);
-    while (dbus_connection_dispatch(connection_) == DBUS_DISPATCH_DATA_REMAINS) {
-    }
+    const auto isReadable = [this] {
+        pollfd socket{.fd = descriptor(), .events = POLLIN, .revents = 0};
+        return isConnected() && ::poll(&socket, 1, 0) == 1;
+    };
+    int turns = 0;
+    do {
+        dbus_connection_read_write(connection_, 0);
+        while (dbus_connection_dispatch(connection_) == DBUS_DISPATCH_DATA_REMAINS) {
+        }
+    } while (++turns < mostTurns && isReadable());
 }
 
 bool PrivateBus::wait(Clock::time_point deadline) {

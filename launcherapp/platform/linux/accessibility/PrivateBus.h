@@ -101,12 +101,13 @@ public:
     bool isConnected() const;
 
     /// Sends all of them, then waits for all answers: in their order, and an empty one for what
-    /// came too late. Calls sent together cost one round trip.
+    /// came too late, or couldn't be sent as it isn't UTF-8 or names no place. Calls sent together
+    /// cost one round trip.
     std::vector<BusReply> call(std::span<const BusCall> calls, Clock::time_point deadline);
     BusReply call(const BusCall& call, Clock::time_point deadline);
 
     /// Waits for nothing. `answered` is called with what comes, however late, by `takeWhatCame` or
-    /// a `call`; not at all once this has gone.
+    /// a `call`; not at all once this has gone, or where it couldn't be sent.
     void send(const BusCall& call, Answered answered = {});
 
     /// Calls `heard`, as `send` does, with what others send here; their calls are answered with
