@@ -176,18 +176,21 @@ struct PrivateBus::Callbacks {
 
     static DBusHandlerResult came(DBusConnection* connection, DBusMessage* message, void* data) {
         const int type = dbus_message_get_type(message);
-        if (type != DBUS_MESSAGE_TYPE_METHOD_CALL && type != DBUS_MESSAGE_TYPE_SIGNAL)
+        auto& bus = *static_cast<PrivateBus*>(data);
+        const auto sender = orEmpty(dbus_message_get_sender(message));
+        const bool isHeard = sender == bus.speaker_ || sender == DBUS_SERVICE_DBUS;
+        // The library answers what nobody handles: a call with an error.
+        if (!isHeard || (type != DBUS_MESSAGE_TYPE_METHOD_CALL && type != DBUS_MESSAGE_TYPE_SIGNAL))
             return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
         if (type == DBUS_MESSAGE_TYPE_METHOD_CALL && !dbus_message_get_no_reply(message)) {
             auto* const reply = dbus_message_new_method_return(message);
             dbus_connection_send(connection, reply, nullptr);
             dbus_message_unref(reply);
         }
-        static_cast<PrivateBus*>(data)->heard_(
-            {.sender = orEmpty(dbus_message_get_sender(message)),
-             .interface = orEmpty(dbus_message_get_interface(message)),
-             .member = orEmpty(dbus_message_get_member(message)),
-             .texts = textsAtBeginning(message)});
+        bus.heard_({.sender = sender,
+                    .interface = orEmpty(dbus_message_get_interface(message)),
+                    .member = orEmpty(dbus_message_get_member(message)),
+                    .texts = textsAtBeginning(message)});
         return DBUS_HANDLER_RESULT_HANDLED;
     }
 };
@@ -331,7 +334,8 @@ void PrivateBus::send(const BusCall& call, Answered answered) {
     dbus_pending_call_unref(pending);
 }
 
-void PrivateBus::listen(Heard heard) {
+void PrivateBus::listen(std::string speaker, Heard heard) {
+    speaker_ = std::move(speaker);
     heard_ = std::move(heard);
     dbus_connection_add_filter(connection_, &Callbacks::came, this, nullptr);
 }

@@ -75,7 +75,7 @@ struct BusCall {
 
 /// What another program, or the bus itself, sends here of its own accord: a call or a signal.
 struct BusNews {
-    std::string sender; ///< its unique name on the bus; empty for what the library tells
+    std::string sender; ///< its unique name, or that of the bus
     std::string interface;
     std::string member;
     std::vector<std::string> texts; ///< the values that it begins with, as far as they are texts
@@ -110,9 +110,10 @@ public:
     /// a `call`; not at all once this has gone, or where it couldn't be sent.
     void send(const BusCall& call, Answered answered = {});
 
-    /// Calls `heard`, as `send` does, with what others send here; their calls are answered with
-    /// nothing. To be called once.
-    void listen(Heard heard);
+    /// Calls `heard`, as `send` does, with what the bus itself and the connection of the unique
+    /// name `speaker` send here; their calls are answered with nothing, and others' with an error.
+    /// To be called once.
+    void listen(std::string speaker, Heard heard);
 
     /// Readable when something came. Of no use once the connection is lost.
     int descriptor() const;
@@ -133,6 +134,7 @@ private:
 
     DBusConnection* connection_;
     std::string name_;
+    std::string speaker_; ///< whom it listens to beside the bus
     Heard heard_;
 };
 

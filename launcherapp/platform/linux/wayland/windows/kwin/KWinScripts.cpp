@@ -144,7 +144,7 @@ KWinScripts::KWinScripts(std::unique_ptr<PrivateBus> bus,
                          std::string folder)
     : bus_(std::move(bus)), beginning_(std::move(beginning)), owner_(std::move(owner)),
       folder_(std::move(folder)) {
-    bus_->listen([this](const BusNews& news) { hear(news); });
+    bus_->listen(owner_, [this](const BusNews& news) { hear(news); });
     bus_->send(busCall("AddMatch",
                        {fmt::format("type='signal',sender='org.freedesktop.DBus',"
                                     "member='NameOwnerChanged',arg0='{}'",
