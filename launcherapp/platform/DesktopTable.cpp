@@ -162,8 +162,7 @@ std::set<std::string> withCommon(std::set<std::string> globals) {
 DesktopFamily DesktopTable::family(const DesktopSurroundings& surroundings) {
     if (!surroundings.hasWayland)
         return surroundings.hasX11 ? DesktopFamily::x11 : DesktopFamily::none;
-    if (offersFrom(surroundings, "org_kde_plasma_") ||
-        surroundings.busNames.contains("org.kde.KWin"))
+    if (isKWin(surroundings) || surroundings.busNames.contains("org.kde.KWin"))
         return DesktopFamily::kwin;
     if (offersFrom(surroundings, "gtk_shell") ||
         surroundings.busNames.contains("org.gnome.Mutter.DisplayConfig"))
@@ -171,6 +170,10 @@ DesktopFamily DesktopTable::family(const DesktopSurroundings& surroundings) {
     if (offersFrom(surroundings, "zwlr_"))
         return DesktopFamily::wlroots;
     return DesktopFamily::otherWayland;
+}
+
+bool DesktopTable::isKWin(const DesktopSurroundings& surroundings) {
+    return offersFrom(surroundings, "org_kde_plasma_");
 }
 
 bool DesktopTable::isSilent(const DesktopSurroundings& surroundings) {

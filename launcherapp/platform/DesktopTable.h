@@ -85,6 +85,10 @@ inline constexpr std::array abilities{DesktopAbility::panel,
 
 DesktopFamily family(const DesktopSurroundings& surroundings);
 
+/// Whether the compositor that has the display is KWin, by what it offers: the session bus may have
+/// another one. Of what is around only `globals` counts.
+bool isKWin(const DesktopSurroundings& surroundings);
+
 /// Whether there is a Wayland compositor that did not tell in time what it offers: the table then
 /// holds for the moment alone.
 bool isSilent(const DesktopSurroundings& surroundings);

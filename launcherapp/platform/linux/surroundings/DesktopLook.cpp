@@ -103,7 +103,7 @@ DesktopSurroundings withCompositor(DesktopSurroundings found) {
         return found;
     for (const auto& global : compositor.registry().globals())
         found.globals.insert(global.interface);
-    if (DesktopTable::family(found) == DesktopFamily::kwin)
+    if (DesktopTable::isKWin(found))
         found.hasKWinScripts =
             KWinScripts::areTaken(KWinScripts::Clock::now() + CompositorIpc::patience);
     return found;

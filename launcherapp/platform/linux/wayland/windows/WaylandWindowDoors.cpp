@@ -1,5 +1,6 @@
 #include "launcherapp/platform/linux/wayland/windows/WaylandWindowDoors.h"
 
+#include "launcherapp/platform/DesktopTable.h"
 #include "launcherapp/platform/linux/wayland/windows/ToplevelDoors.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/HyprlandIpc.h"
 #include "launcherapp/platform/linux/wayland/windows/ipc/IpcWindowControl.h"
@@ -40,9 +41,13 @@ std::optional<WindowDoors> ipcDoors(const ReturningIpc::Connect& connect) {
                            std::make_unique<ReturningIpc>(std::move(second), connect))};
 }
 
-/// The session bus may have another KWin than the one that has the display, if any.
 bool isKWin(const WaylandConnection& connection) {
-    return connection.answers() && connection.registry().find("org_kde_plasma_shell");
+    DesktopSurroundings told;
+    if (connection.answers()) {
+        for (const auto& global : connection.registry().globals())
+            told.globals.insert(global.interface);
+    }
+    return DesktopTable::isKWin(told);
 }
 
 } // namespace
