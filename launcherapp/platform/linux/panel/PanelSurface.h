@@ -52,7 +52,9 @@ public:
     /// Returns when the display has what was drawn; at once where it doesn't tell.
     virtual void finishDrawing() = 0;
 
-    /// Starts a drag that the display carries out; false where the window moves itself.
+    /// A drag with the button down has begun. True when the display carries it out, and nothing
+    /// more is told of it here; false where the window moves itself, with `setFrame`, until
+    /// `endDrag`.
     virtual bool startDrag() = 0;
 
     /// Whether the display mixes windows with what is below: without it transparent pixels are

@@ -19,10 +19,20 @@ namespace {
 /// For a compositor to say that a window that is gone has no keyboard any more.
 constexpr std::chrono::milliseconds longestLeave{50};
 
+/// Compositors that take the keyboard for a move of the user's do so as it begins.
+constexpr std::chrono::milliseconds longestTaking{500};
+
+/// They give it back when the button is let go; should one not, the panel mustn't stay for ever.
+constexpr std::chrono::seconds longestMove{20};
+
 } // namespace
 
 PlainPanelSurface::PlainPanelSurface()
-    : wayland_(QtWayland::isThere() ? std::make_unique<QtWayland>() : nullptr) {}
+    : wayland_(QtWayland::isThere() ? std::make_unique<QtWayland>() : nullptr) {
+    awayForMove_.setSingleShot(true);
+    awayForMove_.setInterval(longestMove);
+    QObject::connect(&awayForMove_, &QTimer::timeout, [this] { focusMoved(); });
+}
 
 PlainPanelSurface::~PlainPanelSurface() = default;
 
@@ -48,13 +58,14 @@ void PlainPanelSurface::show() {
     if (!widget_)
         return;
     hadKeyboard_ = false;
+    moveBegan_.reset();
     widget_->show();
     widget_->raise();
     widget_->activateWindow();
     // The compositor gives a place, then gets a picture, then makes the window the active one, and
     // Qt would answer each when its event loop runs again. Keys that are typed stay where they are.
-    if (wayland_)
-        wayland_->waitUntil([this] {
+    if (wayland_ && isMadeActive_)
+        isMadeActive_ = wayland_->waitUntil([this] {
             QWindowSystemInterface::flushWindowSystemEvents(QEventLoop::ExcludeUserInputEvents);
             return hasKeyboard();
         });
@@ -63,6 +74,7 @@ void PlainPanelSurface::show() {
 
 void PlainPanelSurface::hide() {
     hadKeyboard_ = false;
+    awayForMove_.stop();
     if (!widget_)
         return;
     widget_->hide();
@@ -93,8 +105,16 @@ void PlainPanelSurface::focusMoved() {
         return;
     if (hasKeyboard()) {
         hadKeyboard_ = true;
+        isMadeActive_ = true;
+        awayForMove_.stop();
         return;
     }
+    if (awayForMove_.isActive())
+        return;
+    // Taken for the move that the user makes, and back when that is over.
+    if (const auto began = std::exchange(moveBegan_, std::nullopt);
+        began && hadKeyboard_ && std::chrono::steady_clock::now() - *began < longestTaking)
+        return awayForMove_.start();
     if (std::exchange(hadKeyboard_, false) && events_.lostKeyboard)
         events_.lostKeyboard();
 }
@@ -105,7 +125,10 @@ void PlainPanelSurface::finishDrawing() {
 }
 
 bool PlainPanelSurface::startDrag() {
-    return widget_->windowHandle()->startSystemMove();
+    if (!widget_->windowHandle()->startSystemMove())
+        return false;
+    moveBegan_ = std::chrono::steady_clock::now();
+    return true;
 }
 
 bool PlainPanelSurface::mixes() const {

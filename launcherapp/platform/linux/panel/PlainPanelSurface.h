@@ -4,7 +4,10 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
+#include <chrono>
 #include <memory>
+#include <optional>
 
 class QWidget;
 
@@ -41,6 +44,9 @@ private:
     QPointer<QWidget> widget_;
     Events events_;
     bool hadKeyboard_ = false; ///< at some time since it came up
+    bool isMadeActive_ = true; ///< the last time, so that waiting for it is worth while
+    std::optional<std::chrono::steady_clock::time_point> moveBegan_; ///< one by the display
+    QTimer awayForMove_; ///< runs while such a move has the keyboard
     QObject lifetime_;
 };
 

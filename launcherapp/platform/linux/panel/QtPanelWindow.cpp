@@ -134,7 +134,7 @@ private:
     // The window is dragged by whatever part of it doesn't want the press: Qt hands such a press
     // up to the top-level widget. No window manager knows the window, so it moves itself.
     void beginDrag(const QMouseEvent& press) {
-        if (press.button() != Qt::LeftButton || surface->startDrag())
+        if (press.button() != Qt::LeftButton)
             return;
         const auto at = press.globalPosition();
         heldAt_ = at;
@@ -145,9 +145,13 @@ private:
         if (!heldAt_)
             return;
         const auto at = move.globalPosition();
-        if (!dragged_ && (at - *heldAt_).manhattanLength() < QApplication::startDragDistance())
-            return;
-        dragged_ = true;
+        if (!dragged_) {
+            if ((at - *heldAt_).manhattanLength() < QApplication::startDragDistance())
+                return;
+            if (surface->startDrag())
+                return heldAt_.reset();
+            dragged_ = true;
+        }
         const auto topLeft = at - grip_;
         frame.x = topLeft.x();
         frame.y = topLeft.y();
