@@ -86,6 +86,9 @@ TEST_F(KWinDesktopTest, thePanelTakesTheKeysAndGivesThemBack) {
     input.click(10, 790);
     EXPECT_TRUE(becomes(3, hidden)) << "a click beside it";
     EXPECT_TRUE(fieldGets(KEY_Y, "y"));
+    summon();
+    input.tap(10, 790);
+    EXPECT_TRUE(becomes(4, hidden)) << "a finger beside it";
 }
 
 TEST_F(KWinDesktopTest, aVerbMovesTheWindowThatWasInFront) {

@@ -47,6 +47,16 @@ public:
         connection_.roundTrip();
     }
 
+    void tap(int x, int y) {
+        constexpr std::uint32_t finger = 0;
+        org_kde_kwin_fake_input_touch_down(
+            input_, finger, wl_fixed_from_int(x), wl_fixed_from_int(y));
+        org_kde_kwin_fake_input_touch_frame(input_);
+        org_kde_kwin_fake_input_touch_up(input_, finger);
+        org_kde_kwin_fake_input_touch_frame(input_);
+        connection_.roundTrip();
+    }
+
 private:
     WaylandConnection connection_;
     org_kde_kwin_fake_input* input_ = nullptr;

@@ -38,7 +38,7 @@ LayerPanelSurface::LayerPanelSurface(std::unique_ptr<QtWayland> connection)
                      if (events_.keyArrives && hasKeyboard())
                          events_.keyArrives(scanCode);
                  },
-             .buttonPressed =
+             .pressed =
                  [this](wl_surface* surface) {
                      if (std::ranges::any_of(outside_, [surface](const auto& each) {
                              return each.surface->surface() == surface;

@@ -17,7 +17,8 @@ QtWayland::QtWayland()
           nullptr,
           WaylandRegistry::Events{
               .added = [this](const WaylandRegistry::Global& global) { added_.tell(global); },
-              .removed = {}})),
+              .removed =
+                  [this](const WaylandRegistry::Global& global) { removed_.tell(global); }})),
       isTold_(roundTrip()) {}
 
 QtWayland::~QtWayland() = default;

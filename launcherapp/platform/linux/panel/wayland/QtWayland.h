@@ -41,6 +41,11 @@ public:
         return added_.add(std::move(added));
     }
 
+    /// Calls `removed` with each that it takes back; what was bound of it does nothing any more.
+    Subscription onRemoved(std::function<void(const WaylandRegistry::Global& global)> removed) {
+        return removed_.add(std::move(removed));
+    }
+
     /// Whether it did; one that is busy, as at a log-in, may not have.
     bool isTold() const { return isTold_; }
 
@@ -62,6 +67,7 @@ public:
 
 private:
     Observers<WaylandRegistry::Global> added_;
+    Observers<WaylandRegistry::Global> removed_;
     std::unique_ptr<WaylandRegistry> registry_;
     bool isTold_;
 };

@@ -25,6 +25,7 @@ struct WaylandSeat::Listeners {
     static void capabilities(void* data, wl_seat*, std::uint32_t devices) {
         owner(data).takeKeyboard(devices & WL_SEAT_CAPABILITY_KEYBOARD);
         owner(data).takePointer(devices & WL_SEAT_CAPABILITY_POINTER);
+        owner(data).takeTouch(devices & WL_SEAT_CAPABILITY_TOUCH);
     }
 
     static void name(void*, wl_seat*, const char*) {}
@@ -84,15 +85,31 @@ struct WaylandSeat::Listeners {
                        std::uint32_t,
                        std::uint32_t,
                        std::uint32_t state) {
-        if (state != WL_POINTER_BUTTON_STATE_PRESSED)
-            return;
-        auto& seat = owner(data);
-        seat.lastSerial_ = serial;
-        if (seat.events_.buttonPressed)
-            seat.events_.buttonPressed(seat.pointerFocus_);
+        if (state == WL_POINTER_BUTTON_STATE_PRESSED)
+            owner(data).tellPress(serial, owner(data).pointerFocus_);
     }
 
     static void axis(void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {}
+
+    static void touchDown(void* data,
+                          wl_touch*,
+                          std::uint32_t serial,
+                          std::uint32_t,
+                          wl_surface* at,
+                          std::int32_t,
+                          wl_fixed_t,
+                          wl_fixed_t) {
+        owner(data).tellPress(serial, at);
+    }
+
+    static void touchUp(void*, wl_touch*, std::uint32_t, std::uint32_t, std::int32_t) {}
+
+    static void touchMotion(void*, wl_touch*, std::uint32_t, std::int32_t, wl_fixed_t, wl_fixed_t) {
+    }
+
+    static void touchFrame(void*, wl_touch*) {}
+
+    static void touchCancel(void*, wl_touch*) {}
 
     static constexpr wl_seat_listener ofSeat{.capabilities = capabilities, .name = name};
     static constexpr wl_keyboard_listener ofKeyboard{.keymap = keymap,
@@ -110,32 +127,58 @@ struct WaylandSeat::Listeners {
         listener.axis = axis;
         return listener; // what a later version of the protocol adds is not told to ours
     }();
+    static constexpr wl_touch_listener ofTouch = [] {
+        wl_touch_listener listener{};
+        listener.down = touchDown;
+        listener.up = touchUp;
+        listener.motion = touchMotion;
+        listener.frame = touchFrame;
+        listener.cancel = touchCancel;
+        return listener;
+    }();
 };
 
-WaylandSeat::WaylandSeat(QtWayland& connection, Events events) : events_(std::move(events)) {
-    if (auto* const seat =
-            connection.registry().bindFirst<wl_seat>(wl_seat_interface, seatVersion)) {
-        takeSeat(seat);
+WaylandSeat::WaylandSeat(QtWayland& connection, Events events)
+    : events_(std::move(events)), connection_(connection) {
+    if (takeFirst()) {
         connection.roundTrip(); // the devices
         connection.roundTrip(); // who has the keyboard
-        return;
     }
-    lateSeat_ = connection.onAdded([this, &connection](const WaylandRegistry::Global& global) {
+    lateSeat_ = connection.onAdded([this](const WaylandRegistry::Global& global) {
         if (!seat_ && global.interface == wl_seat_interface.name)
-            takeSeat(connection.registry().bind<wl_seat>(global, wl_seat_interface, seatVersion));
+            takeFirst();
+    });
+    goneSeat_ = connection.onRemoved([this](const WaylandRegistry::Global& global) {
+        if (!seat_ || global.name != seatName_)
+            return;
+        forgetSeat();
+        takeFirst();
     });
 }
 
-void WaylandSeat::takeSeat(wl_seat* seat) {
-    seat_ = seat;
-    wl_seat_add_listener(seat_, &Listeners::ofSeat, this);
+WaylandSeat::~WaylandSeat() {
+    forgetSeat();
 }
 
-WaylandSeat::~WaylandSeat() {
+/// False where there is none.
+bool WaylandSeat::takeFirst() {
+    const auto& registry = connection_.registry();
+    const auto first = registry.find(wl_seat_interface.name);
+    if (!first)
+        return false;
+    seat_ = registry.bind<wl_seat>(*first, wl_seat_interface, seatVersion);
+    seatName_ = first->name;
+    wl_seat_add_listener(seat_, &Listeners::ofSeat, this);
+    return true;
+}
+
+void WaylandSeat::forgetSeat() {
     takeKeyboard(false);
     takePointer(false);
-    if (seat_)
-        wl_seat_destroy(seat_);
+    takeTouch(false);
+    lastSerial_.reset(); // it counts with its own seat alone
+    if (auto* const seat = std::exchange(seat_, nullptr))
+        wl_seat_destroy(seat);
 }
 
 void WaylandSeat::takeKeyboard(bool isThere) {
@@ -156,6 +199,21 @@ void WaylandSeat::takePointer(bool isThere) {
         wl_pointer_release(std::exchange(pointer_, nullptr));
         pointerFocus_ = nullptr;
     }
+}
+
+void WaylandSeat::takeTouch(bool isThere) {
+    if (isThere && !touch_) {
+        touch_ = wl_seat_get_touch(seat_);
+        wl_touch_add_listener(touch_, &Listeners::ofTouch, this);
+    } else if (!isThere && touch_) {
+        wl_touch_release(std::exchange(touch_, nullptr));
+    }
+}
+
+void WaylandSeat::tellPress(std::uint32_t serial, wl_surface* surface) {
+    lastSerial_ = serial;
+    if (events_.pressed)
+        events_.pressed(surface);
 }
 
 void WaylandSeat::moveFocus(wl_surface* surface) {
