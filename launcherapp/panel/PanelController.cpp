@@ -127,6 +127,9 @@ void PanelController::showBody() {
                                           window.hasKeyboard(),
                                           inWords(window.frame()),
                                           inWords(screens)));
+    if (!window.isVisible())
+        services_.diagnostics.log("panel: the desktop gave it no place on a screen, so it is not "
+                                  "to be seen");
     services_.updater.checkIfDue(updateInterval);
 }
 
@@ -153,8 +156,12 @@ void PanelController::painted() {
 
 void PanelController::hide() {
     auto& model = services_.model;
-    if (!isVisible())
+    if (!isVisible()) {
+        // A show that the desktop gave no place to may have had a query.
+        if (!model.isAtRest())
+            model.reset();
         return;
+    }
     rememberDrag();
     model.closeMenus();
     services_.window.hide();
@@ -215,6 +222,7 @@ std::vector<Screen> PanelController::placeAtPointer() {
 std::vector<Screen> PanelController::place() {
     rememberDrag();
     auto screens = services_.window.screens();
+    screens_ = screens;
     const auto screen = PanelPlacement::screen(screens, pointer_);
     if (!screen)
         return screens;
@@ -237,9 +245,10 @@ std::vector<Screen> PanelController::place() {
 void PanelController::screensChanged() {
     if (!isVisible())
         return;
+    const auto screens = services_.window.screens();
+    moveWithScreen(screens);
     auto field = services_.window.frame();
     field.height = PanelPlacement::emptyHeight;
-    const auto screens = services_.window.screens();
     const bool isSeen = std::ranges::any_of(screens, [&](const Screen& screen) {
         const auto& area = screen.workArea;
         return field.x >= area.x && field.y >= area.y && field.right() <= area.right() &&
@@ -249,6 +258,28 @@ void PanelController::screensChanged() {
         relayout();
     else
         placeAtPointer();
+}
+
+/// A monitor that comes on the left moves the others, and the panel is to stay on its own.
+void PanelController::moveWithScreen(const std::vector<Screen>& screens) {
+    const auto before = std::exchange(screens_, screens);
+    auto frame = services_.window.frame();
+    const Point top{.x = frame.x + frame.width / 2, .y = frame.y};
+    const auto own = std::ranges::find_if(
+        before, [&](const Screen& screen) { return screen.frame.contains(top); });
+    if (own == before.end())
+        return;
+    const auto now = std::ranges::find(screens, own->name, &Screen::name);
+    if (now == screens.end())
+        return;
+    const auto right = now->frame.x - own->frame.x;
+    const auto down = now->frame.y - own->frame.y;
+    if (right == 0 && down == 0)
+        return;
+    rememberDrag(); // in terms of the screens as they were
+    frame.x += right;
+    frame.y += down;
+    putWindow(frame);
 }
 
 void PanelController::keyboardCame() {

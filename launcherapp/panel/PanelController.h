@@ -92,6 +92,7 @@ private:
     void warm();
     void painted();
     void screensChanged();
+    void moveWithScreen(const std::vector<Screen>& screens);
     void keyboardCame();
     void windowMoved(const Rectangle& frame);
     void rememberDrag();
@@ -108,6 +109,7 @@ private:
     std::optional<Seconds> lastVisibleAt_; ///< when the panel was last seen up
     std::optional<Point> pointer_;         ///< where it was when it was last asked for
     std::optional<Rectangle> lastFrame_;   ///< as the program put it last
+    std::vector<Screen> screens_;          ///< that `lastFrame_`, or a drag, is in terms of
     std::optional<Point> draggedTo_;       ///< not stored yet
     bool placing_ = false;                 ///< the program itself moves the window
     Subscription modelChanges_;

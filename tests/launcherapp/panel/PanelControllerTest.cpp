@@ -211,6 +211,19 @@ TEST_F(PanelControllerTest, aBarThatHidesItselfDoesNotMoveAPanelThatIsSeen) {
     EXPECT_EQ(window.frame().x, 1560);
 }
 
+TEST_F(PanelControllerTest, staysOnItsScreenWhenAMonitorThatComesOnTheLeftMovesThat) {
+    auto own = window.monitors.front();
+    const Screen left{.name = "left", .frame = own.frame, .workArea = own.workArea};
+    panel.show("al");
+    const auto before = window.frame();
+    own.frame.x += left.frame.width;
+    own.workArea.x += left.frame.width;
+    window.changeScreens({left, own});
+    EXPECT_EQ(window.frame().x, before.x + left.frame.width);
+    EXPECT_EQ(window.frame().y, before.y);
+    EXPECT_NE(prefs.position(), PanelPosition::remembered) << "it was no drag";
+}
+
 TEST_F(PanelControllerTest, isWarmedWhileNobodyLooks) {
     panel.start();
     time.settle();
