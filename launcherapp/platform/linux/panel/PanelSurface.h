@@ -54,8 +54,11 @@ public:
 
     /// A drag with the button down has begun. True when the display carries it out, and nothing
     /// more is told of it here; false where the window moves itself, with `setFrame`, until
-    /// `endDrag`.
+    /// `endDrag`, until `endDrag`.
     virtual bool startDrag() = 0;
+
+    /// Ends one that the window does itself, before its last `setFrame`.
+    virtual void endDrag() {}
 
     /// Whether the display mixes windows with what is below: without it transparent pixels are
     /// black. May change at any time.

@@ -88,7 +88,8 @@ public:
     void hide() {
         losesOnce_ = false;
         paintsOnce_ = false;
-        endDrag();
+        if (stopDrag())
+            tell(events.moved, frame);
         surface->hide();
     }
 
@@ -159,12 +160,20 @@ private:
     }
 
     void endDrag() {
-        heldAt_.reset();
-        // Told once, since whoever listens keeps the place in a file.
-        if (!std::exchange(dragged_, false))
+        if (!stopDrag())
             return;
         surface->setFrame(withShadow()); // it may have come to another screen
+        // Told once, since whoever listens keeps the place in a file.
         tell(events.moved, frame);
+    }
+
+    /// Whether there was one that moved the window.
+    bool stopDrag() {
+        heldAt_.reset();
+        if (!std::exchange(dragged_, false))
+            return false;
+        surface->endDrag();
+        return true;
     }
 
     void watchScreens() {

@@ -4,6 +4,7 @@
 #include "launcherapp/platform/linux/panel/QtScreens.h"
 #include "launcherapp/platform/linux/wayland/LayerShell.h"
 
+#include <private/qhighdpiscaling_p.h>
 #include <qpa/qwindowsysteminterface.h>
 #include <wayland-client.h>
 
@@ -26,6 +27,13 @@ constexpr std::uint32_t takesKeyboard = 1;
 
 /// How long another surface may keep the keyboard after a show: a lock, or another overlay.
 constexpr std::chrono::seconds keyboardLimit{1};
+
+/// What of Qt's is there in the screen's own coordinates, as the compositor counts them:
+/// QT_SCALE_FACTOR comes between the two.
+QRect onScreen(const QRect& rect, const QScreen& screen) {
+    const auto at = rect.topLeft() - screen.geometry().topLeft();
+    return {QHighDpi::toNativePixels(at, &screen), QHighDpi::toNativePixels(rect.size(), &screen)};
+}
 
 } // namespace
 
@@ -58,6 +66,12 @@ void LayerPanelSurface::prepare(QWidget& widget, Events events) {
     // The hint keeps Qt from giving the surface a role of an ordinary window.
     widget.setWindowFlags(widget.windowFlags() | Qt::Window | Qt::FramelessWindowHint |
                           Qt::BypassWindowManagerHint);
+    QObject::connect(
+        qApp,
+        &QGuiApplication::screenAdded,
+        &lifetime_,
+        [this] { watchOutside(); },
+        Qt::QueuedConnection);
 }
 
 void LayerPanelSurface::setFrame(const Rectangle& frame) {
@@ -65,7 +79,7 @@ void LayerPanelSurface::setFrame(const Rectangle& frame) {
     const auto rect = QtGeometry::rounded(frame);
     // While a button is down, wlroots tells where the pointer is in the surface as if the surface
     // stood where it was pressed; Qt's window stands there too, then, and a drag adds up.
-    if (role_ && QGuiApplication::mouseButtons() != Qt::NoButton)
+    if (role_ && isDragged_)
         widget_->resize(rect.size());
     else
         widget_->setGeometry(rect);
@@ -78,7 +92,7 @@ void LayerPanelSurface::setFrame(const Rectangle& frame) {
 /// A surface is seen on its own output alone. Not while it is dragged: the drag would end with the
 /// surface that it began on.
 bool LayerPanelSurface::isToChangeScreens() const {
-    if (!role_ || role_->isClosed() || !screen_ || QGuiApplication::mouseButtons() != Qt::NoButton)
+    if (!role_ || role_->isClosed() || !screen_ || isDragged_)
         return false;
     auto* const wanted = screenOfFrame();
     return wanted && wanted != screen_;
@@ -140,8 +154,8 @@ bool LayerPanelSurface::takePlace() {
 void LayerPanelSurface::putInPlace() {
     if (!screen_)
         return; // it has left, and the panel is about to go
-    const auto frame = QtGeometry::rounded(frame_);
-    const auto at = frame.topLeft() - screen_->geometry().topLeft();
+    const auto frame = onScreen(QtGeometry::rounded(frame_), *screen_);
+    const auto at = frame.topLeft();
     zwlr_layer_surface_v1_set_size(role_->wishes(),
                                    static_cast<std::uint32_t>(std::max(frame.width(), 1)),
                                    static_cast<std::uint32_t>(std::max(frame.height(), 1)));
@@ -167,18 +181,21 @@ void LayerPanelSurface::leaveOutPanel() {
     for (const auto& [screen, surface] : outside_) {
         if (!screen)
             continue;
-        const auto at = panel.topLeft() - screen->geometry().topLeft();
-        surface->leaveOut(at.x(), at.y(), panel.width(), panel.height());
+        const auto hole = onScreen(panel, *screen);
+        surface->leaveOut(hole.x(), hole.y(), hole.width(), hole.height());
     }
 }
 
 /// The compositor tells of no click that isn't on one of our surfaces, so there is one everywhere.
 /// They come after the panel, which is waited for, and so lie above it with a hole for it.
 void LayerPanelSurface::watchOutside() {
-    if (!role_ || !outside_.empty() || !transparent_.canBeMade() || !transparent_.viewporter)
+    if (!role_ || !transparent_.canBeMade() || !transparent_.viewporter)
         return;
+    std::erase_if(outside_, [](const Outside& each) { return !each.screen; });
     for (auto* const screen : QGuiApplication::screens()) {
-        if (auto* const output = QtWayland::output(*screen))
+        const bool isWatched = std::ranges::any_of(
+            outside_, [screen](const Outside& each) { return each.screen == screen; });
+        if (auto* const output = isWatched ? nullptr : QtWayland::output(*screen))
             outside_.push_back({.screen = screen,
                                 .surface = std::make_unique<TransparentSurface>(
                                     transparent_, output, TransparentSurface::Size::output)});
@@ -190,6 +207,7 @@ void LayerPanelSurface::takeAway() {
     keyboardPatience_.stop();
     hadKeyboard_ = false;
     hasFirstFrame_ = false;
+    isDragged_ = false; // nobody tells of a button that is let go over a surface that is gone
     outside_.clear();
     role_.reset(); // before its surface, which goes with the window
     if (!widget_)
@@ -265,7 +283,12 @@ void LayerPanelSurface::finishDrawing() {
 }
 
 bool LayerPanelSurface::startDrag() {
+    isDragged_ = true;
     return false;
+}
+
+void LayerPanelSurface::endDrag() {
+    isDragged_ = false;
 }
 
 bool LayerPanelSurface::mixes() const {

@@ -37,6 +37,7 @@ public:
     std::optional<double> displayedHeight() const override;
     void finishDrawing() override;
     bool startDrag() override;
+    void endDrag() override;
     bool mixes() const override;
     std::vector<Screen> screens() const override;
 
@@ -75,6 +76,7 @@ private:
     Rectangle frame_;
     bool hadKeyboard_ = false;   ///< since it came up
     bool hasFirstFrame_ = false; ///< the compositor has it, and nobody has asked yet
+    bool isDragged_ = false;     ///< by the window itself
     unsigned shows_ = 0;         ///< so many were asked for
     QTimer keyboardPatience_;    ///< runs while it is up and the keyboard hasn't come yet
     QObject lifetime_;           ///< of what is posted

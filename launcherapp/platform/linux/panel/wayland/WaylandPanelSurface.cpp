@@ -70,6 +70,11 @@ bool WaylandPanelSurface::startDrag() {
     return chosen_ && chosen_->startDrag();
 }
 
+void WaylandPanelSurface::endDrag() {
+    if (chosen_)
+        chosen_->endDrag();
+}
+
 bool WaylandPanelSurface::mixes() const {
     return true; // all compositors do
 }

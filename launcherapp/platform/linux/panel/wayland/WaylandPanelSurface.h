@@ -21,6 +21,7 @@ public:
     std::optional<double> displayedHeight() const override;
     void finishDrawing() override;
     bool startDrag() override;
+    void endDrag() override;
     bool mixes() const override;
     std::vector<Screen> screens() const override;
     std::optional<Point> pointer() const override;
