@@ -91,6 +91,15 @@ TEST_F(KWinDesktopTest, thePanelTakesTheKeysAndGivesThemBack) {
     EXPECT_TRUE(becomes(4, hidden)) << "a finger beside it";
 }
 
+TEST_F(KWinDesktopTest, aDragMovesThePanelAsFarAsThePointer) {
+    summon();
+    input.drag(290, 170, 6, 20, 10);
+    run("gapplication action com.corvane.tessarine toggle");
+    ASSERT_TRUE(becomes(1, hidden));
+    summon();
+    EXPECT_EQ(logged("frame=400,220 "), 1);
+}
+
 TEST_F(KWinDesktopTest, aVerbMovesTheWindowThatWasInFront) {
     summon();
     input.strike({KEY_L, KEY_E, KEY_F, KEY_T, KEY_ENTER});

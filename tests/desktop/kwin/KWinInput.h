@@ -5,9 +5,11 @@
 #include <fake-input.h>
 #include <linux/input-event-codes.h>
 
+#include <chrono>
 #include <cstdint>
 #include <initializer_list>
 #include <stdexcept>
+#include <thread>
 
 namespace tessarine {
 
@@ -44,6 +46,20 @@ public:
             input_, wl_fixed_from_int(x), wl_fixed_from_int(y));
         for (const std::uint32_t state : {1U, 0U})
             org_kde_kwin_fake_input_button(input_, BTN_LEFT, state);
+        connection_.roundTrip();
+    }
+
+    /// With the button down, in steps of that many pixels.
+    void drag(int x, int y, int steps, int right, int down) {
+        for (int step = 0; step <= steps; ++step) {
+            org_kde_kwin_fake_input_pointer_motion_absolute(
+                input_, wl_fixed_from_int(x + step * right), wl_fixed_from_int(y + step * down));
+            if (step == 0)
+                org_kde_kwin_fake_input_button(input_, BTN_LEFT, 1);
+            connection_.roundTrip();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a hand's pace
+        }
+        org_kde_kwin_fake_input_button(input_, BTN_LEFT, 0);
         connection_.roundTrip();
     }
 

@@ -28,6 +28,9 @@ constexpr std::uint32_t takesKeyboard = 1;
 /// How long another surface may keep the keyboard after a show: a lock, or another overlay.
 constexpr std::chrono::seconds keyboardLimit{1};
 
+/// Offered by KWin alone.
+constexpr auto kwinsOwn = "org_kde_plasma_shell";
+
 /// What of Qt's is there in the screen's own coordinates, as the compositor counts them:
 /// QT_SCALE_FACTOR comes between the two.
 QRect onScreen(const QRect& rect, const QScreen& screen) {
@@ -77,16 +80,30 @@ void LayerPanelSurface::prepare(QWidget& widget, Events events) {
 void LayerPanelSurface::setFrame(const Rectangle& frame) {
     frame_ = frame;
     const auto rect = QtGeometry::rounded(frame);
-    // While a button is down, wlroots tells where the pointer is in the surface as if the surface
-    // stood where it was pressed; Qt's window stands there too, then, and a drag adds up.
-    if (role_ && isDragged_)
-        widget_->resize(rect.size());
-    else
-        widget_->setGeometry(rect);
+    if (role_ && isDragged_) {
+        putInPlace();
+        followDrag(rect);
+        return;
+    }
+    widget_->setGeometry(rect);
     if (isToChangeScreens())
         comeUp();
     else if (role_)
         putInPlace();
+}
+
+/// While a button is down, wlroots tells where the pointer is in the surface as if the surface
+/// stood where it was pressed; Qt's window stands there too, then, and a drag adds up. KWin tells
+/// of where the surface stands now. What it told before that is taken with Qt's window where that
+/// was.
+void LayerPanelSurface::followDrag(const QRect& frame) {
+    if (!connection_->registry().find(kwinsOwn)) {
+        widget_->resize(frame.size());
+        return;
+    }
+    connection_->roundTrip();
+    connection_->roundTrip(); // it moves surfaces after it has read what was asked for
+    widget_->setGeometry(frame);
 }
 
 /// A surface is seen on its own output alone. Not while it is dragged: the drag would end with the

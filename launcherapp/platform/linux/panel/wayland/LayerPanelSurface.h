@@ -12,6 +12,7 @@
 #include <memory>
 #include <vector>
 
+class QRect;
 class QScreen;
 class QWidget;
 
@@ -54,6 +55,7 @@ private:
     void comeUp();
     void takeAway();
     bool isToChangeScreens() const;
+    void followDrag(const QRect& frame);
     bool takePlace();
     void putInPlace();
     void drawNow();
