@@ -26,21 +26,6 @@ TEST_F(MutterDesktopTest, thePanelTakesTheKeysAndGivesThemBack) {
     EXPECT_TRUE(terminalGets("again"));
 }
 
-// The compositor takes the keyboard for the time that it moves a window.
-TEST_F(MutterDesktopTest, aPressOnTheBackgroundAndADragKeepThePanelUp) {
-    start(invitation);
-    summon();
-    keyboard.pressPointer(360, 60);
-    keyboard.releasePointer();
-    keyboard.pressPointer(360, 60);
-    for (int step = 0; step < 5; ++step)
-        keyboard.dragPointer(20, 10);
-    keyboard.releasePointer();
-    keyboard.type("zebra\n");
-    EXPECT_TRUE(started("zebra"));
-    EXPECT_TRUE(goesAway(1));
-}
-
 // The compositor shows the clipboard to programs without the focus on its display for X11 programs.
 TEST_F(MutterDesktopTest, theHistorySeesTheCopiesOfWaylandProgramsAndCopiesBack) {
     openTerminal();

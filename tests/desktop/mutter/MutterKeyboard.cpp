@@ -96,22 +96,6 @@ void MutterKeyboard::press(std::initializer_list<std::uint32_t> keys) {
         parts_->set(*key, false);
 }
 
-// The place itself is told to whoever records the screen alone.
-void MutterKeyboard::pressPointer(double x, double y) {
-    constexpr double beyond = -10'000; // any screen's top left
-    dragPointer(beyond, beyond);
-    dragPointer(x, y);
-    answer(parts_->session, name(".Session"), "NotifyPointerButton", {BTN_LEFT, true});
-}
-
-void MutterKeyboard::dragPointer(double right, double down) {
-    answer(parts_->session, name(".Session"), "NotifyPointerMotionRelative", {right, down});
-}
-
-void MutterKeyboard::releasePointer() {
-    answer(parts_->session, name(".Session"), "NotifyPointerButton", {BTN_LEFT, false});
-}
-
 void MutterKeyboard::type(const std::string& text) {
     for (const char each : text)
         press({keyOf(each)});

@@ -24,11 +24,6 @@ public:
     /// Lower-case letters, digits, spaces and line ends.
     void type(const std::string& text);
 
-    /// The left button of the pointer that comes along: down there, and moved with it and let go.
-    void pressPointer(double x, double y);
-    void dragPointer(double right, double down);
-    void releasePointer();
-
 private:
     struct Parts;
     std::unique_ptr<Parts> parts_;
