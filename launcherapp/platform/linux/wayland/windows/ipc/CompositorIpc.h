@@ -16,6 +16,8 @@ namespace tessarine {
 /// Qt's event loop.
 class CompositorIpc {
 public:
+    using Clock = std::chrono::steady_clock;
+
     /// Longest wait for an answer that somebody waits for: one takes a millisecond mostly. After
     /// one that didn't come nobody waits any more until it has.
     static constexpr auto patience = WindowControl::longestRestore;
@@ -44,7 +46,8 @@ public:
     virtual void activate(std::uint64_t window) = 0;
     virtual void unhide(const WindowScene::Window& window) = 0;
     /// Neither full-screen nor put away nor tiled, which it is when the order has been answered.
-    virtual void makeOrdinary(const WindowScene::Window& window) = 0;
+    /// Waits until the deadline at most.
+    virtual void makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) = 0;
     /// Gives an ordinary window that frame, as far as it suits the window.
     virtual void place(const WindowScene::Window& window, const Rectangle& frame) = 0;
     virtual void close(std::uint64_t window) = 0;

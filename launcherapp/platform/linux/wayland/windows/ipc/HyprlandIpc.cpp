@@ -17,8 +17,6 @@ namespace tessarine {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr auto eventSocket = "/.socket2.sock";
 
 /// Those after which windows are others, or elsewhere. Some more are told for what is nobody's
@@ -105,12 +103,16 @@ std::unique_ptr<HyprlandIpc::Question> HyprlandIpc::ask(std::string_view request
 }
 
 std::optional<std::string> HyprlandIpc::await(const std::string& request) {
+    return await(request, Clock::now() + patience);
+}
+
+std::optional<std::string> HyprlandIpc::await(const std::string& request,
+                                              Clock::time_point deadline) {
     if (!asking().available)
         return std::nullopt;
     auto question = ask(request);
-    const auto end = Clock::now() + patience;
     while (!question->isAnswered()) {
-        if (!question->socket.wait(end)) {
+        if (!question->socket.wait(deadline)) {
             late_ = std::move(question);
             return std::nullopt;
         }
@@ -231,16 +233,16 @@ void HyprlandIpc::unhide(const WindowScene::Window& window) {
         activate(window.window.id); // which shows its workspace
 }
 
-void HyprlandIpc::makeOrdinary(const WindowScene::Window& window) {
-    unhide(window);
-    if (window.isFullScreen) {
-        // Both orders are for the active window alone; older versions know the second.
-        activate(window.window.id);
-        if (await("dispatch fullscreenstate 0 0").value_or("ok") != "ok")
-            await("dispatch fullscreen 0");
-    }
+void HyprlandIpc::makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) {
+    const auto name = named(window.window.id);
+    if (window.window.hidden || window.isFullScreen)
+        await("dispatch focuswindow " + name, deadline); // which shows its workspace
+    // Both orders are for the active window alone; older versions know the second.
+    if (window.isFullScreen &&
+        await("dispatch fullscreenstate 0 0", deadline).value_or("ok") != "ok")
+        await("dispatch fullscreen 0", deadline);
     if (window.isTiled)
-        await("dispatch setfloating " + named(window.window.id));
+        await("dispatch setfloating " + name, deadline);
 }
 
 void HyprlandIpc::place(const WindowScene::Window& window, const Rectangle& frame) {

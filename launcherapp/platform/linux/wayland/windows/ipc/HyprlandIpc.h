@@ -37,7 +37,7 @@ public:
     void takeWhatCame() override;
     void activate(std::uint64_t window) override;
     void unhide(const WindowScene::Window& window) override;
-    void makeOrdinary(const WindowScene::Window& window) override;
+    void makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) override;
     void place(const WindowScene::Window& window, const Rectangle& frame) override;
     void close(std::uint64_t window) override;
 
@@ -49,6 +49,7 @@ private:
     std::optional<WindowScene> readScene(std::string_view clients, std::string_view monitors);
     std::unique_ptr<Question> ask(std::string_view request) const;
     std::optional<std::string> await(const std::string& request);
+    std::optional<std::string> await(const std::string& request, Clock::time_point deadline);
     void readEvents();
     void noteLoss();
     void askForScene();

@@ -63,8 +63,10 @@ std::optional<Rectangle> IpcWindowControl::frame(std::uint64_t window) const {
 
 void IpcWindowControl::restore(std::uint64_t window) {
     wanted_.reset();
+    // The question before counts too.
+    const auto deadline = CompositorIpc::Clock::now() + longestRestore;
     if (const auto found = find(window))
-        compositor_->makeOrdinary(*found);
+        compositor_->makeOrdinary(*found, deadline);
 }
 
 void IpcWindowControl::resize(std::uint64_t window, double width, double height) {

@@ -68,8 +68,8 @@ void ReturningIpc::unhide(const WindowScene::Window& window) {
     living().unhide(window);
 }
 
-void ReturningIpc::makeOrdinary(const WindowScene::Window& window) {
-    living().makeOrdinary(window);
+void ReturningIpc::makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) {
+    living().makeOrdinary(window, deadline);
 }
 
 void ReturningIpc::place(const WindowScene::Window& window, const Rectangle& frame) {

@@ -32,7 +32,7 @@ public:
     void takeWhatCame() override;
     void activate(std::uint64_t window) override;
     void unhide(const WindowScene::Window& window) override;
-    void makeOrdinary(const WindowScene::Window& window) override;
+    void makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) override;
     void place(const WindowScene::Window& window, const Rectangle& frame) override;
     void close(std::uint64_t window) override;
 

@@ -16,8 +16,6 @@ namespace tessarine {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 // sway-ipc(7), "MESSAGES AND REPLIES" and "EVENTS"
 constexpr std::string_view magic = "i3-ipc";
 constexpr std::uint32_t runCommand = 0;
@@ -203,7 +201,7 @@ void SwayIpc::unhide(const WindowScene::Window& window) {
         order(window.window.id, "scratchpad show");
 }
 
-void SwayIpc::makeOrdinary(const WindowScene::Window& window) {
+void SwayIpc::makeOrdinary(const WindowScene::Window& window, Clock::time_point) {
     unhide(window);
     if (window.isFullScreen)
         order(window.window.id, "fullscreen disable");

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <QSocketNotifier>
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 #include <utility>
@@ -16,7 +17,6 @@ namespace tessarine {
 
 namespace {
 
-using Clock = KWinScripts::Clock;
 using Json = nlohmann::json;
 
 /// How long a window may stay as it is until it counts as one that nothing will change, such as one
@@ -82,6 +82,10 @@ void KWinIpc::noteLoss() {
 }
 
 std::optional<WindowScene> KWinIpc::scene() {
+    return sceneBy(Clock::now() + patience);
+}
+
+std::optional<WindowScene> KWinIpc::sceneBy(Clock::time_point deadline) {
     read();
     if (!isConnected() || answered_ < late_)
         return std::nullopt;
@@ -89,9 +93,8 @@ std::optional<WindowScene> KWinIpc::scene() {
     const auto wanted = started_ + 1;
     isSceneWanted_ = true;
     start();
-    const auto end = Clock::now() + patience;
     while (answered_ < wanted && isConnected()) {
-        if (!scripts_->wait(end)) {
+        if (!scripts_->wait(deadline)) {
             late_ = wanted;
             return std::nullopt;
         }
@@ -209,15 +212,14 @@ void KWinIpc::unhide(const WindowScene::Window& window) {
 }
 
 /// Its program has a say in the size, so KWin has done it when the program has.
-void KWinIpc::makeOrdinary(const WindowScene::Window& window) {
+void KWinIpc::makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) {
     order("makeOrdinary", window.window.id);
     if (!window.isFullScreen && !window.isTiled)
         return;
     const auto begin = Clock::now();
-    const auto end = begin + patience;
     auto before = window.frame;
-    while (Clock::now() < end) {
-        const auto now = scene();
+    while (Clock::now() < deadline) {
+        const auto now = sceneBy(deadline);
         const auto* found = now ? now->find(window.window.id) : nullptr;
         if (!found || (!found->isFullScreen && !found->isTiled))
             return;
@@ -225,6 +227,9 @@ void KWinIpc::makeOrdinary(const WindowScene::Window& window) {
         if (isSettled && Clock::now() - begin > settling)
             return;
     }
+    // The last question may have had no time: the place that it is given now is asked for all the
+    // same.
+    late_ = std::min(late_, answered_);
 }
 
 void KWinIpc::place(const WindowScene::Window& window, const Rectangle& frame) {

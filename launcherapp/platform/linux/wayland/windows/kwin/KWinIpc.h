@@ -38,7 +38,7 @@ public:
     void takeWhatCame() override;
     void activate(std::uint64_t window) override;
     void unhide(const WindowScene::Window& window) override;
-    void makeOrdinary(const WindowScene::Window& window) override;
+    void makeOrdinary(const WindowScene::Window& window, Clock::time_point deadline) override;
     void place(const WindowScene::Window& window, const Rectangle& frame) override;
     void close(std::uint64_t window) override;
 
@@ -52,6 +52,7 @@ private:
         std::string problem;
     };
 
+    std::optional<WindowScene> sceneBy(Clock::time_point deadline);
     void read();
     bool takesOrders();
     void order(const char* verb, std::uint64_t window);
