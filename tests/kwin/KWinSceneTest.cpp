@@ -12,8 +12,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 std::optional<WindowScene> read(const std::string& text) {
-    auto json = nlohmann::json::parse(text, nullptr, false);
-    return KWinScene::read(json);
+    return KWinScene::read(nlohmann::json::parse(text, nullptr, false));
 }
 
 TEST(KWinScene, whatIsNoSceneIsNothing) {

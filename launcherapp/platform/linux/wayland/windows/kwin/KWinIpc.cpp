@@ -146,7 +146,7 @@ KWinIpc::Reading KWinIpc::reading(Json* message) {
         return {.problem = "KWin runs no scripts of this program's"};
     JsonFields told(*message);
     auto* const scene = told.member("scene");
-    Reading read{.scene = scene ? KWinScene::read(*scene) : std::nullopt};
+    Reading read{.scene = scene ? KWinScene::read(std::move(*scene)) : std::nullopt};
     if (const auto problem = told.optional<std::string>("problem"))
         read.problem = "this program's script in KWin failed: " + *problem;
     else if (!read.scene)

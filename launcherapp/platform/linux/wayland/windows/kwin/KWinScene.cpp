@@ -78,7 +78,7 @@ std::optional<Screen> screen(Json& json) {
 
 } // namespace
 
-std::optional<WindowScene> KWinScene::read(Json& scene) {
+std::optional<WindowScene> KWinScene::read(Json scene) {
     JsonFields fields(scene);
     auto* const windows = list(fields, "windows");
     auto* const screens = list(fields, "screens");

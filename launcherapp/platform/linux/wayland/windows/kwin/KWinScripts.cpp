@@ -173,13 +173,13 @@ std::string KWinScripts::file(const std::string& name) const {
     return fmt::format("{}/{}{}", folder_, name, suffix);
 }
 
-std::uint64_t KWinScripts::start(Task task, Told told) {
+std::uint64_t KWinScripts::start(Work work, Told told) {
     const auto number = ++last_;
     const auto ownName = name(number);
     const auto text = KWinProgram::text({.listener = bus_->name(),
                                          .script = ownName,
-                                         .orders = std::move(task.orders),
-                                         .follows = task.follows});
+                                         .orders = std::move(work.orders),
+                                         .follows = work.follows});
     if (!write(file(ownName), text)) {
         const std::string why = std::strerror(errno);
         remove(file(ownName)); // a part of it
@@ -199,13 +199,13 @@ std::uint64_t KWinScripts::start(Task task, Told told) {
                    if (!object || *object < 0)
                        fail(number);
                    else
-                       run(number, static_cast<std::uint64_t>(*object), *taken);
+                       runObject(number, static_cast<std::uint64_t>(*object), *taken);
                });
     return number;
 }
 
 /// `taken` tells of the objects that were there before.
-void KWinScripts::run(std::uint64_t script, std::uint64_t object, const std::string& taken) {
+void KWinScripts::runObject(std::uint64_t script, std::uint64_t object, const std::string& taken) {
     const auto old = std::to_string(object);
     const auto name = "Script" + old;
     const auto isTaken = [&](const std::string& node) {
@@ -213,9 +213,9 @@ void KWinScripts::run(std::uint64_t script, std::uint64_t object, const std::str
     };
     if (isTaken(old) || isTaken(name))
         // It is without an object. This runs whatever doesn't run yet.
-        run(script, {call("start", {})});
+        tryWays(script, {call("start", {})});
     else // where KWin 6 has it, and where KWin 5 has
-        run(script, {runCall("/Scripting/" + name), runCall("/" + old)});
+        tryWays(script, {runCall("/Scripting/" + name), runCall("/" + old)});
 }
 
 BusCall KWinScripts::runCall(std::string path) const {
@@ -225,7 +225,7 @@ BusCall KWinScripts::runCall(std::string path) const {
 }
 
 /// The first of these ways that KWin knows.
-void KWinScripts::run(std::uint64_t script, std::vector<BusCall> ways) {
+void KWinScripts::tryWays(std::uint64_t script, std::vector<BusCall> ways) {
     if (ways.empty())
         return fail(script);
     const auto way = std::move(ways.front());
@@ -234,7 +234,7 @@ void KWinScripts::run(std::uint64_t script, std::vector<BusCall> ways) {
         if (reply.succeeded())
             watch(script);
         else
-            run(script, ways);
+            tryWays(script, ways);
     });
 }
 

@@ -47,14 +47,14 @@ public:
     KWinScripts(const KWinScripts&) = delete;
     KWinScripts& operator=(const KWinScripts&) = delete;
 
-    struct Task {
+    struct Work {
         std::string orders = "[]"; ///< as KWinProgram has them
         bool follows = false;
     };
 
     /// Has KWin load and run a script; returns its number. Waits for nothing. Throws
     /// std::runtime_error where the script's file can't be written; `told` isn't called then.
-    std::uint64_t start(Task task, Told told);
+    std::uint64_t start(Work work, Told told);
 
     /// Unloads it. Nothing happens when it has ended.
     void end(std::uint64_t script);
@@ -86,8 +86,8 @@ private:
     std::string name(std::uint64_t script) const;
     std::string file(const std::string& name) const;
     BusCall runCall(std::string path) const;
-    void run(std::uint64_t script, std::uint64_t object, const std::string& taken);
-    void run(std::uint64_t script, std::vector<BusCall> ways);
+    void runObject(std::uint64_t script, std::uint64_t object, const std::string& taken);
+    void tryWays(std::uint64_t script, std::vector<BusCall> ways);
     void watch(std::uint64_t script);
     void fail(std::uint64_t script);
     void hear(const BusNews& news);
