@@ -54,6 +54,12 @@ Ability KWinIpc::ability() {
         return Ability::missing("the connection to KWin was lost");
     if (answered_ < late_)
         return Ability::missing("KWin doesn't answer");
+    if (!problem_.empty()) {
+        // It may be over, which the next who asks is to know: whoever is told that nothing can be
+        // done orders nothing that would show it.
+        isSceneWanted_ = true;
+        start();
+    }
     for (const auto& problem : {problem_, followerProblem_}) {
         if (!problem.empty())
             return Ability::missing(problem);
