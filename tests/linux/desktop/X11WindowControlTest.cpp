@@ -138,7 +138,7 @@ public:
 
     void unhide(const WindowScene::Window&) override {}
 
-    void makeOrdinary(const WindowScene::Window&) override {}
+    void makeOrdinary(const WindowScene::Window&, Clock::time_point) override {}
 
     void place(const WindowScene::Window&, const Rectangle&) override {}
 
