@@ -1,3 +1,4 @@
+#include "launcherapp/clipboard/ClipTakeOver.h"
 #include "tests/desktop/panel/PanelDesktop.h"
 #include "tests/linux/pasteboard/ForeignOwner.h"
 
@@ -106,6 +107,11 @@ for number in range(int(sys.argv[2])):
         return nlohmann::json::parse(tessarine::run(all, environment).out, nullptr, false);
     }
 
+    /// What comes sooner after a program's end may be what it had copied, put there again.
+    static void letNobodyTakeOver() {
+        std::this_thread::sleep_for(ClipTakeOver::longestPause + std::chrono::milliseconds(100));
+    }
+
     static constexpr auto clipboardChord = "super+shift+v";
 
 private:
@@ -141,6 +147,7 @@ TEST_F(PanelClipboardTest, holdsExactlyWhatItShould) {
         });
         EXPECT_TRUE(becomes(1, "clipboard: could not read a copy"));
     }
+    letNobodyTakeOver();
     {
         std::atomic<int> contentsAsked = 0;
         ForeignOwner blank([&](ForeignOwner& owner, const ForeignOwner::Request& request) {
@@ -152,6 +159,7 @@ TEST_F(PanelClipboardTest, holdsExactlyWhatItShould) {
         });
         EXPECT_TRUE(waitUntil(patience, [&] { return contentsAsked > 0; }));
     }
+    letNobodyTakeOver();
     copy("a \xff b");
     EXPECT_TRUE(keeps({"a \xef\xbf\xbd b", "/etc/hostname\n/tmp/a b", "plain text"}))
         << testing::PrintToString(keptTexts());
