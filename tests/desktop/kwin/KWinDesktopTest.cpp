@@ -1,4 +1,4 @@
-#include "tests/desktop/ProgramOnDesktop.h"
+#include "tests/desktop/ProgramOnWayland.h"
 #include "tests/desktop/kwin/KWinInput.h"
 
 #include <chrono>
@@ -8,10 +8,10 @@ namespace tessarine {
 namespace {
 
 /// The real program under KWin, called over the session bus as a key of KDE's settings calls it.
-class KWinDesktopTest : public ProgramOnDesktop {
+class KWinDesktopTest : public ProgramOnWayland {
 protected:
     KWinDesktopTest()
-        : ProgramOnDesktop({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
+        : ProgramOnWayland({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
                             {"XDG_SESSION_TYPE", "wayland"},
                             {"XDG_CURRENT_DESKTOP", "KDE"}}) {}
 
@@ -20,34 +20,14 @@ protected:
         start("gapplication action com.corvane.tessarine toggle");
     }
 
-    /// A real text field of another toolkit, whose text is written to a file at each change.
-    /// Returns when it has the keyboard.
+    /// Returns when the field has the keyboard.
     void openField() {
-        folder.write("/field.py", R"(
-import gi, os, sys
-gi.require_version("Gtk", "3.0")
-from gi.repository import Gtk, GLib
-GLib.set_prgname("field-notes")
-window = Gtk.Window(title="Field Notes")
-entry = Gtk.Entry()
-window.add(entry)
-def changed(_):
-    with open(sys.argv[1] + ".new", "w") as out:
-        out.write(entry.get_text())
-    os.rename(sys.argv[1] + ".new", sys.argv[1])
-entry.connect("changed", changed)
-window.show_all()
-Gtk.main()
-)");
-        launch("GDK_BACKEND=wayland /usr/bin/python3 " + folder.path("/field.py") + " " +
-               folder.path("/written"));
+        launchField();
         ASSERT_TRUE(waitUntil(patience, [&] {
             input.strike({KEY_Q});
             return written().ends_with("q");
         }));
     }
-
-    std::string written() const { return textOf(folder.path("/written")); }
 
     bool fieldGets(std::uint32_t key, const std::string& letter) {
         const auto before = written();
@@ -60,11 +40,6 @@ Gtk.main()
         run("gapplication action com.corvane.tessarine " + action);
         if (!becomes(before + 1, shown))
             throw std::runtime_error("the panel did not come up");
-    }
-
-    void copy(const std::string& text, const std::string& options = "") const {
-        folder.write("/copied", text);
-        launch("wl-copy --foreground " + options + " < " + folder.path("/copied"));
     }
 
     KWinInput input;
@@ -123,10 +98,7 @@ TEST_F(KWinDesktopTest, theHistoryHoldsWhatIsCopiedAndGivesItBack) {
     summon("clipboard");
     input.strike({KEY_DOWN, KEY_ENTER});
     EXPECT_TRUE(becomes(1, hidden));
-    EXPECT_TRUE(waitUntil(patience, [&] {
-        run("timeout 5 wl-paste --no-newline > " + folder.path("/pasted"));
-        return textOf(folder.path("/pasted")) == "first";
-    }));
+    EXPECT_TRUE(waitUntil(patience, [] { return pasted() == "first"; }));
 }
 
 } // namespace

@@ -2,28 +2,12 @@
 
 #include "launcherapp/platform/linux/wayland/WaylandConnection.h"
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <stdexcept>
 
 namespace tessarine {
 
-namespace {
-
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::string output;
-    std::array<char, 4096> piece{};
-    while (const auto count = std::fread(piece.data(), 1, piece.size(), pipe.get()))
-        output.append(piece.data(), count);
-    return output;
-}
-
-} // namespace
-
 MutterDesktop::MutterDesktop()
-    : ProgramOnDesktop({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
+    : ProgramOnWayland({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
                         {"DISPLAY", variable("DISPLAY")},
                         {"XAUTHORITY", variable("XAUTHORITY")},
                         {"XDG_SESSION_TYPE", "wayland"},
@@ -62,15 +46,6 @@ void MutterDesktop::openTerminal() {
 bool MutterDesktop::terminalGets(const std::string& line) {
     keyboard.type(line + "\n");
     return waitUntil(patience, [&] { return lines().ends_with("\n" + line + "\n"); });
-}
-
-void MutterDesktop::copy(const std::string& text, const std::string& options) const {
-    folder.write("/copied", text);
-    launch("wl-copy --foreground " + options + " < " + folder.path("/copied"));
-}
-
-std::string MutterDesktop::pasted(const std::string& options) const {
-    return outputOf("timeout 10 wl-paste --no-newline " + options);
 }
 
 } // namespace tessarine

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/desktop/ProgramOnDesktop.h"
+#include "tests/desktop/ProgramOnWayland.h"
 #include "tests/desktop/mutter/MutterKeyboard.h"
 
 #include <linux/input-event-codes.h>
@@ -11,7 +11,7 @@ namespace tessarine {
 
 /// The real program under GNOME's compositor, called over the session bus as a key of GNOME's
 /// settings calls it.
-class MutterDesktop : public ProgramOnDesktop {
+class MutterDesktop : public ProgramOnWayland {
 protected:
     MutterDesktop();
     ~MutterDesktop() override;
@@ -26,9 +26,6 @@ protected:
     void openTerminal();
     /// Whether the terminal gets what is typed now.
     bool terminalGets(const std::string& line);
-
-    void copy(const std::string& text, const std::string& options = "") const;
-    std::string pasted(const std::string& options = "") const;
 
     MutterKeyboard keyboard;
 

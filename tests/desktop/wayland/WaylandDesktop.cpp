@@ -1,40 +1,11 @@
 #include "tests/desktop/wayland/WaylandDesktop.h"
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <stdexcept>
 #include <unistd.h>
 
 namespace tessarine {
 
 namespace {
-
-constexpr auto fieldScript = R"(
-import gi, os, sys
-gi.require_version("Gtk", "3.0")
-from gi.repository import Gtk, GLib
-GLib.set_prgname("field-notes")
-window = Gtk.Window(title="Field Notes")
-entry = Gtk.Entry()
-window.add(entry)
-def changed(_):
-    with open(sys.argv[1] + ".new", "w") as out:
-        out.write(entry.get_text())
-    os.rename(sys.argv[1] + ".new", sys.argv[1])
-entry.connect("changed", changed)
-window.show_all()
-Gtk.main()
-)";
-
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::string output;
-    std::array<char, 4096> piece{};
-    while (const auto count = std::fread(piece.data(), 1, piece.size(), pipe.get()))
-        output.append(piece.data(), count);
-    return output;
-}
 
 const nlohmann::json* focusedNode(const nlohmann::json& node) {
     if (node.value("focused", false))
@@ -52,7 +23,7 @@ const nlohmann::json* focusedNode(const nlohmann::json& node) {
 } // namespace
 
 WaylandDesktop::WaylandDesktop()
-    : ProgramOnDesktop({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
+    : ProgramOnWayland({{"WAYLAND_DISPLAY", variable("WAYLAND_DISPLAY")},
                         {"SWAYSOCK", variable("SWAYSOCK")},
                         {"XDG_SESSION_TYPE", "wayland"},
                         {"XDG_CURRENT_DESKTOP", "sway"}}) {
@@ -109,9 +80,7 @@ void WaylandDesktop::openTerminal() {
 }
 
 void WaylandDesktop::openField() {
-    folder.write("/field.py", fieldScript);
-    launch("GDK_BACKEND=wayland /usr/bin/python3 " + folder.path("/field.py") + " " +
-           folder.path("/written"));
+    launchField();
     ASSERT_TRUE(focuses("Field Notes"));
 }
 
@@ -122,16 +91,7 @@ bool WaylandDesktop::terminalHas(const std::string& lines) const {
 }
 
 bool WaylandDesktop::fieldHas(const std::string& text) const {
-    return waitUntil(patience, [&] { return textOf(folder.path("/written")) == text; });
-}
-
-void WaylandDesktop::copy(const std::string& text, const std::string& options) const {
-    folder.write("/copied", text);
-    launch("wl-copy --foreground " + options + " < " + folder.path("/copied"));
-}
-
-std::string WaylandDesktop::pasted(const std::string& options) const {
-    return outputOf("timeout 10 wl-paste --no-newline " + options);
+    return waitUntil(patience, [&] { return written() == text; });
 }
 
 } // namespace tessarine

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/desktop/ProgramOnDesktop.h"
+#include "tests/desktop/ProgramOnWayland.h"
 #include "tests/wayland/TestKeyboard.h"
 
 #include <linux/input-event-codes.h>
@@ -14,7 +14,7 @@ namespace tessarine {
 
 /// The real program under a Wayland compositor, driven by the keys of a keyboard of the seat. The
 /// compositor's own keys call the program over the session bus, as its users set them up.
-class WaylandDesktop : public ProgramOnDesktop {
+class WaylandDesktop : public ProgramOnWayland {
 protected:
     WaylandDesktop();
     ~WaylandDesktop() override;
@@ -33,13 +33,9 @@ protected:
 
     /// A real terminal whose program writes each line it gets to a file.
     void openTerminal();
-    /// A real text field of another toolkit, whose text is written to a file at each change.
     void openField();
     bool terminalHas(const std::string& lines) const;
     bool fieldHas(const std::string& text) const;
-
-    void copy(const std::string& text, const std::string& options = "") const;
-    std::string pasted(const std::string& options = "") const;
 
     TestKeyboard keyboard;
 
